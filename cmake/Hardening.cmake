@@ -1,0 +1,17 @@
+# What protects the programs at run time, and what makes them self-contained.
+add_library(project_hardening INTERFACE)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+if(CMAKE_BUILD_TYPE STREQUAL "Release")
+    target_compile_options(project_hardening INTERFACE -fstack-protector-strong -D_FORTIFY_SOURCE=2)
+    if(WIN32)
+        # No DLL that a fresh Windows lacks: the C++ and thread runtimes are linked in.
+        target_link_options(project_hardening INTERFACE
+            -static -s -fstack-protector-strong
+            -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
+    else()
+        target_link_options(project_hardening INTERFACE
+            -static-libstdc++ -static-libgcc -pie -s -Wl,-z,relro -Wl,-z,now -Wl,--as-needed
+            -Wl,--gc-sections)
+    endif()
+    target_compile_options(project_hardening INTERFACE -ffunction-sections -fdata-sections)
+endif()

@@ -1,0 +1,85 @@
+#include "Modules/xFramework/OSAL/Process.h"
+
+#include <spawn.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <ctime>
+
+namespace OSAL {
+
+const char PathSeparator = '/';
+const char* const ExecutableSuffix = "";
+
+struct Pipe {
+    FILE* stream;
+};
+
+int Sleep(std::uint32_t milliseconds) {
+    constexpr std::uint32_t nanosecondsPerMillisecond = 1'000'000;
+    timespec remaining{static_cast<time_t>(milliseconds / 1000),
+                       static_cast<long>(milliseconds % 1000 * nanosecondsPerMillisecond)};
+    while (::nanosleep(&remaining, &remaining) != 0 && errno == EINTR) {
+    }
+    return 0;
+}
+
+std::uint32_t GetLastError() {
+    return static_cast<std::uint32_t>(errno);
+}
+
+bool ReadModulePath(std::string& path) {
+    std::array<char, PATH_MAX> buffer{};
+    const ssize_t length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
+    if (length <= 0)
+        return false;
+    path.assign(buffer.data(), static_cast<std::size_t>(length));
+    return true;
+}
+
+bool CreateChildProcess(const std::string& executablePath, const std::string& /*commandLine*/,
+                        const std::string& workingDirectory, bool /*newConsole*/,
+                        ProcessInformation& information) {
+    std::string argument = executablePath;
+    std::array<char*, 2> arguments{argument.data(), nullptr};
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    if (!workingDirectory.empty())
+        ::posix_spawn_file_actions_addchdir_np(&actions, workingDirectory.c_str());
+    pid_t child = 0;
+    const int error =
+        ::posix_spawn(&child, executablePath.c_str(), &actions, nullptr, arguments.data(), environ);
+    ::posix_spawn_file_actions_destroy(&actions);
+    information = {InvalidHandle, InvalidHandle};
+    errno = error;
+    return error == 0;
+}
+
+std::string TaskListCommand(const std::string& name) {
+    // A process that has ended and only waits for its parent does not count as running.
+    return "sed -n 's/^[0-9]* (\\(" + name + "\\)) [^Z].*/\\1/p' /proc/[0-9]*/stat 2>/dev/null";
+}
+
+Pipe* OpenPipe(const std::string& command) {
+    FILE* stream = ::popen(command.c_str(), "r");
+    return stream == nullptr ? nullptr : new Pipe{stream};
+}
+
+std::size_t ReadPipe(Pipe* pipe, char* buffer, std::size_t size) {
+    return std::fread(buffer, 1, size, pipe->stream);
+}
+
+void ClosePipe(Pipe* pipe) {
+    ::pclose(pipe->stream);
+    delete pipe;
+}
+
+int ToExitStatus(int returnCode) {
+    constexpr int largestStatus = 255;
+    return returnCode < 0 || returnCode > largestStatus ? largestStatus : returnCode;
+}
+
+} // namespace OSAL

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Modules/xFramework/OSAL/Handle.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace OSAL {
+
+/// Separates the names of a path: a backslash on Windows, a slash elsewhere.
+extern const char PathSeparator;
+
+/// What an executable's file name has behind its base name. The Windows form ends in a blank, which
+/// the system drops again when it resolves the path.
+extern const char* const ExecutableSuffix;
+
+struct ProcessInformation {
+    Handle process = 0;
+    Handle thread = 0;
+};
+
+/// A child process whose output can be read.
+struct Pipe;
+
+/// Blocks the calling thread; returns 0.
+int Sleep(std::uint32_t milliseconds);
+
+/// The error number of the calling thread's last failed call.
+std::uint32_t GetLastError();
+
+/// The path of the running executable; false when it cannot be told, with path left as it was.
+bool ReadModulePath(std::string& path);
+
+/// Creates a process from an executable file and its whole command line. The child inherits the
+/// handles and the environment. On success information holds handles that the caller closes.
+/// Where a command line is a list of texts, the child gets the executable path alone.
+bool CreateChildProcess(const std::string& executablePath, const std::string& commandLine,
+                        const std::string& workingDirectory, bool newConsole,
+                        ProcessInformation& information);
+
+/// The command that prints the running processes whose image has the given base name.
+std::string TaskListCommand(const std::string& name);
+
+/// Runs a shell command and opens its output for reading; null when it cannot be run.
+Pipe* OpenPipe(const std::string& command);
+
+/// Reads until size bytes came or the output ended; returns how many came.
+std::size_t ReadPipe(Pipe* pipe, char* buffer, std::size_t size);
+
+/// Waits for the command to end and frees the pipe.
+void ClosePipe(Pipe* pipe);
+
+/// The process exit status that stands for a return code. Where the system keeps eight bits only, a
+/// code outside 0 to 255 becomes 255, so that a failure never reads as success.
+int ToExitStatus(int returnCode);
+
+} // namespace OSAL

@@ -1,0 +1,86 @@
+#include "Modules/xFramework/OSAL/Process.h"
+
+#include "Modules/xFramework/OSAL/Windows/WideText.h"
+
+#include <windows.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+extern "C" {
+// The C runtime would expand wildcards in the arguments; an argument * must arrive as *.
+int _dowildcard = 0;
+}
+
+namespace OSAL {
+
+const char PathSeparator = '\\';
+const char* const ExecutableSuffix = ".exe ";
+
+struct Pipe {
+    FILE* stream;
+};
+
+int Sleep(std::uint32_t milliseconds) {
+    ::Sleep(milliseconds);
+    return 0;
+}
+
+std::uint32_t GetLastError() {
+    return ::GetLastError();
+}
+
+bool ReadModulePath(std::string& path) {
+    constexpr std::size_t bufferSize = 1024;
+    std::array<wchar_t, bufferSize + 1> wide{};
+    if (::GetModuleFileNameW(nullptr, wide.data(), bufferSize) == 0)
+        return false;
+    std::array<char, bufferSize> narrow{};
+    const std::size_t length = std::wcstombs(narrow.data(), wide.data(), narrow.size());
+    if (length == static_cast<std::size_t>(-1))
+        return false;
+    path.assign(narrow.data(), length);
+    return true;
+}
+
+bool CreateChildProcess(const std::string& executablePath, const std::string& commandLine,
+                        const std::string& workingDirectory, bool newConsole,
+                        ProcessInformation& information) {
+    std::wstring wideCommandLine = Widen(commandLine);
+    const std::wstring wideDirectory = Widen(workingDirectory);
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION created{};
+    const BOOL done = ::CreateProcessW(
+        Widen(executablePath).c_str(), wideCommandLine.data(), nullptr, nullptr, TRUE,
+        newConsole ? CREATE_NEW_CONSOLE : 0, nullptr,
+        wideDirectory.empty() ? nullptr : wideDirectory.c_str(), &startup, &created);
+    information = {reinterpret_cast<Handle>(created.hProcess),
+                   reinterpret_cast<Handle>(created.hThread)};
+    return done != FALSE;
+}
+
+std::string TaskListCommand(const std::string& name) {
+    return "tasklist /FI \"IMAGENAME eq " + name + ".exe\"";
+}
+
+Pipe* OpenPipe(const std::string& command) {
+    FILE* stream = ::_popen(command.c_str(), "r");
+    return stream == nullptr ? nullptr : new Pipe{stream};
+}
+
+std::size_t ReadPipe(Pipe* pipe, char* buffer, std::size_t size) {
+    return std::fread(buffer, 1, size, pipe->stream);
+}
+
+void ClosePipe(Pipe* pipe) {
+    ::_pclose(pipe->stream);
+    delete pipe;
+}
+
+int ToExitStatus(int returnCode) {
+    return returnCode;
+}
+
+} // namespace OSAL

@@ -1,0 +1,15 @@
+#include "Modules/xFramework/OSAL/Windows/WideText.h"
+
+#include <windows.h>
+
+namespace OSAL {
+
+std::wstring Widen(const std::string& text) {
+    const int size = static_cast<int>(text.size());
+    const int wideSize = ::MultiByteToWideChar(CP_ACP, 0, text.data(), size, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(wideSize), L'\0');
+    ::MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), wideSize);
+    return wide;
+}
+
+} // namespace OSAL

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <string>
+
+namespace Utilities {
+
+/// A message under construction: a template with the placeholders ${1}, ${2}, … and the count of
+/// the arguments applied so far. Each applied argument replaces every occurrence of its
+/// placeholder; placeholders that no argument reached stay in the text. Nothing is ever reported as
+/// an error.
+///
+/// An argument must not contain its own placeholder: the search starts at the front again after
+/// each replacement and would never end. Who formats text that comes from a user checks it first
+/// (Placeholders.h).
+class Format {
+public:
+    /// Takes the template, after the string providers have rewritten it.
+    explicit Format(const std::string& templateText);
+
+    /// Takes the template and applies text arguments in their order.
+    template <typename... Texts>
+    requires(sizeof...(Texts) >= 1 && sizeof...(Texts) <= 5 &&
+             (std::convertible_to<const Texts&, std::string> && ...))
+        Format(const std::string& templateText, const Texts&... arguments)
+        : Format(templateText) {
+        (*this % ... % arguments);
+    }
+
+    /// Applies a text; the string providers rewrite a copy of it first.
+    Format& operator%(const std::string& argument);
+
+    /// Applies a zero-terminated text as it stands. That literals bypass the string providers and
+    /// texts do not is intended.
+    Format& operator%(const char* argument);
+
+    /// The message as far as it is built.
+    const std::string& Text() const { return m_text; }
+    operator const std::string&() const { return m_text; }
+
+private:
+    void ReplaceNextPlaceholder(const std::string& argument);
+
+    std::string m_text;
+    std::int32_t m_argumentIndex = 0;
+};
+
+} // namespace Utilities

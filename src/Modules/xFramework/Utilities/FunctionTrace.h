@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <source_location>
+
+namespace Utilities {
+
+/// Logs at the info level that a function was entered, and that it was left when the scope ends
+/// normally. A scope that an exception ends logs no exit.
+class FunctionTrace {
+public:
+    /// function is the qualified name and must outlive the trace.
+    explicit FunctionTrace(const char* function,
+                           const std::source_location& place = std::source_location::current());
+    ~FunctionTrace();
+
+    FunctionTrace(const FunctionTrace&) = delete;
+    FunctionTrace& operator=(const FunctionTrace&) = delete;
+
+private:
+    const char* m_function;
+    const char* m_file;
+    std::uint32_t m_line;
+    int m_exceptionsAtEntry;
+};
+
+} // namespace Utilities

@@ -1,0 +1,15 @@
+#include "Modules/xFramework/Utilities/Log.h"
+
+#include "Modules/xFramework/Utilities/LogPrinter.h"
+#include "Modules/xFramework/Utilities/SingletonWrapper.h"
+
+namespace Utilities {
+
+void Log(std::uint32_t level, const char* file, std::uint32_t line, const char* function,
+         const std::string& message) {
+    SingletonWrapper<LogPrinter> printer;
+    printer.accessObject();
+    printer->Dispatch(level, file, line, function, message);
+}
+
+} // namespace Utilities

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "Modules/xFramework/Utilities/LogInterfaces.h"
+
+#include <cstdint>
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace Utilities {
+
+/// One output of the log. The channel owns neither its device nor its filter or formatter.
+struct LogChannel {
+    std::string name;
+    ILogDevice* device = nullptr;
+    ILogFilter* filter = nullptr;
+    /// A channel without a formatter writes nothing.
+    ILogFormatter* formatter = nullptr;
+    /// The levels accepted, as bits; none after adding.
+    std::uint32_t levelMask = 0;
+};
+
+/// Fans each log record out to the channels. Channels are added, removed and configured during
+/// start-up only, before other threads run; records may come from any thread.
+class LogPrinter {
+public:
+    /// Adds a channel at the end that accepts no level yet. When the name is taken, the new channel
+    /// takes it over, yet the old one goes on receiving records: that asymmetry is kept as it is.
+    void AddDevice(const std::string& name, ILogDevice* device);
+
+    /// Takes the channel that has the name out; nothing happens when there is none.
+    void RemoveDevice(const std::string& name);
+
+    /// Sets the formatter of the channel that has the name; nothing happens when there is none.
+    void SetFormatter(const std::string& name, ILogFormatter* formatter);
+
+    /// Sets the levels that the channel of the name accepts; nothing happens when there is none.
+    void SetLevelMask(const std::string& name, std::uint32_t mask);
+
+    /// Sets the filter of the channel that has the name; nothing happens when there is none.
+    void SetFilter(const std::string& name, ILogFilter* filter);
+
+    /// Sends one record to every channel in the order of adding.
+    void Dispatch(std::uint32_t level, const char* file, std::uint32_t line, const char* function,
+                  const std::string& message);
+
+private:
+    LogChannel* Find(const std::string& name);
+
+    std::list<std::unique_ptr<LogChannel>> m_channels;
+    std::map<std::string, LogChannel*> m_channelsByName;
+};
+
+} // namespace Utilities

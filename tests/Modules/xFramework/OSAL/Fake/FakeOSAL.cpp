@@ -1,0 +1,226 @@
+#include "Modules/xFramework/OSAL/CriticalSection.h"
+#include "Modules/xFramework/OSAL/DebugOutput.h"
+#include "tests/Modules/xFramework/OSAL/Fake/World.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace OSAL {
+
+using Fake::TheWorld;
+
+namespace {
+
+void Record(const std::string& call) {
+    TheWorld().calls.push_back(call);
+}
+
+const Fake::File* FindFile(const std::string& path) {
+    const auto found = TheWorld().files.find(path);
+    return found == TheWorld().files.end() ? nullptr : &found->second;
+}
+
+std::size_t CopyOut(const std::string& text, char* buffer, std::size_t size) {
+    const std::size_t count = std::min(size, text.size());
+    std::memcpy(buffer, text.data(), count);
+    return count;
+}
+
+} // namespace
+
+// Processes
+
+const char PathSeparator = '/';
+const char* const ExecutableSuffix = ".exe ";
+
+struct Pipe {};
+
+int Sleep(std::uint32_t milliseconds) {
+    Record("Sleep " + std::to_string(milliseconds));
+    return 0;
+}
+
+std::uint32_t GetLastError() {
+    return TheWorld().lastError;
+}
+
+bool ReadModulePath(std::string& path) {
+    if (TheWorld().modulePathReadable)
+        path = TheWorld().modulePath;
+    return TheWorld().modulePathReadable;
+}
+
+bool CreateChildProcess(const std::string& executablePath, const std::string& commandLine,
+                        const std::string& workingDirectory, bool newConsole,
+                        ProcessInformation& information) {
+    Record("CreateChildProcess [" + executablePath + "] [" + commandLine + "] [" +
+           workingDirectory + "] " + (newConsole ? "new console" : "same console"));
+    information = {11, 12};
+    return TheWorld().childStarts;
+}
+
+std::string TaskListCommand(const std::string& name) {
+    return "list " + name;
+}
+
+Pipe* OpenPipe(const std::string& command) {
+    Record("OpenPipe " + command);
+    return TheWorld().pipeOpens ? new Pipe : nullptr;
+}
+
+std::size_t ReadPipe(Pipe*, char* buffer, std::size_t size) {
+    Record("ReadPipe " + std::to_string(size));
+    return CopyOut(TheWorld().pipeOutput, buffer, size);
+}
+
+void ClosePipe(Pipe* pipe) {
+    Record("ClosePipe");
+    delete pipe;
+}
+
+int ToExitStatus(int returnCode) {
+    return returnCode;
+}
+
+bool CloseHandle(Handle handle) {
+    Record("CloseHandle " + (handle == InvalidHandle ? "invalid" : std::to_string(handle)));
+    return handle != InvalidHandle;
+}
+
+// Files
+
+namespace {
+/// The file that is open, if any; its handle is 7.
+const Fake::File* openFile = nullptr;
+constexpr Handle openFileHandle = 7;
+} // namespace
+
+std::uint32_t ReadFileAttributes(const std::string& path) {
+    const Fake::File* file = FindFile(path);
+    return file == nullptr ? InvalidFileAttributes : file->attributes;
+}
+
+std::uint32_t ReadReparseTag(const std::string& path) {
+    const Fake::File* file = FindFile(path);
+    return file == nullptr ? 0 : file->reparseTag;
+}
+
+std::uint32_t CountHardLinks(const std::string& path) {
+    const Fake::File* file = FindFile(path);
+    return file == nullptr ? 0 : file->hardLinks;
+}
+
+Handle OpenFileForReading(const std::string& path) {
+    Record("OpenFileForReading " + path);
+    openFile = FindFile(path);
+    return openFile == nullptr ? InvalidHandle : openFileHandle;
+}
+
+std::size_t ReadFile(Handle file, char* buffer, std::size_t size) {
+    Record("ReadFile " + std::to_string(size));
+    return file == openFileHandle && openFile != nullptr ? CopyOut(openFile->content, buffer, size)
+                                                         : 0;
+}
+
+// Sockets
+
+struct AddressInfo {
+    std::string host;
+    std::string port;
+};
+
+int StartSockets() {
+    Record("StartSockets");
+    return TheWorld().startSucceeds(TheWorld().attempts++) ? 0 : 1;
+}
+
+int CleanupSockets() {
+    Record("CleanupSockets");
+    return 0;
+}
+
+AddressInfo* ResolveAddress(const std::string& host, const std::string& port) {
+    Record("ResolveAddress [" + host + "] [" + port + "]");
+    return TheWorld().resolveSucceeds(TheWorld().attempts - 1) ? new AddressInfo{host, port}
+                                                               : nullptr;
+}
+
+void FreeAddress(AddressInfo* addresses) {
+    Record("FreeAddress");
+    delete addresses;
+}
+
+SocketHandle CreateSocket(const AddressInfo*) {
+    Record("CreateSocket");
+    return TheWorld().createSucceeds(TheWorld().attempts - 1) ? TheWorld().nextSocket++
+                                                              : InvalidSocket;
+}
+
+int AllowAddressReuse(SocketHandle socket) {
+    Record("AllowAddressReuse " + std::to_string(socket));
+    return TheWorld().reuseSucceeds(TheWorld().attempts - 1) ? 0 : SocketError;
+}
+
+int ConnectSocket(SocketHandle socket, const AddressInfo*) {
+    Record("ConnectSocket " + std::to_string(socket));
+    return TheWorld().connectSucceeds(TheWorld().attempts - 1) ? 0 : SocketError;
+}
+
+int SendSocket(SocketHandle socket, const char* data, std::size_t size) {
+    Record("send " + std::to_string(socket) + " " + std::to_string(size));
+    if (TheWorld().sends++ == TheWorld().failingSend)
+        return SocketError;
+    TheWorld().sent.append(data, size);
+    return static_cast<int>(size);
+}
+
+int ReceiveSocket(SocketHandle socket, char* buffer, std::size_t size) {
+    Record("recv " + std::to_string(socket) + " " + std::to_string(size));
+    auto& pieces = TheWorld().received;
+    if (pieces.empty())
+        return TheWorld().receiveFailsAtEnd ? SocketError : 0;
+    const std::size_t count = CopyOut(pieces.front(), buffer, size);
+    pieces.front().erase(0, count);
+    if (pieces.front().empty())
+        pieces.pop_front();
+    return static_cast<int>(count);
+}
+
+int CloseSocket(SocketHandle socket) {
+    Record("CloseSocket " + (socket == InvalidSocket ? "invalid" : std::to_string(socket)));
+    return 0;
+}
+
+std::string LastSocketErrorText() {
+    return "the peer has gone";
+}
+
+// Debugger output and locks
+
+void OutputDebugStringA(const char* message) noexcept {
+    TheWorld().debugOutput.emplace_back(message);
+}
+
+struct CriticalSection {};
+
+CriticalSection* CreateCriticalSection() noexcept {
+    if (!TheWorld().criticalSectionsCanBeCreated)
+        return nullptr;
+    ++TheWorld().criticalSections;
+    return new CriticalSection;
+}
+
+void DestroyCriticalSection(CriticalSection* section) noexcept {
+    --TheWorld().criticalSections;
+    delete section;
+}
+
+void EnterCriticalSection(CriticalSection*) noexcept {
+    Record("EnterCriticalSection");
+}
+
+void LeaveCriticalSection(CriticalSection*) noexcept {
+    Record("LeaveCriticalSection");
+}
+
+} // namespace OSAL

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "Modules/xFramework/OSAL/File.h"
+#include "Modules/xFramework/OSAL/Process.h"
+#include "Modules/xFramework/OSAL/Socket.h"
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+/// What the recording fake of the operating system shows to the code under test, and what that code
+/// asked of it. A test fixture calls Reset first.
+namespace OSAL::Fake {
+
+/// A file as the link rule and OpenFileForReading see it.
+struct File {
+    std::string content;
+    std::uint32_t attributes = ArchiveAttribute;
+    std::uint32_t reparseTag = 0;
+    std::uint32_t hardLinks = 1;
+};
+
+struct World {
+    /// Every call that a rule speaks of, in order and with its arguments: "Sleep 20", "send 512", …
+    std::vector<std::string> calls;
+
+    // Processes
+    std::string modulePath = "/bench/SarvexToolClient";
+    bool modulePathReadable = true;
+    std::uint32_t lastError = 0;
+    bool pipeOpens = true;
+    std::string pipeOutput;
+    bool childStarts = true;
+
+    // Files, by path
+    std::map<std::string, File> files;
+
+    // Sockets. Each step of a connection attempt asks its function whether it works; the argument
+    // is the number of the attempt, from 0.
+    std::function<bool(int)> startSucceeds = [](int) { return true; };
+    std::function<bool(int)> resolveSucceeds = [](int) { return true; };
+    std::function<bool(int)> createSucceeds = [](int) { return true; };
+    std::function<bool(int)> reuseSucceeds = [](int) { return true; };
+    std::function<bool(int)> connectSucceeds = [](int) { return true; };
+    int attempts = 0;
+    SocketHandle nextSocket = 100;
+    /// Everything that was sent, in order.
+    std::string sent;
+    /// The call to SendSocket with this number, from 0, fails; -1 for none.
+    int failingSend = -1;
+    int sends = 0;
+    /// What ReceiveSocket gives, one piece a call; a piece longer than the caller's buffer is given
+    /// in several. When none is left, the peer has closed (or the receive fails, as below).
+    std::deque<std::string> received;
+    bool receiveFailsAtEnd = false;
+
+    /// The debugger output, one entry a call.
+    std::vector<std::string> debugOutput;
+
+    // Locks that exist
+    int criticalSections = 0;
+    bool criticalSectionsCanBeCreated = true;
+};
+
+/// The one world of the test program.
+World& TheWorld();
+
+/// A world as new.
+void Reset();
+
+/// How many recorded calls begin with the text.
+int CountCalls(const std::string& beginning);
+
+} // namespace OSAL::Fake
