@@ -1,0 +1,20 @@
+#pragma once
+
+#include "Modules/xFramework/Streams/advanced_stream.h"
+#include "Modules/xFramework/Streams/nullbuf.h"
+
+#include <string>
+
+namespace Streams {
+
+/// An output stream that puts out nothing. The first character written leaves it in the bad state,
+/// so that all further output is skipped before any formatting is done.
+template <typename Char = char, typename Traits = std::char_traits<Char>>
+class null_ostream : public advanced_ostream<Char, Traits, nullbuf<Char, Traits>> {};
+
+/// The process-wide null streams. Defined here rather than in a source file, so that they exist
+/// before any static object of a file that includes this one.
+inline null_ostream<char> null_stream;
+inline null_ostream<wchar_t> wide_null_stream;
+
+} // namespace Streams
