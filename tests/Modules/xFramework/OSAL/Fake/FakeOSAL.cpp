@@ -170,8 +170,10 @@ int SendSocket(SocketHandle socket, const char* data, std::size_t size) {
     Record("send " + std::to_string(socket) + " " + std::to_string(size));
     if (TheWorld().sends++ == TheWorld().failingSend)
         return SocketError;
-    TheWorld().sent.append(data, size);
-    return static_cast<int>(size);
+    const int limit = TheWorld().largestSend;
+    const std::size_t taken = limit < 0 ? size : std::min(size, static_cast<std::size_t>(limit));
+    TheWorld().sent.append(data, taken);
+    return static_cast<int>(taken);
 }
 
 int ReceiveSocket(SocketHandle socket, char* buffer, std::size_t size) {

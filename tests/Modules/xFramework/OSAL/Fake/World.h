@@ -52,6 +52,8 @@ struct World {
     /// The call to SendSocket with this number, from 0, fails; -1 for none.
     int failingSend = -1;
     int sends = 0;
+    /// SendSocket takes at most so many bytes a call; -1 for no limit.
+    int largestSend = -1;
     /// What ReceiveSocket gives, one piece a call; a piece longer than the caller's buffer is given
     /// in several. When none is left, the peer has closed (or the receive fails, as below).
     std::deque<std::string> received;
