@@ -1,0 +1,45 @@
+#pragma once
+
+#include <compare>
+#include <concepts>
+#include <cstdint>
+#include <istream>
+#include <ostream>
+
+namespace Core {
+
+/// The element type "long": 32 bits wide on every platform, whatever the language's long is there,
+/// and a type of its own beside Int. It reads no "0x" form and offers no IIntegerValue; that is how
+/// values of the type have always behaved, so it is not to be brought into line with Int.
+struct Long {
+    std::int32_t value = 0;
+
+    friend auto operator<=>(const Long&, const Long&) = default;
+    friend std::ostream& operator<<(std::ostream& out, const Long& element) {
+        return out << element.value;
+    }
+    friend std::istream& operator>>(std::istream& in, Long& element) { return in >> element.value; }
+};
+
+// The integer element types. They are named by these aliases and never by the language's names: on
+// Linux std::int64_t is long, on Windows long long, and the thirteen element types have to be the
+// same thirteen, and distinct, on both.
+using Int8 = signed char;
+using UInt8 = unsigned char;
+using Int16 = short;
+using UInt16 = unsigned short;
+using Int = int;
+using UInt32 = unsigned int;
+using Int64 = long long;
+using UInt64 = unsigned long long;
+
+static_assert(sizeof(Int16) == 2 && sizeof(Int) == 4 && sizeof(Int64) == 8 && sizeof(Long) == 4);
+
+template <typename T, typename... Others>
+concept OneOf = (std::same_as<T, Others> || ...);
+
+/// The element types whose values offer IIntegerValue. Long is none of them, see there.
+template <typename T>
+concept IntegerElement = OneOf<T, Int8, UInt8, Int16, UInt16, Int, UInt32, Int64, UInt64>;
+
+} // namespace Core

@@ -1,0 +1,246 @@
+#include "Modules/xFramework/Core/Classes/TypedValue.h"
+
+#include "Modules/xFramework/Core/Classes/Value.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace Core;
+
+std::string TextOf(const IValue& value) {
+    std::string text = "to be replaced";
+    EXPECT_EQ(&value.ToString(text), &text);
+    return text;
+}
+
+template <typename T>
+bool OffersIntegerInterface() {
+    const TypedValue<T> value;
+    return dynamic_cast<const IIntegerValue*>(static_cast<const IValue*>(&value)) != nullptr;
+}
+
+TEST(TypedValue, OneObjectHasOneValueInterfaceAndOneRoot) {
+    TypedValue<Int> object;
+    ITypedValue<Int>* const typed = &object;
+    IIntegerValue* const integer = &object;
+    EXPECT_EQ(static_cast<IValue*>(typed), static_cast<IValue*>(integer));
+    EXPECT_EQ(static_cast<IInterface*>(typed), static_cast<IInterface*>(integer));
+    EXPECT_EQ(static_cast<Utilities::IObject*>(typed), static_cast<Utilities::IObject*>(integer));
+}
+
+TEST(TypedValue, TheEightIntegerTypesOfferTheIntegerInterface) {
+    EXPECT_TRUE(OffersIntegerInterface<Int8>());
+    EXPECT_TRUE(OffersIntegerInterface<UInt8>());
+    EXPECT_TRUE(OffersIntegerInterface<Int16>());
+    EXPECT_TRUE(OffersIntegerInterface<UInt16>());
+    EXPECT_TRUE(OffersIntegerInterface<Int>());
+    EXPECT_TRUE(OffersIntegerInterface<UInt32>());
+    EXPECT_TRUE(OffersIntegerInterface<Int64>());
+    EXPECT_TRUE(OffersIntegerInterface<UInt64>());
+}
+
+TEST(TypedValue, LongAndTheOthersDoNotOfferTheIntegerInterface) {
+    EXPECT_FALSE(OffersIntegerInterface<Long>());
+    EXPECT_FALSE(OffersIntegerInterface<double>());
+    EXPECT_FALSE(OffersIntegerInterface<bool>());
+    EXPECT_FALSE(OffersIntegerInterface<std::string>());
+    EXPECT_FALSE(OffersIntegerInterface<std::set<Value>>());
+}
+
+TEST(TypedValue, IntegerReadsTheHexadecimalForm) {
+    TypedValue<Int> value;
+    EXPECT_TRUE(value.FromString("0x1F"));
+    EXPECT_EQ(value.GetRef(), 31);
+    EXPECT_TRUE(value.FromHexString("20"));
+    EXPECT_EQ(value.GetRef(), 32);
+    EXPECT_FALSE(value.FromHexString("2G"));
+    EXPECT_FALSE(value.FromString("0x"));
+    EXPECT_EQ(value.GetRef(), 32);
+}
+
+TEST(TypedValue, LongReadsNoHexadecimalForm) {
+    TypedValue<Long> value(Long{5});
+    EXPECT_FALSE(value.FromString("0x1F"));
+    EXPECT_EQ(value.GetRef(), Long{5});
+    EXPECT_TRUE(value.FromString("31"));
+    EXPECT_EQ(value.GetRef(), Long{31});
+}
+
+TEST(TypedValue, EmptyTextIsNeverReadNotEvenByAString) {
+    TypedValue<std::string> text("kept");
+    EXPECT_FALSE(text.FromString(""));
+    EXPECT_EQ(text.GetRef(), "kept");
+    TypedValue<Int> number(4);
+    EXPECT_FALSE(number.FromString(""));
+    EXPECT_EQ(number.GetRef(), 4);
+}
+
+TEST(TypedValue, FailedReadingLeavesTheElement) {
+    TypedValue<Int> value(8);
+    EXPECT_FALSE(value.FromString("9abc"));
+    EXPECT_EQ(value.GetRef(), 8);
+}
+
+TEST(TypedValue, CloneOwnsACopyThatNobodyHoldsYet) {
+    std::string storage = "first";
+    TypedRefValue<std::string> original(&storage);
+    original.AddRef();
+    const std::unique_ptr<IValue> clone = original.Clone();
+    storage = "second";
+    EXPECT_EQ(TextOf(original), "second");
+    EXPECT_EQ(TextOf(*clone), "first");
+    EXPECT_EQ(clone->GetRefCount(), 0);
+    EXPECT_NE(dynamic_cast<TypedValue<std::string>*>(clone.get()), nullptr);
+}
+
+TEST(TypedValue, TheFurtherCloningEntriesGiveTheSameCopy) {
+    const TypedValue<Int> original(6);
+    const std::unique_ptr<IInterface> asInterface = original.CloneInterface();
+    const std::unique_ptr<Utilities::IObject> asObject = original.CloneObject();
+    EXPECT_EQ(dynamic_cast<TypedValue<Int>&>(*asInterface).GetRef(), 6);
+    EXPECT_EQ(dynamic_cast<TypedValue<Int>&>(*asObject).GetRef(), 6);
+}
+
+TEST(TypedValue, ReferenceValueWorksOnStorageOwnedElsewhere) {
+    Int storage = 1;
+    TypedRefValue<Int> value(&storage);
+    value.FromString("2");
+    EXPECT_EQ(storage, 2);
+    value.GetMutableRef() = 3;
+    EXPECT_EQ(storage, 3);
+}
+
+TEST(TypedValue, CountStartsAt0AndReleaseDeletesNothing) {
+    TypedValue<Int> value;
+    EXPECT_EQ(value.GetRefCount(), 0);
+    EXPECT_EQ(value.AddRef(), 1);
+    EXPECT_EQ(value.AddRef(), 2);
+    EXPECT_EQ(value.Release(), 1);
+    EXPECT_EQ(value.Release(), 0);
+    EXPECT_EQ(value.GetRefCount(), 0);
+}
+
+TEST(TypedValue, SameTypeIsAskedOfTheElementType) {
+    Int storage = 0;
+    const TypedValue<Int> value;
+    const TypedRefValue<Int> reference(&storage);
+    const TypedValue<Long> other;
+    EXPECT_TRUE(value.IsSameType(&reference));
+    EXPECT_FALSE(value.IsSameType(&other));
+    EXPECT_FALSE(value.IsSameType(nullptr));
+}
+
+TEST(TypedValue, EverythingIsGreaterThanNullAndNothingEqualsIt) {
+    const TypedValue<Int> value(-5);
+    const IValue* const null = nullptr;
+    EXPECT_TRUE(value.IsGreater(null));
+    EXPECT_FALSE(value.IsEqual(null));
+}
+
+struct CrossTypeCase {
+    const char* left;
+    const char* right;
+    bool isEqual;
+    bool isGreater;
+};
+
+template <typename Left, typename Right, std::size_t Count>
+void CheckComparisons(const CrossTypeCase (&cases)[Count]) {
+    for (const CrossTypeCase& row : cases) {
+        SCOPED_TRACE(std::string(row.left) + " with " + row.right);
+        TypedValue<Left> left;
+        TypedValue<Right> right;
+        left.FromString(row.left);
+        right.FromString(row.right);
+        const IValue* const other = &right;
+        EXPECT_EQ(left.IsEqual(other), row.isEqual);
+        EXPECT_EQ(left.IsGreater(other), row.isGreater);
+    }
+}
+
+TEST(TypedValue, SameTypesAreComparedAsElements) {
+    const CrossTypeCase cases[] = {
+        {"9", "10", false, false}, {"10", "9", false, true}, {"9", "9", true, false}};
+    CheckComparisons<Int, Int>(cases);
+}
+
+TEST(TypedValue, OtherTypesAreComparedAsElementsWhenTheirTextCanBeRead) {
+    const CrossTypeCase cases[] = {{"9", "10", false, false},
+                                   {"10", "9", false, true},
+                                   {"31", "0x1F", true, false},
+                                   {"5", "05", true, false}};
+    CheckComparisons<Int, std::string>(cases);
+}
+
+TEST(TypedValue, OtherTypesAreComparedAsTextsWhenTheirTextCannotBeRead) {
+    const CrossTypeCase cases[] = {
+        {"9", "10x", false, true}, {"10", "9x", false, false}, {"5", "5 ", false, false}};
+    CheckComparisons<Int, std::string>(cases);
+}
+
+TEST(TypedValue, AStringReadsEveryTextAndSoComparesTexts) {
+    const CrossTypeCase cases[] = {{"9", "10", false, true}, {"10", "10", true, false}};
+    CheckComparisons<std::string, Int>(cases);
+}
+
+TEST(TypedValue, TextsAreComparedAsUnsignedBytes) {
+    const CrossTypeCase cases[] = {{"\xE9", "z", false, true}, {"z", "\xE9", false, false}};
+    CheckComparisons<std::string, std::string>(cases);
+}
+
+TEST(TypedValue, EmptyTextOfAnotherTypeIsComparedAsText) {
+    const TypedValue<Int> number(0);
+    const TypedValue<std::string> empty;
+    const IValue* const other = &empty;
+    EXPECT_FALSE(number.IsEqual(other));
+    EXPECT_TRUE(number.IsGreater(other));
+}
+
+TEST(TypedValue, AssignCopiesTheElementOfTheSameTypeAndReturnsTheView) {
+    TypedValue<Int> target(1);
+    const TypedValue<Int> source(2);
+    EXPECT_EQ(target.Assign(source), static_cast<const IValue*>(&source));
+    EXPECT_EQ(target.GetRef(), 2);
+}
+
+TEST(TypedValue, AssignNeverConverts) {
+    TypedValue<Int> target(1);
+    const TypedValue<std::string> source("2");
+    EXPECT_EQ(target.Assign(source), nullptr);
+    EXPECT_EQ(target.GetRef(), 1);
+}
+
+/// Stands in for another object, or for none.
+class StandIn : public TypedValue<Int> {
+public:
+    explicit StandIn(const ITypedValue<Int>* view) : TypedValue(-1), m_view(view) {}
+    const ITypedValue<Int>* GetView() const override { return m_view; }
+
+private:
+    const ITypedValue<Int>* m_view;
+};
+
+TEST(TypedValue, AssignReadsThroughTheOthersOwnView) {
+    TypedValue<Int> target(1);
+    const TypedValue<Int> viewed(7);
+    EXPECT_EQ(target.Assign(StandIn(&viewed)), static_cast<const IValue*>(&viewed));
+    EXPECT_EQ(target.GetRef(), 7);
+    EXPECT_EQ(target.Assign(StandIn(nullptr)), nullptr);
+    EXPECT_EQ(target.GetRef(), 7);
+}
+
+TEST(TypedValue, SetOfValuesIsAFullValue) {
+    TypedValue<std::set<Value>> set;
+    set.GetMutableRef().insert({Value("b"), Value("a")});
+    const std::unique_ptr<IValue> clone = set.Clone();
+    EXPECT_EQ(TextOf(set), "a, b");
+    EXPECT_TRUE(set.IsEqual(clone.get()));
+    EXPECT_FALSE(set.IsGreater(clone.get()));
+    EXPECT_FALSE(set.FromString("c"));
+    set.GetMutableRef().insert(Value("c"));
+    EXPECT_FALSE(set.IsEqual(clone.get()));
+    EXPECT_TRUE(set.IsGreater(clone.get()));
+}
+
+} // namespace

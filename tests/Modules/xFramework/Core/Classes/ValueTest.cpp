@@ -1,0 +1,279 @@
+#include "Modules/xFramework/Core/Classes/Value.h"
+
+#include "Modules/xFramework/Utilities/CaughtException.h"
+#include "Modules/xFramework/Utilities/Exception.h"
+#include "tests/Modules/xFramework/Core/Classes/LiveValue.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <sstream>
+
+namespace {
+
+using namespace Core;
+
+template <typename T>
+Value Make(T element) {
+    Value value;
+    value.GetMutableRef<T>() = std::move(element);
+    return value;
+}
+
+Value Copy(const Value& value) {
+    return value;
+}
+
+TEST(Value, EmptyValuePrintsAsNothingAndHoldsNoObject) {
+    const Value empty;
+    EXPECT_EQ(empty.ToString(), "");
+    EXPECT_EQ(empty.Get(), nullptr);
+}
+
+TEST(Value, EmptyValueOrdersBelowEveryOtherAndNotBelowItsLike) {
+    const Value empty;
+    for (const Value& other : {Value(""), Make<Int>(-1), Make(false), Make(std::set<Value>{})}) {
+        SCOPED_TRACE(other.ToString());
+        EXPECT_TRUE(empty < other);
+        EXPECT_FALSE(other < empty);
+    }
+    EXPECT_FALSE(empty < Value());
+}
+
+TEST(Value, TextBecomesAStringValueUnchanged) {
+    const Value value("-wifi-band $(x) ${1}");
+    EXPECT_EQ(value.ToString(), "-wifi-band $(x) ${1}");
+    EXPECT_EQ(value.GetRef<std::string>(), "-wifi-band $(x) ${1}");
+}
+
+TEST(Value, EmptyTextIsAValueAndNotAnEmptyOne) {
+    const Value value("");
+    EXPECT_NE(value.Get(), nullptr);
+    EXPECT_FALSE(Value() == std::string());
+    EXPECT_TRUE(value == std::string());
+}
+
+TEST(Value, CopySharesTheObject) {
+    const Value value("text");
+    const Value copy(value);
+    EXPECT_EQ(copy.Get(), value.Get());
+    EXPECT_EQ(value.Get()->GetRefCount(), 2);
+}
+
+TEST(Value, CopyOfAnEmptyValueIsEmpty) {
+    EXPECT_EQ(Copy(Value()).Get(), nullptr);
+}
+
+TEST(Value, AssignmentOfAnEqualValueKeepsTheObjectAndItsType) {
+    Value number = Make<Int>(5);
+    const IValue* const object = number.Get();
+    number = Value("5");
+    EXPECT_EQ(number.Get(), object);
+    EXPECT_EQ(number.GetRef<Int>(), 5);
+}
+
+TEST(Value, AssignmentOfADifferentValueSharesItsObject) {
+    struct {
+        Value target;
+        Value source;
+    } const cases[] = {{Make<Int>(5), Value("6")}, {Make<Int>(6), Value("5")},
+                       {Value("a"), Value("b")},   {Value("b"), Value("a")},
+                       {Value(), Value("a")},      {Value("a"), Value()}};
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.target.ToString() + " from " + row.source.ToString());
+        Value target;
+        target.Set(row.target.Get());
+        target = row.source;
+        EXPECT_EQ(target.Get(), row.source.Get());
+    }
+}
+
+TEST(Value, AssignmentToItselfChangesNothing) {
+    Value value("text");
+    const IValue* const object = value.Get();
+    const Value& same = value;
+    value = same;
+    EXPECT_EQ(value.Get(), object);
+    EXPECT_EQ(object->GetRefCount(), 1);
+}
+
+TEST(Value, TextThatTheTypeCanReadKeepsTheType) {
+    Value value = Make<Int>(5);
+    value = "0x1F";
+    EXPECT_EQ(value.GetRef<Int>(), 31);
+}
+
+TEST(Value, TextThatTheTypeCannotReadMakesAStringValue) {
+    Value value = Make<Int>(5);
+    value = "abc";
+    EXPECT_EQ(value.GetRef<std::string>(), "abc");
+}
+
+TEST(Value, SameTextLeavesASharedObjectShared) {
+    Value value("text");
+    const Value other(value);
+    value = "text";
+    EXPECT_EQ(value.Get(), other.Get());
+}
+
+TEST(Value, EmptyTextReplacesTheObjectOfAStringValue) {
+    Value value("text");
+    value = "";
+    EXPECT_EQ(value.GetRef<std::string>(), "");
+}
+
+TEST(Value, TextOfItsOwnElementCanBeAssigned) {
+    Value value("text");
+    value = value.GetRef<std::string>();
+    EXPECT_EQ(value.ToString(), "text");
+}
+
+TEST(Value, EqualityOfAStringValueWithTextIsByteExact) {
+    const Value value("-remoteDaemon");
+    EXPECT_TRUE(value == "-remoteDaemon");
+    EXPECT_FALSE(value == "-remotedaemon");
+    EXPECT_FALSE(value == "-remoteDaemon ");
+    EXPECT_TRUE(value != "");
+}
+
+TEST(Value, EqualityOfOtherValuesWithTextIsThatOfNeitherOrderingBelow) {
+    const Value number = Make<Int>(5);
+    EXPECT_TRUE(number == "5");
+    EXPECT_FALSE(number == "6");
+    EXPECT_FALSE(number == "4");
+    EXPECT_FALSE(number == "5 ");
+    EXPECT_TRUE(Make<Int>(31) == "0x1F");
+    EXPECT_TRUE(Make(true) == "1");
+}
+
+TEST(Value, ValuesAreEqualWhenNeitherOrdersBelow) {
+    EXPECT_TRUE(Make<Int>(5) == Value("5"));
+    EXPECT_FALSE(Make<Int>(5) == Value("6"));
+    EXPECT_TRUE(Value() == Value());
+}
+
+TEST(Value, RightSideDecidesTheOrder) {
+    // As numbers 9 is below 10, as texts it is not.
+    EXPECT_TRUE(Value("9") < Make<Int>(10));
+    EXPECT_FALSE(Make<Int>(9) < Value("10"));
+}
+
+TEST(Value, SetOrdersItsValues) {
+    const std::set<Value> values{Value("b"), Value(), Value("a"), Value("b")};
+    std::ostringstream text;
+    for (const Value& value : values)
+        text << "[" << value << "]";
+    EXPECT_EQ(text.str(), "[][a][b]");
+}
+
+TEST(Value, MutableReferenceOfAnotherTypeDiscardsTheOldElement) {
+    Value value("7");
+    EXPECT_EQ(value.GetMutableRef<Int>(), 0);
+    EXPECT_EQ(value.ToString(), "0");
+    EXPECT_EQ(Value().GetMutableRef<std::string>(), "");
+    EXPECT_EQ(Value().GetMutableRef<bool>(), false);
+}
+
+TEST(Value, SharedObjectIsClonedByTheFirstMutation) {
+    Value value = Make<Int>(1);
+    const Value other(value);
+    value.GetMutableRef<Int>() = 2;
+    EXPECT_EQ(value.GetRef<Int>(), 2);
+    EXPECT_EQ(other.GetRef<Int>(), 1);
+    EXPECT_EQ(other.Get()->GetRefCount(), 1);
+    EXPECT_EQ(value.Get()->GetRefCount(), 1);
+}
+
+TEST(Value, SharedObjectIsClonedBeforeItReadsAText) {
+    Value value = Make<Int>(1);
+    const Value other(value);
+    value = "2";
+    EXPECT_EQ(value.GetRef<Int>(), 2);
+    EXPECT_EQ(other.GetRef<Int>(), 1);
+}
+
+TEST(Value, UnsharedObjectIsMutatedInPlace) {
+    Value value = Make<Int>(1);
+    const IValue* const object = value.Get();
+    value.GetMutableRef<Int>() = 2;
+    value = "3";
+    EXPECT_EQ(value.Get(), object);
+    EXPECT_EQ(value.GetRef<Int>(), 3);
+}
+
+TEST(Value, ObjectLivesAsLongAsItsLastHolder) {
+    {
+        Value holder;
+        {
+            Value first;
+            first.Set(new LiveValue(4));
+            holder = first;
+        }
+        EXPECT_EQ(LiveValue::Alive(), 1);
+        EXPECT_EQ(holder.ToString(), "4");
+        holder.Set(holder.Get());
+        EXPECT_EQ(LiveValue::Alive(), 1);
+    }
+    EXPECT_EQ(LiveValue::Alive(), 0);
+}
+
+TEST(Value, EveryWayOfReplacingTheObjectDeletesTheOldOne) {
+    struct {
+        const char* name;
+        void (*replace)(Value&);
+    } const cases[] = {{"null", [](Value& value) { value.Set(nullptr); }},
+                       {"other value", [](Value& value) { value = Value("b"); }},
+                       {"empty value", [](Value& value) { value = Value(); }},
+                       {"text", [](Value& value) { value = "b"; }},
+                       {"other type", [](Value& value) { value.GetMutableRef<bool>(); }}};
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.name);
+        Value value;
+        value.Set(new LiveValue(4));
+        EXPECT_EQ(LiveValue::Alive(), 1);
+        row.replace(value);
+        EXPECT_EQ(LiveValue::Alive(), 0);
+    }
+}
+
+/// Runs what is expected to raise; gives "message | file:line | function".
+template <typename Action>
+std::string RaisedBy(Action action) {
+    try {
+        action();
+    } catch (Utilities::Exception* pException) {
+        const std::unique_ptr<Utilities::Exception> owner(pException);
+        const Utilities::ErrorLocation& place = *owner->GetLocation();
+        return std::string(owner->what()) + " | " + place.GetFile() + ":" +
+               std::to_string(place.GetLine()) + " | " + place.GetFunction();
+    }
+    return "nothing raised";
+}
+
+TEST(Value, ReferenceOfAnotherTypeRaisesWithItsPlace) {
+    const char* const raised = "Incompatible value type | "
+                               "src/Modules/xFramework/Core/Classes/Value:122 | "
+                               "Core::Value::GetRef";
+    EXPECT_EQ(RaisedBy([] { Value("7").GetRef<Int>(); }), raised);
+    EXPECT_EQ(RaisedBy([] { Make<Int>(7).GetRef<Long>(); }), raised);
+    EXPECT_EQ(RaisedBy([] { Value().GetRef<std::string>(); }), raised);
+}
+
+/// Loses its type when it is cloned.
+class Shapeless : public TypedValue<Int> {
+public:
+    std::unique_ptr<IValue> Clone() const override {
+        return std::make_unique<TypedValue<std::string>>();
+    }
+};
+
+TEST(Value, MutableReferenceThatCannotBeHadRaisesWithItsPlace) {
+    Value value;
+    value.Set(new Shapeless);
+    const Value other(value);
+    EXPECT_EQ(RaisedBy([&value] { value.GetMutableRef<Int>(); }),
+              "Incompatible value type | src/Modules/xFramework/Core/Classes/Value:133 | "
+              "Core::Value::GetMutableRef");
+}
+
+} // namespace
