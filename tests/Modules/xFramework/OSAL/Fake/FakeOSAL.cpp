@@ -70,6 +70,7 @@ Pipe* OpenPipe(const std::string& command) {
 
 std::size_t ReadPipe(Pipe*, char* buffer, std::size_t size) {
     Record("ReadPipe " + std::to_string(size));
+    TheWorld().onReadPipe();
     return CopyOut(TheWorld().pipeOutput, buffer, size);
 }
 
@@ -178,6 +179,7 @@ int SendSocket(SocketHandle socket, const char* data, std::size_t size) {
 
 int ReceiveSocket(SocketHandle socket, char* buffer, std::size_t size) {
     Record("recv " + std::to_string(socket) + " " + std::to_string(size));
+    TheWorld().onReceive();
     auto& pieces = TheWorld().received;
     if (pieces.empty())
         return TheWorld().receiveFailsAtEnd ? SocketError : 0;

@@ -34,6 +34,8 @@ struct World {
     bool pipeOpens = true;
     std::string pipeOutput;
     bool childStarts = true;
+    /// Called when the output of a command is read; may throw.
+    std::function<void()> onReadPipe = [] {};
 
     // Files, by path
     std::map<std::string, File> files;
@@ -58,6 +60,8 @@ struct World {
     /// in several. When none is left, the peer has closed (or the receive fails, as below).
     std::deque<std::string> received;
     bool receiveFailsAtEnd = false;
+    /// Called before each receive; may throw.
+    std::function<void()> onReceive = [] {};
 
     /// The debugger output, one entry a call.
     std::vector<std::string> debugOutput;

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Modules/xFramework/Core/Classes/Value.h"
+
+#include <cstdint>
+#include <istream>
+#include <list>
+#include <map>
+#include <string>
+
+/// The daemon's own commands: lower-case name to parameter count.
+using CommandTable = std::map<std::string, std::int32_t>;
+
+/// Reads a table of lines that each hold a name and a parameter count; what follows on a line is
+/// ignored. The first entry of a name wins. One line without a name and a count of at least 0 (an
+/// empty line too) makes the whole table empty: on purpose, a half-read table would send some
+/// commands bare and some not.
+CommandTable ReadCommandTable(std::istream& file);
+
+/// Whether the arguments are nothing but commands of the table, each with its parameters. A last
+/// command whose parameters are missing counts as known.
+bool AreAllKnown(const std::list<Core::Value>& arguments, const CommandTable& table);

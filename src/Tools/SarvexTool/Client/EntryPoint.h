@@ -1,0 +1,8 @@
+#pragma once
+
+/// The whole run of the client: takes what is its own out of the command line, sends the rest to
+/// the daemon as one command and, with "-wifi-test-by-file", runs the table-driven test. argc and
+/// argv are those of main. Returns the exit code: the daemon's return code or the test's result, 0
+/// after the short usage, 1 when the daemon cannot be reached, 256 when an exception ended the run
+/// (its message is on standard error), 258 when the local daemon cannot be started.
+int RunClient(int argc, const char* const argv[]);

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+/// The command line that the daemon is given: "CLI -1 ", the prefix and the argument text. The
+/// argument text begins with a blank, so a prefix that ends in one yields two in a row: the daemon
+/// is given exactly these bytes.
+std::string BuildCommandLine(const std::string& prefix, const std::string& argumentText);
+
+/// The HTTP request that carries a command line to the daemon at the address (a host name or
+/// numeric address, without port). The body is the command line as it stands. Raises an
+/// Utilities::Exception* when either text contains a message placeholder (${1} to ${5}).
+std::string BuildRequest(const std::string& address, const std::string& commandLine);

@@ -1,0 +1,30 @@
+#include "Tools/SarvexTool/Client/UsageText.h"
+
+// The byte 0x85 is the ellipsis of the console's code page Windows-1252; it stands in a piece of
+// its own so that the escape does not swallow what follows.
+const char* const usageText =
+    "Use the following syntax to set Sarvex Tool's configuration:\n"
+    "\n"
+    "SarvexToolClient.exe [-option1 <parameter1>] [-option2 <parameter2>] [-option3 <parameter3>] "
+    "[\x85"
+    "]\n"
+    "\n"
+    "General options:\n"
+    "\n"
+    "\t[-connectBin] \t\tConnect to the device with Bin Commands.\n"
+    "\n"
+    "\t[-disconnectBin] \tDisconnect from the device with Bin Commands.\n"
+    "\n"
+    "\t[-disconnect] \t\tDisconnect from the device with Bin Commands.\n"
+    "\n"
+    "\t[-exit] \t\t\tClose SarvexTool.\n"
+    "\n"
+    "\t[-remote <IP Address>]\t\tSet the remote address.\n"
+    "\n"
+    "\t[-set_init_retries <retries count>]\t\tSet number of times the tool tries to connect to "
+    "AT@.\n"
+    "\n"
+    "\t[-open_local_daemon\t\tStarts Sarvex Tool.\n"
+    "\n"
+    "\t[-no_automation\t\tClient doesn't wait for response.\n"
+    "\n";

@@ -1,0 +1,6 @@
+#include "Modules/xFramework/OSAL/Process.h"
+#include "Tools/SarvexTool/Client/EntryPoint.h"
+
+int main(int argc, char* argv[]) {
+    return OSAL::ToExitStatus(RunClient(argc, argv));
+}

@@ -1,0 +1,196 @@
+#include "Modules/xFramework/OSAL/Process.h"
+#include "Tools/SarvexTool/Client/Request.h"
+#include "Tools/SarvexTool/Client/UsageText.h"
+#include "tests/EndToEnd/Support/Bench.h"
+#include "tests/EndToEnd/Support/ScriptedPeer.h"
+
+#include <gmock/gmock.h>
+
+namespace EndToEnd {
+namespace {
+
+constexpr const char* head = "HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\n\r\n";
+
+/// Runs the client against a peer that takes the request and then does what the script says.
+class ExchangeTest : public testing::Test {
+protected:
+    using Answer = std::function<void(Connection&)>;
+
+    ProcessResult Exchange(const std::vector<std::string>& arguments, const Answer& answer) {
+        ScriptedPeer peer([this, &answer](Connection& connection, int) {
+            request = connection.ReadRequest();
+            answer(connection);
+        });
+        bench.SetPort(peer.Port());
+        return bench.RunClient(arguments);
+    }
+
+    /// As Exchange, with an answer that is sent at once.
+    ProcessResult ExchangeAtOnce(const std::vector<std::string>& arguments,
+                                 const std::string& answer) {
+        return Exchange(arguments, [&](Connection& connection) { connection.Send(answer); });
+    }
+
+    Bench bench;
+    std::string request;
+};
+
+TEST_F(ExchangeTest, CommandReachesTheDaemonAndItsAnswerTheConsole) {
+    const ProcessResult result = ExchangeAtOnce(
+        {"-wifi-stop"}, std::string(head) + "Sarvex tool INFO\nstopped\nSarvex tool ERROR\nlate\n"
+                                            "Sarvex tool RETURN CODE\n3\nDone");
+    EXPECT_EQ(request, BuildRequest("127.0.0.1", "CLI -1 -vemo  -wifi-stop"));
+    EXPECT_EQ(result.out, TextMode("stopped\n"));
+    EXPECT_EQ(result.err, TextMode("late\n"));
+    EXPECT_EQ(result.exitCode, 3);
+}
+
+TEST_F(ExchangeTest, ReturnCodeBecomesTheExitCode) {
+    for (const int code : {0, 1, 10, 255, 256, 258, -1, 2147483647}) {
+        SCOPED_TRACE(code);
+        const ProcessResult result =
+            ExchangeAtOnce({"-x"}, "Sarvex tool RETURN CODE\n" + std::to_string(code) + "\nDone");
+        // Linux keeps eight bits; a failure must not become a success there.
+        EXPECT_EQ(result.exitCode, OSAL::ToExitStatus(code));
+    }
+}
+
+TEST_F(ExchangeTest, BareCallPrintsItsOwnPath) {
+    const ProcessResult result = bench.RunClient({});
+    EXPECT_EQ(result.out, TextMode("Usage: " + bench.ClientPath() + " [args]\n"));
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.exitCode, 0);
+}
+
+TEST_F(ExchangeTest, HelpIsPrintedByteForByteAndSent) {
+    const ProcessResult result = ExchangeAtOnce({"-help"}, "okDone");
+    EXPECT_EQ(result.out, TextMode(std::string(usageText) + "ok\n"));
+    EXPECT_EQ(request, BuildRequest("127.0.0.1", "CLI -1 -vemo  -help"));
+}
+
+TEST_F(ExchangeTest, ArgumentsArriveAsTheyWereGiven) {
+    bench.Write("a.txt", "");
+    bench.Write("b.txt", "");
+    const std::vector<std::string> arguments = {
+        "*", "*.txt",  "?.txt", "[ab].txt", "a b", "tab\there", "\"", "\\", "back\\\\\"slash\\",
+        "",  "%PATH%", "$HOME", "{x:1}",    "'",   "-exit\r"};
+    ExchangeAtOnce(arguments, "xDone");
+    EXPECT_EQ(request,
+              BuildRequest("127.0.0.1", "CLI -1 -vemo  * *.txt ?.txt [ab].txt \"a b\" tab\there \" "
+                                        "\\ back\\\\\"slash\\  %PATH% $HOME {x:1} ' -exit"));
+}
+
+TEST_F(ExchangeTest, RemoteDaemonIsDialledAndNamedInTheHead) {
+    ExchangeAtOnce({"-remoteDaemon", "localhost", "-exit"}, "xDone");
+    // Resolving the name may give the IPv6 address first, where nobody listens; the numeric form
+    // leaves no doubt.
+    ExchangeAtOnce({"-remoteDaemon", "127.0.0.1", "-exit"}, "xDone");
+    EXPECT_EQ(request, BuildRequest("127.0.0.1", "CLI -1 -vemo  -exit"));
+}
+
+TEST_F(ExchangeTest, KnownCommandsGoOutBare) {
+    bench.Write("SarvexToolCmds.txt", "-EXIT 0\r\n-remote 1\r\n");
+    ExchangeAtOnce({"-remote", "10.1.1.1", "-exit"}, "xDone");
+    EXPECT_EQ(request, BuildRequest("127.0.0.1", "CLI -1  -remote 10.1.1.1 -exit"));
+}
+
+TEST_F(ExchangeTest, AnswerInOneSegmentEndsAtTheMarkWhileTheConnectionIsOpen) {
+    const ProcessResult result = ExchangeAtOnce({"-x"}, std::string(head) + "hello\nDone");
+    EXPECT_EQ(result.out, TextMode("hello\n\n"));
+    EXPECT_EQ(result.exitCode, 0);
+}
+
+TEST_F(ExchangeTest, MarkInASegmentOfItsOwnIsTextAndTheCloseEndsTheAnswer) {
+    const ProcessResult result = Exchange({"-x"}, [](Connection& connection) {
+        connection.Send(std::string(head) + "hello\n");
+        connection.SendApart("Done");
+        connection.FinishSending();
+    });
+    EXPECT_EQ(result.out, TextMode("hello\nDone\n"));
+}
+
+TEST_F(ExchangeTest, ConnectionThatEndsWithoutAnAnswerPrintsAnEmptyLine) {
+    const ProcessResult closed =
+        Exchange({"-x"}, [](Connection& connection) { connection.Close(); });
+    EXPECT_EQ(closed.out, TextMode("\n"));
+    EXPECT_EQ(closed.err, "");
+    EXPECT_EQ(closed.exitCode, 0);
+    const ProcessResult reset =
+        Exchange({"-x"}, [](Connection& connection) { connection.Reset(); });
+    EXPECT_EQ(reset.exitCode, 0);
+    EXPECT_EQ(reset.out, TextMode("\n"));
+}
+
+TEST_F(ExchangeTest, AnswerCutAtAnyByteIsProcessedAsFarAsItCame) {
+    const std::string answer = "HTTP/1.1 200 OK\r\n\r\nhello\nSarvex tool RETURN CODE\n3\nDone";
+    for (std::size_t size = 0; size < answer.size(); ++size) {
+        SCOPED_TRACE(size);
+        const ProcessResult result = Exchange({"-x"}, [&](Connection& connection) {
+            connection.Send(answer.substr(0, size));
+            connection.FinishSending();
+        });
+        // Behind the code's marker a missing number ends the run; everything else is text.
+        const bool codeIsEmpty = answer.substr(0, size).ends_with("CODE\n");
+        const bool codeIsThere = answer.substr(0, size).find("CODE\n3") != std::string::npos;
+        const int expected = codeIsEmpty ? 256 : codeIsThere ? 3 : 0;
+        EXPECT_EQ(result.exitCode, OSAL::ToExitStatus(expected));
+        EXPECT_EQ(result.err, codeIsEmpty ? TextMode("Failed to handle commands.\n") : "");
+    }
+}
+
+TEST_F(ExchangeTest, GarbageIsPrintedAsItCame) {
+    std::string garbage;
+    for (int round = 0; round < 4; ++round) {
+        for (int byte = 1; byte < 256; ++byte) {
+            // Text mode would translate these on Windows, which TextMode does not model.
+            if (byte != '\r' && byte != 0x1A)
+                garbage += static_cast<char>(byte);
+        }
+    }
+    const ProcessResult result = Exchange({"-x"}, [&](Connection& connection) {
+        connection.Send(garbage);
+        connection.FinishSending();
+    });
+    EXPECT_EQ(result.out, TextMode(garbage + "\n"));
+    EXPECT_EQ(result.exitCode, 0);
+}
+
+TEST_F(ExchangeTest, UncalibratedAnswerEndsWithTen) {
+    EXPECT_EQ(
+        ExchangeAtOnce({"-x"}, "device uncalibrated\nSarvex tool RETURN CODE\n3\nDone").exitCode,
+        10);
+}
+
+TEST_F(ExchangeTest, UnreadableReturnCodeEndsWith256) {
+    const ProcessResult result = ExchangeAtOnce({"-x"}, "Sarvex tool RETURN CODE\nabc\nDone");
+    EXPECT_EQ(result.exitCode, OSAL::ToExitStatus(256));
+    EXPECT_EQ(result.err, TextMode("Failed to handle commands.\n"));
+    EXPECT_EQ(result.out, "");
+}
+
+TEST_F(ExchangeTest, PlaceholderInAnArgumentOrAddressIsAnErrorAndNoHang) {
+    const std::string reason = " contains a message placeholder (a dollar sign and a digit from 1 "
+                               "to 5 in braces), which cannot be sent.\n";
+    ScriptedPeer peer([](Connection& connection, int) { connection.WaitForClose(); });
+    bench.SetPort(peer.Port());
+    const ProcessResult argument = bench.RunClient({"-x", "a${3}b"});
+    EXPECT_EQ(argument.err, TextMode("The command" + reason));
+    EXPECT_EQ(argument.exitCode, OSAL::ToExitStatus(256));
+}
+
+TEST_F(ExchangeTest, AnswerOfAHundredMebibytesIsProcessedWithinFiveTimesItsSize) {
+    constexpr std::size_t size = 100 << 20;
+    for (const char filler : {'x', '\n'}) {
+        SCOPED_TRACE(static_cast<int>(filler));
+        const ProcessResult result = Exchange({"-x"}, [&](Connection& connection) {
+            connection.Send(std::string(head) + std::string(size, filler));
+            connection.FinishSending();
+        });
+        EXPECT_EQ(result.exitCode, 0);
+        EXPECT_EQ(result.out, TextMode(std::string(size, filler) + "\n"));
+        EXPECT_LT(result.peakBytes, 5 * size);
+    }
+}
+
+} // namespace
+} // namespace EndToEnd

@@ -1,0 +1,31 @@
+#include "tests/EndToEnd/Support/Files.h"
+
+#include <fstream>
+#include <iterator>
+#include <random>
+
+namespace EndToEnd {
+
+TemporaryDirectory::TemporaryDirectory() {
+    std::random_device random;
+    do {
+        m_path = std::filesystem::temp_directory_path() /
+                 ("sarvex-" + std::to_string(random()) + std::to_string(random()));
+    } while (!std::filesystem::create_directory(m_path));
+}
+
+TemporaryDirectory::~TemporaryDirectory() {
+    std::error_code ignored;
+    std::filesystem::remove_all(m_path, ignored);
+}
+
+std::string ReadBytes(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+void WriteBytes(const std::string& path, const std::string& content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+} // namespace EndToEnd

@@ -1,0 +1,103 @@
+#include "tests/EndToEnd/Support/Process.h"
+
+#include "tests/EndToEnd/Support/Files.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <stdexcept>
+#include <thread>
+
+namespace EndToEnd {
+
+using Clock = std::chrono::steady_clock;
+
+struct Process::System {
+    pid_t child = -1;
+    TemporaryDirectory output;
+    Clock::time_point start = Clock::now();
+};
+
+namespace {
+
+double SecondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+} // namespace
+
+Process::Process(const std::string& program, const std::vector<std::string>& arguments,
+                 const std::string& workingDirectory)
+    : m_system(std::make_unique<System>()) {
+    std::vector<char*> pointers{const_cast<char*>(program.c_str())};
+    for (const std::string& argument : arguments)
+        pointers.push_back(const_cast<char*>(argument.c_str()));
+    pointers.push_back(nullptr);
+    const std::string out = m_system->output.Path("out");
+    const std::string err = m_system->output.Path("err");
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_addchdir_np(&actions, workingDirectory.c_str());
+    ::posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    ::posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT, 0600);
+    ::posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT, 0600);
+    const int error = ::posix_spawn(&m_system->child, program.c_str(), &actions, nullptr,
+                                    pointers.data(), environ);
+    ::posix_spawn_file_actions_destroy(&actions);
+    if (error != 0)
+        throw std::runtime_error("cannot start " + program);
+}
+
+Process::~Process() {
+    if (m_system->child > 0) {
+        Kill();
+        ::waitpid(m_system->child, nullptr, 0);
+    }
+}
+
+ProcessResult Process::Wait(double timeoutSeconds) {
+    int status = 0;
+    rusage usage{};
+    pid_t ended = 0;
+    while ((ended = ::wait4(m_system->child, &status, WNOHANG, &usage)) == 0) {
+        if (SecondsSince(m_system->start) > timeoutSeconds)
+            Kill();
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    m_system->child = -1;
+    ProcessResult result;
+    result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    result.out = OutSoFar();
+    result.err = ReadBytes(m_system->output.Path("err"));
+    result.seconds = SecondsSince(m_system->start);
+    result.peakBytes = static_cast<std::uint64_t>(usage.ru_maxrss) * 1024;
+    return result;
+}
+
+void Process::Kill() {
+    ::kill(m_system->child, SIGKILL);
+}
+
+std::string Process::OutSoFar() const {
+    return ReadBytes(m_system->output.Path("out"));
+}
+
+std::string ExecutableName(const std::string& name) {
+    return name;
+}
+
+std::string TestProgramDirectory() {
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
+}
+
+std::string TextMode(const std::string& text) {
+    return text;
+}
+
+} // namespace EndToEnd

@@ -1,0 +1,165 @@
+#include "tests/EndToEnd/Support/ScriptedPeer.h"
+
+// The library's coroutine header lacks this one.
+#include <utility>
+
+#include <boost/asio.hpp>
+
+#include <atomic>
+#include <chrono>
+#include <random>
+#include <stdexcept>
+#include <thread>
+
+namespace EndToEnd {
+
+namespace asio = boost::asio;
+using asio::ip::tcp;
+using Error = boost::system::error_code;
+
+struct Connection::Socket {
+    tcp::socket socket;
+    std::string received;
+
+    /// Receives once; false at the end.
+    bool ReceiveMore() {
+        std::vector<char> buffer(65536);
+        Error error;
+        const std::size_t count = socket.read_some(asio::buffer(buffer), error);
+        received.append(buffer.data(), count);
+        return !error;
+    }
+};
+
+Connection::Connection(std::unique_ptr<Socket> socket) : m_socket(std::move(socket)) {}
+
+Connection::~Connection() = default;
+
+std::string Connection::ReadRequest() {
+    std::string& bytes = m_socket->received;
+    std::size_t headEnd = 0;
+    while ((headEnd = bytes.find("\r\n\r\n")) == std::string::npos) {
+        if (!m_socket->ReceiveMore())
+            return bytes;
+    }
+    const std::string label = "Content-Length: ";
+    const std::size_t length = std::stoul(bytes.substr(bytes.find(label) + label.size()));
+    return Read(headEnd + 4 + length);
+}
+
+std::string Connection::Read(std::size_t size) {
+    std::string& bytes = m_socket->received;
+    while (bytes.size() < size && m_socket->ReceiveMore()) {
+    }
+    const std::string result = bytes.substr(0, size);
+    bytes.erase(0, size);
+    return result;
+}
+
+void Connection::Send(const std::string& bytes) {
+    Error ignored;
+    asio::write(m_socket->socket, asio::buffer(bytes), ignored);
+}
+
+void Connection::SendApart(const std::string& bytes) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    Send(bytes);
+}
+
+void Connection::Close() {
+    Error ignored;
+    m_socket->socket.shutdown(tcp::socket::shutdown_both, ignored);
+    m_socket->socket.close(ignored);
+}
+
+void Connection::FinishSending() {
+    Error ignored;
+    m_socket->socket.shutdown(tcp::socket::shutdown_send, ignored);
+}
+
+void Connection::Reset() {
+    Error ignored;
+    m_socket->socket.set_option(asio::socket_base::linger(true, 0), ignored);
+    m_socket->socket.close(ignored);
+}
+
+void Connection::WaitForClose() {
+    while (m_socket->ReceiveMore()) {
+    }
+}
+
+namespace {
+
+/// Four digits: the client's port file holds no more.
+tcp::acceptor ListenOnFreePort(asio::io_context& context) {
+    std::random_device random;
+    std::uniform_int_distribution<unsigned short> ports(2000, 9999);
+    for (int attempt = 0; attempt < 1000; ++attempt) {
+        tcp::acceptor acceptor(context);
+        const tcp::endpoint endpoint(asio::ip::address_v4::loopback(), ports(random));
+        Error error;
+        acceptor.open(endpoint.protocol());
+        acceptor.bind(endpoint, error);
+        if (!error)
+            acceptor.listen(tcp::acceptor::max_listen_connections, error);
+        if (!error)
+            return acceptor;
+    }
+    throw std::runtime_error("no free four-digit port");
+}
+
+} // namespace
+
+struct ScriptedPeer::System {
+    explicit System(Script givenScript)
+        : script(std::move(givenScript)),
+          acceptor(ListenOnFreePort(context)),
+          endpoint(acceptor.local_endpoint()) {}
+
+    void Serve() {
+        for (int number = 0; !stopping; ++number) {
+            tcp::socket socket(context);
+            Error error;
+            acceptor.accept(socket, error);
+            if (stopping || error)
+                return;
+            socket.set_option(tcp::no_delay(true), error);
+            connections.push_back(std::make_unique<Connection>(
+                std::make_unique<Connection::Socket>(Connection::Socket{std::move(socket), {}})));
+            script(*connections.back(), number);
+        }
+    }
+
+    Script script;
+    asio::io_context context;
+    tcp::acceptor acceptor;
+    tcp::endpoint endpoint;
+    std::vector<std::unique_ptr<Connection>> connections;
+    std::atomic<bool> stopping = false;
+    std::thread thread;
+};
+
+ScriptedPeer::ScriptedPeer(Script script) : m_system(std::make_unique<System>(std::move(script))) {
+    m_system->thread = std::thread([system = m_system.get()] { system->Serve(); });
+}
+
+ScriptedPeer::~ScriptedPeer() {
+    m_system->stopping = true;
+    // Wakes the accept.
+    asio::io_context context;
+    tcp::socket socket(context);
+    Error ignored;
+    socket.connect(m_system->endpoint, ignored);
+    m_system->thread.join();
+}
+
+std::string ScriptedPeer::Port() const {
+    return std::to_string(m_system->endpoint.port());
+}
+
+std::string UnusedPort() {
+    asio::io_context context;
+    return std::to_string(ListenOnFreePort(context).local_endpoint().port());
+}
+
+} // namespace EndToEnd

@@ -1,0 +1,254 @@
+#include "Tools/SarvexTool/Client/EntryPoint.h"
+
+#include "Tools/SarvexTool/Client/Request.h"
+#include "Tools/SarvexTool/Client/UsageText.h"
+#include "tests/Modules/xFramework/OSAL/Fake/World.h"
+#include "tests/Tools/SarvexTool/Client/ConsoleCapture.h"
+#include "tests/Tools/SarvexTool/Client/ProgramDirectory.h"
+
+#include <gmock/gmock.h>
+
+#include <ios>
+#include <vector>
+
+namespace {
+
+using OSAL::Fake::CountCalls;
+using OSAL::Fake::TheWorld;
+
+class EntryPointTest : public testing::Test {
+protected:
+    EntryPointTest() : directory("sarvex-entrypoint-test") {
+        TheWorld().received = {"HTTP/1.1 200 OK\r\n\r\nanswer\nSarvex tool RETURN CODE\n3\nDone"};
+    }
+
+    /// Runs the client with these arguments behind the program path.
+    static int Run(const std::vector<std::string>& arguments) {
+        std::vector<const char*> pointers{"C:\\bench\\SarvexToolClient.exe"};
+        for (const std::string& argument : arguments)
+            pointers.push_back(argument.c_str());
+        return RunClient(static_cast<int>(pointers.size()), pointers.data());
+    }
+
+    /// The command line that reached the daemon.
+    static std::string SentCommandLine() {
+        const std::string& sent = TheWorld().sent;
+        const std::size_t headEnd = sent.find("\r\n\r\n");
+        return headEnd == std::string::npos ? "nothing was sent" : sent.substr(headEnd + 4);
+    }
+
+    struct FreshWorld {
+        FreshWorld() { OSAL::Fake::Reset(); }
+    } freshWorld;
+    ProgramDirectory directory;
+    ConsoleCapture console;
+};
+
+TEST_F(EntryPointTest, BareCallPrintsTheShortUsageAndTouchesNoNetwork) {
+    EXPECT_EQ(Run({}), 0);
+    EXPECT_EQ(console.Out(), "Usage: C:\\bench\\SarvexToolClient.exe [args]\n");
+    EXPECT_EQ(console.Err(), "");
+    EXPECT_TRUE(TheWorld().calls.empty());
+}
+
+TEST_F(EntryPointTest, CallWithoutEvenAProgramPathPrintsTheShortUsage) {
+    EXPECT_EQ(RunClient(0, nullptr), 0);
+    EXPECT_EQ(console.Out(), "Usage:  [args]\n");
+}
+
+TEST_F(EntryPointTest, CommandIsSentAndTheAnswerGivesTheExitCode) {
+    EXPECT_EQ(Run({"-wifi-stop"}), 3);
+    EXPECT_EQ(TheWorld().sent, BuildRequest("127.0.0.1", "CLI -1 -vemo  -wifi-stop"));
+    EXPECT_EQ(console.Out(), "answer\n");
+    EXPECT_EQ(console.Err(), "");
+}
+
+TEST_F(EntryPointTest, CommandLineFollowsTheArguments) {
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string commandLine;
+    };
+    const Case cases[] = {
+        {{"-connect", "-connect"}, "CLI -1 -vemo  -connectbin -connect"},
+        {{"-disconnect", "-disconnect"}, "CLI -1 -vemo  -disconnectxvt -disconnect"},
+        {{"-disconnect", "-connect"}, "CLI -1 -vemo  -disconnectxvt -connectbin"},
+        {{"-Connect", "-connectBin"}, "CLI -1 -vemo  -Connect -connectBin"},
+        {{"-exit "}, "CLI -1 -vemo  -exit"},
+        {{"-exit ", "-x"}, "CLI -1 -vemo  \"-exit \" -x"},
+        {{"-no_automation"}, "CLI -1 -vemo  -no_automation"},
+        {{"*", "?"}, "CLI -1 -vemo  * ?"},
+        {{""}, "CLI -1 -vemo  "},
+        {{"-wifi-test-by-file"}, "CLI -1 -vemo  -wifi-test-by-file"},
+        {{"-remoteDaemon"}, "CLI -1 "},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.commandLine);
+        TheWorld().sent.clear();
+        TheWorld().received = {"xDone"};
+        EXPECT_EQ(Run(row.arguments), 0);
+        EXPECT_EQ(SentCommandLine(), row.commandLine);
+    }
+}
+
+TEST_F(EntryPointTest, KnownCommandsGoOutWithoutThePrefix) {
+    directory.Write("SarvexToolCmds.txt", "-exit 0\n-remote 1\n");
+    EXPECT_EQ(Run({"-remote", "10.1.1.1", "-exit"}), 3);
+    EXPECT_EQ(SentCommandLine(), "CLI -1  -remote 10.1.1.1 -exit");
+}
+
+TEST_F(EntryPointTest, HelpPrintsTheUsageAndIsSentAllTheSame) {
+    for (const std::string option : {"-help", "-?"}) {
+        SCOPED_TRACE(option);
+        TheWorld().sent.clear();
+        TheWorld().received = {"xDone"};
+        const ConsoleCapture own;
+        EXPECT_EQ(Run({option}), 0);
+        EXPECT_EQ(SentCommandLine(), "CLI -1 -vemo  " + option);
+        EXPECT_EQ(own.Out(), std::string(usageText) + "x\n");
+    }
+}
+
+TEST_F(EntryPointTest, BothHelpOptionsPrintTheUsageOnce) {
+    EXPECT_EQ(Run({"-help", "-?"}), 3);
+    EXPECT_EQ(console.Out(), std::string(usageText) + "answer\n");
+}
+
+TEST_F(EntryPointTest, UsageTextIsKeptToTheByte) {
+    const std::string expected =
+        "Use the following syntax to set Sarvex Tool's "
+        "configuration:\n\nSarvexToolClient.exe [-option1 <parameter1>] [-option2 <parameter2>] "
+        "[-option3 <parameter3>] [\x85]\n\nGeneral options:\n\n\t[-connectBin] \t\tConnect to the "
+        "device with Bin Commands.\n\n\t[-disconnectBin] \tDisconnect from the device with Bin "
+        "Commands.\n\n\t[-disconnect] \t\tDisconnect from the device with Bin "
+        "Commands.\n\n\t[-exit] \t\t\tClose SarvexTool.\n\n\t[-remote <IP Address>]\t\tSet the "
+        "remote address.\n\n\t[-set_init_retries <retries count>]\t\tSet number of times the tool "
+        "tries to connect to AT@.\n\n\t[-open_local_daemon\t\tStarts Sarvex "
+        "Tool.\n\n\t[-no_automation\t\tClient doesn't wait for response.\n\n";
+    EXPECT_EQ(usageText, expected);
+}
+
+TEST_F(EntryPointTest, UnreachableDaemonEndsWithOneAfterTheUsage) {
+    TheWorld().connectSucceeds = [](int) { return false; };
+    EXPECT_EQ(Run({"-help"}), 1);
+    EXPECT_EQ(console.Out(), usageText);
+    EXPECT_EQ(console.Err(),
+              "Failed to connect to daemon. Please ensure that daemon was started.\n");
+    EXPECT_EQ(CountCalls("Sleep 20"), 20);
+}
+
+TEST_F(EntryPointTest, LinkedPortFileEndsAsAFailedConnection) {
+    TheWorld().files[directory.Path("Socket.cfg")].hardLinks = 2;
+    EXPECT_EQ(Run({"-x"}), 1);
+    EXPECT_EQ(console.Err(),
+              "Failed to connect to daemon. Please ensure that daemon was started.\n");
+}
+
+TEST_F(EntryPointTest, MissingPortFileEndsAsAFailedConnection) {
+    TheWorld().files.clear();
+    TheWorld().resolveSucceeds = [](int) { return false; };
+    EXPECT_EQ(Run({"-x"}), 1);
+    EXPECT_EQ(CountCalls("ResolveAddress [127.0.0.1] []"), 20);
+}
+
+TEST_F(EntryPointTest, LinkedCommandFileEndsWith256AndItsMessage) {
+    const std::string path = directory.Path("SarvexToolCmds.txt");
+    TheWorld().files[path].hardLinks = 2;
+    EXPECT_EQ(Run({"-x"}), 256);
+    EXPECT_EQ(console.Err(), "File " + path + " is a link\n");
+    EXPECT_EQ(CountCalls("StartSockets"), 0);
+}
+
+TEST_F(EntryPointTest, LostConnectionEndsWith256AndItsMessage) {
+    TheWorld().failingSend = 1;
+    EXPECT_EQ(Run({"-x"}), 256);
+    EXPECT_EQ(console.Err(), "Failed Sending message\n");
+}
+
+TEST_F(EntryPointTest, UnreadableReturnCodeEndsWith256) {
+    for (const std::string code : {"abc", "99999999999"}) {
+        SCOPED_TRACE(code);
+        TheWorld().received = {"x\nSarvex tool RETURN CODE\n" + code + "\nDone"};
+        const ConsoleCapture own;
+        EXPECT_EQ(Run({"-x"}), 256);
+        EXPECT_EQ(own.Err(), "Failed to handle commands.\n");
+        EXPECT_EQ(own.Out(), "");
+    }
+}
+
+TEST_F(EntryPointTest, StreamFailureEndsWith256AndItsOwnText) {
+    const std::ios_base::failure failure("the stream broke");
+    TheWorld().onReceive = [&failure] { throw failure; };
+    EXPECT_EQ(Run({"-x"}), 256);
+    EXPECT_EQ(console.Err(),
+              std::string("Failed to read daemon response. ") + failure.what() + "\n");
+}
+
+TEST_F(EntryPointTest, UnknownExceptionEndsWith256) {
+    TheWorld().onReceive = [] { throw 7; };
+    EXPECT_EQ(Run({"-x"}), 256);
+    EXPECT_EQ(console.Err(), "Failed to handle commands.\n");
+}
+
+TEST_F(EntryPointTest, UncalibratedAnswerEndsWithTen) {
+    TheWorld().received = {"device is uncalibrated\nSarvex tool RETURN CODE\n3\nDone"};
+    EXPECT_EQ(Run({"-x"}), 10);
+}
+
+TEST_F(EntryPointTest, PlaceholderInAnArgumentOrAddressEndsWith256AndSendsNothing) {
+    const std::string reason = " contains a message placeholder (a dollar sign and a digit from 1 "
+                               "to 5 in braces), which cannot be sent.\n";
+    {
+        const ConsoleCapture own;
+        EXPECT_EQ(Run({"-x", "${5}"}), 256);
+        EXPECT_EQ(own.Err(), "The command" + reason);
+    }
+    EXPECT_EQ(Run({"-remoteDaemon", "${1}"}), 256);
+    EXPECT_EQ(console.Err(), "The daemon's address" + reason);
+    EXPECT_EQ(CountCalls("send"), 0);
+}
+
+TEST_F(EntryPointTest, LocalDaemonThatRunsIsNotStarted) {
+    TheWorld().pipeOutput = "vemo.exe";
+    EXPECT_EQ(Run({"-open_local_daemon", "-x"}), 3);
+    EXPECT_EQ(SentCommandLine(), "CLI -1 -vemo  -x");
+    EXPECT_EQ(CountCalls("CreateChildProcess"), 0);
+    EXPECT_EQ(CountCalls("Sleep"), 0);
+}
+
+TEST_F(EntryPointTest, LocalDaemonIsStartedBeforeTheConnection) {
+    EXPECT_EQ(Run({"-x", "-open_local_daemon"}), 3);
+    EXPECT_EQ(CountCalls("CreateChildProcess"), 1);
+    EXPECT_EQ(SentCommandLine(), "CLI -1 -vemo  -x");
+}
+
+TEST_F(EntryPointTest, LocalDaemonThatCannotBeStartedEndsWith258) {
+    TheWorld().childStarts = false;
+    TheWorld().lastError = 2;
+    EXPECT_EQ(Run({"-open_local_daemon", "-x"}), 258);
+    EXPECT_EQ(console.Err(), "Error occurred: Can't start SarvexTool daemon. Error code: 2\n");
+    EXPECT_EQ(CountCalls("StartSockets"), 0);
+}
+
+TEST_F(EntryPointTest, ThousandsOfArgumentsAndLongOnesAreSentAsTheyAre) {
+    const std::vector<std::string> many(10'000, "-x");
+    std::string expected = "CLI -1 -vemo ";
+    for (const std::string& argument : many)
+        expected += " " + argument;
+    EXPECT_EQ(Run(many), 3);
+    EXPECT_EQ(SentCommandLine(), expected);
+
+    TheWorld().sent.clear();
+    const std::string longArgument(1 << 20, 'x');
+    EXPECT_EQ(Run({longArgument}), 0);
+    EXPECT_EQ(SentCommandLine(), "CLI -1 -vemo  " + longArgument);
+}
+
+TEST_F(EntryPointTest, AllByteValuesButNulAreSentAsTheyAre) {
+    std::string bytes;
+    for (int byte = 1; byte < 256; ++byte)
+        bytes += static_cast<char>(byte);
+    EXPECT_EQ(Run({bytes}), 3);
+    EXPECT_EQ(SentCommandLine(), "CLI -1 -vemo  \"" + bytes + "\"");
+}
+
+} // namespace

@@ -1,0 +1,155 @@
+#include "Tools/SarvexTool/Client/Reply.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace {
+
+TEST(ReplyTest, HeadIsCutAtTheFirstEmptyLine) {
+    struct Case {
+        std::string answer;
+        std::string body;
+    };
+    const Case cases[] = {
+        {"HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello", "hello"},
+        {"HTTP/1.1 200 OK\r\n\r\n", ""},
+        {"\r\n\r\nhello", "hello"},
+        {"\r\n\r\n", ""},
+        {"head\r\n\r\nbody\r\n\r\nrest", "body\r\n\r\nrest"},
+        {"head\n\nbody", "head\n\nbody"},
+        {"head\r\nbody", "head\r\nbody"},
+        {"\r\n\r", "\r\n\r"},
+        {"", ""},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(testing::PrintToString(row.answer));
+        EXPECT_EQ(CutHttpHead(row.answer), row.body);
+    }
+}
+
+struct SortCase {
+    const char* name;
+    std::string body;
+    std::string information;
+    std::string error;
+    int returnCode;
+    std::string allLines;
+};
+
+TEST(ReplyTest, LinesAreSortedByTheMarkersBeforeThem) {
+    const SortCase cases[] = {
+        {"lines, then a code", "hello\nSarvex tool RETURN CODE\n3\n", "hello\n", "", 3,
+         "hello\nSarvex tool RETURN CODE\n3\n\n"},
+        {"empty body", "", "\n", "", 0, "\n"},
+        {"one line end", "\n", "\n\n", "", 0, "\n\n"},
+        {"no line end at the end", "hello", "hello\n", "", 0, "hello\n"},
+        {"all sections", "Sarvex tool INFO\ni\nSarvex tool ERROR\ne\nSarvex tool RETURN CODE\n7",
+         "i\n", "e\n", 7,
+         "Sarvex tool INFO\ni\nSarvex tool ERROR\ne\nSarvex tool RETURN CODE\n7\n"},
+        {"error section ends the body", "Sarvex tool ERROR\ne\n", "", "e\n\n", 0,
+         "Sarvex tool ERROR\ne\n\n"},
+        {"lines behind the code are ignored", "Sarvex tool RETURN CODE\n3\n4\nx\n", "", "", 3,
+         "Sarvex tool RETURN CODE\n3\n4\nx\n\n"},
+        {"a marker ends the ignoring", "Sarvex tool RETURN CODE\n3\nx\nSarvex tool INFO\ny", "y\n",
+         "", 3, "Sarvex tool RETURN CODE\n3\nx\nSarvex tool INFO\ny\n"},
+        {"the last of several codes counts",
+         "Sarvex tool RETURN CODE\n3\nSarvex tool RETURN CODE\n-4\n", "", "", -4,
+         "Sarvex tool RETURN CODE\n3\nSarvex tool RETURN CODE\n-4\n\n"},
+        {"a marker right behind the code's marker", "Sarvex tool RETURN CODE\nSarvex tool INFO\nx",
+         "x\n", "", 0, "Sarvex tool RETURN CODE\nSarvex tool INFO\nx\n"},
+        {"code's marker is the last line", "Sarvex tool RETURN CODE", "", "", 0,
+         "Sarvex tool RETURN CODE\n"},
+        {"code with text behind it", "Sarvex tool RETURN CODE\n12abc", "", "", 12,
+         "Sarvex tool RETURN CODE\n12abc\n"},
+        {"code with blanks before it", "Sarvex tool RETURN CODE\n \t +5", "", "", 5,
+         "Sarvex tool RETURN CODE\n \t +5\n"},
+        {"code with a carriage return", "Sarvex tool RETURN CODE\n256\r\n", "", "", 256,
+         "Sarvex tool RETURN CODE\n256\r\n\n"},
+        {"marker in another case", "sarvex tool error\nx", "sarvex tool error\nx\n", "", 0,
+         "sarvex tool error\nx\n"},
+        {"marker with a blank before it", " Sarvex tool ERROR\nx", " Sarvex tool ERROR\nx\n", "", 0,
+         " Sarvex tool ERROR\nx\n"},
+        {"marker with a blank behind it", "Sarvex tool ERROR \nx", "Sarvex tool ERROR \nx\n", "", 0,
+         "Sarvex tool ERROR \nx\n"},
+        {"marker with a carriage return", "Sarvex tool ERROR\r\nx\r\n",
+         "Sarvex tool ERROR\r\nx\r\n\n", "", 0, "Sarvex tool ERROR\r\nx\r\n\n"},
+    };
+    for (const SortCase& row : cases) {
+        SCOPED_TRACE(row.name);
+        std::string allLines;
+        const Reply reply = SortReply(row.body, allLines);
+        EXPECT_EQ(reply.information, row.information);
+        EXPECT_EQ(reply.error, row.error);
+        EXPECT_EQ(reply.returnCode, row.returnCode);
+        EXPECT_EQ(allLines, row.allLines);
+    }
+}
+
+TEST(ReplyTest, AnswerWithCrLfLinesIsAllInformation) {
+    std::string allLines;
+    const Reply reply = SortReply(
+        "Sarvex tool INFO\r\ni\r\nSarvex tool ERROR\r\ne\r\nSarvex tool RETURN CODE\r\n3\r\n",
+        allLines);
+    EXPECT_EQ(reply.information, "Sarvex tool INFO\r\ni\r\nSarvex tool ERROR\r\ne\r\n"
+                                 "Sarvex tool RETURN CODE\r\n3\r\n\n");
+    EXPECT_EQ(reply.error, "");
+    EXPECT_EQ(reply.returnCode, 0);
+}
+
+TEST(ReplyTest, UncalibratedAnywhereInTheSectionsReturnsTen) {
+    struct Case {
+        std::string body;
+        int returnCode;
+    };
+    const Case cases[] = {
+        {"it is uncalibrated now\nSarvex tool RETURN CODE\n3\n", 10},
+        {"Sarvex tool RETURN CODE\n3\nSarvex tool ERROR\nxuncalibratedx\n", 10},
+        {"Uncalibrated\nSarvex tool RETURN CODE\n3\n", 3},
+        {"uncali\nbrated\nSarvex tool RETURN CODE\n3\n", 3},
+        // Lines that are neither information nor error do not count.
+        {"Sarvex tool RETURN CODE\n3\nuncalibrated\n", 3},
+        {"Sarvex tool RETURN CODE\n3 uncalibrated\n", 3},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.body);
+        std::string allLines;
+        EXPECT_EQ(SortReply(row.body, allLines).returnCode, row.returnCode);
+    }
+}
+
+TEST(ReplyTest, CodeLineWithoutANumberThrowsAndKeepsTheLinesSoFar) {
+    for (const std::string code : {"abc", "", " ", "-", "x1"}) {
+        SCOPED_TRACE(code);
+        std::string allLines;
+        try {
+            SortReply("i\nSarvex tool RETURN CODE\n" + code + "\nmore", allLines);
+            ADD_FAILURE() << "nothing was thrown";
+        } catch (const std::invalid_argument& exception) {
+            EXPECT_STREQ(exception.what(), "invalid stoi argument");
+        }
+        EXPECT_EQ(allLines, "i\nSarvex tool RETURN CODE\n" + code + "\n");
+    }
+}
+
+TEST(ReplyTest, CodeOutsideThirtyTwoBitsThrows) {
+    for (const std::string code : {"2147483648", "-2147483649", "99999999999999999999"}) {
+        SCOPED_TRACE(code);
+        std::string allLines;
+        try {
+            SortReply("Sarvex tool RETURN CODE\n" + code, allLines);
+            ADD_FAILURE() << "nothing was thrown";
+        } catch (const std::out_of_range& exception) {
+            EXPECT_STREQ(exception.what(), "stoi argument out of range");
+        }
+    }
+}
+
+TEST(ReplyTest, ExtremeCodesAreRead) {
+    std::string allLines;
+    EXPECT_EQ(SortReply("Sarvex tool RETURN CODE\n2147483647", allLines).returnCode, 2147483647);
+    EXPECT_EQ(SortReply("Sarvex tool RETURN CODE\n-2147483648", allLines).returnCode,
+              -2147483647 - 1);
+}
+
+} // namespace

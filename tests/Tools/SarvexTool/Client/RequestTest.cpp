@@ -1,0 +1,102 @@
+#include "Tools/SarvexTool/Client/Request.h"
+
+#include "Modules/xFramework/Utilities/Exception.h"
+#include "Modules/xFramework/Utilities/FormatProviders.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+/// A request, byte for byte.
+std::string ExpectedRequest(const std::string& address, const std::string& length,
+                            const std::string& body) {
+    return "POST /api/oemtools/command HTTP/1.1\r\nHost: " + address +
+           ":8738\r\nConnection: keep-alive\r\nContent-Length: " + length +
+           "\r\nAccept: application/json, text/plain, */*\r\nUser-Agent: Mozilla/5.0 (Windows NT "
+           "10.0; Win64; x64) AppleWebKit/537.36 (KHTML, like Gecko) Chrome/86.0.4240.193 "
+           "Safari/537.36\r\nContent-Type: text/plain\r\nOrigin: " +
+           address +
+           ":8738\r\nSec-Fetch-Site: same-origin\r\nSec-Fetch-Mode: cors\r\nSec-Fetch-Dest: "
+           "empty\r\nReferer: http://" +
+           address +
+           ":8738/homepage\r\nAccept-Encoding: gzip, deflate, br\r\nAccept-Language: "
+           "en-US,en;q=0.9\r\n\r\n" +
+           body;
+}
+
+std::string FailureOf(const std::string& address, const std::string& commandLine) {
+    try {
+        BuildRequest(address, commandLine);
+        return "";
+    } catch (Utilities::Exception* pException) {
+        const std::unique_ptr<Utilities::Exception> owner(pException);
+        return owner->what();
+    }
+}
+
+TEST(RequestTest, CommandLineKeepsTheBlanksOfPrefixAndArguments) {
+    EXPECT_EQ(BuildCommandLine("-vemo ", " -wifi-stop"), "CLI -1 -vemo  -wifi-stop");
+    EXPECT_EQ(BuildCommandLine("-vemo", " -wifi-stop"), "CLI -1 -vemo -wifi-stop");
+    EXPECT_EQ(BuildCommandLine("", " -exit"), "CLI -1  -exit");
+    EXPECT_EQ(BuildCommandLine("-vemo ", ""), "CLI -1 -vemo ");
+    EXPECT_EQ(BuildCommandLine("", ""), "CLI -1 ");
+}
+
+TEST(RequestTest, RequestHoldsAddressLengthAndBody) {
+    EXPECT_EQ(BuildRequest("10.0.0.7", "CLI -1 -vemo  -wifi-stop"),
+              ExpectedRequest("10.0.0.7", "24", "CLI -1 -vemo  -wifi-stop"));
+    EXPECT_EQ(BuildRequest("", ""), ExpectedRequest("", "0", ""));
+}
+
+TEST(RequestTest, TemplateHas502Bytes) {
+    // Each of the five fields has four bytes in the template.
+    EXPECT_EQ(BuildRequest("", "").size() - std::string("0").size() + 5 * 4, 502u);
+}
+
+TEST(RequestTest, LengthCountsEveryByteOfTheBody) {
+    std::string body = "\"a b\" \xC3\xA4 \x85\t\\";
+    for (int byte = 0; byte < 256; ++byte)
+        body += static_cast<char>(byte);
+    EXPECT_EQ(BuildRequest("h", body), ExpectedRequest("h", std::to_string(body.size()), body));
+}
+
+TEST(RequestTest, BodyOfAMebibyteIsSentAsItIs) {
+    const std::string body(1 << 20, '{');
+    EXPECT_EQ(BuildRequest("h", body), ExpectedRequest("h", "1048576", body));
+}
+
+TEST(RequestTest, DollarBracesThatAreNoPlaceholderPassUnchanged) {
+    for (const std::string body : {"${0}", "${6}", "${10}", "${x}", "${", "$", "${1", "${ 1}"}) {
+        SCOPED_TRACE(body);
+        EXPECT_EQ(BuildRequest("h", body), ExpectedRequest("h", std::to_string(body.size()), body));
+    }
+}
+
+TEST(RequestTest, PlaceholderInTheCommandOrTheAddressIsAnErrorAndNoHang) {
+    const std::string reason = " contains a message placeholder (a dollar sign and a digit from 1 "
+                               "to 5 in braces), which cannot be sent.";
+    for (const std::string placeholder : {"${1}", "${2}", "${3}", "${4}", "${5}"}) {
+        SCOPED_TRACE(placeholder);
+        EXPECT_EQ(FailureOf("h", "CLI -1 a" + placeholder + "b"), "The command" + reason);
+        EXPECT_EQ(FailureOf("a" + placeholder, "CLI -1 "), "The daemon's address" + reason);
+    }
+}
+
+void ExpandAnswer(std::string& text) {
+    const std::string reference = "$(answer)";
+    const std::size_t hit = text.find(reference);
+    if (hit != std::string::npos)
+        text.replace(hit, reference.size(), "42");
+}
+
+TEST(RequestTest, LengthIsThatOfTheExpandedBody) {
+    auto& providers = Utilities::FormatProviders::Instance();
+    providers.AddStringProvider(ExpandAnswer);
+    const std::string request = BuildRequest("h", "CLI -1 $(answer)");
+    providers.RemoveStringProvider(ExpandAnswer);
+    EXPECT_EQ(request, ExpectedRequest("h", "9", "CLI -1 42"));
+}
+
+} // namespace
