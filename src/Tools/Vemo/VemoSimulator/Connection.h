@@ -1,0 +1,62 @@
+#pragma once
+
+#include "Tools/Vemo/VemoSimulator/IRequestHandler.h"
+
+#include <boost/asio/ip/tcp.hpp>
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <ostream>
+
+namespace VemoSimulator {
+
+/// What all connections of a server share.
+struct ConnectionContext {
+    IRequestHandler& handler;
+    std::ostream& log;
+    std::uint64_t bodyLimit;
+    /// Called when an answer that ends the program has been sent.
+    std::function<void()> endProgram;
+    /// Takes what clients send behind their request; nobody reads it.
+    std::array<char, 65536> scratch;
+};
+
+/// One connection of a client: takes a request, sends the answer, and waits for the client to
+/// close. Keeps itself alive as long as an operation is under way.
+class Connection : public std::enable_shared_from_this<Connection> {
+public:
+    /// context outlives the connection.
+    Connection(boost::asio::ip::tcp::socket socket, ConnectionContext& context);
+    ~Connection();
+
+    void Start();
+
+private:
+    struct Incoming;
+    struct Outgoing;
+
+    void ReadRequest();
+    void OnRequest(const boost::system::error_code& error);
+    void Answer(Delivery delivery);
+    void SendLater(std::chrono::milliseconds pause);
+    void SendPiece();
+    void OnPieceSent(const boost::system::error_code& error, std::size_t size);
+    void EndAnswer();
+    void ApplyEnding(Ending ending);
+    void WatchClient();
+    void OnClientClosed();
+    void Close();
+    void Reset();
+
+    boost::asio::ip::tcp::socket m_socket;
+    ConnectionContext& m_context;
+    /// Only while a request comes in; only while an answer goes out. A connection that just waits
+    /// for its client to close costs little more than its socket.
+    std::unique_ptr<Incoming> m_pIncoming;
+    std::unique_ptr<Outgoing> m_pOutgoing;
+    bool m_hasClientClosed = false;
+};
+
+} // namespace VemoSimulator

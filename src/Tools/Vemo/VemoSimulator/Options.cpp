@@ -1,0 +1,122 @@
+#include "Tools/Vemo/VemoSimulator/Options.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace VemoSimulator {
+
+namespace {
+
+constexpr std::uint32_t longestLatency = 86'400'000;
+constexpr std::uint32_t loudestNoise = 10'000;
+
+/// Option texts that become something else than text or number.
+struct RawOptions {
+    std::uint32_t latency = 0;
+    std::vector<std::string> faults;
+};
+
+std::string CheckMacType(const std::string& text) {
+    constexpr std::size_t longest = 10;
+    const bool isNumber = text.size() <= longest && !text.empty() &&
+                          text.find_first_not_of("0123456789") == std::string::npos;
+    return isNumber ? "" : "a MAC type has one to ten digits";
+}
+
+std::string CheckCountryCode(const std::string& text) {
+    const bool isCode =
+        text.size() == 2 && std::ranges::all_of(text, [](char character) {
+            return (character >= 'A' && character <= 'Z') || (character >= '0' && character <= '9');
+        });
+    return isCode ? "" : "a country code has two capital letters or digits";
+}
+
+void AddServerOptions(CLI::App& app, Options& options) {
+    app.add_option("--port", options.port,
+                   "Port to listen on; 0 takes a free one of four digits. Without this option the "
+                   "port is read from Socket.cfg beside the program")
+        ->type_name("N");
+    app.add_option("--address", options.address,
+                   "Numeric address to listen on; others than this machine reach only one that is "
+                   "not a loopback address")
+        ->type_name("ADDRESS")
+        ->capture_default_str();
+    app.add_option("--body-limit", options.bodyLimit, "Longest request body that is read, in bytes")
+        ->type_name("BYTES")
+        ->capture_default_str();
+    app.add_option("--request-log", options.requestLogFile,
+                   "File that gets one line of JSON for each request; an old one is replaced")
+        ->type_name("FILE");
+}
+
+void AddDeviceOptions(CLI::App& app, Simulator::Settings& settings) {
+    app.add_option("--seed", settings.seed, "Chooses the noise of the target powers")
+        ->type_name("N")
+        ->capture_default_str();
+    app.add_option("--noise", settings.noise,
+                   "Largest noise of a target power, in hundredths of a dB; 0 for none")
+        ->type_name("N")
+        ->check(CLI::Range(0U, loudestNoise))
+        ->capture_default_str();
+    app.add_option("--mac-type", settings.identity.macType, "MAC type that the device tells")
+        ->type_name("N")
+        ->check(CheckMacType)
+        ->capture_default_str();
+    app.add_option("--mcc", settings.identity.countryCode, "Country code that the device tells")
+        ->type_name("XX")
+        ->check(CheckCountryCode)
+        ->capture_default_str();
+}
+
+void AddBehaviourOptions(CLI::App& app, RawOptions& raw) {
+    app.add_option("--latency", raw.latency, "Milliseconds before each answer to a command")
+        ->type_name("MS")
+        ->check(CLI::Range(0U, longestLatency))
+        ->capture_default_str();
+    app.add_option("--fault", raw.faults,
+                   "Makes answers faulty; may be given several times. WHICH is the number of a "
+                   "command (from 1), text=TEXT for commands that hold TEXT, or * for all")
+        ->type_name("WHICH:FAULT")
+        ->allow_extra_args(false);
+}
+
+/// Takes what CLI11 read over into the options.
+void Finish(Options& options, const RawOptions& raw) {
+    options.simulator.latency = std::chrono::milliseconds(raw.latency);
+    for (const std::string& rule : raw.faults)
+        options.simulator.faults.emplace_back(rule);
+}
+
+EarlyEnd Complain(const std::string& problem) {
+    constexpr int badCommandLine = 2;
+    return {"", "vemo: " + problem + "\nRun vemo --help for the options.\n", badCommandLine};
+}
+
+} // namespace
+
+std::variant<Options, EarlyEnd> ParseOptions(const std::vector<std::string>& arguments) {
+    Options options;
+    RawOptions raw;
+    CLI::App app("Stands in for the daemon where there is no device: takes commands over HTTP and "
+                 "answers as a simulated device would.",
+                 "vemo");
+    AddServerOptions(app, options);
+    AddDeviceOptions(app, options.simulator);
+    AddBehaviourOptions(app, raw);
+    app.footer("Faults:\n" + DescribeFaults());
+    try {
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+        Finish(options, raw);
+        return options;
+    } catch (const CLI::CallForHelp&) {
+        return EarlyEnd{app.help(), "", 0};
+    } catch (const std::exception& error) {
+        return Complain(error.what());
+    }
+}
+
+} // namespace VemoSimulator

@@ -1,0 +1,79 @@
+#include "Tools/Vemo/VemoSimulator/Simulator.h"
+
+#include "Tools/Vemo/VemoSimulator/Answer.h"
+#include "Tools/Vemo/VemoSimulator/CommandText.h"
+
+#include <utility>
+
+namespace VemoSimulator {
+
+namespace {
+
+constexpr const char* commandTarget = "/api/oemtools/command";
+
+} // namespace
+
+Simulator::Simulator(const Settings& settings, std::ostream* pRequestLog, std::ostream& problemLog)
+    : m_settings(settings),
+      m_device(settings.identity, PowerModel(settings.seed, settings.noise)),
+      m_pRequestLog(pRequestLog),
+      m_problemLog(problemLog) {}
+
+Delivery Simulator::Handle(const Request& request) {
+    constexpr int badRequest = 400;
+    constexpr int notFound = 404;
+    if (request.target != commandTarget)
+        return Refuse(request, notFound, std::string("Commands go to ") + commandTarget + ".");
+    if (request.method != "POST")
+        return Refuse(request, badRequest, "A command comes with the method POST.");
+    const auto words = SplitCommand(request.body);
+    if (!words)
+        return Refuse(request, badRequest, "A command begins with \"CLI -1 \".");
+    return Answer(request, *words);
+}
+
+Delivery Simulator::HandleInvalid(int httpStatus, const std::string& problem) {
+    return Refuse({}, httpStatus, "This is no valid request: " + problem + ".");
+}
+
+Delivery Simulator::Answer(const Request& request, const std::vector<std::string>& words) {
+    constexpr int ok = 200;
+    ++m_commandCount;
+    LogRecord record{m_commandCount, ok, "", 0, {}};
+    AnswerPlan plan;
+    plan.delay = m_settings.latency;
+    for (const FaultRule& rule : m_settings.faults) {
+        if (!rule.Matches(m_commandCount, request.body))
+            continue;
+        rule.ApplyTo(plan);
+        record.faults.push_back(rule.Text());
+    }
+    const Reply reply = ApplyToReply(plan, m_device.Execute(words));
+    Delivery delivery = PlanDelivery(plan, BuildAnswer(plan, reply));
+    delivery.endsProgram = reply.endsProgram;
+    record.returnCode = reply.returnCode;
+    record.answerBytes = delivery.bytes.size();
+    WriteLog(request, record);
+    return delivery;
+}
+
+Delivery Simulator::Refuse(const Request& request, int httpStatus, const std::string& problem) {
+    Delivery delivery;
+    delivery.bytes = BuildRefusal(httpStatus, problem);
+    m_problemLog << "Request refused: " << problem << std::endl;
+    WriteLog(request, {0, httpStatus, "", delivery.bytes.size(), {}});
+    return delivery;
+}
+
+void Simulator::WriteLog(const Request& request, const LogRecord& record) {
+    if (m_pRequestLog == nullptr)
+        return;
+    // Before the answer goes out: whoever has the answer finds the line.
+    *m_pRequestLog << FormatLogLine(request, record) << std::endl;
+    if (*m_pRequestLog)
+        return;
+    m_problemLog << "The request log cannot be written; it ends here." << std::endl;
+    m_pRequestLog = nullptr;
+}
+
+} // namespace VemoSimulator
