@@ -16,7 +16,8 @@ Format& Format::operator%(const std::string& argument) {
 }
 
 Format& Format::operator%(const char* argument) {
-    ReplaceNextPlaceholder(argument);
+    // A text stream renders a missing text as nothing.
+    ReplaceNextPlaceholder(argument != nullptr ? argument : "");
     return *this;
 }
 

@@ -31,8 +31,8 @@ public:
     /// Applies a text; the string providers rewrite a copy of it first.
     Format& operator%(const std::string& argument);
 
-    /// Applies a zero-terminated text as it stands. That literals bypass the string providers and
-    /// texts do not is intended.
+    /// Applies a zero-terminated text as it stands; null counts as empty. That literals bypass the
+    /// string providers and texts do not is intended.
     Format& operator%(const char* argument);
 
     /// The message as far as it is built.

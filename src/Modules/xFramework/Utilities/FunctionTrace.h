@@ -2,11 +2,13 @@
 
 #include <cstdint>
 #include <source_location>
+#include <string>
 
 namespace Utilities {
 
 /// Logs at the info level that a function was entered, and that it was left when the scope ends
-/// normally. A scope that an exception ends logs no exit.
+/// normally. A scope that an exception ends logs no exit. Both records name the source file by its
+/// path from src/ without extension, and both bear the line of the trace.
 class FunctionTrace {
 public:
     /// function is the qualified name and must outlive the trace.
@@ -19,7 +21,7 @@ public:
 
 private:
     const char* m_function;
-    const char* m_file;
+    std::string m_file;
     std::uint32_t m_line;
     int m_exceptionsAtEntry;
 };
