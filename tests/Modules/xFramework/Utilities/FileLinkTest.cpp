@@ -1,0 +1,92 @@
+#include "Modules/xFramework/Utilities/FileLink.h"
+
+#include "Modules/xFramework/Utilities/Exception.h"
+#include "tests/Modules/xFramework/OSAL/Fake/World.h"
+#include "tests/Modules/xFramework/Utilities/ProviderGuard.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Utilities {
+namespace {
+
+using OSAL::Fake::TheWorld;
+
+constexpr std::uint32_t archive = 0x20;
+constexpr std::uint32_t reparse = 0x400;
+constexpr std::uint32_t symbolicLink = 0xA000000C;
+constexpr std::uint32_t mountPoint = 0xA0000003;
+constexpr std::uint32_t readOnly = 0x1;
+constexpr std::uint32_t unreadable = 0xFFFFFFFF;
+
+struct LinkCase {
+    const char* what;
+    std::uint32_t attributes;
+    std::uint32_t reparseTag;
+    std::uint32_t hardLinks;
+    bool isLink;
+};
+
+const std::vector<LinkCase> cases{
+    {"plain file", archive, 0, 1, false},
+    {"plain file with further attributes", archive | readOnly, 0, 1, false},
+    {"file that cannot be opened", archive, 0, 0, false},
+    {"two names", archive, 0, 2, true},
+    {"many names", archive | readOnly, 0, 9, true},
+    {"symbolic link", archive | reparse, symbolicLink, 1, true},
+    {"symbolic link that leads nowhere", archive | reparse, symbolicLink, 0, true},
+    {"other reparse point", archive | reparse, mountPoint, 1, false},
+    {"other reparse point with two names", archive | reparse, mountPoint, 2, true},
+    {"the tag without the attribute", archive, symbolicLink, 1, false},
+    // Without the archive attribute nothing counts.
+    {"two names, not archived", readOnly, 0, 2, false},
+    {"symbolic link, not archived", reparse, symbolicLink, 2, false},
+    // All bits are set in this value, and yet there is nothing to look at.
+    {"unreadable attributes", unreadable, symbolicLink, 2, false}};
+
+TEST(FileLink, IsASymbolicLinkOrASecondNameOfAnArchivedFile) {
+    OSAL::Fake::Reset();
+    for (const LinkCase& each : cases) {
+        SCOPED_TRACE(each.what);
+        TheWorld().files["/bench/Socket.cfg"] = {"8738", each.attributes, each.reparseTag,
+                                                 each.hardLinks};
+        EXPECT_EQ(IsLink("/bench/Socket.cfg"), each.isLink);
+    }
+}
+
+TEST(FileLink, IsNoMissingFile) {
+    OSAL::Fake::Reset();
+    EXPECT_FALSE(IsLink("/bench/Socket.cfg"));
+}
+
+void Mark(std::string& text) {
+    text += "!";
+}
+
+TEST(FileLink, MessageNamesThePath) {
+    EXPECT_EQ(LinkMessage("/bench/Socket.cfg"), "File /bench/Socket.cfg is a link");
+}
+
+TEST(FileLink, MessageExpandsThePathLikeAnyText) {
+    const ProviderGuard guard(&Mark);
+    EXPECT_EQ(LinkMessage("/x"), "File /x! is a link!");
+}
+
+TEST(FileLink, MessageRefusesAPathThatItCouldNotFillIn) {
+    std::unique_ptr<Exception> caught;
+    try {
+        LinkMessage("/${1}/Socket.cfg");
+    } catch (Exception* pException) {
+        caught.reset(pException);
+    }
+    ASSERT_NE(caught, nullptr);
+    EXPECT_STREQ(caught->what(), "The path of a file beside the program contains a message "
+                                 "placeholder (a dollar sign and a digit from 1 to 5 in braces), "
+                                 "which cannot be sent.");
+}
+
+} // namespace
+} // namespace Utilities

@@ -1,0 +1,75 @@
+#include "Modules/xFramework/Utilities/FunctionTrace.h"
+
+#include "Modules/xFramework/Utilities/SourceName.h"
+#include "tests/Modules/xFramework/Utilities/LogRecorder.h"
+
+#include <gmock/gmock.h>
+
+#include <exception>
+#include <stdexcept>
+#include <string>
+
+namespace Utilities {
+namespace {
+
+using testing::ElementsAre;
+
+/// The record as the recorder lists it, for a trace in this file.
+std::string Enter(const std::string& function) {
+    return "4|" + SourceName(__FILE__) + "|" + function + "|--------------------->Enter";
+}
+
+std::string Exit(const std::string& function) {
+    return "4|" + SourceName(__FILE__) + "|" + function + "|<---------------------Exit";
+}
+
+class Trace : public testing::Test {
+protected:
+    LogRecorder log;
+};
+
+TEST_F(Trace, LogsEnterAndExitAtTheInfoLevel) {
+    {
+        const FunctionTrace trace("DynamicTest::SendCommands");
+        EXPECT_THAT(log.records, ElementsAre(Enter("DynamicTest::SendCommands")));
+    }
+    EXPECT_THAT(log.records,
+                ElementsAre(Enter("DynamicTest::SendCommands"), Exit("DynamicTest::SendCommands")));
+}
+
+TEST_F(Trace, LogsNoExitWhenAnExceptionEndsTheFunction) {
+    try {
+        const FunctionTrace trace("Outer");
+        throw std::runtime_error("message");
+    } catch (const std::exception&) {
+        const FunctionTrace trace("Handler");
+    }
+    EXPECT_THAT(log.records, ElementsAre(Enter("Outer"), Enter("Handler"), Exit("Handler")));
+}
+
+/// Runs a traced function while an exception is on its way.
+class TracedCleanup {
+public:
+    ~TracedCleanup() { const FunctionTrace trace("Cleanup"); }
+};
+
+TEST_F(Trace, LogsExitOfAFunctionThatEndsNormallyDuringCleanup) {
+    try {
+        const TracedCleanup cleanup;
+        throw std::runtime_error("message");
+    } catch (const std::exception&) {
+    }
+    EXPECT_THAT(log.records, ElementsAre(Enter("Cleanup"), Exit("Cleanup")));
+}
+
+TEST_F(Trace, NestsLikeTheFunctionsThatItTraces) {
+    {
+        const FunctionTrace outer("Outer");
+        const FunctionTrace inner("Inner");
+    }
+    EXPECT_THAT(log.records,
+                ElementsAre(Enter("Outer"), Enter("Inner"), Exit("Inner"), Exit("Outer")));
+}
+
+} // namespace
+} // namespace Utilities
