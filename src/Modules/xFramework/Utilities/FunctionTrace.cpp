@@ -8,10 +8,10 @@
 
 namespace Utilities {
 
-FunctionTrace::FunctionTrace(const char* function, const std::source_location& place)
+FunctionTrace::FunctionTrace(const char* function, const char* file, std::uint32_t line)
     : m_function(function),
-      m_file(SourceName(place.file_name())),
-      m_line(place.line()),
+      m_file(SourceName(file)),
+      m_line(line),
       m_exceptionsAtEntry(std::uncaught_exceptions()) {
     Log(LogLevel::Info, m_file.c_str(), m_line, m_function, Format("--------------------->Enter"));
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <source_location>
 #include <string>
 
 namespace Utilities {
@@ -11,9 +10,10 @@ namespace Utilities {
 /// path from src/ without extension, and both bear the line of the trace.
 class FunctionTrace {
 public:
-    /// function is the qualified name and must outlive the trace.
-    explicit FunctionTrace(const char* function,
-                           const std::source_location& place = std::source_location::current());
+    /// function is the qualified name and must outlive the trace. file and line are the caller's
+    /// own. (clang 14 has the built-ins, but not std::source_location.)
+    explicit FunctionTrace(const char* function, const char* file = __builtin_FILE(),
+                           std::uint32_t line = __builtin_LINE());
     ~FunctionTrace();
 
     FunctionTrace(const FunctionTrace&) = delete;
