@@ -1,0 +1,16 @@
+#include "tests/EndToEnd/Support/TaskList.h"
+
+namespace EndToEnd {
+
+bool PrepareTaskList(const Bench& bench) {
+    bench.AddProgram("faketasklist", "tasklist");
+    bench.Write("tasklist.txt",
+                "INFO: No tasks are running which match the specified criteria.\r\n");
+    return true;
+}
+
+void ShowInTaskList(const Bench& bench, const std::string& name) {
+    bench.Write("tasklist.txt", name + ".exe                  4711 Console    1     9,000 K\r\n");
+}
+
+} // namespace EndToEnd
