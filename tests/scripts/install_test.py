@@ -1,0 +1,84 @@
+"""Installs a build into a temporary directory and runs what lies there.
+
+usage: install_test.py BUILD_DIRECTORY [EMULATOR]
+"""
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+BUILD = pathlib.Path(sys.argv[1])
+EMULATOR = sys.argv[2:]
+SUFFIX = ".exe" if EMULATOR else ""
+LINE_END = b"\r\n" if EMULATOR else b"\n"
+
+# What a system brings by itself; everything else the programs have to hold.
+SYSTEM_LIBRARIES = {
+    "": {"libc.so.6", "libm.so.6", "ld-linux-x86-64.so.2"},
+    ".exe": {"KERNEL32.dll", "msvcrt.dll", "WS2_32.dll", "ADVAPI32.dll", "MSWSOCK.dll"},
+}[SUFFIX]
+
+
+def run(*command):
+    return subprocess.run(command, capture_output=True, check=False, stdin=subprocess.DEVNULL)
+
+
+def needed_libraries(program):
+    text = run("objdump", "-p", program).stdout.decode(errors="replace")
+    return set(re.findall(r"^\s*(?:NEEDED|DLL Name:)\s+(\S+)$", text, re.MULTILINE))
+
+
+class InstallTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(cls.folder.cleanup)
+        cls.root = pathlib.Path(cls.folder.name) / "installed"
+        done = run("cmake", "--install", BUILD, "--prefix", cls.root)
+        if done.returncode != 0:
+            raise AssertionError(done.stderr.decode())
+        cls.client = cls.root / f"SarvexToolClient{SUFFIX}"
+        cls.simulator = cls.root / "simulator" / f"vemo{SUFFIX}"
+
+    def run_program(self, program, *arguments):
+        return run(*EMULATOR, program, *arguments)
+
+    def test_the_directory_holds_these_files_and_no_others(self):
+        examples = {f"examples/{file.name}" for file in pathlib.Path("examples").glob("*.csv")}
+        programs = {f"SarvexToolClient{SUFFIX}", f"simulator/vemo{SUFFIX}"}
+        found = {str(f.relative_to(self.root)) for f in self.root.rglob("*") if f.is_file()}
+        self.assertEqual(programs | examples | {"Socket.cfg", "simulator/Socket.cfg"}, found)
+
+    def test_both_port_files_hold_the_usual_port_in_four_bytes(self):
+        for folder in [self.root, self.root / "simulator"]:
+            with self.subTest(folder=folder):
+                self.assertEqual(b"8738", (folder / "Socket.cfg").read_bytes())
+
+    def test_no_installed_file_shares_its_bytes_with_another_name(self):
+        # The programs refuse linked files.
+        links = [f for f in self.root.rglob("*") if f.is_symlink() or
+                 f.is_file() and f.stat().st_nlink != 1]
+        self.assertEqual([], links)
+
+    def test_the_bare_client_prints_its_usage_and_succeeds(self):
+        done = self.run_program(self.client)
+        self.assertEqual((0, b""), (done.returncode, done.stderr))
+        self.assertRegex(done.stdout, rb"\AUsage: .*SarvexToolClient\S* \[args\]" + LINE_END + rb"\Z")
+
+    def test_the_simulator_explains_itself_and_succeeds(self):
+        done = self.run_program(self.simulator, "--help")
+        self.assertEqual((0, b""), (done.returncode, done.stderr))
+        self.assertIn(b"--port", done.stdout)
+
+    def test_the_programs_need_nothing_that_a_fresh_system_lacks(self):
+        for program in [self.client, self.simulator]:
+            with self.subTest(program=program):
+                needed = needed_libraries(program)
+                self.assertTrue(needed)
+                self.assertEqual(set(), needed - SYSTEM_LIBRARIES)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
