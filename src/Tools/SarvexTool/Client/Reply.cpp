@@ -83,7 +83,9 @@ std::string_view CutHttpHead(std::string_view answer) {
 Reply SortReply(std::string_view body, std::string& allLines) {
     constexpr std::int32_t uncalibratedCode = 10;
     LineSorter sorter;
+    // At most a line end more than the body in each. Room that nothing is written to costs nothing.
     allLines.reserve(allLines.size() + body.size() + 1);
+    sorter.Result().information.reserve(body.size() + 1);
     // What stands behind the last line feed counts as a line too, even when it is empty.
     for (bool isLast = false; !isLast;) {
         const std::size_t end = body.find('\n');
