@@ -9,7 +9,8 @@ using Handle = std::uint64_t;
 
 inline constexpr Handle InvalidHandle = ~Handle{0};
 
-/// Gives a handle back; false when it names nothing open.
+/// Gives a handle back; false when it names nothing open. InvalidHandle does no harm; Windows takes
+/// it for the running process and returns true.
 bool CloseHandle(Handle handle);
 
 } // namespace OSAL

@@ -6,8 +6,9 @@
 
 namespace OSAL {
 
-/// A socket. On every system the handle of a closed socket stays invalid: closing it once more
-/// fails and touches nothing else.
+/// A socket. Where descriptors are handed out again at once, the handle of a closed socket stays
+/// invalid: closing it once more fails and touches nothing else. On Windows a later socket may bear
+/// the handle of one that was closed.
 using SocketHandle = std::uint64_t;
 
 inline constexpr SocketHandle InvalidSocket = ~SocketHandle{0};

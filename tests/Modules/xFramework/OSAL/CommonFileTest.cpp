@@ -1,0 +1,99 @@
+#include "Modules/xFramework/OSAL/File.h"
+
+#include "Modules/xFramework/Utilities/FileLink.h"
+#include "tests/Modules/xFramework/OSAL/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <string>
+
+namespace OSAL {
+namespace {
+
+class RealFile : public testing::Test {
+protected:
+    /// What one read of size bytes gives.
+    static std::string Read(Handle file, std::size_t size) {
+        std::array<char, 64> buffer{};
+        return std::string(buffer.data(), ReadFile(file, buffer.data(), size));
+    }
+
+    TemporaryDirectory directory;
+    const std::string path = directory.Create("Socket.cfg", "87381");
+    const std::string missing = directory.PathOf("missing");
+};
+
+TEST_F(RealFile, BearsTheArchiveAttributeAndNoReparsePoint) {
+    EXPECT_EQ(ReadFileAttributes(path) & (ArchiveAttribute | ReparsePointAttribute),
+              ArchiveAttribute);
+    EXPECT_EQ(ReadReparseTag(path), 0u);
+    EXPECT_EQ(CountHardLinks(path), 1u);
+    EXPECT_FALSE(Utilities::IsLink(path));
+}
+
+TEST_F(RealFile, ThatIsMissingHasNoAttributesAndNoLinks) {
+    EXPECT_EQ(ReadFileAttributes(missing), InvalidFileAttributes);
+    EXPECT_EQ(ReadReparseTag(missing), 0u);
+    EXPECT_EQ(CountHardLinks(missing), 0u);
+    EXPECT_FALSE(Utilities::IsLink(missing));
+}
+
+TEST_F(RealFile, WithASecondNameIsALinkByBothNames) {
+    const std::string second = directory.PathOf("second");
+    std::filesystem::create_hard_link(path, second);
+    EXPECT_EQ(CountHardLinks(path), 2u);
+    EXPECT_EQ(CountHardLinks(second), 2u);
+    EXPECT_TRUE(Utilities::IsLink(path));
+    EXPECT_TRUE(Utilities::IsLink(second));
+
+    std::filesystem::remove(second);
+    EXPECT_EQ(CountHardLinks(path), 1u);
+    EXPECT_FALSE(Utilities::IsLink(path));
+}
+
+TEST_F(RealFile, OfADirectoryIsNoLink) {
+    const std::string folder = directory.PathOf("folder");
+    std::filesystem::create_directory(folder);
+    EXPECT_EQ(ReadFileAttributes(folder) & ArchiveAttribute, 0u);
+    EXPECT_FALSE(Utilities::IsLink(folder));
+}
+
+TEST_F(RealFile, IsReadPieceByPieceToItsEnd) {
+    const Handle file = OpenFileForReading(path);
+    ASSERT_NE(file, InvalidHandle);
+    EXPECT_EQ(Read(file, 4), "8738");
+    EXPECT_EQ(Read(file, 4), "1");
+    EXPECT_EQ(Read(file, 4), "");
+    EXPECT_TRUE(CloseHandle(file));
+}
+
+TEST_F(RealFile, IsReadByteForByte) {
+    const std::string content("a\r\n\0\x1A\xFF\nb", 8);
+    const Handle file = OpenFileForReading(directory.Create("bytes", content));
+    EXPECT_EQ(Read(file, 64), content);
+    EXPECT_TRUE(CloseHandle(file));
+}
+
+TEST_F(RealFile, IsOpenedByTwoReadersAtOnce) {
+    const Handle first = OpenFileForReading(path);
+    const Handle second = OpenFileForReading(path);
+    EXPECT_EQ(Read(first, 64), "87381");
+    EXPECT_EQ(Read(second, 64), "87381");
+    EXPECT_TRUE(CloseHandle(first));
+    EXPECT_TRUE(CloseHandle(second));
+}
+
+TEST_F(RealFile, ThatCannotBeOpenedGivesAnInvalidHandleThatIsHarmless) {
+    const Handle file = OpenFileForReading(missing);
+    EXPECT_EQ(file, InvalidHandle);
+    EXPECT_EQ(Read(file, 5), "");
+    CloseHandle(file);
+    const Handle next = OpenFileForReading(path);
+    EXPECT_EQ(Read(next, 5), "87381");
+    EXPECT_TRUE(CloseHandle(next));
+}
+
+} // namespace
+} // namespace OSAL

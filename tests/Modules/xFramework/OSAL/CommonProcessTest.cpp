@@ -1,0 +1,110 @@
+#include "Modules/xFramework/OSAL/Process.h"
+
+#include "Modules/xFramework/Utilities/ModuleDirectory.h"
+#include "tests/Modules/xFramework/OSAL/LoopbackPeer.h"
+#include "tests/Modules/xFramework/OSAL/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <string>
+
+namespace OSAL {
+namespace {
+
+/// What one read of at most size bytes gives of a command's output.
+std::string ReadOutput(const std::string& command, std::size_t size) {
+    std::array<char, 1024> buffer{};
+    Pipe* const pipe = OpenPipe(command);
+    if (pipe == nullptr)
+        return "no pipe";
+    const std::string output(buffer.data(), ReadPipe(pipe, buffer.data(), size));
+    ClosePipe(pipe);
+    return output;
+}
+
+TEST(RealProcess, KnowsTheFileThatItRuns) {
+    std::string path;
+    ASSERT_TRUE(ReadModulePath(path));
+    EXPECT_EQ(std::filesystem::path(path).stem().string(), "OSALTests");
+    EXPECT_TRUE(std::filesystem::is_regular_file(path));
+}
+
+TEST(RealProcess, FindsWhatStandsBesideIt) {
+    std::string directory;
+    ASSERT_EQ(Utilities::GetModuleDirectory(directory), 0);
+    EXPECT_EQ(directory.back(), PathSeparator);
+    std::string path;
+    ReadModulePath(path);
+    EXPECT_EQ(directory + std::filesystem::path(path).filename().string(), path);
+}
+
+TEST(RealProcess, SleepsAndReturnsZero) {
+    EXPECT_EQ(Sleep(0), 0);
+    EXPECT_EQ(Sleep(1), 0);
+}
+
+TEST(RealPipe, CarriesTheOutputOfACommand) {
+    EXPECT_EQ(ReadOutput("echo vemo", 4), "vemo");
+}
+
+TEST(RealPipe, IsReadOnlyAsFarAsAsked) {
+    EXPECT_EQ(ReadOutput("echo 0123456789", 7), "0123456");
+}
+
+TEST(RealPipe, GathersOutputThatComesInPieces) {
+    const std::string child = Utilities::PathBesideProgram("OSALTestsChild");
+    EXPECT_EQ(ReadOutput(child + " echo first && " + child + " echo second", 1024),
+              "[first][second]");
+}
+
+TEST(RealPipe, OfACommandThatDoesNotExistIsEmpty) {
+    EXPECT_EQ(ReadOutput("no-such-command-anywhere 2>&1 >" +
+                             std::string(PathSeparator == '/' ? "/dev/null" : "NUL") +
+                             (PathSeparator == '/' ? " 2>/dev/null" : " 2>NUL"),
+                         1024),
+              "");
+}
+
+class RealChild : public testing::Test {
+protected:
+    /// The path as the launcher builds it: the directory's own separator, then one more.
+    static std::string ExecutablePath(const std::string& name) {
+        return Utilities::PathBesideProgram("") + PathSeparator + name + ExecutableSuffix;
+    }
+
+    TemporaryDirectory directory;
+    LoopbackPeer peer;
+    ProcessInformation information;
+};
+
+TEST_F(RealChild, RunsInTheDirectoryThatItIsGiven) {
+    directory.Create("port.txt", peer.Port());
+    const std::string executable = ExecutablePath("OSALTestsChild");
+    ASSERT_TRUE(CreateChildProcess(executable, "\"" + executable + "\" ", directory.Path().string(),
+                                   false, information));
+    CloseHandle(information.thread);
+    CloseHandle(information.process);
+    peer.Accept();
+    EXPECT_EQ(peer.ReceiveAll(),
+              std::filesystem::canonical(directory.Path()).string() + "\n[" + executable + "]");
+}
+
+TEST_F(RealChild, ThatDoesNotExistLeavesItsErrorNumber) {
+    constexpr std::uint32_t noSuchFile = 2;
+    const std::string executable = ExecutablePath("no-such-program");
+    EXPECT_FALSE(CreateChildProcess(executable, "\"" + executable + "\" ",
+                                    directory.Path().string(), false, information));
+    EXPECT_EQ(GetLastError(), noSuchFile);
+}
+
+TEST_F(RealChild, CannotRunInADirectoryThatDoesNotExist) {
+    const std::string executable = ExecutablePath("OSALTestsChild");
+    EXPECT_FALSE(CreateChildProcess(executable, "\"" + executable + "\" ",
+                                    directory.PathOf("missing"), false, information));
+    EXPECT_NE(GetLastError(), 0u);
+}
+
+} // namespace
+} // namespace OSAL

@@ -1,0 +1,70 @@
+#include "Modules/xFramework/OSAL/File.h"
+
+#include "Modules/xFramework/Utilities/FileLink.h"
+#include "tests/Modules/xFramework/OSAL/TemporaryDirectory.h"
+
+#include <sys/stat.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace OSAL {
+namespace {
+
+// Symbolic links are shown on this system only: the Windows tests run under wine, which follows
+// the links of its host without telling.
+
+TEST(RealSymbolicLink, IsALinkWhateverItLeadsTo) {
+    const TemporaryDirectory directory;
+    directory.Create("file", "content");
+    std::filesystem::create_directory(directory.Path() / "folder");
+    for (const std::string target : {"file", "folder", "nowhere"}) {
+        SCOPED_TRACE(target);
+        const std::string link = directory.PathOf("link-to-" + target);
+        std::filesystem::create_symlink(target, link);
+        EXPECT_EQ(ReadFileAttributes(link), ArchiveAttribute | ReparsePointAttribute);
+        EXPECT_EQ(ReadReparseTag(link), SymbolicLinkTag);
+        EXPECT_TRUE(Utilities::IsLink(link));
+    }
+    EXPECT_FALSE(Utilities::IsLink(directory.PathOf("file")));
+}
+
+TEST(RealDirectory, IsNoLinkThoughItHasManyNames) {
+    const TemporaryDirectory directory;
+    std::filesystem::create_directories(directory.Path() / "folder" / "inner");
+    const std::string folder = directory.PathOf("folder");
+    EXPECT_EQ(ReadFileAttributes(folder), 0u);
+    EXPECT_FALSE(Utilities::IsLink(folder));
+}
+
+TEST(RealDirectory, HoldsNothingToRead) {
+    const TemporaryDirectory directory;
+    char byte = 0;
+    const Handle file = OpenFileForReading(directory.Path().string());
+    EXPECT_EQ(ReadFile(file, &byte, 1), 0u);
+    CloseHandle(file);
+}
+
+TEST(RealNamedPipe, IsOpenedWithoutWaitingForAWriter) {
+    const TemporaryDirectory directory;
+    const std::string path = directory.PathOf("pipe");
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    char byte = 0;
+    const Handle file = OpenFileForReading(path);
+    EXPECT_NE(file, InvalidHandle);
+    EXPECT_EQ(ReadFile(file, &byte, 1), 0u);
+    EXPECT_TRUE(CloseHandle(file));
+}
+
+TEST(RealHandle, IsClosedOnce) {
+    const TemporaryDirectory directory;
+    const Handle file = OpenFileForReading(directory.Create("file", ""));
+    EXPECT_TRUE(CloseHandle(file));
+    EXPECT_FALSE(CloseHandle(file));
+    EXPECT_FALSE(CloseHandle(InvalidHandle));
+}
+
+} // namespace
+} // namespace OSAL

@@ -1,0 +1,102 @@
+#include "Modules/xFramework/OSAL/Process.h"
+
+#include "Modules/xFramework/Utilities/ModuleDirectory.h"
+#include "tests/Modules/xFramework/OSAL/LoopbackPeer.h"
+#include "tests/Modules/xFramework/OSAL/TemporaryDirectory.h"
+
+#include <sys/wait.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace OSAL {
+namespace {
+
+std::string ReadOutput(const std::string& command) {
+    std::array<char, 1024> buffer{};
+    Pipe* const pipe = OpenPipe(command);
+    const std::size_t count = ReadPipe(pipe, buffer.data(), buffer.size());
+    ClosePipe(pipe);
+    return std::string(buffer.data(), count);
+}
+
+TEST(PosixProcess, SeparatesPathsBySlashesAndNamesExecutablesPlainly) {
+    EXPECT_EQ(PathSeparator, '/');
+    EXPECT_STREQ(ExecutableSuffix, "");
+}
+
+struct StatusCase {
+    int returnCode;
+    int status;
+};
+
+TEST(PosixProcess, EndsWith255ForACodeThatEightBitsCannotHold) {
+    for (const StatusCase& each : std::vector<StatusCase>{{0, 0},
+                                                          {1, 1},
+                                                          {10, 10},
+                                                          {255, 255},
+                                                          {256, 255},
+                                                          {258, 255},
+                                                          {512, 255},
+                                                          {-1, 255},
+                                                          {-2147483647 - 1, 255},
+                                                          {2147483647, 255}}) {
+        SCOPED_TRACE(each.returnCode);
+        EXPECT_EQ(ToExitStatus(each.returnCode), each.status);
+        const std::string child = Utilities::PathBesideProgram("OSALTestsChild");
+        EXPECT_EQ(ReadOutput(child + " exit " + std::to_string(each.returnCode) + "; printf $?"),
+                  std::to_string(each.status));
+    }
+}
+
+TEST(PosixTaskList, AsksTheProcessListForTheName) {
+    EXPECT_EQ(TaskListCommand("vemo"),
+              "sed -n 's/^[0-9]* (\\(vemo\\)) [^Z].*/\\1/p' /proc/[0-9]*/stat 2>/dev/null");
+}
+
+TEST(PosixTaskList, ShowsThisProcessByItsWholeName) {
+    EXPECT_EQ(ReadOutput(TaskListCommand("OSALTests")).substr(0, 10), "OSALTests\n");
+    EXPECT_EQ(ReadOutput(TaskListCommand("OSALTest")), "");
+    EXPECT_EQ(ReadOutput(TaskListCommand("osaltests")), "");
+}
+
+/// Waits for all children of the tests before; each ends by itself.
+void CollectChildren() {
+    while (::wait(nullptr) > 0) {
+    }
+}
+
+TEST(PosixTaskList, LeavesOutAProcessThatHasEnded) {
+    CollectChildren();
+    const TemporaryDirectory directory;
+    LoopbackPeer peer;
+    directory.Create("port.txt", peer.Port());
+    // A name that no other process has, within the 15 characters that the list shows.
+    const std::string name = "c" + std::to_string(1'000'000'000 + std::random_device()() % 1000000);
+    std::filesystem::copy_file(Utilities::PathBesideProgram("OSALTestsChild"),
+                               directory.PathOf(name));
+    ProcessInformation information;
+    ASSERT_TRUE(CreateChildProcess(directory.PathOf(name), "", directory.Path().string(), false,
+                                   information));
+    peer.Accept();
+    peer.ReceiveAll();
+    siginfo_t ended{};
+    ASSERT_EQ(::waitid(P_ALL, 0, &ended, WEXITED | WNOWAIT), 0);
+    EXPECT_EQ(ReadOutput(TaskListCommand(name)), "");
+    CollectChildren();
+}
+
+TEST(PosixChild, HasNoHandlesToClose) {
+    ProcessInformation information;
+    CreateChildProcess("/no/such/program", "", "", false, information);
+    EXPECT_EQ(information.process, InvalidHandle);
+    EXPECT_EQ(information.thread, InvalidHandle);
+}
+
+} // namespace
+} // namespace OSAL
