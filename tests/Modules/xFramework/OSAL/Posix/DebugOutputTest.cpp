@@ -16,7 +16,7 @@ std::vector<std::string>& SystemLog() {
     return records;
 }
 
-void Record(int priority, const char* format, va_list arguments) {
+[[gnu::format(printf, 2, 0)]] void Record(int priority, const char* format, va_list arguments) {
     std::array<char, 256> text{};
     std::vsnprintf(text.data(), text.size(), format, arguments);
     SystemLog().push_back(std::to_string(priority) + ": " + text.data());
