@@ -61,15 +61,24 @@ std::string BuildHead(const std::string& status, std::size_t bodySize, std::stri
            "\r\nConnection: close\r\n" + std::string(headers) + "\r\n";
 }
 
-bool EndsReadingRightly(const std::string& answer) {
-    const std::size_t rest = answer.size() % pieceSize;
+/// Whether a client that reads an answer of this head and body piece by piece stops at its end.
+bool StopsAtEnd(std::size_t headSize, std::string_view body) {
+    const std::size_t rest = (headSize + body.size()) % pieceSize;
     if (rest != 0 && rest < shortestMarkedPiece)
         return false;
-    for (std::size_t end = pieceSize; end < answer.size(); end += pieceSize) {
-        if (std::string_view(answer).substr(0, end).ends_with(EndMark))
+    const std::size_t firstEnd = (headSize + pieceSize - 1) / pieceSize * pieceSize - headSize;
+    for (std::size_t end = firstEnd; end < body.size(); end += pieceSize) {
+        if (body.substr(0, end).ends_with(EndMark))
             return false;
     }
     return true;
+}
+
+std::string BuildPaddedHead(std::string_view body) {
+    std::string head = BuildHead("200 OK", body.size(), "");
+    for (std::size_t padding = 1; padding <= pieceSize && !StopsAtEnd(head.size(), body); ++padding)
+        head = BuildHead("200 OK", body.size(), "X-Padding: " + std::string(padding, '.') + "\r\n");
+    return head;
 }
 
 } // namespace
@@ -92,14 +101,7 @@ std::string BuildAnswer(const AnswerPlan& plan, const Reply& reply) {
     if (plan.rawAnswer)
         return *plan.rawAnswer;
     const std::string body = BuildBody(plan, reply);
-    std::string answer;
-    std::size_t padding = 0;
-    do {
-        const std::string header = "X-Padding: " + std::string(padding, '.') + "\r\n";
-        answer = BuildHead("200 OK", body.size(), padding == 0 ? "" : header) + body;
-        ++padding;
-    } while (!EndsReadingRightly(answer) && padding <= pieceSize);
-    return answer;
+    return BuildPaddedHead(body) + body;
 }
 
 std::string BuildRefusal(int httpStatus, const std::string& text) {

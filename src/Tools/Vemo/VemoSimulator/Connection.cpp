@@ -108,7 +108,9 @@ void Connection::SendLater(std::chrono::milliseconds pause) {
         return SendPiece();
     m_pOutgoing->timer.expires_after(pause);
     m_pOutgoing->timer.async_wait([self = shared_from_this()](const error_code& error) {
-        if (!error)
+        if (error)
+            self->EndAnswer();
+        else
             self->SendPiece();
     });
 }
@@ -156,17 +158,20 @@ void Connection::WatchClient() {
     m_socket.async_read_some(asio::buffer(m_context.scratch),
                              [self = shared_from_this()](const error_code& error, std::size_t) {
                                  if (error)
-                                     self->OnClientClosed();
+                                     self->OnClientClosed(error);
                                  else
                                      self->WatchClient();
                              });
 }
 
-void Connection::OnClientClosed() {
+void Connection::OnClientClosed(const error_code& error) {
     m_hasClientClosed = true;
     // A client may close its sending side and still wait for the answer.
-    if (!m_pOutgoing)
-        Close();
+    if (m_pOutgoing && error == asio::error::eof)
+        return;
+    if (m_pOutgoing)
+        m_pOutgoing->timer.cancel();
+    Close();
 }
 
 void Connection::Close() {

@@ -46,7 +46,7 @@ private:
     void EndAnswer();
     void ApplyEnding(Ending ending);
     void WatchClient();
-    void OnClientClosed();
+    void OnClientClosed(const boost::system::error_code& error);
     void Close();
     void Reset();
 

@@ -1,5 +1,7 @@
 #include "Tools/Vemo/VemoSimulator/Options.h"
 
+#include "Tools/Vemo/VemoSimulator/Decimal.h"
+
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
@@ -11,6 +13,7 @@ namespace VemoSimulator {
 
 namespace {
 
+constexpr std::uint32_t highestPort = 65535;
 constexpr std::uint32_t longestLatency = 86'400'000;
 constexpr std::uint32_t loudestNoise = 10'000;
 
@@ -35,14 +38,24 @@ std::string CheckCountryCode(const std::string& text) {
     return isCode ? "" : "a country code has two capital letters or digits";
 }
 
+/// A check for numbers up to a limit.
+auto UpTo(std::uint32_t highest) {
+    return [highest](const std::string& text) {
+        const auto number = ParseDecimal(text);
+        const bool isSmallEnough = number && *number <= highest;
+        return isSmallEnough ? std::string() : "not a number from 0 to " + std::to_string(highest);
+    };
+}
+
 void AddServerOptions(CLI::App& app, Options& options) {
     app.add_option("--port", options.port,
                    "Port to listen on; 0 takes a free one of four digits. Without this option the "
                    "port is read from Socket.cfg beside the program")
-        ->type_name("N");
+        ->type_name("N")
+        ->check(UpTo(highestPort));
     app.add_option("--address", options.address,
-                   "Numeric address to listen on; others than this machine reach only one that is "
-                   "not a loopback address")
+                   "Numeric address to listen on; other machines reach only one that is not a "
+                   "loopback address")
         ->type_name("ADDRESS")
         ->capture_default_str();
     app.add_option("--body-limit", options.bodyLimit, "Longest request body that is read, in bytes")
@@ -60,7 +73,7 @@ void AddDeviceOptions(CLI::App& app, Simulator::Settings& settings) {
     app.add_option("--noise", settings.noise,
                    "Largest noise of a target power, in hundredths of a dB; 0 for none")
         ->type_name("N")
-        ->check(CLI::Range(0U, loudestNoise))
+        ->check(UpTo(loudestNoise))
         ->capture_default_str();
     app.add_option("--mac-type", settings.identity.macType, "MAC type that the device tells")
         ->type_name("N")
@@ -75,7 +88,7 @@ void AddDeviceOptions(CLI::App& app, Simulator::Settings& settings) {
 void AddBehaviourOptions(CLI::App& app, RawOptions& raw) {
     app.add_option("--latency", raw.latency, "Milliseconds before each answer to a command")
         ->type_name("MS")
-        ->check(CLI::Range(0U, longestLatency))
+        ->check(UpTo(longestLatency))
         ->capture_default_str();
     app.add_option("--fault", raw.faults,
                    "Makes answers faulty; may be given several times. WHICH is the number of a "
@@ -104,6 +117,7 @@ std::variant<Options, EarlyEnd> ParseOptions(const std::vector<std::string>& arg
     CLI::App app("Stands in for the daemon where there is no device: takes commands over HTTP and "
                  "answers as a simulated device would.",
                  "vemo");
+    app.set_help_flag("--help", "Print this text and end");
     AddServerOptions(app, options);
     AddDeviceOptions(app, options.simulator);
     AddBehaviourOptions(app, raw);

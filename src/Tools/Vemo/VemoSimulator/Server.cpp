@@ -38,16 +38,19 @@ error_code Listen(tcp::acceptor& acceptor, const tcp::endpoint& endpoint) {
     return error;
 }
 
+/// Whether another port may do where this one did not.
+bool IsPortTaken(const error_code& error) {
+    return error == asio::error::address_in_use || error == asio::error::access_denied;
+}
+
 /// Tries each port once, from one chosen by chance: programs started together seldom meet.
 error_code ListenAtFreePort(tcp::acceptor& acceptor, const asio::ip::address& address) {
     constexpr unsigned count = highestFourDigitPort - lowestFourDigitPort + 1;
     const unsigned start = std::random_device{}() % count;
-    error_code error;
-    for (unsigned step = 0; step < count; ++step) {
+    error_code error = asio::error::address_in_use;
+    for (unsigned step = 0; step < count && IsPortTaken(error); ++step) {
         const unsigned port = lowestFourDigitPort + (start + step) % count;
         error = Listen(acceptor, {address, static_cast<std::uint16_t>(port)});
-        if (!error)
-            break;
     }
     return error;
 }
