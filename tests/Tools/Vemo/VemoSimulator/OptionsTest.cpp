@@ -1,0 +1,111 @@
+#include "Tools/Vemo/VemoSimulator/Options.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+namespace VemoSimulator {
+
+using testing::HasSubstr;
+using namespace std::chrono_literals;
+
+namespace {
+
+Options Accepted(const std::vector<std::string>& arguments) {
+    return std::get<Options>(ParseOptions(arguments));
+}
+
+EarlyEnd Refused(const std::vector<std::string>& arguments) {
+    return std::get<EarlyEnd>(ParseOptions(arguments));
+}
+
+} // namespace
+
+TEST(OptionsTest, WithoutOptionsTheDefaultsHold) {
+    const Options options = Accepted({});
+    EXPECT_EQ(options.port, std::nullopt);
+    EXPECT_EQ(options.address, "127.0.0.1");
+    EXPECT_EQ(options.bodyLimit, 268435456U);
+    EXPECT_EQ(options.requestLogFile, "");
+    EXPECT_EQ(options.simulator.identity.macType, "5");
+    EXPECT_EQ(options.simulator.identity.countryCode, "US");
+    EXPECT_EQ(options.simulator.seed, 1U);
+    EXPECT_EQ(options.simulator.noise, 25U);
+    EXPECT_EQ(options.simulator.latency, 0ms);
+    EXPECT_TRUE(options.simulator.faults.empty());
+}
+
+TEST(OptionsTest, EachOptionReachesItsPlace) {
+    const Options options = Accepted({"--port",
+                                      "0",
+                                      "--address",
+                                      "::1",
+                                      "--body-limit",
+                                      "99",
+                                      "--request-log",
+                                      "requests.json",
+                                      "--seed",
+                                      "18446744073709551615",
+                                      "--noise",
+                                      "0",
+                                      "--mac-type",
+                                      "016",
+                                      "--mcc",
+                                      "D1",
+                                      "--latency=20",
+                                      "--fault",
+                                      "1:crlf",
+                                      "--fault",
+                                      "text=-exit:drip=0"});
+    EXPECT_EQ(options.port, 0);
+    EXPECT_EQ(options.address, "::1");
+    EXPECT_EQ(options.bodyLimit, 99U);
+    EXPECT_EQ(options.requestLogFile, "requests.json");
+    EXPECT_EQ(options.simulator.seed, 18446744073709551615U);
+    EXPECT_EQ(options.simulator.noise, 0U);
+    EXPECT_EQ(options.simulator.identity.macType, "016");
+    EXPECT_EQ(options.simulator.identity.countryCode, "D1");
+    EXPECT_EQ(options.simulator.latency, 20ms);
+    ASSERT_EQ(options.simulator.faults.size(), 2U);
+    EXPECT_EQ(options.simulator.faults[0].Text(), "1:crlf");
+    EXPECT_EQ(options.simulator.faults[1].Text(), "text=-exit:drip=0");
+}
+
+TEST(OptionsTest, HelpNamesEveryFault) {
+    const EarlyEnd end = Refused({"--help"});
+    EXPECT_EQ(end.exitCode, 0);
+    EXPECT_EQ(end.error, "");
+    EXPECT_THAT(end.output, HasSubstr("--request-log FILE"));
+    EXPECT_THAT(end.output, HasSubstr("Faults:\n" + DescribeFaults()));
+}
+
+TEST(OptionsTest, AWrongCommandLineIsExplained) {
+    const struct {
+        std::vector<std::string> arguments;
+        const char* problem;
+    } rows[] = {
+        {{"--port", "65536"}, "--port: not a number from 0 to 65535"},
+        {{"--port", "-1"}, "--port: not a number from 0 to 65535"},
+        {{"--port"}, "--port: 1 required N missing"},
+        {{"--noise", "10001"}, "--noise: not a number from 0 to 10000"},
+        {{"--latency", "86400001"}, "--latency: not a number from 0 to 86400000"},
+        {{"--mac-type", "x"}, "--mac-type: a MAC type has one to ten digits"},
+        {{"--mac-type", "12345678901"}, "--mac-type: a MAC type has one to ten digits"},
+        {{"--mcc", "USA"}, "--mcc: a country code has two capital letters or digits"},
+        {{"--mcc", "us"}, "--mcc: a country code has two capital letters or digits"},
+        {{"--fault", "1:bogus"}, "unknown fault 'bogus'"},
+        {{"--fault", "1:crlf", "2:crlf"}, "The following argument was not expected: 2:crlf"},
+        {{"--bogus"}, "The following argument was not expected: --bogus"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.problem);
+        const EarlyEnd end = Refused(row.arguments);
+        EXPECT_EQ(end.output, "");
+        EXPECT_EQ(end.error,
+                  std::string("vemo: ") + row.problem + "\nRun vemo --help for the options.\n");
+        EXPECT_EQ(end.exitCode, 2);
+    }
+}
+
+} // namespace VemoSimulator

@@ -1,0 +1,51 @@
+#include "tests/Tools/Vemo/VemoSimulator/Support/RunningSimulator.h"
+
+#include "tests/Tools/Vemo/VemoSimulator/Support/Peer.h"
+
+#include <chrono>
+#include <stdexcept>
+#include <thread>
+#include <utility>
+
+namespace VemoSimulator {
+
+namespace {
+
+std::vector<std::string> WithFreePort(std::vector<std::string> arguments) {
+    arguments.insert(arguments.end(), {"--port", "0"});
+    return arguments;
+}
+
+} // namespace
+
+std::string SimulatorPath() {
+    return EndToEnd::TestProgramDirectory() + "/" + EndToEnd::ExecutableName("vemo");
+}
+
+RunningSimulator::RunningSimulator(std::vector<std::string> arguments)
+    : m_process(SimulatorPath(), WithFreePort(std::move(arguments)), m_directory.Path()),
+      m_port(PortIn(WaitForLine(m_process))) {}
+
+EndToEnd::ProcessResult RunningSimulator::End() {
+    Peer peer(m_port);
+    peer.SendCommand("CLI -1  -exit");
+    return Wait();
+}
+
+std::string WaitForLine(const EndToEnd::Process& process) {
+    constexpr int longestWait = 60'000;
+    for (int waited = 0; waited < longestWait; ++waited) {
+        const std::string output = process.OutSoFar();
+        const std::size_t end = output.find_first_of("\r\n");
+        if (end != std::string::npos)
+            return output.substr(0, end);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    throw std::runtime_error("the program writes nothing");
+}
+
+std::uint16_t PortIn(const std::string& readyLine) {
+    return static_cast<std::uint16_t>(std::stoi(readyLine.substr(readyLine.rfind(':') + 1)));
+}
+
+} // namespace VemoSimulator

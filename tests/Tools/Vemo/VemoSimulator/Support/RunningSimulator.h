@@ -1,0 +1,48 @@
+#pragma once
+
+#include "tests/EndToEnd/Support/Files.h"
+#include "tests/EndToEnd/Support/Process.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace VemoSimulator {
+
+/// The path of the real program.
+std::string SimulatorPath();
+
+/// The real program, listening; its working directory is a new one. It is killed at the end unless
+/// it has ended by then.
+class RunningSimulator {
+public:
+    /// Adds "--port 0" to the arguments. Returns when the program is ready.
+    explicit RunningSimulator(std::vector<std::string> arguments = {});
+
+    std::uint16_t Port() const { return m_port; }
+
+    /// Sends "-exit" and waits for the program's end.
+    EndToEnd::ProcessResult End();
+
+    /// Waits for the program's end.
+    EndToEnd::ProcessResult Wait() { return m_process.Wait(); }
+
+    /// A file of the working directory.
+    std::string ReadFile(const std::string& name) const {
+        return EndToEnd::ReadBytes(m_directory.Path(name));
+    }
+
+private:
+    EndToEnd::TemporaryDirectory m_directory;
+    EndToEnd::Process m_process;
+    std::uint16_t m_port = 0;
+};
+
+/// Waits until the program has written a line on standard output; returns it without its end.
+/// Throws when that takes too long.
+std::string WaitForLine(const EndToEnd::Process& process);
+
+/// The port in the line that the program writes when it is ready.
+std::uint16_t PortIn(const std::string& readyLine);
+
+} // namespace VemoSimulator
