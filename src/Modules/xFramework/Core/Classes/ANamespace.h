@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Modules/xFramework/Core/Classes/INamespace.h"
+
+#include <map>
+
+namespace Core {
+
+/// What all namespaces share: the names of their entries and the handling of paths. Whose the
+/// entries are is the subclass's business; this class only observes them.
+class ANamespace : public virtual INamespace {
+public:
+    /// Letters a to z and A to Z, digits and the underscore.
+    static bool IsNameChar(char character);
+
+    /// Takes the first name off a path, together with the one separator behind it, if any. A path
+    /// that begins with a separator yields an empty name.
+    static std::string SplitFirstName(std::string& path);
+
+    IInterface* Find(const std::string& name) override { return FindEntry(name); }
+    IInterface* FindByPath(const std::string& path) override;
+
+    /// Walks the entries in the order of their names.
+    std::unique_ptr<IEnumerator> CreateEnumerator() override;
+
+protected:
+    IInterface* FindEntry(const std::string& name) const;
+
+    /// Puts an object under a name, or takes the name out when pObject is null. Returns what stood
+    /// there before, or null. Changes nothing when it throws.
+    IInterface* ExchangeEntry(const std::string& name, IInterface* pObject);
+
+    const std::map<std::string, IInterface*>& GetEntries() const { return m_entries; }
+
+private:
+    class Enumerator;
+
+    std::map<std::string, IInterface*> m_entries;
+};
+
+} // namespace Core

@@ -1,0 +1,203 @@
+#include "Modules/xFramework/Core/Classes/Namespace.h"
+
+#include "Modules/xFramework/Core/Classes/IReferenceableObject.h"
+#include "Modules/xFramework/Utilities/Singleton.h"
+#include "tests/Modules/xFramework/Core/Classes/LiveObject.h"
+#include "tests/Modules/xFramework/Core/Classes/RaisedBy.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace Core;
+
+class CountedObject : public LiveObject, public virtual IReferenceableObject {
+public:
+    std::int32_t AddRef() override { return ++m_count; }
+    std::int32_t Release() override { return --m_count; }
+
+private:
+    std::int32_t m_count = 0;
+};
+
+std::string NamesIn(IEnumerator& enumerator) {
+    std::string names;
+    while (enumerator.Next() != nullptr)
+        names += "[" + enumerator.GetName() + "]";
+    return names;
+}
+
+TEST(Namespace, GivesWhatWasEntered) {
+    Namespace names;
+    auto* const object = new LiveObject;
+    names.Add("name", object);
+    EXPECT_EQ(names.Find("name"), object);
+    EXPECT_EQ(names.Find("Name"), nullptr);
+    EXPECT_EQ(names.Find(""), nullptr);
+}
+
+TEST(Namespace, ReleasesItsEntriesWithItself) {
+    {
+        Namespace names;
+        names.Add("a", new LiveObject);
+        names.Add("b", new LiveObject);
+        EXPECT_EQ(LiveObject::Alive(), 2);
+    }
+    EXPECT_EQ(LiveObject::Alive(), 0);
+}
+
+TEST(Namespace, LaterObjectReplacesAndReleasesTheEarlier) {
+    Namespace names;
+    names.Add("name", new LiveObject);
+    auto* const later = new LiveObject;
+    names.Add("name", later);
+    EXPECT_EQ(LiveObject::Alive(), 1);
+    EXPECT_EQ(names.Find("name"), later);
+}
+
+TEST(Namespace, ObjectEnteredAgainUnderItsNameStays) {
+    Namespace names;
+    auto* const object = new LiveObject;
+    names.Add("name", object);
+    names.Add("name", object);
+    EXPECT_EQ(LiveObject::Alive(), 1);
+    EXPECT_EQ(names.Find("name"), object);
+}
+
+TEST(Namespace, RemoveReleasesAndTellsWhetherThereWasAnEntry) {
+    Namespace names;
+    names.Add("name", new LiveObject);
+    EXPECT_TRUE(names.Remove("name"));
+    EXPECT_EQ(LiveObject::Alive(), 0);
+    EXPECT_FALSE(names.Remove("name"));
+}
+
+TEST(Namespace, NoObjectIsAnAssertionFailure) {
+    Namespace names;
+    EXPECT_EQ(RaisedBy([&names] { names.Add("name", nullptr); }),
+              "Assertion (pObject) failed at Core::Namespace::Add | "
+              "src/Modules/xFramework/Core/Classes/Namespace:47 | Core::Namespace::Add");
+    EXPECT_EQ(NamesIn(*names.CreateEnumerator()), "");
+}
+
+TEST(Namespace, CountedObjectLivesUntilItsLastNamespaceReleasesIt) {
+    Namespace first;
+    {
+        Namespace second;
+        auto* const object = new CountedObject;
+        first.Add("a", object);
+        first.Add("b", object);
+        second.Add("c", object);
+    }
+    EXPECT_EQ(LiveObject::Alive(), 1);
+    first.Remove("a");
+    EXPECT_EQ(LiveObject::Alive(), 1);
+    first.Remove("b");
+    EXPECT_EQ(LiveObject::Alive(), 0);
+}
+
+TEST(Namespace, PathLeadsThroughNestedNamespaces) {
+    Namespace root;
+    auto* const inner = new Namespace;
+    auto* const innermost = new Namespace;
+    auto* const object = new LiveObject;
+    root.Add("a", inner);
+    inner->Add("b", innermost);
+    innermost->Add("c", object);
+    struct {
+        const char* path;
+        IInterface* found;
+    } const cases[] = {{"a.b/c", object}, {"a b c", object},    {"a.b", innermost},
+                       {"a.", inner},     {"a.b.c.d", nullptr}, {"a..b", nullptr},
+                       {".a", nullptr},   {"b", nullptr},       {"", nullptr}};
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.path);
+        EXPECT_EQ(root.FindByPath(row.path), row.found);
+    }
+}
+
+TEST(Namespace, NameIsTakenAsItStandsOutsidePaths) {
+    Namespace names;
+    auto* const object = new LiveObject;
+    names.Add("a.b", object);
+    EXPECT_EQ(names.Find("a.b"), object);
+    EXPECT_EQ(names.FindByPath("a.b"), nullptr);
+}
+
+TEST(Namespace, EnumeratorWalksInTheOrderOfNames) {
+    Namespace names;
+    for (const char* const name : {"b", "", "c", "a"})
+        names.Add(name, new LiveObject);
+    const std::unique_ptr<IEnumerator> enumerator = names.CreateEnumerator();
+    EXPECT_EQ(NamesIn(*enumerator), "[][a][b][c]");
+    EXPECT_EQ(enumerator->Next(), nullptr);
+    enumerator->Reset();
+    EXPECT_EQ(enumerator->GetName(), "");
+    EXPECT_EQ(NamesIn(*enumerator), "[][a][b][c]");
+}
+
+TEST(Namespace, EnumeratorSurvivesChangesOfTheNamespace) {
+    Namespace names;
+    names.Add("a", new LiveObject);
+    names.Add("c", new LiveObject);
+    const std::unique_ptr<IEnumerator> enumerator = names.CreateEnumerator();
+    EXPECT_EQ(enumerator->Next(), names.Find("a"));
+    names.Remove("a");
+    names.Add("b", new LiveObject);
+    EXPECT_EQ(NamesIn(*enumerator), "[b][c]");
+}
+
+TEST(Namespace, KnowsTheNamespaceThatItIsIn) {
+    Namespace root;
+    auto* const inner = new Namespace;
+    EXPECT_EQ(inner->GetOwner(), nullptr);
+    root.Add("inner", inner);
+    EXPECT_EQ(inner->GetOwner(), &root);
+}
+
+/// An attachable object whose life does not depend on namespaces.
+class AttachableCounted : public CountedObject, public AttachableObject {};
+
+TEST(Namespace, TakesItselfOutOfWhatItReleases) {
+    AttachableCounted object;
+    object.AddRef();
+    Namespace first;
+    Namespace second;
+    first.Add("a", &object);
+    second.Add("a", &object);
+    first.Remove("a");
+    EXPECT_EQ(object.GetOwner(), &second);
+    second.Add("a", new LiveObject);
+    EXPECT_EQ(object.GetOwner(), nullptr);
+}
+
+/// Asks the namespace that it is in, while it is destroyed.
+class Asking : public virtual IInterface {
+public:
+    explicit Asking(Namespace& names) : m_names(names) {}
+    ~Asking() override { EXPECT_EQ(m_names.Find("a"), nullptr); }
+
+private:
+    Namespace& m_names;
+};
+
+TEST(Namespace, EntryThatIsBeingReleasedIsNotFoundAnyMore) {
+    Namespace names;
+    names.Add("a", new Asking(names));
+    names.Add("b", new Asking(names));
+}
+
+TEST(Namespace, OneObjectHasOneRoot) {
+    Namespace names;
+    EXPECT_EQ(static_cast<IInterface*>(static_cast<IAttachableObject*>(&names)),
+              static_cast<IInterface*>(static_cast<IDynamicNamespace*>(&names)));
+    EXPECT_EQ(static_cast<INamespace*>(static_cast<ANamespace*>(&names)),
+              static_cast<INamespace*>(static_cast<IDynamicNamespace*>(&names)));
+}
+
+TEST(Namespace, RootAndGlobalVariablesAreTwo) {
+    EXPECT_EQ(&GlobalVariables(), &GlobalVariables());
+    EXPECT_NE(&GlobalVariables(), &Utilities::Singleton<Namespace>::Instance());
+}
+
+} // namespace
