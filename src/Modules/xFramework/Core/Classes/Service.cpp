@@ -1,0 +1,46 @@
+#include "Modules/xFramework/Core/Classes/Service.h"
+
+#include "Modules/xFramework/Utilities/Raise.h"
+
+namespace Core {
+
+namespace {
+
+constexpr const char* sourceFile = "src/Modules/xFramework/Core/Classes/Service";
+
+} // namespace
+
+IServiceDomain* Service::OnAttach(IServiceDomain* pDomain) {
+    // The count comes first: an attach to a wrong domain is counted although it fails.
+    ++m_attachCount;
+    if (IsAttached()) {
+        Utilities::Assert(GetDomain() == pDomain, "GetDomain() == pDomain",
+                          {sourceFile, 31, "Core::Service::OnAttach"});
+        return m_domain;
+    }
+    m_domain = pDomain;
+    return AttachHook();
+}
+
+IServiceDomain* Service::OnDetach() {
+    Utilities::Assert(IsAttached(), "IsAttached()", {sourceFile, 37, "Core::Service::OnDetach"});
+    if (m_attachCount-- != 1)
+        return nullptr;
+    IServiceDomain* const result = DetachHook();
+    m_domain = nullptr;
+    return result;
+}
+
+IServiceDomain* Service::GetDomain() const {
+    if (!IsAttached())
+        Utilities::Raise("A service is not attached to any domain",
+                         {sourceFile, 47, "Core::Service::GetDomain"});
+    return m_domain;
+}
+
+IService* Service::RequestService(const std::string& name) {
+    m_requestedNames.push_back(name);
+    return GetDomain()->GetService(name);
+}
+
+} // namespace Core

@@ -1,0 +1,125 @@
+#include "Modules/xFramework/Core/Classes/ServiceDomain.h"
+
+#include "Modules/xFramework/Core/Classes/AppendWithinLimit.h"
+#include "Modules/xFramework/Utilities/Format.h"
+#include "Modules/xFramework/Utilities/Raise.h"
+
+#include <algorithm>
+
+namespace Core {
+
+namespace {
+
+struct UseReturner {
+    void operator()(ServiceDomain::ServiceHolder* holder) const { holder->ReleaseUse(); }
+};
+
+/// A use of a holder that is given back unless it is released.
+using HolderUse = std::unique_ptr<ServiceDomain::ServiceHolder, UseReturner>;
+
+/// Looks up a path in a service, which must be a domain for that.
+IService* FindInside(IService* service, const std::string& path) {
+    auto* const domain = dynamic_cast<IServiceDomain*>(service);
+    return domain == nullptr ? nullptr : domain->GetServiceByPath(path);
+}
+
+} // namespace
+
+ServiceDomain::~ServiceDomain() {
+    // What a service requests while it is detached must exist already: a service created now would
+    // outlive those that it needs.
+    UnregisterAll();
+    std::for_each(m_holders.rbegin(), m_holders.rend(),
+                  [](const auto& holder) { holder->DetachService(); });
+    while (!m_holders.empty()) {
+        const std::unique_ptr<ServiceHolder> last = std::move(m_holders.back());
+        m_holders.pop_back();
+        if (FindHolder(last->GetName()) == last.get())
+            ExchangeEntry(last->GetName(), nullptr);
+    }
+}
+
+IService* ServiceDomain::GetService(const std::string& name) {
+    ServiceHolder* holder = FindHolder(name);
+    if (holder == nullptr)
+        holder = CreateHolder(name);
+    return holder == nullptr ? nullptr : holder->GetService();
+}
+
+IService* ServiceDomain::GetServiceByPath(const std::string& path) {
+    if (!HoldsPath(path))
+        return IsAttached() ? GetDomain()->GetServiceByPath(path) : nullptr;
+    std::string rest = path;
+    HolderUse use(UseHolder(SplitFirstName(rest)));
+    if (use == nullptr)
+        return nullptr;
+    IService* const service = use->GetService();
+    IService* const found = rest.empty() ? service : FindInside(service, rest);
+    if (found != nullptr)
+        static_cast<void>(use.release());
+    return found;
+}
+
+bool ServiceDomain::HoldsPath(const std::string& path) const {
+    std::string rest = path;
+    const std::string name = SplitFirstName(rest);
+    return FindHolder(name) != nullptr || IsRegistered(name);
+}
+
+ServiceDomain::ServiceHolder* ServiceDomain::CreateHolder(const std::string& name) {
+    if (!IsRegistered(name))
+        return nullptr;
+    auto newHolder = std::make_unique<ServiceHolder>(this, name);
+    ServiceHolder* const holder = newHolder.get();
+    AppendWithinLimit(m_holders, std::move(newHolder));
+    holder->AddUse();
+    // Asked only now, and of the finished services only: a name under construction counts as
+    // absent. The holder stays in the list, for others may know its service by now.
+    if (FindHolder(name) != nullptr)
+        Utilities::Raise(Utilities::Format("Circular dependance detected! Please check ${1}") %
+                             name,
+                         {"src/Modules/xFramework/Core/Classes/ServiceDomain", 156,
+                          "Core::ServiceDomain::CreateHolder"});
+    ExchangeEntry(name, holder);
+    return holder;
+}
+
+IInterface* ServiceDomain::Find(const std::string& name) {
+    return GetService(name);
+}
+
+IInterface* ServiceDomain::FindByPath(const std::string& path) {
+    return GetServiceByPath(path);
+}
+
+std::unique_ptr<IEnumerator> ServiceDomain::CreateEnumerator() {
+    return std::make_unique<ServiceEnumerator>(m_holders);
+}
+
+ServiceDomain::ServiceHolder* ServiceDomain::FindHolder(const std::string& name) const {
+    return dynamic_cast<ServiceHolder*>(FindEntry(name));
+}
+
+ServiceDomain::ServiceHolder* ServiceDomain::UseHolder(const std::string& name) {
+    ServiceHolder* const holder = FindHolder(name);
+    if (holder == nullptr)
+        return CreateHolder(name);
+    holder->AddUse();
+    return holder;
+}
+
+ServiceDomain::ServiceHolder* ServiceDomain::ServiceEnumerator::NextEntry() {
+    const auto next = m_current == m_holders.end() ? m_holders.begin() : std::next(m_current);
+    if (next == m_holders.end())
+        return nullptr;
+    m_current = next;
+    m_name = (*next)->GetName();
+    return next->get();
+}
+
+void ServiceDomain::ServiceEnumerator::Reset() {
+    m_current = m_holders.end();
+    m_name.clear();
+}
+
+} // namespace Core

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "Modules/xFramework/Core/Classes/ANamespace.h"
+#include "Modules/xFramework/Core/Classes/DynamicDomain.h"
+
+#include <cstdint>
+#include <list>
+#include <memory>
+#include <string>
+
+namespace Core {
+
+/// Owns a set of named services: creates each on the first request by the creator registered under
+/// its name, attaches it to itself and remembers it under that name. A domain is a service and can
+/// be one of another domain.
+///
+/// With the domain the services end: first every one of them is detached, the youngest first and as
+/// often as it has been attached, then they are deleted in the same order. Meanwhile the domain
+/// still answers for the services that exist, and creates none.
+class ServiceDomain : public virtual Service, public DynamicDomain, public ANamespace {
+public:
+    class ServiceHolder;
+    class ServiceEnumerator;
+
+    ServiceDomain() = default;
+    ~ServiceDomain() override;
+
+    IService* GetService(const std::string& name) override;
+    IService* GetServiceByPath(const std::string& path) override;
+    bool HoldsPath(const std::string& path) const override;
+
+    /// Creates the service registered under the name, whether or not one exists; returns its new
+    /// holder, which stays the domain's, or null when no creator is registered. Everything that the
+    /// service requests while it is created or attached is created before.
+    ///
+    /// Raises "Circular dependance detected! Please check …" when meanwhile a nested request for
+    /// the same name has been completed. A cycle whose nested requests never complete is not
+    /// detected: it ends with the stack.
+    ServiceHolder* CreateHolder(const std::string& name);
+
+    /// As a namespace, a domain gives its services: like GetService and GetServiceByPath.
+    IInterface* Find(const std::string& name) override;
+    IInterface* FindByPath(const std::string& path) override;
+
+    /// Walks the ServiceHolders in the order of their creation.
+    std::unique_ptr<IEnumerator> CreateEnumerator() override;
+
+private:
+    using HolderList = std::list<std::unique_ptr<ServiceHolder>>;
+
+    ServiceHolder* FindHolder(const std::string& name) const;
+    ServiceHolder* UseHolder(const std::string& name);
+
+    HolderList m_holders;
+};
+
+/// One service of a domain, and what the domain knows of it. Lives as long as the domain.
+class ServiceDomain::ServiceHolder : public virtual IInterface {
+public:
+    /// Creates the service by the domain's creator of that name and attaches it; an assertion fails
+    /// when there is no creator or it creates no service. With no domain the holder stays empty.
+    ServiceHolder(ServiceDomain* pDomain, const std::string& name);
+
+    const std::string& GetName() const { return m_name; }
+
+    /// The service, the holder's own; null in an empty holder.
+    IService* GetService() const { return m_pService.get(); }
+
+    /// How often the holder is in use: once for its creation, once for each look-up by path that
+    /// has led through it to a service.
+    std::uint32_t GetUseCount() const { return m_useCount; }
+    void AddUse() { ++m_useCount; }
+    void ReleaseUse() { --m_useCount; }
+
+    /// Detaches the service as often as it has been attached. What the service throws is logged,
+    /// and ends the attempt.
+    void DetachService() noexcept;
+
+private:
+    void CreateService();
+
+    std::string m_name;
+    std::uint32_t m_useCount = 0;
+    std::unique_ptr<IService> m_pService;
+    ServiceDomain* m_domain;
+};
+
+/// Walks the holders of a domain in the order of their creation, those of services that are created
+/// meanwhile included.
+class ServiceDomain::ServiceEnumerator : public AGenericEnumerator<ServiceHolder> {
+public:
+    explicit ServiceEnumerator(const HolderList& holders) : m_holders(holders) {}
+
+    ServiceHolder* NextEntry() override;
+    const std::string& GetName() const override { return m_name; }
+    void Reset() override;
+
+private:
+    const HolderList& m_holders;
+    HolderList::const_iterator m_current = m_holders.end();
+    std::string m_name;
+};
+
+} // namespace Core

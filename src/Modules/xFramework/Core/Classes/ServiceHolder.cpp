@@ -1,0 +1,45 @@
+#include "Modules/xFramework/Core/Classes/ServiceDomain.h"
+#include "Modules/xFramework/Utilities/CaughtException.h"
+#include "Modules/xFramework/Utilities/Log.h"
+#include "Modules/xFramework/Utilities/Raise.h"
+
+namespace Core {
+
+namespace {
+
+constexpr const char* sourceFile = "src/Modules/xFramework/Core/Classes/ServiceDomain";
+constexpr const char* constructor = "Core::ServiceDomain::ServiceHolder::ServiceHolder";
+
+void LogCaughtException() {
+    constexpr std::uint32_t line = 112;
+    Utilities::Log(Utilities::LogLevel::Error, sourceFile, line,
+                   "Core::ServiceDomain::ServiceHolder::DetachService",
+                   Utilities::TakeCaughtException().text);
+}
+
+} // namespace
+
+ServiceDomain::ServiceHolder::ServiceHolder(ServiceDomain* pDomain, const std::string& name)
+    : m_name(name), m_domain(pDomain) {
+    if (m_domain != nullptr)
+        CreateService();
+}
+
+void ServiceDomain::ServiceHolder::DetachService() noexcept {
+    try {
+        while (m_pService != nullptr && m_pService->IsAttached())
+            m_pService->OnDetach();
+    } catch (...) {
+        LogCaughtException();
+    }
+}
+
+void ServiceDomain::ServiceHolder::CreateService() {
+    const std::shared_ptr<AClassCreator> pCreator = m_domain->GetCreator(m_name);
+    Utilities::Assert(pCreator != nullptr, "pCreator", {sourceFile, 91, constructor});
+    m_pService = TakeAs<IService>(pCreator->CreateObject());
+    Utilities::Assert(m_pService != nullptr, "m_pService", {sourceFile, 94, constructor});
+    m_pService->OnAttach(m_domain);
+}
+
+} // namespace Core

@@ -1,0 +1,109 @@
+#include "Modules/xFramework/Core/Classes/ClassFactory.h"
+
+#include "Modules/xFramework/Core/Classes/DynamicFactory.h"
+#include "tests/Modules/xFramework/Core/Classes/LiveObject.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace Core;
+
+class OtherObject : public LiveObject {};
+
+template <typename T>
+std::unique_ptr<AClassCreator> Creator() {
+    return std::make_unique<ClassCreator<T, IInterface>>();
+}
+
+TEST(ClassFactory, MakesANewObjectByName) {
+    ClassFactory factory;
+    factory.Register("live", Creator<LiveObject>());
+    const auto first = factory.CreateInstance("live");
+    const auto second = factory.CreateInstance("live");
+    EXPECT_NE(first, second);
+    EXPECT_NE(dynamic_cast<LiveObject*>(first.get()), nullptr);
+}
+
+TEST(ClassFactory, UnknownNameGivesNothing) {
+    ClassFactory factory;
+    factory.Register("live", Creator<LiveObject>());
+    EXPECT_FALSE(factory.IsRegistered("Live"));
+    EXPECT_EQ(factory.GetCreator("Live"), nullptr);
+    EXPECT_EQ(factory.CreateInstance("Live"), nullptr);
+    EXPECT_TRUE(factory.IsRegistered("live"));
+}
+
+TEST(ClassFactory, GivesTheCreatorThatWasRegistered) {
+    ClassFactory factory;
+    auto creator = Creator<LiveObject>();
+    const AClassCreator* const registered = creator.get();
+    factory.Register("live", std::move(creator));
+    EXPECT_EQ(factory.GetCreator("live").get(), registered);
+}
+
+TEST(ClassFactory, LaterCreatorReplacesTheEarlier) {
+    ClassFactory factory;
+    factory.Register("name", Creator<LiveObject>());
+    factory.Register("name", Creator<OtherObject>());
+    EXPECT_NE(dynamic_cast<OtherObject*>(factory.CreateInstance("name").get()), nullptr);
+}
+
+class CountedCreator : public IClassCreator<IInterface>, public LiveObject {
+public:
+    std::unique_ptr<IInterface> Create() override { return nullptr; }
+};
+
+TEST(ClassFactory, ReplacedCreatorIsDeleted) {
+    ClassFactory factory;
+    factory.Register("name", std::make_unique<CountedCreator>());
+    factory.Register("name", Creator<LiveObject>());
+    EXPECT_EQ(LiveObject::Alive(), 0);
+}
+
+/// Replaces itself in the factory while it is at work.
+class Resigning : public CountedCreator {
+public:
+    explicit Resigning(ClassFactory& factory) : m_factory(factory) {}
+    std::unique_ptr<IInterface> Create() override {
+        m_factory.Register("name", Creator<LiveObject>());
+        EXPECT_EQ(Alive(), 1);
+        return std::make_unique<OtherObject>();
+    }
+
+private:
+    ClassFactory& m_factory;
+};
+
+TEST(ClassFactory, CreatorAtWorkOutlivesItsReplacement) {
+    ClassFactory factory;
+    factory.Register("name", std::make_unique<Resigning>(factory));
+    EXPECT_NE(dynamic_cast<OtherObject*>(factory.CreateInstance("name").get()), nullptr);
+    EXPECT_EQ(LiveObject::Alive(), 0);
+}
+
+TEST(ClassFactory, IsOneService) {
+    ClassFactory factory;
+    EXPECT_EQ(static_cast<IService*>(static_cast<Service*>(&factory)),
+              static_cast<IService*>(static_cast<IClassFactory*>(&factory)));
+    EXPECT_FALSE(factory.IsAttached());
+}
+
+using LiveFactory = DynamicFactory<LiveObject, GenericFactory<LiveObject, ClassFactory>>;
+
+TEST(DynamicFactory, GivesObjectsInTheirOfferedType) {
+    LiveFactory factory;
+    factory.RegisterCreator("name", std::make_unique<ClassCreator<OtherObject, LiveObject>>());
+    const std::unique_ptr<LiveObject> object = factory.CreateTyped("name");
+    EXPECT_NE(dynamic_cast<OtherObject*>(object.get()), nullptr);
+}
+
+TEST(DynamicFactory, ObjectOfAnotherTypeIsNotGivenButDeleted) {
+    GenericFactory<Service, ClassFactory> factory;
+    factory.Register("live", Creator<LiveObject>());
+    EXPECT_EQ(factory.CreateTyped("live"), nullptr);
+    EXPECT_EQ(factory.CreateTyped("unknown"), nullptr);
+    EXPECT_EQ(LiveObject::Alive(), 0);
+}
+
+} // namespace

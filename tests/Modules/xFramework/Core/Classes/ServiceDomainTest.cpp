@@ -1,0 +1,310 @@
+#include "Modules/xFramework/Core/Classes/ServiceDomain.h"
+
+#include "Modules/xFramework/Core/Classes/Namespace.h"
+#include "tests/Modules/xFramework/Core/Classes/RaisedBy.h"
+#include "tests/Modules/xFramework/Core/Classes/TestServices.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace {
+
+using namespace Core;
+
+constexpr const char* holderPlace = "src/Modules/xFramework/Core/Classes/ServiceDomain";
+constexpr const char* holderConstructor = "Core::ServiceDomain::ServiceHolder::ServiceHolder";
+
+class ServiceDomainTest : public testing::Test {
+protected:
+    ~ServiceDomainTest() override {
+        m_domain.reset();
+        EXPECT_EQ(LiveObject::Alive(), 0);
+    }
+
+    void Register(const std::string& name, ScriptedService::Script script = {}) {
+        m_domain->RegisterService(name, std::make_unique<ScriptedCreator>(name, m_journal, script));
+    }
+
+    static ScriptedService::Script Requests(const std::string& name) {
+        return {.onAttach = [name](ScriptedService& service) { service.RequestService(name); }};
+    }
+
+    /// The names of the holders in the enumerator's order.
+    std::string Holders() const {
+        std::string names;
+        const auto enumerator = m_domain->CreateEnumerator();
+        while (auto* const holder =
+                   dynamic_cast<ServiceDomain::ServiceHolder*>(enumerator->Next())) {
+            EXPECT_EQ(enumerator->GetName(), holder->GetName());
+            names += "[" + holder->GetName() + "]";
+        }
+        return names;
+    }
+
+    std::uint32_t UsesOf(const std::string& name) const {
+        const auto enumerator = m_domain->CreateEnumerator();
+        while (auto* const holder =
+                   dynamic_cast<ServiceDomain::ServiceHolder*>(enumerator->Next())) {
+            if (holder->GetName() == name)
+                return holder->GetUseCount();
+        }
+        return 0;
+    }
+
+    Journal m_journal;
+    std::unique_ptr<ServiceDomain> m_domain = std::make_unique<ServiceDomain>();
+};
+
+TEST_F(ServiceDomainTest, CreatesAServiceOnItsFirstRequestAndRemembersIt) {
+    Register("a");
+    EXPECT_EQ(Holders(), "");
+    IService* const service = m_domain->GetService("a");
+    EXPECT_NE(service, nullptr);
+    EXPECT_EQ(service->GetDomain(), m_domain.get());
+    EXPECT_EQ(m_domain->GetService("a"), service);
+    EXPECT_EQ(m_journal, (Journal{"a attaching", "a attached"}));
+    EXPECT_EQ(Holders(), "[a]");
+}
+
+TEST_F(ServiceDomainTest, UnregisteredNameGivesNothingAndCreatesNoHolder) {
+    Register("a");
+    EXPECT_EQ(m_domain->GetService("b"), nullptr);
+    EXPECT_EQ(m_domain->CreateHolder("b"), nullptr);
+    EXPECT_EQ(m_domain->GetServiceByPath("b"), nullptr);
+    EXPECT_EQ(Holders(), "");
+}
+
+TEST_F(ServiceDomainTest, RequestedServicesAreCreatedFirst) {
+    Register("a", Requests("b"));
+    Register("b", Requests("c"));
+    Register("c");
+    m_domain->GetService("a");
+    EXPECT_EQ(m_journal, (Journal{"a attaching", "b attaching", "c attaching", "c attached",
+                                  "b attached", "a attached"}));
+    EXPECT_EQ(Holders(), "[c][b][a]");
+}
+
+TEST_F(ServiceDomainTest, LaterCreatorServesOnlyServicesToCome) {
+    Register("a");
+    IService* const service = m_domain->GetService("a");
+    m_domain->RegisterServiceClass<Service>("a");
+    EXPECT_EQ(m_domain->GetService("a"), service);
+}
+
+TEST_F(ServiceDomainTest, ObjectThatIsNoServiceFailsAnAssertion) {
+    m_domain->RegisterService("a", std::make_unique<ClassCreator<LiveObject, IInterface>>());
+    EXPECT_EQ(RaisedBy([this] { m_domain->GetService("a"); }),
+              std::string("Assertion (m_pService) failed at ") + holderConstructor + " | " +
+                  holderPlace + ":94 | " + holderConstructor);
+    EXPECT_EQ(Holders(), "");
+    EXPECT_EQ(LiveObject::Alive(), 0);
+}
+
+TEST_F(ServiceDomainTest, HolderWithoutCreatorFailsAnAssertion) {
+    EXPECT_EQ(RaisedBy([this] { ServiceDomain::ServiceHolder(m_domain.get(), "a"); }),
+              std::string("Assertion (pCreator) failed at ") + holderConstructor + " | " +
+                  holderPlace + ":91 | " + holderConstructor);
+}
+
+TEST_F(ServiceDomainTest, HolderWithoutDomainStaysEmpty) {
+    ServiceDomain::ServiceHolder holder(nullptr, "a");
+    EXPECT_EQ(holder.GetName(), "a");
+    EXPECT_EQ(holder.GetService(), nullptr);
+    EXPECT_EQ(holder.GetUseCount(), 0U);
+    holder.DetachService();
+}
+
+TEST_F(ServiceDomainTest, ServiceThatThrowsWhileItIsAttachedIsDeletedAndNotHeld) {
+    Register("b");
+    Register("a", {.onAttach = [](ScriptedService& service) {
+                 service.RequestService("b");
+                 throw std::runtime_error("no device");
+             }});
+    EXPECT_THROW(m_domain->GetService("a"), std::runtime_error);
+    EXPECT_EQ(Holders(), "[b]");
+    EXPECT_EQ(LiveObject::Alive(), 1);
+}
+
+/// Requests its own name while it is attached for the first time.
+ScriptedService::Script RequestsItselfOnce() {
+    return {.onAttach = [first = std::make_shared<bool>(true)](ScriptedService& service) {
+        if (std::exchange(*first, false))
+            service.RequestService("a");
+    }};
+}
+
+const std::string circularDependence =
+    std::string("Circular dependance detected! Please check a | ") + holderPlace +
+    ":156 | Core::ServiceDomain::CreateHolder";
+
+TEST_F(ServiceDomainTest, NestedRequestForTheSameNameIsACircularDependence) {
+    Register("a", RequestsItselfOnce());
+    EXPECT_EQ(RaisedBy([this] { m_domain->GetService("a"); }), circularDependence);
+}
+
+TEST_F(ServiceDomainTest, HolderOfACircularDependenceStaysInTheList) {
+    Register("a", RequestsItselfOnce());
+    RaisedBy([this] { m_domain->GetService("a"); });
+    EXPECT_EQ(Holders(), "[a][a]");
+    EXPECT_EQ(LiveObject::Alive(), 2);
+    // The nested request was completed first, so that its service has the name.
+    const auto enumerator = m_domain->CreateEnumerator();
+    auto& first = dynamic_cast<ServiceDomain::ServiceHolder&>(*enumerator->Next());
+    EXPECT_EQ(m_domain->GetService("a"), first.GetService());
+    m_journal.clear();
+    m_domain.reset();
+    EXPECT_EQ(m_journal, (Journal{"a detaching", "a detaching", "a deleted", "a deleted"}));
+}
+
+TEST_F(ServiceDomainTest, SecondHolderOfANameIsACircularDependenceToo) {
+    Register("a");
+    m_domain->CreateHolder("a");
+    EXPECT_EQ(RaisedBy([this] { m_domain->CreateHolder("a"); }), circularDependence);
+}
+
+TEST_F(ServiceDomainTest, UsesAreCountedForTheCreationAndForEachLookUpByPath) {
+    Register("a");
+    m_domain->GetService("a");
+    EXPECT_EQ(UsesOf("a"), 1U);
+    m_domain->GetService("a");
+    EXPECT_EQ(UsesOf("a"), 1U);
+    m_domain->GetServiceByPath("a");
+    EXPECT_EQ(UsesOf("a"), 2U);
+}
+
+TEST_F(ServiceDomainTest, PathCreatesItsServiceWithOneUse) {
+    Register("a");
+    EXPECT_NE(m_domain->GetServiceByPath("a"), nullptr);
+    EXPECT_EQ(UsesOf("a"), 1U);
+}
+
+TEST_F(ServiceDomainTest, FailedPathGivesItsUseBack) {
+    Register("a");
+    EXPECT_EQ(m_domain->GetServiceByPath("a.b"), nullptr);
+    EXPECT_EQ(Holders(), "[a]");
+    EXPECT_EQ(UsesOf("a"), 0U);
+}
+
+/// A domain with the service "inside" and one whose attachment fails.
+class InnerDomain : public ServiceDomain {
+public:
+    InnerDomain() {
+        RegisterServiceClass<Service>("inside");
+        RegisterService("broken", std::make_unique<ClassCreator<LiveObject, IInterface>>());
+    }
+};
+
+TEST_F(ServiceDomainTest, PathLeadsIntoNestedDomains) {
+    m_domain->RegisterServiceClass<InnerDomain>("inner");
+    IService* const inside = m_domain->GetServiceByPath("inner.inside");
+    ASSERT_NE(inside, nullptr);
+    EXPECT_EQ(inside->GetDomain(), m_domain->GetService("inner"));
+    EXPECT_EQ(m_domain->GetServiceByPath("inner/inside"), inside);
+    EXPECT_EQ(UsesOf("inner"), 2U);
+    EXPECT_EQ(m_domain->GetServiceByPath("inner.nothing"), nullptr);
+    EXPECT_EQ(UsesOf("inner"), 2U);
+}
+
+TEST_F(ServiceDomainTest, PathOutsideANestedDomainIsLookedUpInTheDomainAroundIt) {
+    m_domain->RegisterServiceClass<InnerDomain>("inner");
+    Register("outside");
+    auto& inner = dynamic_cast<IServiceDomain&>(*m_domain->GetService("inner"));
+    EXPECT_EQ(inner.GetServiceByPath("outside"), m_domain->GetService("outside"));
+    EXPECT_EQ(inner.GetServiceByPath("nothing"), nullptr);
+    EXPECT_EQ(inner.GetService("outside"), nullptr);
+}
+
+TEST_F(ServiceDomainTest, ExceptionOnThePathGivesTheUseBack) {
+    m_domain->RegisterServiceClass<InnerDomain>("inner");
+    RaisedBy([this] { m_domain->GetServiceByPath("inner.broken"); });
+    EXPECT_EQ(Holders(), "[inner]");
+    EXPECT_EQ(UsesOf("inner"), 0U);
+}
+
+TEST_F(ServiceDomainTest, SpaceHoldsWhatExistsOrCanBeCreated) {
+    Register("a");
+    EXPECT_TRUE(m_domain->HoldsPath("a.b"));
+    EXPECT_TRUE(m_domain->HoldsPath("a"));
+    EXPECT_FALSE(m_domain->HoldsPath("b.a"));
+    EXPECT_FALSE(m_domain->HoldsPath(""));
+}
+
+TEST_F(ServiceDomainTest, NamespacesGiveItsServicesByPath) {
+    Namespace root;
+    Register("a");
+    ServiceDomain* const domain = m_domain.release();
+    root.Add("Services", domain);
+    auto* const service = dynamic_cast<IService*>(root.FindByPath("Services.a"));
+    EXPECT_NE(service, nullptr);
+    EXPECT_EQ(domain->Find("a"), static_cast<IInterface*>(service));
+}
+
+TEST_F(ServiceDomainTest, EnumeratorMeetsServicesThatAreCreatedMeanwhile) {
+    Register("b");
+    Register("a");
+    const auto enumerator = m_domain->CreateEnumerator();
+    EXPECT_EQ(enumerator->Next(), nullptr);
+    m_domain->GetService("b");
+    EXPECT_NE(enumerator->Next(), nullptr);
+    m_domain->GetService("a");
+    EXPECT_NE(enumerator->Next(), nullptr);
+    EXPECT_EQ(enumerator->GetName(), "a");
+    EXPECT_EQ(enumerator->Next(), nullptr);
+    enumerator->Reset();
+    EXPECT_NE(enumerator->Next(), nullptr);
+    EXPECT_EQ(enumerator->GetName(), "b");
+}
+
+TEST_F(ServiceDomainTest, EndDetachesAllServicesInReverseOrderBeforeItDeletesThem) {
+    Register("a", Requests("b"));
+    Register("b");
+    m_domain->GetService("a")->OnAttach(m_domain.get());
+    m_journal.clear();
+    m_domain.reset();
+    EXPECT_EQ(m_journal, (Journal{"a detaching", "b detaching", "a deleted", "b deleted"}));
+}
+
+TEST_F(ServiceDomainTest, ServiceThatIsBeingDetachedFindsTheOthersButCreatesNone) {
+    Register("late");
+    IService* other = nullptr;
+    std::vector<IService*> found;
+    Register("a", {.onDetach = [&found](ScriptedService& service) {
+                 found = {service.RequestService("b"), service.RequestService("late")};
+             }});
+    Register("b");
+    m_domain->GetService("a");
+    other = m_domain->GetService("b");
+    m_domain.reset();
+    EXPECT_EQ(found, (std::vector<IService*>{other, nullptr}));
+}
+
+TEST_F(ServiceDomainTest, ServiceThatThrowsAtTheEndIsLoggedAndTheOthersAreStillDetached) {
+    Register("a");
+    Register("b", {.onDetach = [](ScriptedService&) { throw std::runtime_error("stuck"); }});
+    Register("c", {.onDetach = [](ScriptedService&) {
+                 throw new Utilities::Exception("stuck as well");
+             }});
+    for (const char* const name : {"a", "b", "c"})
+        m_domain->GetService(name);
+    m_journal.clear();
+    const Utilities::LogRecorder log;
+    m_domain.reset();
+    EXPECT_EQ(m_journal, (Journal{"c detaching", "b detaching", "a detaching", "c deleted",
+                                  "b deleted", "a deleted"}));
+    const std::string place =
+        std::string("1|") + holderPlace + "|Core::ServiceDomain::ServiceHolder::DetachService|";
+    EXPECT_EQ(log.records, (std::vector<std::string>{place + "stuck as well", place + "stuck"}));
+}
+
+TEST_F(ServiceDomainTest, IsOneServiceOneNamespaceAndOneRoot) {
+    ServiceDomain& domain = *m_domain;
+    EXPECT_EQ(static_cast<IService*>(static_cast<ClassFactory*>(&domain)),
+              static_cast<IService*>(static_cast<IServiceDomain*>(&domain)));
+    EXPECT_EQ(static_cast<INamespace*>(static_cast<ANamespace*>(&domain)),
+              static_cast<INamespace*>(static_cast<IServiceSpace*>(&domain)));
+    EXPECT_EQ(static_cast<IInterface*>(static_cast<ANamespace*>(&domain)),
+              static_cast<IInterface*>(static_cast<IDynamicDomain*>(&domain)));
+}
+
+} // namespace

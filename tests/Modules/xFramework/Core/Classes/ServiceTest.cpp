@@ -1,0 +1,121 @@
+#include "Modules/xFramework/Core/Classes/Service.h"
+
+#include "Modules/xFramework/Core/Classes/ServiceDomain.h"
+#include "tests/Modules/xFramework/Core/Classes/RaisedBy.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+using namespace Core;
+
+constexpr const char* sourceFile = "src/Modules/xFramework/Core/Classes/Service";
+
+/// Notes the calls of its hooks and what it knows of its domain then; the hooks give other domains
+/// than its own.
+class HookedService : public Service {
+public:
+    ServiceDomain attachResult;
+    ServiceDomain detachResult;
+    std::vector<std::string> calls;
+
+protected:
+    IServiceDomain* AttachHook() override {
+        calls.emplace_back(IsAttached() ? "attach, attached" : "attach, detached");
+        return &attachResult;
+    }
+    IServiceDomain* DetachHook() override {
+        calls.emplace_back(IsAttached() ? "detach, attached" : "detach, detached");
+        return &detachResult;
+    }
+};
+
+TEST(Service, IsDetachedAtFirst) {
+    const Service service;
+    EXPECT_FALSE(service.IsAttached());
+    EXPECT_EQ(RaisedBy([&service] { service.GetDomain(); }),
+              std::string("A service is not attached to any domain | ") + sourceFile +
+                  ":47 | Core::Service::GetDomain");
+}
+
+TEST(Service, KnowsTheDomainThatItIsAttachedTo) {
+    ServiceDomain domain;
+    Service service;
+    EXPECT_EQ(service.OnAttach(&domain), &domain);
+    EXPECT_TRUE(service.IsAttached());
+    EXPECT_EQ(service.GetDomain(), &domain);
+    EXPECT_EQ(service.OnDetach(), &domain);
+    EXPECT_FALSE(service.IsAttached());
+}
+
+TEST(Service, StaysAttachedUntilDetachedAsOftenAsAttached) {
+    ServiceDomain domain;
+    HookedService service;
+    EXPECT_EQ(service.OnAttach(&domain), &service.attachResult);
+    EXPECT_EQ(service.OnAttach(&domain), &domain);
+    EXPECT_EQ(service.OnDetach(), nullptr);
+    EXPECT_TRUE(service.IsAttached());
+    EXPECT_EQ(service.OnDetach(), &service.detachResult);
+    EXPECT_FALSE(service.IsAttached());
+    EXPECT_EQ(service.calls, (std::vector<std::string>{"attach, attached", "detach, attached"}));
+}
+
+TEST(Service, CanBeAttachedAgainAfterItsLastDetach) {
+    ServiceDomain first;
+    ServiceDomain second;
+    Service service;
+    service.OnAttach(&first);
+    service.OnDetach();
+    EXPECT_EQ(service.OnAttach(&second), &second);
+}
+
+TEST(Service, AttachToASecondDomainFailsAnAssertion) {
+    ServiceDomain domain;
+    ServiceDomain other;
+    Service service;
+    service.OnAttach(&domain);
+    EXPECT_EQ(
+        RaisedBy([&] { service.OnAttach(&other); }),
+        std::string("Assertion (GetDomain() == pDomain) failed at Core::Service::OnAttach | ") +
+            sourceFile + ":31 | Core::Service::OnAttach");
+    EXPECT_EQ(service.GetDomain(), &domain);
+}
+
+TEST(Service, FailedAttachIsCountedAllTheSame) {
+    ServiceDomain domain;
+    ServiceDomain other;
+    Service service;
+    service.OnAttach(&domain);
+    RaisedBy([&] { service.OnAttach(&other); });
+    service.OnDetach();
+    EXPECT_TRUE(service.IsAttached());
+    service.OnDetach();
+    EXPECT_FALSE(service.IsAttached());
+}
+
+TEST(Service, DetachWhileDetachedFailsAnAssertion) {
+    Service service;
+    EXPECT_EQ(RaisedBy([&service] { service.OnDetach(); }),
+              std::string("Assertion (IsAttached()) failed at Core::Service::OnDetach | ") +
+                  sourceFile + ":37 | Core::Service::OnDetach");
+}
+
+class Requesting : public Service {
+public:
+    using Service::RequestService;
+};
+
+TEST(Service, NotesWhatItRequests) {
+    ServiceDomain domain;
+    domain.RegisterServiceClass<Service>("known");
+    Requesting service;
+    service.OnAttach(&domain);
+    EXPECT_TRUE(service.GetRequestedNames().empty());
+    EXPECT_EQ(service.RequestService("known"), domain.GetService("known"));
+    EXPECT_EQ(service.RequestService("unknown"), nullptr);
+    EXPECT_EQ(service.GetRequestedNames(), (std::list<std::string>{"known", "unknown"}));
+}
+
+} // namespace
