@@ -14,7 +14,12 @@ namespace Core {
 struct Long {
     std::int32_t value = 0;
 
-    friend auto operator<=>(const Long&, const Long&) = default;
+    friend bool operator==(const Long& left, const Long& right) {
+        return left.value == right.value;
+    }
+    friend std::strong_ordering operator<=>(const Long& left, const Long& right) {
+        return left.value <=> right.value;
+    }
     friend std::ostream& operator<<(std::ostream& out, const Long& element) {
         return out << element.value;
     }

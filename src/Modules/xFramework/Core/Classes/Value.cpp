@@ -1,6 +1,8 @@
 #include "Modules/xFramework/Core/Classes/Value.h"
 
+#include "Modules/xFramework/Core/Classes/ValueFactory.h"
 #include "Modules/xFramework/Utilities/Raise.h"
+#include "Modules/xFramework/Utilities/Singleton.h"
 
 namespace Core {
 
@@ -15,6 +17,16 @@ bool IsGreater(const IValue* left, const IValue* right) {
 void ReleaseHolder(IValue* pObject) {
     if (pObject != nullptr && pObject->Release() == 0)
         delete pObject;
+}
+
+/// What a typed literal names, or else the text itself.
+std::unique_ptr<IValue> NewObject(const std::string& text) {
+    auto& factory = Utilities::Singleton<ValueFactory>::Instance();
+    std::unique_ptr<IValue> object =
+        factory.CanCreate(text) ? factory.CreateFromExpression(text) : nullptr;
+    if (object == nullptr)
+        object = std::make_unique<TypedValue<std::string>>(text);
+    return object;
 }
 
 const ITypedValue<std::string>* FindText(const IValue* object) {
@@ -48,7 +60,7 @@ Value& Value::operator=(const std::string& text) {
     const ITypedValue<std::string>* const held = FindText(m_pObject);
     const bool isSameText = held != nullptr && held->IsEqual(text);
     if (!isSameText && !ReadKeepingType(text))
-        Set(std::make_unique<TypedValue<std::string>>(text).release());
+        Set(NewObject(text).release());
     return *this;
 }
 

@@ -1,18 +1,10 @@
 #pragma once
 
 #include "Modules/xFramework/Core/Classes/TypedValue.h"
+#include "tests/Modules/xFramework/Core/Classes/LiveObject.h"
 
-/// An int value object that counts its living like.
-class LiveValue : public Core::TypedValue<Core::Int> {
+/// An int value object that is counted by LiveObject.
+class LiveValue : public Core::TypedValue<Core::Int>, public LiveObject {
 public:
-    explicit LiveValue(Core::Int element) : TypedValue(element) { ++Count(); }
-    ~LiveValue() override { --Count(); }
-
-    static int Alive() { return Count(); }
-
-private:
-    static int& Count() {
-        static int count = 0;
-        return count;
-    }
+    explicit LiveValue(Core::Int element) : TypedValue(element) {}
 };

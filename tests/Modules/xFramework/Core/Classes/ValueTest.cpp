@@ -1,8 +1,7 @@
 #include "Modules/xFramework/Core/Classes/Value.h"
 
-#include "Modules/xFramework/Utilities/CaughtException.h"
-#include "Modules/xFramework/Utilities/Exception.h"
 #include "tests/Modules/xFramework/Core/Classes/LiveValue.h"
+#include "tests/Modules/xFramework/Core/Classes/RaisedBy.h"
 
 #include <gtest/gtest.h>
 
@@ -128,6 +127,40 @@ TEST(Value, TextOfItsOwnElementCanBeAssigned) {
     EXPECT_EQ(value.ToString(), "text");
 }
 
+TEST(Value, TypedLiteralMakesAValueOfTheNamedType) {
+    Value value;
+    value = "{int:7}";
+    EXPECT_EQ(value.GetRef<Int>(), 7);
+    EXPECT_EQ(Value("{uint16:0x10}").GetRef<UInt16>(), 16);
+    EXPECT_EQ(Value("{string:a:b}").GetRef<std::string>(), "a:b");
+    EXPECT_EQ(Value("{long:5}").GetRef<Long>(), Long{5});
+}
+
+TEST(Value, UnreadableTypedLiteralMakesADefaultElement) {
+    EXPECT_EQ(Value("{int:x}").GetRef<Int>(), 0);
+    EXPECT_EQ(Value("{long:0x10}").GetRef<Long>(), Long{0});
+}
+
+TEST(Value, TextInBracesThatIsNoTypedLiteralStaysAText) {
+    for (const char* const text : {"{int:}", "{nosuchtype:1}", "{int}", "{}", "{:1}", "{float:1}",
+                                   "{char:1}", "{set:1}", "{int:7", "int:7}", " {int:7}", "{"}) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(Value(text).GetRef<std::string>(), text);
+    }
+}
+
+TEST(Value, TypedLiteralReplacesAnElementThatCannotReadIt) {
+    Value value = Make<Int>(1);
+    value = "{bool:1}";
+    EXPECT_EQ(value.GetRef<bool>(), true);
+}
+
+TEST(Value, StringValueReadsATypedLiteralAsText) {
+    Value value("text");
+    value = "{int:7}";
+    EXPECT_EQ(value.GetRef<std::string>(), "{int:7}");
+}
+
 TEST(Value, EqualityOfAStringValueWithTextIsByteExact) {
     const Value value("-remoteDaemon");
     EXPECT_TRUE(value == "-remoteDaemon");
@@ -209,12 +242,12 @@ TEST(Value, ObjectLivesAsLongAsItsLastHolder) {
             first.Set(new LiveValue(4));
             holder = first;
         }
-        EXPECT_EQ(LiveValue::Alive(), 1);
+        EXPECT_EQ(LiveObject::Alive(), 1);
         EXPECT_EQ(holder.ToString(), "4");
         holder.Set(holder.Get());
-        EXPECT_EQ(LiveValue::Alive(), 1);
+        EXPECT_EQ(LiveObject::Alive(), 1);
     }
-    EXPECT_EQ(LiveValue::Alive(), 0);
+    EXPECT_EQ(LiveObject::Alive(), 0);
 }
 
 TEST(Value, EveryWayOfReplacingTheObjectDeletesTheOldOne) {
@@ -230,24 +263,10 @@ TEST(Value, EveryWayOfReplacingTheObjectDeletesTheOldOne) {
         SCOPED_TRACE(row.name);
         Value value;
         value.Set(new LiveValue(4));
-        EXPECT_EQ(LiveValue::Alive(), 1);
+        EXPECT_EQ(LiveObject::Alive(), 1);
         row.replace(value);
-        EXPECT_EQ(LiveValue::Alive(), 0);
+        EXPECT_EQ(LiveObject::Alive(), 0);
     }
-}
-
-/// Runs what is expected to raise; gives "message | file:line | function".
-template <typename Action>
-std::string RaisedBy(Action action) {
-    try {
-        action();
-    } catch (Utilities::Exception* pException) {
-        const std::unique_ptr<Utilities::Exception> owner(pException);
-        const Utilities::ErrorLocation& place = *owner->GetLocation();
-        return std::string(owner->what()) + " | " + place.GetFile() + ":" +
-               std::to_string(place.GetLine()) + " | " + place.GetFunction();
-    }
-    return "nothing raised";
 }
 
 TEST(Value, ReferenceOfAnotherTypeRaisesWithItsPlace) {

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Modules/xFramework/Core/Classes/ClassCreator.h"
+#include "Modules/xFramework/Core/Classes/MetaType.h"
+#include "Modules/xFramework/Utilities/Singleton.h"
+
+#include <set>
+
+namespace Core {
+
+/// Creates values of one element type and describes it.
+class ITypeDescriptor : public IClassCreator<IValue> {
+public:
+    /// A value that holds a new default element.
+    virtual Value CreateValue() = 0;
+
+    /// From a value that holds a std::set<Core::Value>, one that holds a std::set<T>: elements of
+    /// another type are read from their text, and those that cannot be read become the default
+    /// element. The given set stays as it is. Raises "Incompatible value type" for any other value.
+    virtual Value ConvertSet(const Value& set) const = 0;
+
+    /// The process-wide meta type of the element type.
+    virtual CoreTypes::IMetaType& GetMetaType() const = 0;
+};
+
+template <typename T>
+class TypeDescriptor : public ITypeDescriptor {
+public:
+    std::unique_ptr<IValue> Create() override { return std::make_unique<TypedValue<T>>(); }
+
+    Value CreateValue() override {
+        Value value;
+        value.Set(Create().release());
+        return value;
+    }
+
+    Value ConvertSet(const Value& set) const override {
+        std::set<T> converted;
+        for (const Value& element : set.GetRef<std::set<Value>>())
+            converted.insert(Convert(element));
+        Value result;
+        result.Set(std::make_unique<TypedValue<std::set<T>>>(std::move(converted)).release());
+        return result;
+    }
+
+    CoreTypes::IMetaType& GetMetaType() const override {
+        return Utilities::Singleton<CoreTypes::MetaType<T>>::Instance();
+    }
+
+private:
+    /// The element by value: bringing it to another type must not touch the set that it is in.
+    T Convert(Value element) const {
+        if (!GetMetaType().Describes(element.Get()))
+            GetMetaType().FromText(element.ToString(), element);
+        return element.GetMutableRef<T>();
+    }
+};
+
+} // namespace Core

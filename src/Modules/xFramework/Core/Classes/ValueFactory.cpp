@@ -1,0 +1,37 @@
+#include "Modules/xFramework/Core/Classes/ValueFactory.h"
+
+#include "Modules/xFramework/Core/Classes/TypedLiteral.h"
+
+namespace Core {
+
+std::unique_ptr<IValue> ValueFactory::Create(const std::string& typeName, const std::string& text) {
+    std::unique_ptr<IValue> object = CreateTyped(typeName);
+    if (object != nullptr)
+        object->FromString(text);
+    return object;
+}
+
+bool ValueFactory::CanCreate(const std::string& expression) const {
+    const TypedLiteral literal = SplitTypedLiteral(expression);
+    return !literal.valueText.empty() && IsRegistered(literal.typeName);
+}
+
+std::unique_ptr<IValue> ValueFactory::CreateFromExpression(const std::string& expression) {
+    const TypedLiteral literal = SplitTypedLiteral(expression);
+    return literal.valueText.empty() ? CreateTyped(literal.typeName)
+                                     : Create(literal.typeName, literal.valueText);
+}
+
+ITypeDescriptor* ValueFactory::GetTypeDescriptor(const std::string& name) {
+    return dynamic_cast<ITypeDescriptor*>(m_descriptors.Find(name));
+}
+
+void ValueFactory::RegisterDescriptor(const std::string& name,
+                                      std::unique_ptr<ITypeDescriptor> descriptor) {
+    if (const ITypeDescriptor* const earlier = GetTypeDescriptor(name))
+        earlier->GetMetaType().RemoveName(name);
+    descriptor->GetMetaType().AddName(name);
+    m_descriptors.Add(name, descriptor.release());
+}
+
+} // namespace Core

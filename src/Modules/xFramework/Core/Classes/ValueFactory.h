@@ -1,0 +1,50 @@
+#pragma once
+
+#include "Modules/xFramework/Core/Classes/DynamicFactory.h"
+#include "Modules/xFramework/Core/Classes/Namespace.h"
+#include "Modules/xFramework/Core/Classes/TypeDescriptor.h"
+
+namespace Core {
+
+/// Makes value objects by the names of their element types, and from typed literals. The one that
+/// text assignment asks is Utilities::Singleton<Core::ValueFactory>. New objects are the caller's,
+/// with a count of 0.
+class ValueFactory : public DynamicFactory<IValue, GenericFactory<IValue, ClassFactory>>,
+                     public virtual Service {
+public:
+    using ClassFactory::Register;
+
+    /// Gives the element type T a name: registers a creator and a descriptor, and tells the meta
+    /// type. A name that is taken stands for T from now on.
+    template <typename T>
+    void Register(const std::string& name);
+
+    /// A value of the named type, read from text; an unreadable text leaves the default element.
+    /// Null when the name is unknown or does not stand for a value.
+    std::unique_ptr<IValue> Create(const std::string& typeName, const std::string& text);
+
+    /// Whether the text is a typed literal of a registered type with a value text that is not
+    /// empty, readable or not.
+    bool CanCreate(const std::string& expression) const;
+
+    /// The value of a typed literal, as Create gives it; without a value text, the default value of
+    /// the type named by the text in the braces, or by the text itself when there are none.
+    std::unique_ptr<IValue> CreateFromExpression(const std::string& expression);
+
+    /// The descriptor registered under the name, null when there is none. It stays the factory's
+    /// and lives until the name is registered again.
+    ITypeDescriptor* GetTypeDescriptor(const std::string& name);
+
+private:
+    void RegisterDescriptor(const std::string& name, std::unique_ptr<ITypeDescriptor> descriptor);
+
+    Namespace m_descriptors;
+};
+
+template <typename T>
+void ValueFactory::Register(const std::string& name) {
+    Register(name, std::make_unique<ClassCreator<TypedValue<T>, IValue>>());
+    RegisterDescriptor(name, std::make_unique<TypeDescriptor<T>>());
+}
+
+} // namespace Core

@@ -1,0 +1,134 @@
+#include "Modules/xFramework/Core/Classes/ExpandVariables.h"
+
+#include "Modules/xFramework/Core/Classes/MetaType.h"
+#include "Modules/xFramework/Core/Classes/Namespace.h"
+#include "Modules/xFramework/Utilities/Format.h"
+#include "Modules/xFramework/Utilities/FormatProviders.h"
+#include "tests/Modules/xFramework/Core/Classes/LiveObject.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+using namespace Core;
+
+class ExpandVariablesTest : public testing::Test {
+protected:
+    ExpandVariablesTest() {
+        Define("B", Value("1"));
+        Define("A1", Value("inner first"));
+        Define("number", Value("{int:42}"));
+        Define("byte", Value("{int8:65}"));
+        Define("nothing", Value());
+        Define("reference", Value("$(B)"));
+        Define("open", Value("("));
+        Define("a.b", Value("dotted"));
+        Value set;
+        set.GetMutableRef<std::set<Value>>().insert(Value("x"));
+        Define("set", set);
+        Enter("object", new LiveObject);
+    }
+    ~ExpandVariablesTest() override {
+        for (const std::string& name : m_names)
+            GlobalVariables().Remove(name);
+    }
+
+private:
+    void Define(const std::string& name, const Value& value) { Enter(name, new Value(value)); }
+
+    void Enter(const std::string& name, IInterface* pObject) {
+        GlobalVariables().Add(name, pObject);
+        m_names.push_back(name);
+    }
+
+    std::vector<std::string> m_names;
+};
+
+TEST_F(ExpandVariablesTest, ReferencesAreReplacedFromTheEndToTheFront) {
+    struct {
+        const char* text;
+        const char* expanded;
+    } const cases[] = {{"$(B)", "1"},
+                       {"a $(B) b $(number) c", "a 1 b 42 c"},
+                       {"$(A$(B))", "inner first"},
+                       {"$(unknown)", "$(unknown)"},
+                       {"$(unknown)$(B)", "$(unknown)1"},
+                       {"$(A$(unknown))", "$(A$(unknown))"},
+                       {"x$(number", "x42"},
+                       {"$(B) and $(", "1 and $("},
+                       {"$()", "$()"},
+                       {"$", "$"},
+                       {"", ""},
+                       {"$(", "$("},
+                       {"$B $((B)) ${1}", "$B $((B)) ${1}"},
+                       {"$(a.b)", "dotted"},
+                       {"$(byte)", "A"}};
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.text);
+        std::string text = row.text;
+        ExpandVariables(text);
+        EXPECT_EQ(text, row.expanded);
+    }
+}
+
+TEST_F(ExpandVariablesTest, ValueWithoutMetaTypeIsReplacedByNothing) {
+    std::string text = "[$(set)][$(nothing)]";
+    ExpandVariables(text);
+    EXPECT_EQ(text, "[][]");
+}
+
+TEST_F(ExpandVariablesTest, MemberThatIsNoValueLeavesTheReference) {
+    std::string text = "$(object)";
+    ExpandVariables(text);
+    EXPECT_EQ(text, "$(object)");
+}
+
+TEST_F(ExpandVariablesTest, InsertedReferencesAreNotExpanded) {
+    std::string text = "x$(reference)";
+    ExpandVariables(text);
+    EXPECT_EQ(text, "x$(B)");
+}
+
+TEST_F(ExpandVariablesTest, DollarBeforeAnInsertedParenthesisBeginsAReference) {
+    std::string text = "$$(open)B)";
+    ExpandVariables(text);
+    EXPECT_EQ(text, "1");
+}
+
+TEST_F(ExpandVariablesTest, MessagesExpandTemplatesAndTextsButNotLiterals) {
+    EXPECT_EQ(Utilities::Format("$(B): ${1} ${2}").Text(), "1: ${1} ${2}");
+    EXPECT_EQ((Utilities::Format("${1} ${2}") % std::string("$(B)") % "$(B)").Text(), "1 $(B)");
+}
+
+TEST_F(ExpandVariablesTest, NumbersAreReadWithTheirReferencesExpanded) {
+    Value value;
+    EXPECT_TRUE(CoreTypes::MetaType<Int>().FromText("0x$(number)", value));
+    EXPECT_EQ(value.GetRef<Int>(), 0x42);
+}
+
+TEST_F(ExpandVariablesTest, StringValueThatReadsATextExpandsIt) {
+    Value value("text");
+    value = "$(B)";
+    EXPECT_EQ(value.ToString(), "1");
+    EXPECT_EQ(Value("$(B)").ToString(), "$(B)");
+}
+
+int g_calls = 0;
+void CountCall(std::string&) {
+    ++g_calls;
+}
+
+TEST_F(ExpandVariablesTest, InstallingItTwiceLeavesOneEntryAtTheEnd) {
+    auto& providers = Utilities::FormatProviders::Instance();
+    providers.AddStringProvider(CountCall);
+    providers.AddStringProvider(ExpandVariables);
+    std::string text = "$(reference)";
+    providers.ProcessString(text);
+    EXPECT_EQ(text, "$(B)");
+    EXPECT_EQ(g_calls, 1);
+    providers.RemoveStringProvider(CountCall);
+}
+
+} // namespace

@@ -1,0 +1,108 @@
+#include "Modules/xFramework/Core/Classes/ValueFactory.h"
+
+#include "tests/Modules/xFramework/Core/Classes/LiveObject.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace Core;
+
+/// The names are the tests' own: the meta types belong to the whole process.
+class ValueFactoryTest : public testing::Test {
+protected:
+    ValueFactoryTest() {
+        m_factory.Register<Int>("number");
+        m_factory.Register<std::string>("text");
+        m_factory.Register("object", std::make_unique<ClassCreator<LiveObject, IInterface>>());
+    }
+    ~ValueFactoryTest() override {
+        for (const char* const name : {"number", "text"})
+            m_factory.GetTypeDescriptor(name)->GetMetaType().RemoveName(name);
+    }
+
+    ValueFactory m_factory;
+};
+
+template <typename T>
+T ElementOf(const std::unique_ptr<IValue>& object) {
+    return dynamic_cast<ITypedValue<T>&>(*object).GetRef();
+}
+
+TEST_F(ValueFactoryTest, CreatesAValueByTypeNameAndText) {
+    const auto object = m_factory.Create("number", "0x10");
+    EXPECT_EQ(ElementOf<Int>(object), 16);
+    EXPECT_EQ(object->GetRefCount(), 0);
+    EXPECT_EQ(ElementOf<std::string>(m_factory.Create("text", "0x10")), "0x10");
+}
+
+TEST_F(ValueFactoryTest, UnreadableTextLeavesTheDefaultElement) {
+    EXPECT_EQ(ElementOf<Int>(m_factory.Create("number", "x")), 0);
+    EXPECT_EQ(ElementOf<Int>(m_factory.Create("number", "")), 0);
+}
+
+TEST_F(ValueFactoryTest, UnknownTypeAndOtherObjectsGiveNoValue) {
+    EXPECT_EQ(m_factory.Create("Number", "1"), nullptr);
+    EXPECT_EQ(m_factory.Create("object", "1"), nullptr);
+    EXPECT_EQ(m_factory.CreateFromExpression("{object:1}"), nullptr);
+    EXPECT_EQ(LiveObject::Alive(), 0);
+}
+
+TEST_F(ValueFactoryTest, CanCreateATypedLiteralWithARegisteredTypeAndAText) {
+    struct {
+        const char* expression;
+        bool canCreate;
+    } const cases[] = {{"{number:7}", true},
+                       {"{number:x}", true},
+                       {"{text:a:b}", true},
+                       {"{number:}", false},
+                       {"{nosuchtype:1}", false},
+                       {"{number}", false},
+                       {"number", false},
+                       {"{}", false},
+                       {"", false}};
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.expression);
+        EXPECT_EQ(m_factory.CanCreate(row.expression), row.canCreate);
+    }
+}
+
+TEST_F(ValueFactoryTest, CreatesFromATypedLiteral) {
+    EXPECT_EQ(ElementOf<Int>(m_factory.CreateFromExpression("{number:7}")), 7);
+    EXPECT_EQ(ElementOf<Int>(m_factory.CreateFromExpression("{number:x}")), 0);
+    EXPECT_EQ(ElementOf<std::string>(m_factory.CreateFromExpression("{text:a:b}")), "a:b");
+    EXPECT_EQ(m_factory.CreateFromExpression("{nosuchtype:1}"), nullptr);
+}
+
+TEST_F(ValueFactoryTest, ExpressionWithoutValueTextNamesATypeAsAWhole) {
+    EXPECT_EQ(ElementOf<Int>(m_factory.CreateFromExpression("{number}")), 0);
+    EXPECT_EQ(ElementOf<Int>(m_factory.CreateFromExpression("number")), 0);
+    EXPECT_EQ(m_factory.CreateFromExpression("number:7"), nullptr);
+    EXPECT_EQ(m_factory.CreateFromExpression(""), nullptr);
+}
+
+TEST_F(ValueFactoryTest, RegistrationAddsADescriptorAndTellsTheMetaType) {
+    ITypeDescriptor* const descriptor = m_factory.GetTypeDescriptor("number");
+    ASSERT_NE(descriptor, nullptr);
+    EXPECT_TRUE(descriptor->GetMetaType().HasName("number"));
+    EXPECT_EQ(m_factory.GetTypeDescriptor("object"), nullptr);
+    EXPECT_EQ(m_factory.GetTypeDescriptor("nosuchtype"), nullptr);
+}
+
+TEST_F(ValueFactoryTest, NameRegisteredAgainStandsForTheLaterType) {
+    m_factory.Register<Int>("again");
+    m_factory.Register<bool>("again");
+    EXPECT_EQ(ElementOf<bool>(m_factory.Create("again", "1")), true);
+    EXPECT_FALSE(Utilities::Singleton<CoreTypes::MetaType<Int>>::Instance().HasName("again"));
+    auto& metaType = m_factory.GetTypeDescriptor("again")->GetMetaType();
+    EXPECT_TRUE(metaType.HasName("again"));
+    metaType.RemoveName("again");
+}
+
+TEST_F(ValueFactoryTest, IsOneServiceAndOneFactory) {
+    EXPECT_EQ(static_cast<IService*>(static_cast<Service*>(&m_factory)),
+              static_cast<IService*>(static_cast<IDynamicFactory<IValue>*>(&m_factory)));
+    EXPECT_FALSE(m_factory.IsAttached());
+}
+
+} // namespace
