@@ -81,11 +81,15 @@ TEST_F(ExchangeTest, ArgumentsArriveAsTheyWereGiven) {
 }
 
 TEST_F(ExchangeTest, RemoteDaemonIsDialledAndNamedInTheHead) {
-    ExchangeAtOnce({"-remoteDaemon", "localhost", "-exit"}, "xDone");
-    // Resolving the name may give the IPv6 address first, where nobody listens; the numeric form
-    // leaves no doubt.
-    ExchangeAtOnce({"-remoteDaemon", "127.0.0.1", "-exit"}, "xDone");
-    EXPECT_EQ(request, BuildRequest("127.0.0.1", "CLI -1 -vemo  -exit"));
+    ScriptedPeer peer(
+        [this](Connection& connection, int) {
+            request = connection.ReadRequest();
+            connection.Send("xDone");
+        },
+        "127.0.0.2");
+    bench.SetPort(peer.Port());
+    EXPECT_EQ(bench.RunClient({"-remoteDaemon", "127.0.0.2", "-exit"}).exitCode, 0);
+    EXPECT_EQ(request, BuildRequest("127.0.0.2", "CLI -1 -vemo  -exit"));
 }
 
 TEST_F(ExchangeTest, KnownCommandsGoOutBare) {
@@ -176,6 +180,9 @@ TEST_F(ExchangeTest, PlaceholderInAnArgumentOrAddressIsAnErrorAndNoHang) {
     const ProcessResult argument = bench.RunClient({"-x", "a${3}b"});
     EXPECT_EQ(argument.err, TextMode("The command" + reason));
     EXPECT_EQ(argument.exitCode, OSAL::ToExitStatus(256));
+    const ProcessResult address = bench.RunClient({"-x", "-remoteDaemon", "a${3}"});
+    EXPECT_EQ(address.err, TextMode("The daemon's address" + reason));
+    EXPECT_EQ(address.exitCode, OSAL::ToExitStatus(256));
 }
 
 TEST_F(ExchangeTest, AnswerOfAHundredMebibytesIsProcessedWithinFiveTimesItsSize) {

@@ -91,12 +91,12 @@ void Connection::WaitForClose() {
 namespace {
 
 /// Four digits: the client's port file holds no more.
-tcp::acceptor ListenOnFreePort(asio::io_context& context) {
+tcp::acceptor ListenOnFreePort(asio::io_context& context, const std::string& address) {
     std::random_device random;
     std::uniform_int_distribution<unsigned short> ports(2000, 9999);
     for (int attempt = 0; attempt < 1000; ++attempt) {
         tcp::acceptor acceptor(context);
-        const tcp::endpoint endpoint(asio::ip::address_v4::loopback(), ports(random));
+        const tcp::endpoint endpoint(asio::ip::make_address(address), ports(random));
         Error error;
         acceptor.open(endpoint.protocol());
         acceptor.bind(endpoint, error);
@@ -111,9 +111,9 @@ tcp::acceptor ListenOnFreePort(asio::io_context& context) {
 } // namespace
 
 struct ScriptedPeer::System {
-    explicit System(Script givenScript)
+    System(Script givenScript, const std::string& address)
         : script(std::move(givenScript)),
-          acceptor(ListenOnFreePort(context)),
+          acceptor(ListenOnFreePort(context, address)),
           endpoint(acceptor.local_endpoint()) {}
 
     void Serve() {
@@ -139,7 +139,8 @@ struct ScriptedPeer::System {
     std::thread thread;
 };
 
-ScriptedPeer::ScriptedPeer(Script script) : m_system(std::make_unique<System>(std::move(script))) {
+ScriptedPeer::ScriptedPeer(Script script, const std::string& address)
+    : m_system(std::make_unique<System>(std::move(script), address)) {
     m_system->thread = std::thread([system = m_system.get()] { system->Serve(); });
 }
 
@@ -159,7 +160,7 @@ std::string ScriptedPeer::Port() const {
 
 std::string UnusedPort() {
     asio::io_context context;
-    return std::to_string(ListenOnFreePort(context).local_endpoint().port());
+    return std::to_string(ListenOnFreePort(context, "127.0.0.1").local_endpoint().port());
 }
 
 } // namespace EndToEnd

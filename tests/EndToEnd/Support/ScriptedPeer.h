@@ -38,14 +38,15 @@ private:
     std::unique_ptr<Socket> m_socket;
 };
 
-/// Listens on a free four-digit port of 127.0.0.1 and runs a script for each connection, one after
-/// the other. Connections stay open until the peer is destroyed unless the script closes them.
+/// Listens on a free four-digit port of 127.0.0.1, or another loopback address, and runs a script
+/// for each connection, one after the other. Connections stay open until the peer is destroyed
+/// unless the script closes them.
 class ScriptedPeer {
 public:
     /// number counts the connections from 0.
     using Script = std::function<void(Connection& connection, int number)>;
 
-    explicit ScriptedPeer(Script script);
+    explicit ScriptedPeer(Script script, const std::string& address = "127.0.0.1");
     ~ScriptedPeer();
     ScriptedPeer(const ScriptedPeer&) = delete;
     ScriptedPeer& operator=(const ScriptedPeer&) = delete;

@@ -16,7 +16,9 @@ bool IsLink(const std::string& path) {
 }
 
 std::string LinkMessage(const std::string& path) {
-    RejectPlaceholders(path, "The path of a file beside the program");
+    // Such a path cannot pass through the formatter.
+    if (HasPlaceholder(path))
+        return "File " + path + " is a link";
     return Format("File ${1} is a link", path);
 }
 

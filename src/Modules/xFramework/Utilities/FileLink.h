@@ -8,8 +8,7 @@ namespace Utilities {
 /// bears the archive attribute is ever taken for a link: that asymmetry is kept on purpose.
 bool IsLink(const std::string& path);
 
-/// The message for a file beside the program that is refused because it is a link. Raises an
-/// Utilities::Exception* of its own when the path contains a message placeholder.
+/// The message for a file beside the program that is refused because it is a link.
 std::string LinkMessage(const std::string& path);
 
 } // namespace Utilities

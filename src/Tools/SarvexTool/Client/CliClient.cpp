@@ -2,16 +2,18 @@
 
 #include "Modules/xFramework/Utilities/CaughtException.h"
 #include "Modules/xFramework/Utilities/FileLink.h"
+#include "Modules/xFramework/Utilities/FileText.h"
 #include "Modules/xFramework/Utilities/ModuleDirectory.h"
+#include "Modules/xFramework/Utilities/Placeholders.h"
 #include "Modules/xFramework/Utilities/Raise.h"
 #include "Tools/SarvexTool/Client/Reply.h"
 #include "Tools/SarvexTool/Client/Request.h"
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
 #include <iterator>
 #include <memory>
+#include <sstream>
 #include <vector>
 
 namespace {
@@ -61,7 +63,9 @@ void CliClient::ApplyRemoteDaemonOption() {
         m_arguments.erase(option);
         return;
     }
-    m_remoteAddress = address->ToString();
+    const std::string addressText = address->ToString();
+    Utilities::RejectPlaceholders(addressText, "The daemon's address");
+    m_remoteAddress = addressText;
     m_arguments.erase(option, std::next(address));
 }
 
@@ -100,7 +104,7 @@ CommandTable CliClient::ReadSarvexToolCommands() const {
     if (Utilities::IsLink(path))
         Utilities::Raise(Utilities::LinkMessage(path), {"src/Tools/SarvexTool/Client/CliClient",
                                                         293, "CliClient::ReadSarvexToolCommands"});
-    std::ifstream file(path);
+    std::istringstream file(Utilities::ReadFileText(path));
     return ReadCommandTable(file);
 }
 

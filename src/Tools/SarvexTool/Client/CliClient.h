@@ -16,7 +16,8 @@ public:
     /// Address "127.0.0.1", no connection, no arguments, no answer.
     CliClient() = default;
 
-    /// Takes the arguments behind the program path, then applies the "-remoteDaemon" option.
+    /// Takes the arguments behind the program path, then applies the "-remoteDaemon" option; raises
+    /// what that raises.
     CliClient(int argc, const char* const argv[]);
 
     /// Closes the connection made last.
@@ -29,7 +30,8 @@ public:
     void SetArguments(const Arguments& arguments);
 
     /// Takes "-remoteDaemon" and the argument after it out of the list; that argument becomes the
-    /// daemon's address, unchecked. An option without an argument is taken out and changes nothing.
+    /// daemon's address, whatever its form. An option without an argument is taken out and changes
+    /// nothing. Raises an Utilities::Exception* when the address contains a message placeholder.
     void ApplyRemoteDaemonOption();
 
     /// Whether some argument equals the name.

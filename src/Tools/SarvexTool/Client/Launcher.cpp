@@ -63,8 +63,10 @@ bool IsProcessRunning(const std::string& name, bool requireTwo) {
 bool StartProcess(const std::string& directory, const std::string& name,
                   const std::string& arguments, bool newConsole,
                   OSAL::ProcessInformation& information) {
-    // The directory ends in a separator already; the path holds two in a row.
-    const std::string path = directory + OSAL::PathSeparator + name + OSAL::ExecutableSuffix;
+    // The directory ends in a separator already; the path holds two in a row. Without a directory
+    // it is relative.
+    const std::string separator = directory.empty() ? "" : std::string(1, OSAL::PathSeparator);
+    const std::string path = directory + separator + name + OSAL::ExecutableSuffix;
     return OSAL::CreateChildProcess(path, "\"" + path + "\" " + arguments, directory, newConsole,
                                     information);
 }

@@ -2,5 +2,6 @@
 #include "Tools/SarvexTool/Client/EntryPoint.h"
 
 int main(int argc, char* argv[]) {
+    OSAL::PrepareStandardStreams();
     return OSAL::ToExitStatus(RunClient(argc, argv));
 }

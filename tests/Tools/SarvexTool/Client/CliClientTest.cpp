@@ -22,7 +22,7 @@ using testing::ElementsAre;
 
 class CliClientTest : public testing::Test {
 protected:
-    CliClientTest() : directory("sarvex-cliclient-test") {}
+    CliClientTest() { ProgramDirectory::Reset(); }
 
     static std::unique_ptr<CliClient> Client(std::vector<const char*> arguments) {
         arguments.insert(arguments.begin(), "client");
@@ -33,10 +33,6 @@ protected:
         return CliClient::Arguments(texts.begin(), texts.end());
     }
 
-    struct FreshWorld {
-        FreshWorld() { OSAL::Fake::Reset(); }
-    } freshWorld;
-    ProgramDirectory directory;
     ConsoleCapture console;
 };
 
@@ -117,15 +113,10 @@ TEST_F(CliClientTest, EmptyValueInTheListGivesEmptyText) {
 TEST_F(CliClientTest, CommandFileDecidesWhatIsKnown) {
     const auto client = Client({"-remote", "10.1.1.1", "-exit"});
     EXPECT_FALSE(client->AreAllKnownCommands());
-    directory.Write("SarvexToolCmds.txt", "-exit 0\n-remote 1\n");
+    ProgramDirectory::Write("SarvexToolCmds.txt", "-exit 0\n-remote 1\n");
     EXPECT_TRUE(client->AreAllKnownCommands());
-    directory.Write("SarvexToolCmds.txt", "-exit 0\n\n-remote 1\n");
+    ProgramDirectory::Write("SarvexToolCmds.txt", "-exit 0\n\n-remote 1\n");
     EXPECT_FALSE(client->AreAllKnownCommands());
-}
-
-TEST_F(CliClientTest, CommandFileThatIsADirectoryGivesAnEmptyTable) {
-    std::filesystem::create_directory(directory.Path("SarvexToolCmds.txt"));
-    EXPECT_TRUE(Client({})->ReadSarvexToolCommands().empty());
 }
 
 /// Keeps the records of the process log.
@@ -150,7 +141,7 @@ TEST_F(CliClientTest, LinkedCommandFileIsLoggedAndRaised) {
     printer->AddDevice("test", &device);
     printer->SetFormatter("test", &formatter);
     printer->SetLevelMask("test", 15);
-    const std::string path = directory.Path("SarvexToolCmds.txt");
+    const std::string path = ProgramDirectory::Path("SarvexToolCmds.txt");
     TheWorld().files[path].hardLinks = 2;
     try {
         Client({"-exit"})->AreAllKnownCommands();
@@ -176,9 +167,9 @@ TEST_F(CliClientTest, FailedConnectionIsFalseAndSilent) {
 }
 
 TEST_F(CliClientTest, WhateverTheConnectionThrowsIsSwallowed) {
-    TheWorld().files[directory.Path("Socket.cfg")].hardLinks = 2;
+    TheWorld().files[ProgramDirectory::Path("Socket.cfg")].hardLinks = 2;
     EXPECT_FALSE(CliClient().Connect("127.0.0.1"));
-    TheWorld().files[directory.Path("Socket.cfg")].hardLinks = 1;
+    TheWorld().files[ProgramDirectory::Path("Socket.cfg")].hardLinks = 1;
     TheWorld().connectSucceeds = [](int) -> bool { throw 7; };
     EXPECT_FALSE(CliClient().Connect("127.0.0.1"));
 }
@@ -226,6 +217,47 @@ TEST_F(CliClientTest, EveryExchangeStartsWithAnEmptyResponse) {
     EXPECT_EQ(client.GetResponse(), "second\n\n");
     client.SendCommand(false, "");
     EXPECT_EQ(client.GetResponse(), "");
+}
+
+TEST_F(CliClientTest, FailedExchangeLeavesAnEmptyResponse) {
+    CliClient client;
+    ASSERT_TRUE(client.Connect(""));
+    TheWorld().received = {"first\nDone"};
+    client.SendCommand(true, "");
+    TheWorld().failingSend = TheWorld().sends;
+    try {
+        client.SendCommand(true, "");
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (Utilities::Exception* pException) {
+        delete pException;
+    }
+    EXPECT_EQ(client.GetResponse(), "");
+}
+
+TEST_F(CliClientTest, InformationIsPrintedBeforeTheErrors) {
+    std::ostringstream both;
+    std::streambuf* const oldOut = std::cout.rdbuf(both.rdbuf());
+    std::streambuf* const oldErr = std::cerr.rdbuf(both.rdbuf());
+    CliClient client;
+    EXPECT_TRUE(client.Connect(""));
+    TheWorld().received = {
+        "Sarvex tool ERROR\ne\nSarvex tool INFO\ni\nSarvex tool RETURN CODE\n0Done"};
+    client.SendCommand(true, "");
+    std::cout.rdbuf(oldOut);
+    std::cerr.rdbuf(oldErr);
+    EXPECT_EQ(both.str(), "i\ne\n");
+}
+
+TEST_F(CliClientTest, AddressWithAPlaceholderIsRaisedAndChangesNothing) {
+    try {
+        Client({"-remoteDaemon", "a${3}"});
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (Utilities::Exception* pException) {
+        const std::unique_ptr<Utilities::Exception> owner(pException);
+        EXPECT_STREQ(owner->what(),
+                     "The daemon's address contains a message placeholder (a dollar sign and a "
+                     "digit from 1 to 5 in braces), which cannot be sent.");
+    }
 }
 
 TEST_F(CliClientTest, WithoutWaitingNothingIsReceivedNorPrinted) {

@@ -18,7 +18,8 @@ using OSAL::Fake::TheWorld;
 
 class EntryPointTest : public testing::Test {
 protected:
-    EntryPointTest() : directory("sarvex-entrypoint-test") {
+    EntryPointTest() {
+        ProgramDirectory::Reset();
         TheWorld().received = {"HTTP/1.1 200 OK\r\n\r\nanswer\nSarvex tool RETURN CODE\n3\nDone"};
     }
 
@@ -37,10 +38,6 @@ protected:
         return headEnd == std::string::npos ? "nothing was sent" : sent.substr(headEnd + 4);
     }
 
-    struct FreshWorld {
-        FreshWorld() { OSAL::Fake::Reset(); }
-    } freshWorld;
-    ProgramDirectory directory;
     ConsoleCapture console;
 };
 
@@ -90,8 +87,56 @@ TEST_F(EntryPointTest, CommandLineFollowsTheArguments) {
     }
 }
 
+TEST_F(EntryPointTest, TestFilePairLeavesTheList) {
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string commandLine;
+    };
+    // The prefix goes when no argument is left: an empty list holds known commands only.
+    const Case cases[] = {
+        {{"-a", "-wifi-test-by-file", "f", "-b"}, "CLI -1 -vemo  -a -b"},
+        {{"-wifi-test-by-file", "f"}, "CLI -1 "},
+        // The first element equal to the file name goes, wherever it stands.
+        {{"f", "-wifi-test-by-file", "f", "-a"}, "CLI -1 -vemo  f -a"},
+        {{"f", "x", "-wifi-test-by-file", "f"}, "CLI -1 -vemo  x f"},
+        {{"-wifi-test-by-file", "f", "-wifi-test-by-file", "g", "-a"}, "CLI -1 -vemo  -a"},
+        // The file name is compared like any other argument.
+        {{"-wifi-test-by-file", "-wifi-test-by-file", "f"}, "CLI -1 "},
+        // The address is gone from the list before the copies are scanned.
+        {{"-remoteDaemon", "-wifi-test-by-file", "-a", "-b"}, "CLI -1 -vemo  -b"},
+        {{"-a", "-wifi-test-by-file"}, "CLI -1 -vemo  -a -wifi-test-by-file"},
+        {{"-wifi-test-by-File", "f"}, "CLI -1 -vemo  -wifi-test-by-File f"},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(testing::PrintToString(row.arguments));
+        TheWorld().sent.clear();
+        TheWorld().received = {"xDone"};
+        Run(row.arguments);
+        EXPECT_EQ(SentCommandLine(), row.commandLine);
+    }
+}
+
+TEST_F(EntryPointTest, RewritesComeBeforeTheChoiceOfThePrefix) {
+    ProgramDirectory::Write("SarvexToolCmds.txt", "-connect 0\n");
+    Run({"-connect"});
+    EXPECT_EQ(SentCommandLine(), "CLI -1 -vemo  -connectbin");
+}
+
+TEST_F(EntryPointTest, OwnOptionsAreGoneBeforeTheChoiceOfThePrefix) {
+    ProgramDirectory::Write("SarvexToolCmds.txt", "-exit 0\n");
+    TheWorld().pipeOutput = "vemo.exe";
+    Run({"-open_local_daemon", "-exit"});
+    EXPECT_EQ(SentCommandLine(), "CLI -1  -exit");
+}
+
+TEST_F(EntryPointTest, UsageIsPrintedBeforeTheDaemonIsStarted) {
+    TheWorld().childStarts = false;
+    EXPECT_EQ(Run({"-help", "-open_local_daemon"}), 258);
+    EXPECT_EQ(console.Out(), usageText);
+}
+
 TEST_F(EntryPointTest, KnownCommandsGoOutWithoutThePrefix) {
-    directory.Write("SarvexToolCmds.txt", "-exit 0\n-remote 1\n");
+    ProgramDirectory::Write("SarvexToolCmds.txt", "-exit 0\n-remote 1\n");
     EXPECT_EQ(Run({"-remote", "10.1.1.1", "-exit"}), 3);
     EXPECT_EQ(SentCommandLine(), "CLI -1  -remote 10.1.1.1 -exit");
 }
@@ -137,7 +182,7 @@ TEST_F(EntryPointTest, UnreachableDaemonEndsWithOneAfterTheUsage) {
 }
 
 TEST_F(EntryPointTest, LinkedPortFileEndsAsAFailedConnection) {
-    TheWorld().files[directory.Path("Socket.cfg")].hardLinks = 2;
+    TheWorld().files[ProgramDirectory::Path("Socket.cfg")].hardLinks = 2;
     EXPECT_EQ(Run({"-x"}), 1);
     EXPECT_EQ(console.Err(),
               "Failed to connect to daemon. Please ensure that daemon was started.\n");
@@ -151,7 +196,7 @@ TEST_F(EntryPointTest, MissingPortFileEndsAsAFailedConnection) {
 }
 
 TEST_F(EntryPointTest, LinkedCommandFileEndsWith256AndItsMessage) {
-    const std::string path = directory.Path("SarvexToolCmds.txt");
+    const std::string path = ProgramDirectory::Path("SarvexToolCmds.txt");
     TheWorld().files[path].hardLinks = 2;
     EXPECT_EQ(Run({"-x"}), 256);
     EXPECT_EQ(console.Err(), "File " + path + " is a link\n");
@@ -202,7 +247,8 @@ TEST_F(EntryPointTest, PlaceholderInAnArgumentOrAddressEndsWith256AndSendsNothin
         EXPECT_EQ(Run({"-x", "${5}"}), 256);
         EXPECT_EQ(own.Err(), "The command" + reason);
     }
-    EXPECT_EQ(Run({"-remoteDaemon", "${1}"}), 256);
+    EXPECT_EQ(Run({"-remoteDaemon", "${1}", "-x"}), 256);
+    EXPECT_EQ(CountCalls("ResolveAddress [${1}]"), 0);
     EXPECT_EQ(console.Err(), "The daemon's address" + reason);
     EXPECT_EQ(CountCalls("send"), 0);
 }

@@ -42,6 +42,10 @@ TEST_F(LauncherTest, MissingDaemonIsStartedInTheSameConsoleFromTheProgramsDirect
 TEST_F(LauncherTest, FailedStartCostsThePauseAndPrintsTheSystemsNumber) {
     TheWorld().childStarts = false;
     TheWorld().lastError = 193;
+    TheWorld().onSleep = [this] {
+        TheWorld().lastError = 0;
+        EXPECT_EQ(console.Err(), "") << "the message comes after the pause";
+    };
     EXPECT_FALSE(StartLocalDaemon("vemo"));
     EXPECT_EQ(CountCalls("Sleep 2000"), 1);
     EXPECT_EQ(CountCalls("CloseHandle"), 2);
@@ -52,7 +56,7 @@ TEST_F(LauncherTest, FailedStartCostsThePauseAndPrintsTheSystemsNumber) {
 TEST_F(LauncherTest, UnknownProgramDirectoryMakesThePathRelative) {
     TheWorld().modulePathReadable = false;
     EXPECT_TRUE(StartLocalDaemon("vemo"));
-    EXPECT_EQ(CountCalls("CreateChildProcess [/vemo.exe ] [\"/vemo.exe \" ] [] same"), 1);
+    EXPECT_EQ(CountCalls("CreateChildProcess [vemo.exe ] [\"vemo.exe \" ] [] same"), 1);
 }
 
 TEST_F(LauncherTest, ProcessRunsWhenTheListShowsItsName) {

@@ -62,7 +62,7 @@ std::string ToCrLf(const std::string& text) {
 
 class ProtocolPageTest : public testing::Test {
 protected:
-    ProtocolPageTest() : directory("sarvex-protocol-page-test") {}
+    ProtocolPageTest() { ProgramDirectory::Reset(); }
 
     static int Run(const std::vector<std::string>& arguments) {
         std::vector<const char*> pointers{"client"};
@@ -71,15 +71,10 @@ protected:
         TheWorld().sent.clear();
         return RunClient(static_cast<int>(pointers.size()), pointers.data());
     }
-
-    struct FreshWorld {
-        FreshWorld() { OSAL::Fake::Reset(); }
-    } freshWorld;
-    ProgramDirectory directory;
 };
 
 TEST_F(ProtocolPageTest, EveryRowOfArgumentsGivesItsBody) {
-    directory.Write("SarvexToolCmds.txt", "-exit 0\n-remote 1\n");
+    ProgramDirectory::Write("SarvexToolCmds.txt", "-exit 0\n-remote 1\n");
     int rows = 0;
     for (const std::string& line : PageLines()) {
         std::vector<std::string> quoted = Quoted(line);

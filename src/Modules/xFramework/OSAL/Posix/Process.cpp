@@ -1,5 +1,6 @@
 #include "Modules/xFramework/OSAL/Process.h"
 
+#include <fcntl.h>
 #include <spawn.h>
 #include <unistd.h>
 
@@ -17,6 +18,16 @@ const char* const ExecutableSuffix = "";
 struct Pipe {
     FILE* stream;
 };
+
+void PrepareStandardStreams() {
+    // The system hands out the lowest free descriptor, so each open fills the lowest gap.
+    int descriptor = 0;
+    do {
+        descriptor = ::open("/dev/null", O_RDWR);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    if (descriptor >= 0)
+        ::close(descriptor);
+}
 
 int Sleep(std::uint32_t milliseconds) {
     constexpr std::uint32_t nanosecondsPerMillisecond = 1'000'000;

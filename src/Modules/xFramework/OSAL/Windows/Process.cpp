@@ -22,6 +22,10 @@ struct Pipe {
     FILE* stream;
 };
 
+void PrepareStandardStreams() {
+    // Files and sockets have no numbers here that could be those of a standard stream.
+}
+
 int Sleep(std::uint32_t milliseconds) {
     ::Sleep(milliseconds);
     return 0;

@@ -35,8 +35,11 @@ const char* const ExecutableSuffix = ".exe ";
 
 struct Pipe {};
 
+void PrepareStandardStreams() {}
+
 int Sleep(std::uint32_t milliseconds) {
     Record("Sleep " + std::to_string(milliseconds));
+    TheWorld().onSleep();
     return 0;
 }
 
@@ -91,8 +94,9 @@ bool CloseHandle(Handle handle) {
 // Files
 
 namespace {
-/// The file that is open, if any; its handle is 7.
-const Fake::File* openFile = nullptr;
+/// What is still to be read of the file that is open, if any; its handle is 7.
+std::string unread;
+bool fileIsOpen = false;
 constexpr Handle openFileHandle = 7;
 } // namespace
 
@@ -113,14 +117,19 @@ std::uint32_t CountHardLinks(const std::string& path) {
 
 Handle OpenFileForReading(const std::string& path) {
     Record("OpenFileForReading " + path);
-    openFile = FindFile(path);
-    return openFile == nullptr ? InvalidHandle : openFileHandle;
+    const Fake::File* file = FindFile(path);
+    fileIsOpen = file != nullptr;
+    unread = fileIsOpen ? file->content : "";
+    return fileIsOpen ? openFileHandle : InvalidHandle;
 }
 
 std::size_t ReadFile(Handle file, char* buffer, std::size_t size) {
     Record("ReadFile " + std::to_string(size));
-    return file == openFileHandle && openFile != nullptr ? CopyOut(openFile->content, buffer, size)
-                                                         : 0;
+    if (file != openFileHandle || !fileIsOpen)
+        return 0;
+    const std::size_t count = CopyOut(unread, buffer, size);
+    unread.erase(0, count);
+    return count;
 }
 
 // Sockets
@@ -196,6 +205,7 @@ int CloseSocket(SocketHandle socket) {
 }
 
 std::string LastSocketErrorText() {
+    Record("LastSocketErrorText");
     return "the peer has gone";
 }
 

@@ -34,6 +34,8 @@ struct World {
     bool pipeOpens = true;
     std::string pipeOutput;
     bool childStarts = true;
+    /// Called after each sleep was recorded.
+    std::function<void()> onSleep = [] {};
     /// Called when the output of a command is read; may throw.
     std::function<void()> onReadPipe = [] {};
 

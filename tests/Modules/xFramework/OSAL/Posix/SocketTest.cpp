@@ -4,6 +4,7 @@
 #include "Modules/xFramework/Utilities/ModuleDirectory.h"
 
 #include <fcntl.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -48,6 +49,20 @@ TEST(PosixSocket, HandleIsNeverThatOfAnEarlierSocket) {
     EXPECT_EQ(CloseSocket(first), SocketError);
     EXPECT_EQ(AllowAddressReuse(second), 0);
     EXPECT_EQ(CloseSocket(second), 0);
+    FreeAddress(address);
+}
+
+TEST(PosixSocket, AddressReuseIsSwitchedOn) {
+    AddressInfo* const address = ResolveAddress("127.0.0.1", "1");
+    const int lowest = OpenSomething();
+    ::close(lowest);
+    const SocketHandle socket = CreateSocket(address);
+    EXPECT_EQ(AllowAddressReuse(socket), 0);
+    int value = 0;
+    socklen_t size = sizeof value;
+    ASSERT_EQ(::getsockopt(lowest, SOL_SOCKET, SO_REUSEADDR, &value, &size), 0);
+    EXPECT_EQ(value, 1);
+    CloseSocket(socket);
     FreeAddress(address);
 }
 
