@@ -121,7 +121,9 @@ std::variant<Options, EarlyEnd> ParseOptions(const std::vector<std::string>& arg
     AddServerOptions(app, options);
     AddDeviceOptions(app, options.simulator);
     AddBehaviourOptions(app, raw);
-    app.footer("Faults:\n" + DescribeFaults());
+    const std::string footer = "Faults:\n" + DescribeFaults();
+    // It gets a line end of its own.
+    app.footer(footer.substr(0, footer.size() - 1));
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
         Finish(options, raw);

@@ -57,7 +57,7 @@ error_code ListenAtFreePort(tcp::acceptor& acceptor, const asio::ip::address& ad
 
 asio::ip::address ParseAddress(const std::string& text) {
     error_code error;
-    const asio::ip::address address = asio::ip::make_address(text, error);
+    asio::ip::address address = asio::ip::make_address(text, error);
     if (error)
         throw std::runtime_error("'" + text + "' is no numeric address");
     return address;

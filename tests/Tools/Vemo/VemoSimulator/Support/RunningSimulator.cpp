@@ -2,6 +2,7 @@
 
 #include "tests/Tools/Vemo/VemoSimulator/Support/Peer.h"
 
+#include <algorithm>
 #include <chrono>
 #include <stdexcept>
 #include <thread>
@@ -12,7 +13,8 @@ namespace VemoSimulator {
 namespace {
 
 std::vector<std::string> WithFreePort(std::vector<std::string> arguments) {
-    arguments.insert(arguments.end(), {"--port", "0"});
+    if (std::ranges::find(arguments, "--port") == arguments.end())
+        arguments.insert(arguments.end(), {"--port", "0"});
     return arguments;
 }
 

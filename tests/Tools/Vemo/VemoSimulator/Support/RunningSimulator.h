@@ -16,7 +16,7 @@ std::string SimulatorPath();
 /// it has ended by then.
 class RunningSimulator {
 public:
-    /// Adds "--port 0" to the arguments. Returns when the program is ready.
+    /// Adds "--port 0" to the arguments unless they name a port. Returns when the program is ready.
     explicit RunningSimulator(std::vector<std::string> arguments = {});
 
     std::uint16_t Port() const { return m_port; }
