@@ -1,5 +1,6 @@
 #include "Modules/xFramework/Core/Classes/Value.h"
 
+#include "tests/Modules/xFramework/Core/Classes/AllocationCount.h"
 #include "tests/Modules/xFramework/Core/Classes/LiveValue.h"
 #include "tests/Modules/xFramework/Core/Classes/RaisedBy.h"
 
@@ -61,6 +62,18 @@ TEST(Value, CopySharesTheObject) {
 
 TEST(Value, CopyOfAnEmptyValueIsEmpty) {
     EXPECT_EQ(Copy(Value()).Get(), nullptr);
+}
+
+TEST(Value, CopyAllocatesNothing) {
+    const Value value(std::string(100, 'x'));
+    const std::size_t before = CountAllocations();
+    const Value copy(value);
+    Value assigned;
+    assigned = copy;
+    EXPECT_EQ(CountAllocations(), before);
+    // The count is at work: a new value is seen.
+    const Value other(std::string(100, 'y'));
+    EXPECT_GT(CountAllocations(), before);
 }
 
 TEST(Value, AssignmentOfAnEqualValueKeepsTheObjectAndItsType) {
