@@ -80,6 +80,11 @@ TEST_F(ExchangeTest, ArgumentsArriveAsTheyWereGiven) {
                                         "\\ back\\\\\"slash\\  %PATH% $HOME {x:1} ' -exit"));
 }
 
+TEST_F(ExchangeTest, TypedLiteralsShowThatTheTypesAreRegisteredBeforeMain) {
+    ExchangeAtOnce({"{int:0x1F}", "{nosuchtype:1}", "{int:x}"}, "xDone");
+    EXPECT_EQ(request, BuildRequest("127.0.0.1", "CLI -1 -vemo  31 {nosuchtype:1} 0"));
+}
+
 TEST_F(ExchangeTest, RemoteDaemonIsDialledAndNamedInTheHead) {
     ScriptedPeer peer(
         [this](Connection& connection, int) {

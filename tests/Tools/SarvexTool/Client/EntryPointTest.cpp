@@ -1,5 +1,6 @@
 #include "Tools/SarvexTool/Client/EntryPoint.h"
 
+#include "Modules/xFramework/Utilities/FormatProviders.h"
 #include "Tools/SarvexTool/Client/Request.h"
 #include "Tools/SarvexTool/Client/UsageText.h"
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
@@ -9,6 +10,7 @@
 #include <gmock/gmock.h>
 
 #include <ios>
+#include <stdexcept>
 #include <vector>
 
 namespace {
@@ -113,6 +115,51 @@ TEST_F(EntryPointTest, TestFilePairLeavesTheList) {
         TheWorld().received = {"xDone"};
         Run(row.arguments);
         EXPECT_EQ(SentCommandLine(), row.commandLine);
+    }
+}
+
+/// Throws when it meets the word a second time.
+void ThrowOnSecondBoom(std::string& text) {
+    static int meetings = 0;
+    if (text == "boom" && ++meetings == 2)
+        throw std::runtime_error("met twice");
+}
+
+TEST_F(EntryPointTest, FailureWhileRemovingTheTestPairEndsWith256) {
+    // The first argument is a typed literal, so that the file name, a literal too, is read once for
+    // the list and once more to be compared with the first argument.
+    auto& providers = Utilities::FormatProviders::Instance();
+    providers.AddStringProvider(ThrowOnSecondBoom);
+    const int code = Run({"{int:5}", "-wifi-test-by-file", "{string:boom}"});
+    providers.RemoveStringProvider(ThrowOnSecondBoom);
+    EXPECT_EQ(code, 256);
+    EXPECT_EQ(console.Err(), "Failed to move 'test-by-file arg.\n");
+    EXPECT_EQ(CountCalls("StartSockets"), 0);
+}
+
+TEST_F(EntryPointTest, TypedLiteralsAreSentAsTheValuesThatTheyName) {
+    struct Case {
+        std::string argument;
+        std::string sent;
+    };
+    const Case cases[] = {
+        {"{int:0x1F}", "31"},
+        {"{nosuchtype:1}", "{nosuchtype:1}"},
+        {"{int:x}", "0"},
+        {"{int:}", "{int:}"},
+        {"{int}", "{int}"},
+        {"{}", "{}"},
+        {"{int8:65}", "A"},
+        {"{string:a:b}", "a:b"},
+        {"{string:a b}", "\"a b\""},
+        {"x{int:1}", "x{int:1}"},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.argument);
+        TheWorld().sent.clear();
+        TheWorld().received = {"xDone"};
+        Run({row.argument});
+        EXPECT_EQ(SentCommandLine(), "CLI -1 -vemo  " + row.sent);
     }
 }
 
