@@ -1,0 +1,88 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+/// The column names of a test file, matched exactly and case-sensitively. That one says "unit"
+/// where another says "Unit" is how the test files spell them.
+namespace Column {
+inline constexpr const char* Band = "Band";
+inline constexpr const char* Chains = "Chains";
+inline constexpr const char* Bandwidth = "Bandwidth";
+inline constexpr const char* Channel = "Channel";
+inline constexpr const char* BandwidthMode = "Bandwidth Mode";
+inline constexpr const char* Rate = "Rate";
+inline constexpr const char* Mode = "Mode";
+inline constexpr const char* ResourceUnit = "Resource Unit";
+inline constexpr const char* SpecificResourceUnit = "Specific Resource unit";
+inline constexpr const char* LargeRuSize = "Large RU Size";
+} // namespace Column
+
+/// A column and the daemon's option that its cells drive.
+struct ColumnCommand {
+    const char* column;
+    const char* option;
+};
+
+/// All columns, in the order in which their options are sent.
+inline constexpr std::array<ColumnCommand, 10> columnCommands{
+    {{Column::Band, "-wifi-band"},
+     {Column::Chains, "-wifi-tx-chains-from-file"},
+     {Column::Bandwidth, "-wifi-bandwidth"},
+     {Column::Channel, "-wifi-channel"},
+     {Column::BandwidthMode, "-wifi-bw-mode"},
+     {Column::Rate, "-wifi-rate"},
+     {Column::Mode, "-wifi-tx-transm-mode"},
+     {Column::ResourceUnit, "-wifi-resource-unit"},
+     {Column::SpecificResourceUnit, "-wifi-specific-resource-unit"},
+     {Column::LargeRuSize, "-wifi-large-ru"}}};
+
+/// The columns whose cells are filed in the result tree, in the order in which they are looked up.
+/// The mode is filed nowhere.
+inline constexpr std::array<const char*, 9> resultColumns{
+    Column::Chains,     Column::Band,          Column::Channel,      Column::Bandwidth,
+    Column::Rate,       Column::BandwidthMode, Column::ResourceUnit, Column::SpecificResourceUnit,
+    Column::LargeRuSize};
+
+/// An element on the path to a line's measurement. It is named after its column.
+struct ResultLevel {
+    const char* column;
+    /// What follows the cell in the element's value.
+    const char* unit;
+};
+
+/// The path from the top.
+inline constexpr std::array<ResultLevel, 4> resultLevels{
+    {{Column::Band, ""}, {Column::Bandwidth, " MHz"}, {Column::Channel, ""}, {Column::Rate, ""}}};
+
+/// An attribute of a measurement that holds a cell.
+struct ResultAttribute {
+    const char* name;
+    const char* column;
+};
+
+/// In the order in which they are set.
+inline constexpr std::array<ResultAttribute, 4> resultAttributes{
+    {{"BandwidthMode", Column::BandwidthMode},
+     {"ResourceUnit", Column::ResourceUnit},
+     {"SpecificResourceUnit", Column::SpecificResourceUnit},
+     {"LargeRUSize", Column::LargeRuSize}}};
+
+/// The field of an extended line, counted from its end, whose power is filed for a Chains cell.
+struct ChainPower {
+    const char* chains;
+    std::size_t fieldFromEnd;
+};
+
+/// "AB" files the power of chain A; that of chain B stands in result.csv only. For any other cell
+/// no power is filed.
+inline constexpr std::array<ChainPower, 3> chainPowers{{{"A", 2}, {"AB", 2}, {"B", 1}}};
+
+/// A chain as the daemon's target power line names it.
+struct Chain {
+    const char* letter;
+    const char* number;
+};
+
+/// In the order of the two columns that end a row of result.csv.
+inline constexpr std::array<Chain, 2> chains{{{"A", "1"}, {"B", "2"}}};

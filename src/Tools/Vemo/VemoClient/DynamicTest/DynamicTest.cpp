@@ -1,0 +1,263 @@
+#include "Tools/Vemo/VemoClient/DynamicTest/DynamicTest.h"
+
+#include "Modules/xFramework/OSAL/Process.h"
+#include "Modules/xFramework/Utilities/Format.h"
+#include "Modules/xFramework/Utilities/FunctionTrace.h"
+#include "Modules/xFramework/Utilities/Placeholders.h"
+#include "Modules/xFramework/Utilities/StringToInt.h"
+#include "Modules/xFramework/XML/Writer.h"
+#include "Tools/Vemo/VemoClient/DynamicTest/Columns.h"
+#include "Tools/Vemo/VemoClient/DynamicTest/Failure.h"
+#include "Tools/Vemo/VemoClient/DynamicTest/ReplySearch.h"
+
+#include <algorithm>
+#include <iostream>
+#include <optional>
+#include <stdexcept>
+
+namespace {
+
+using Utilities::Format;
+using Utilities::FunctionTrace;
+
+constexpr int succeeded = 0;
+constexpr int failed = 1;
+constexpr std::uint32_t linePause = 1000;
+constexpr std::uint32_t slowDevicePause = 4000;
+
+bool IsColumnName(const std::string& name) {
+    return std::any_of(columnCommands.begin(), columnCommands.end(),
+                       [&name](const ColumnCommand& row) { return row.column == name; });
+}
+
+/// The power that is filed for a line, empty for a Chains cell that files none.
+std::string RecordedPower(const std::string& chainsCell, const Fields& extendedFields) {
+    for (const ChainPower& power : chainPowers) {
+        if (power.chains == chainsCell)
+            return extendedFields[extendedFields.size() - power.fieldFromEnd];
+    }
+    return "";
+}
+
+} // namespace
+
+DynamicTest::DynamicTest(const std::string& fileName)
+    : testFileName(fileName), powerTableNode(resultDocument.GetTopNode()) {}
+
+int DynamicTest::Run() {
+    if (Utilities::HasPlaceholder(testFileName)) {
+        std::cerr << "Failed to open the test file: its name contains a message placeholder (a "
+                     "dollar sign and a digit from 1 to 5 in braces).";
+        return failed;
+    }
+    TestFiles files(testFileName, csvFileName, xmlFileName);
+    if (!files.AreOpen()) {
+        PrintError("Failed to open test file '${1}' or result file.", testFileName);
+        return failed;
+    }
+    const std::int32_t macType = GetMacType();
+    StartPowerTable(GetCurrentMccValue());
+    const bool isComplete = ProcessTestFile(files, macType) && WriteResultDocument(files.xml);
+    ReportDamage(files);
+    return isComplete ? succeeded : failed;
+}
+
+void DynamicTest::StartPowerTable(const std::string& countryCode) {
+    powerTableNode = resultDocument.GetTopNode()->AddChild("PowerTable");
+    powerTableNode->SetAttribute("MCC", countryCode.c_str());
+    // No version is ever queried: the attribute is there for the readers of result.xml.
+    powerTableNode->SetAttribute("OTPVersion", notSetMarker.c_str());
+}
+
+bool DynamicTest::ProcessTestFile(TestFiles& files, std::int32_t macType) {
+    const std::optional<std::string> failure = FailureOf([&] {
+        std::string line;
+        // An empty file has an empty header.
+        std::getline(files.test, line);
+        ProcessHeaderTestFile(files.csv, line);
+        while (std::getline(files.test, line)) {
+            ProcessLineTestFile(files.csv, line);
+            Pause(macType);
+        }
+    });
+    if (failure)
+        PrintError("Failed to calcualte Tx Power limit: ${1}.", *failure);
+    return !failure;
+}
+
+bool DynamicTest::WriteResultDocument(std::ostream& xml) const {
+    const std::optional<std::string> failure = FailureOf([&] {
+        XML::Writer writer(xml);
+        resultDocument.Save(writer);
+        if (!xml)
+            throw std::runtime_error(xmlFileName + ": it could not be written to its end");
+    });
+    if (failure)
+        PrintError("Failed to create results xml file ${1}.", *failure);
+    return !failure;
+}
+
+void DynamicTest::ReportDamage(const TestFiles& files) const {
+    if (files.test.bad())
+        PrintError("Failed to read test file '${1}' to its end.", testFileName);
+    if (!files.csv)
+        PrintError("Result file '${1}' is incomplete: it could not be written.", csvFileName);
+}
+
+void DynamicTest::Pause(std::int32_t macType) const {
+    OSAL::Sleep(linePause);
+    if (static_cast<std::uint32_t>(macType) == slowMacType)
+        OSAL::Sleep(slowDevicePause);
+}
+
+void DynamicTest::ProcessHeaderTestFile(std::ostream& csv, const std::string& header) {
+    const FunctionTrace trace("DynamicTest::ProcessHeaderTestFile");
+    const Fields fields = SplitFields(header);
+    // A test file with an unknown column still runs its lines, with the device as it stands.
+    if (!ValidateHeader(fields))
+        return;
+    BuildColumnIndex(fields);
+    csv << header << csvPowerHeader << std::endl;
+}
+
+bool DynamicTest::ValidateHeader(const Fields& fields) const {
+    const auto unknown = std::find_if_not(fields.begin(), fields.end(), IsColumnName);
+    if (unknown == fields.end())
+        return true;
+    Utilities::RejectPlaceholders(*unknown, "A column name");
+    PrintError("Invalid On-demand Colunm: '${1}'.", *unknown);
+    return false;
+}
+
+void DynamicTest::BuildColumnIndex(const Fields& fields) {
+    columnIndex.clear();
+    for (std::size_t position = 0; position < fields.size(); ++position)
+        columnIndex[fields[position]] = position;
+}
+
+void DynamicTest::ProcessLineTestFile(std::ostream& csv, std::string line) {
+    const FunctionTrace trace("DynamicTest::ProcessLineTestFile");
+    const Configuration configuration = ReadConfiguration(SplitFields(line));
+    std::cout << "Commiting and testing follwing config:" << std::endl;
+    std::cout << configuration.description << std::endl;
+    line += GetPowerLimitCsvFormat(CommitAndRunTest(configuration.arguments));
+    csv << line << std::endl;
+    SaveResultsToXml(line);
+}
+
+DynamicTest::Configuration DynamicTest::ReadConfiguration(const Fields& fields) const {
+    Configuration configuration;
+    for (const auto& [column, option] : columnCommands) {
+        if (!IsColumnSet(column, fields))
+            continue;
+        const std::string& value = fields[columnIndex.at(column)];
+        Utilities::RejectPlaceholders(value, "The cell of column '" + std::string(column) + "'");
+        configuration.description += Format("${1} = ${2}, ", std::string(column), value).Text();
+        configuration.arguments.emplace_back(std::string(option));
+        configuration.arguments.emplace_back(value);
+    }
+    return configuration;
+}
+
+bool DynamicTest::IsColumnSet(const std::string& column, const Fields& fields) const {
+    const auto found = columnIndex.find(column);
+    if (found == columnIndex.end() || found->second >= fields.size())
+        return false;
+    const std::string value = TrimField(fields[found->second]);
+    return !value.empty() && value != notSetMarker;
+}
+
+std::string DynamicTest::CommitAndRunTest(Arguments arguments) {
+    const FunctionTrace trace("DynamicTest::CommitAndRunTest");
+    for (const char* text : {"-wifi-calibrate-tx", "-wifi-mode", "tx_modulated", "-wifi-start"})
+        arguments.emplace_back(std::string(text));
+    std::string reply = SendCommands(arguments);
+    SendCommands({std::string("-wifi-stop")});
+    return reply;
+}
+
+std::string DynamicTest::SendCommands(const Arguments& arguments) {
+    const FunctionTrace trace("DynamicTest::SendCommands");
+    daemonClient.SetArguments(arguments);
+    daemonClient.ApplyRemoteDaemonOption();
+    // Whether there is a connection and what code the daemon returns is for the console to tell: a
+    // line without an answer is recorded as one without powers.
+    daemonClient.Connect("127.0.0.1");
+    daemonClient.SendCommand(true, "-vemo");
+    return daemonClient.GetResponse();
+}
+
+std::int32_t DynamicTest::GetMacType() {
+    const FunctionTrace trace("DynamicTest::GetMacType");
+    std::int32_t macType = 0;
+    const std::optional<std::string> failure = FailureOf([&] {
+        const std::string reply = SendCommands({std::string("-wifi-get-mac-type")});
+        if (const std::optional<std::string> digits = FindInReply(reply, macTypePattern))
+            macType = Utilities::StringToInt(*digits);
+    });
+    if (failure)
+        PrintError("-wifi-get-mac-type command failed: ${1}.", *failure);
+    return macType;
+}
+
+std::string DynamicTest::GetCurrentMccValue() {
+    const FunctionTrace trace("DynamicTest::GetCurrentMccValue");
+    std::string countryCode = notSetMarker;
+    const std::optional<std::string> failure = FailureOf([&] {
+        const std::string reply = SendCommands({std::string("-wifi-get-mcc")});
+        countryCode = FindInReply(reply, mccPattern).value_or(notSetMarker);
+    });
+    if (failure)
+        PrintError("-wifi-get-mcc command failed: ${1}.", *failure);
+    return countryCode;
+}
+
+std::string DynamicTest::GetPowerLimitCsvFormat(const std::string& reply) const {
+    const FunctionTrace trace("DynamicTest::GetPowerLimitCsvFormat");
+    std::string suffix;
+    for (const Chain& chain : chains) {
+        const Format pattern(targetPowerPattern, chain.letter, chain.number);
+        suffix += "," + FindInReply(reply, pattern).value_or("NA");
+    }
+    return suffix;
+}
+
+void DynamicTest::SaveResultsToXml(const std::string& extendedLine) {
+    const FunctionTrace trace("DynamicTest::SaveResultsToXml");
+    const Fields fields = SplitFields(extendedLine);
+    std::map<std::string, std::string> cells;
+    for (const char* column : resultColumns)
+        cells[column] = GetResultValue(column, fields);
+    XML::Node* pNode = powerTableNode;
+    for (const auto& [column, unit] : resultLevels)
+        pNode = GetXmlNode(pNode, column, valueAttributeName, cells[column] + unit);
+    const std::string& chainsCell = cells[Column::Chains];
+    XML::Node* pChain = pNode->AddChild(("chain" + chainsCell).c_str());
+    pChain->SetAttribute("power", (RecordedPower(chainsCell, fields) + "dBm").c_str());
+    for (const auto& [name, column] : resultAttributes)
+        pChain->SetAttribute(name, cells[column].c_str());
+}
+
+XML::Node* DynamicTest::GetXmlNode(XML::Node* pParent, const std::string& name,
+                                   const std::string& attribute, const std::string& value) const {
+    const FunctionTrace trace("DynamicTest::GetXmlNode");
+    for (const auto [childName, pChild] : pParent->GetChildren()) {
+        const std::string childValue = GetXmlNodeAttribute(*pChild, attribute);
+        if (childName == name && !childValue.empty() && childValue == value)
+            return pChild.get();
+    }
+    XML::Node* pAdded = pParent->AddChild(name.c_str());
+    pAdded->SetAttribute(attribute.c_str(), value.c_str());
+    return pAdded;
+}
+
+std::string DynamicTest::GetXmlNodeAttribute(const XML::Node& node,
+                                             const std::string& attribute) const {
+    const FunctionTrace trace("DynamicTest::GetXmlNodeAttribute");
+    return node.GetAttribute(attribute.c_str());
+}
+
+std::string DynamicTest::GetResultValue(const std::string& column, const Fields& fields) const {
+    const FunctionTrace trace("DynamicTest::GetResultValue");
+    return IsColumnSet(column, fields) ? fields[columnIndex.at(column)] : notSetMarker;
+}

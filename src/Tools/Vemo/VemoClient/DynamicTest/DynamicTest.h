@@ -1,0 +1,137 @@
+#pragma once
+
+#include "Modules/xFramework/XML/Base.h"
+#include "Tools/SarvexTool/Client/CliClient.h"
+#include "Tools/Vemo/VemoClient/DynamicTest/TestFiles.h"
+#include "Tools/Vemo/VemoClient/DynamicTest/TestLine.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <map>
+#include <ostream>
+#include <string>
+
+/// The table-driven transmit power test: commits each line of a test file to the device, starts a
+/// calibrated transmission, and records the target powers that the daemon reports in result.csv and
+/// result.xml, both in the current directory.
+///
+/// Progress goes to standard output. Errors go to standard error, without a line end between them.
+/// Blocks for the exchanges with the daemon and for one second after each line, five seconds with a
+/// slow device.
+class DynamicTest {
+public:
+    using Arguments = std::list<Core::Value>;
+
+    /// Opens nothing and sends nothing.
+    explicit DynamicTest(const std::string& fileName);
+
+    DynamicTest(const DynamicTest&) = delete;
+    DynamicTest& operator=(const DynamicTest&) = delete;
+
+    /// Runs the test; to be called once. Returns 0 when every line was processed and result.xml was
+    /// written, 1 otherwise. When a line fails, the rest of the file is skipped: the rows written
+    /// so far stay in result.csv, and result.xml stays empty.
+    ///
+    /// A cell or file name that holds a message placeholder (Placeholders.h) ends the run with an
+    /// error before anything of its line is sent. A result.csv or test file that failed on the way
+    /// is reported at the end and does not change the result.
+    int Run();
+
+    // The steps of a run.
+
+    /// Takes the header's columns and copies the header to result.csv. A header with an unknown
+    /// column is reported and leaves no column to be set, which does not end the run.
+    void ProcessHeaderTestFile(std::ostream& csv, const std::string& header);
+
+    /// Whether every field is the name of a column; reports the first that is none. Raises when
+    /// that one holds a message placeholder.
+    bool ValidateHeader(const Fields& fields) const;
+
+    /// Takes the position of each column; of a name given twice, the later one.
+    void BuildColumnIndex(const Fields& fields);
+
+    /// Commits one line, runs its transmission and records the powers. Raises before it sends when
+    /// a cell holds a message placeholder; throws what the exchange throws.
+    void ProcessLineTestFile(std::ostream& csv, std::string line);
+
+    /// Whether the line sets the column: the header has it, the line reaches it, and the cell is
+    /// not
+    /// "-". A cell of nothing but blanks is set.
+    bool IsColumnSet(const std::string& column, const Fields& fields) const;
+
+    /// Sends the configuration with the start of the transmission behind it, then the stop. Returns
+    /// the reply to the former.
+    std::string CommitAndRunTest(Arguments arguments);
+
+    /// One exchange on a connection of its own. Returns the reply, empty when there was no
+    /// connection; the daemon's return code is not looked at.
+    std::string SendCommands(const Arguments& arguments);
+
+    /// The device's MAC type, 0 when the daemon does not tell. Reports and absorbs what goes wrong.
+    std::int32_t GetMacType();
+
+    /// The country code, "-" when the daemon does not tell. Reports and absorbs what goes wrong.
+    std::string GetCurrentMccValue();
+
+    /// What result.csv has behind a line: a comma, the power of chain A, a comma, the power of
+    /// chain B, as the daemon printed them in the reply; "NA" for one that is not there. Both
+    /// chains are looked up, whatever the line sets.
+    std::string GetPowerLimitCsvFormat(const std::string& reply) const;
+
+    /// Files an extended line, which ends with the two powers, in the result tree. The cells are
+    /// looked up in the extended line: one that is too short lends its powers to the columns that
+    /// it lacks, as readers of result.xml expect.
+    void SaveResultsToXml(const std::string& extendedLine);
+
+    /// The parent's first child of that name whose attribute has that value, or a new one. The
+    /// document owns it.
+    XML::Node* GetXmlNode(XML::Node* pParent, const std::string& name, const std::string& attribute,
+                          const std::string& value) const;
+
+    /// The attribute's value, empty when the element has no such attribute.
+    std::string GetXmlNodeAttribute(const XML::Node& node, const std::string& attribute) const;
+
+    /// The cell of that column, "-" when the fields do not set it.
+    std::string GetResultValue(const std::string& column, const Fields& fields) const;
+
+private:
+    /// A line as the daemon and the console get it.
+    struct Configuration {
+        Arguments arguments;
+        std::string description;
+    };
+
+    void StartPowerTable(const std::string& countryCode);
+    bool ProcessTestFile(TestFiles& files, std::int32_t macType);
+    bool WriteResultDocument(std::ostream& xml) const;
+    void ReportDamage(const TestFiles& files) const;
+    void Pause(std::int32_t macType) const;
+    Configuration ReadConfiguration(const Fields& fields) const;
+    std::string FormatTargetPowerPattern(const char* letter, const char* number) const;
+
+    /// A cell with this value leaves its column unset; also stands for every value that is not
+    /// known.
+    const std::string notSetMarker = "-";
+    const std::string csvFileName = "result.csv";
+    const std::string xmlFileName = "result.xml";
+    /// One title with a hyphen and one with a blank before it: readers of result.csv look for
+    /// these.
+    const std::string csvPowerHeader = ",Chain-A Power, Chain B Power";
+    /// The number may hold any count of dots. It is never converted, only copied.
+    const std::string targetPowerPattern =
+        R"(Target Power: .*Chain ${1} \(${2}\) (-?\d+\.*\d*) dBm)";
+    const std::string mccPattern = R"(Current MCC: (\w{2}))";
+    const std::string macTypePattern = R"(Mac Type: (\d*))";
+    const std::string valueAttributeName = "value";
+    /// Devices of this MAC type need a longer pause after each line.
+    const std::uint32_t slowMacType = 16;
+
+    /// Empty until a valid header is read.
+    std::map<std::string, std::size_t> columnIndex;
+    std::string testFileName;
+    CliClient daemonClient;
+    XML::Base resultDocument;
+    /// Where the results are filed; belongs to resultDocument.
+    XML::Node* powerTableNode;
+};

@@ -1,0 +1,300 @@
+#include "Modules/xFramework/Utilities/Exception.h"
+#include "tests/Modules/xFramework/Utilities/LogRecorder.h"
+#include "tests/Tools/Vemo/VemoClient/DynamicTest/DynamicTestFixture.h"
+
+#include <memory>
+#include <optional>
+
+// The header and one line on its way to the daemon and into result.csv.
+
+namespace {
+
+using OSAL::Fake::CountCalls;
+using OSAL::Fake::TheWorld;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class DynamicTestLineTest : public DynamicTestFixture {
+protected:
+    void ProcessHeader(const std::string& header) {
+        test.ProcessHeaderTestFile(csv, header);
+        csv.str("");
+    }
+    /// The header and the line, without what the header writes; the commands that were sent.
+    std::vector<std::string> Process(const std::string& header, const std::string& line) {
+        ProcessHeader(header);
+        TheWorld().sent.clear();
+        test.ProcessLineTestFile(csv, line);
+        return Commands();
+    }
+
+    DynamicTest test{"test.csv"};
+    std::ostringstream csv;
+};
+
+TEST_F(DynamicTestLineTest, HeaderIsCopiedAsReadWithTheTwoPowerTitles) {
+    for (const char* header :
+         {"Band,Chains", " Band , Chains ", "", "Band,,Chains,", "Large RU Size\r"}) {
+        SCOPED_TRACE(header);
+        csv.str("");
+        test.ProcessHeaderTestFile(csv, header);
+        EXPECT_EQ(csv.str(), std::string(header) + ",Chain-A Power, Chain B Power\n");
+    }
+    EXPECT_EQ(console.Err(), "");
+}
+
+TEST_F(DynamicTestLineTest, HeaderWithAnUnknownColumnWritesNothingAndSetsNoColumn) {
+    test.ProcessHeaderTestFile(csv, "Band,Chains,Power,Chanel");
+    EXPECT_EQ(csv.str(), "");
+    EXPECT_EQ(console.Err(), "Invalid On-demand Colunm: 'Power'.");
+    EXPECT_FALSE(test.IsColumnSet("Band", {"5", "A"}));
+}
+
+TEST_F(DynamicTestLineTest, ColumnNamesAreMatchedExactly) {
+    for (const char* name : {"band", "Band ", "Specific Resource Unit", "Resource unit", "RU",
+                             "\xEF\xBB\xBF"
+                             "Band",
+                             "-", " "}) {
+        SCOPED_TRACE(name);
+        EXPECT_FALSE(test.ValidateHeader({"Band", name}));
+    }
+    EXPECT_TRUE(
+        test.ValidateHeader({"Band", "Chains", "Bandwidth", "Channel", "Bandwidth Mode", "Rate",
+                             "Mode", "Resource Unit", "Specific Resource unit", "Large RU Size"}));
+    EXPECT_TRUE(test.ValidateHeader({}));
+}
+
+TEST_F(DynamicTestLineTest, ColumnNameWithAPlaceholderRaises) {
+    std::unique_ptr<Utilities::Exception> raised;
+    try {
+        test.ValidateHeader({"Band", "${1}"});
+    } catch (Utilities::Exception* pException) {
+        raised.reset(pException);
+    }
+    ASSERT_NE(raised, nullptr);
+    EXPECT_STREQ(raised->what(),
+                 "A column name contains a message placeholder (a dollar sign and a "
+                 "digit from 1 to 5 in braces), which cannot be sent.");
+}
+
+TEST_F(DynamicTestLineTest, NameGivenTwiceKeepsTheLaterPosition) {
+    test.BuildColumnIndex({"Band", "Channel", "Band"});
+    EXPECT_EQ(test.GetResultValue("Band", {"5", "36", "6"}), "6");
+    EXPECT_FALSE(test.IsColumnSet("Band", {"5", "36"}));
+    EXPECT_EQ(test.GetResultValue("Channel", {"5", "36", "6"}), "36");
+}
+
+TEST_F(DynamicTestLineTest, EmptyHeaderCellShiftsTheColumnsBehindIt) {
+    ProcessHeader("Band,,Channel");
+    EXPECT_EQ(test.GetResultValue("Channel", {"5", "36"}), "36");
+}
+
+TEST_F(DynamicTestLineTest, LaterHeaderReplacesAnEarlierOne) {
+    test.BuildColumnIndex({"Band"});
+    test.BuildColumnIndex({"Chains"});
+    EXPECT_FALSE(test.IsColumnSet("Band", {"5"}));
+    EXPECT_TRUE(test.IsColumnSet("Chains", {"5"}));
+}
+
+TEST_F(DynamicTestLineTest, ColumnIsSetWhenItsCellHoldsMoreThanTheMarker) {
+    test.BuildColumnIndex({"Band", "Channel"});
+    const std::pair<Fields, bool> cases[] = {
+        {{"5", "36"}, true}, {{"5"}, false},        {{}, false},         {{"5", "-"}, false},
+        {{"5", ""}, false},  {{"5", " - "}, false}, {{"5", "--"}, true}, {{"5", " "}, true},
+        {{"5", "\t"}, true}, {{"-", "36"}, true},
+    };
+    for (const auto& [fields, expected] : cases) {
+        SCOPED_TRACE(testing::PrintToString(fields));
+        EXPECT_EQ(test.IsColumnSet("Channel", fields), expected);
+    }
+    EXPECT_FALSE(test.IsColumnSet("Rate", {"5", "36"}));
+}
+
+TEST_F(DynamicTestLineTest, OptionsAreSentInTheOrderOfTheTableWhateverTheHeadersOrder) {
+    EXPECT_THAT(
+        Process("Large RU Size,Specific Resource unit,Resource Unit,Mode,Rate,Bandwidth "
+                "Mode,Channel,Bandwidth,Chains,Band",
+                "10,9,8,7,6,5,4,3,2,1"),
+        ElementsAre("-wifi-band 1 -wifi-tx-chains-from-file 2 -wifi-bandwidth 3 "
+                    "-wifi-channel 4 -wifi-bw-mode 5 -wifi-rate 6 -wifi-tx-transm-mode 7 "
+                    "-wifi-resource-unit 8 -wifi-specific-resource-unit 9 -wifi-large-ru 10 " +
+                        start,
+                    stop));
+    EXPECT_EQ(console.Out().substr(0, console.Out().find("\n\n")),
+              committing + "Band = 1, Chains = 2, Bandwidth = 3, Channel = 4, Bandwidth Mode = 5, "
+                           "Rate = 6, Mode = 7, Resource Unit = 8, Specific Resource unit = 9, "
+                           "Large RU Size = 10, ");
+}
+
+TEST_F(DynamicTestLineTest, LineIsCommittedStartedStoppedAndRecorded) {
+    AnswerLine(PowerA("17.5") + PowerB("18"));
+    EXPECT_THAT(
+        Process("Band,Chains,Channel", "5,AB,36"),
+        ElementsAre("-wifi-band 5 -wifi-tx-chains-from-file AB -wifi-channel 36 " + start, stop));
+    EXPECT_EQ(csv.str(), "5,AB,36,17.5,18\n");
+    EXPECT_EQ(console.Out(), committing + "Band = 5, Chains = AB, Channel = 36, \n" +
+                                 PowerA("17.5") + PowerB("18") + "\nStopped.\n\n");
+    EXPECT_EQ(console.Err(), "");
+}
+
+TEST_F(DynamicTestLineTest, LineThatSetsNothingStillRunsAndWritesARow) {
+    for (const char* line : {"-,-", "", ",", " - ,-"}) {
+        SCOPED_TRACE(line);
+        csv.str("");
+        EXPECT_THAT(Process("Band,Chains", line), ElementsAre(start, stop));
+        EXPECT_EQ(csv.str(), std::string(line) + ",NA,NA\n");
+    }
+    EXPECT_EQ(console.Out().substr(0, committing.size() + 1), committing + "\n");
+}
+
+TEST_F(DynamicTestLineTest, ColumnBeyondTheEndOfAShortLineIsNotSet) {
+    EXPECT_THAT(Process("Band,Chains,Channel", "5,A"),
+                ElementsAre("-wifi-band 5 -wifi-tx-chains-from-file A " + start, stop));
+}
+
+TEST_F(DynamicTestLineTest, EmptyCellShiftsTheCellsBehindIt) {
+    EXPECT_THAT(Process("Band,Chains,Channel", "5,,36"),
+                ElementsAre("-wifi-band 5 -wifi-tx-chains-from-file 36 " + start, stop));
+    EXPECT_THAT(Process("Band,Chains,Channel", "5,-,36"),
+                ElementsAre("-wifi-band 5 -wifi-channel 36 " + start, stop));
+}
+
+TEST_F(DynamicTestLineTest, CellOfBlanksIsSentAsItStands) {
+    EXPECT_THAT(Process("Band,Chains", " ,  "),
+                ElementsAre("-wifi-band \" \" -wifi-tx-chains-from-file \"  \" " + start, stop));
+}
+
+TEST_F(DynamicTestLineTest, FieldsBeyondTheHeaderAreIgnoredAndCopied) {
+    EXPECT_THAT(Process("Band", "5, more ,${1}"), ElementsAre("-wifi-band 5 " + start, stop));
+    EXPECT_EQ(csv.str(), "5, more ,${1},NA,NA\n");
+}
+
+TEST_F(DynamicTestLineTest, LineIsCopiedUntouched) {
+    for (const char* line : {" 5 ,\tA\t,-", "5,,36,", "5;A", "\"5\",A\r", "\xFF\x85"}) {
+        SCOPED_TRACE(line);
+        csv.str("");
+        Process("Band,Chains", line);
+        EXPECT_EQ(csv.str(), std::string(line) + ",NA,NA\n");
+    }
+}
+
+TEST_F(DynamicTestLineTest, StopIsSentAfterAReplyWithoutPowersToo) {
+    Answer("");
+    EXPECT_THAT(Process("Band", "5"), ElementsAre("-wifi-band 5 " + start, stop));
+    EXPECT_EQ(csv.str(), "5,NA,NA\n");
+}
+
+TEST_F(DynamicTestLineTest, PowersAreTakenFromTheStartNotFromTheStop) {
+    Answer("nothing\n");
+    Answer(PowerA("1"));
+    Process("Band", "5");
+    EXPECT_EQ(csv.str(), "5,NA,NA\n");
+}
+
+TEST_F(DynamicTestLineTest, LineWithoutAConnectionIsRecordedWithoutPowers) {
+    TheWorld().connectSucceeds = [](int) { return false; };
+    EXPECT_THAT(Process("Band", "5"), IsEmpty());
+    EXPECT_EQ(csv.str(), "5,NA,NA\n");
+}
+
+TEST_F(DynamicTestLineTest, SuffixHoldsThePowersOfBothChainsOrNa) {
+    const std::pair<std::string, const char*> cases[] = {
+        {"", ",NA,NA"},
+        {PowerA("17.5") + PowerB("18"), ",17.5,18"},
+        {PowerB("18") + PowerA("17.5"), ",17.5,18"},
+        {PowerA("17.5"), ",17.5,NA"},
+        {PowerB("-3"), ",NA,-3"},
+        {PowerA("-0.5") + PowerB("17..5"), ",-0.5,17..5"},
+        {PowerA("1") + PowerA("2"), ",1,NA"},
+        {"Target Power: Chain A (1) 1 dBm, Chain B (2) 2 dBm", ",1,2"},
+        {"Target Power: Chain A (2) 1 dBm\nTarget Power: Chain B (1) 2 dBm", ",NA,NA"},
+    };
+    for (const auto& [reply, suffix] : cases) {
+        SCOPED_TRACE(reply);
+        EXPECT_EQ(test.GetPowerLimitCsvFormat(reply), suffix);
+    }
+}
+
+/// The message of the exception that the line raises.
+std::optional<std::string> Raised(DynamicTest& test, std::ostream& csv, const std::string& line) {
+    try {
+        test.ProcessLineTestFile(csv, line);
+        return std::nullopt;
+    } catch (const Utilities::Exception* pException) {
+        const std::unique_ptr<const Utilities::Exception> owner(pException);
+        return pException->what();
+    }
+}
+
+TEST_F(DynamicTestLineTest, CellWithAPlaceholderRaisesBeforeAnythingIsSent) {
+    ProcessHeader("Band,Chains");
+    for (const char* cell : {"${1}", "${2}", "a${5}b"}) {
+        SCOPED_TRACE(cell);
+        EXPECT_EQ(Raised(test, csv, std::string("5,") + cell),
+                  "The cell of column 'Chains' contains a message placeholder (a dollar sign and a "
+                  "digit from 1 to 5 in braces), which cannot be sent.");
+    }
+    EXPECT_THAT(Commands(), IsEmpty());
+    EXPECT_EQ(csv.str(), "");
+    EXPECT_EQ(console.Out(), "");
+}
+
+TEST_F(DynamicTestLineTest, CellThatOnlyLooksLikeAPlaceholderIsSent) {
+    EXPECT_THAT(Process("Band,Chains", "${6},$1"),
+                ElementsAre("-wifi-band ${6} -wifi-tx-chains-from-file $1 " + start, stop));
+}
+
+TEST_F(DynamicTestLineTest, RowIsFlushedBeforeTheTreeIsFilled) {
+    class Flushes : public std::stringbuf {
+    public:
+        int count = 0;
+
+    protected:
+        int sync() override {
+            ++count;
+            return 0;
+        }
+    } buffer;
+    std::ostream stream(&buffer);
+    test.ProcessHeaderTestFile(stream, "Band");
+    EXPECT_EQ(buffer.count, 1);
+    test.ProcessLineTestFile(stream, "5");
+    EXPECT_EQ(buffer.count, 2);
+}
+
+TEST_F(DynamicTestLineTest, LineIsTraced) {
+    ProcessHeader("Band");
+    const Utilities::LogRecorder log(Utilities::LogLevel::Info);
+    test.ProcessLineTestFile(csv, "5");
+    std::string trace;
+    for (const std::string& record : log.records) {
+        const std::size_t function = record.find("|DynamicTest::") + 14;
+        const bool isEnter = record.find(">Enter") != std::string::npos;
+        const std::string name = record.substr(function, record.find('|', function) - function);
+        trace += (isEnter ? name + "(" : ")");
+    }
+    const std::string lookUps = [] {
+        std::string text;
+        for (int column = 0; column < 9; ++column)
+            text += "GetResultValue()";
+        return text;
+    }();
+    EXPECT_EQ(trace, "ProcessLineTestFile(CommitAndRunTest(SendCommands()SendCommands())"
+                     "GetPowerLimitCsvFormat()SaveResultsToXml(" +
+                         lookUps + "GetXmlNode()GetXmlNode()GetXmlNode()GetXmlNode()))");
+    EXPECT_EQ(
+        log.records.front(),
+        "4|src/Tools/Vemo/VemoClient/DynamicTest/DynamicTest|DynamicTest::ProcessLineTestFile|"
+        "--------------------->Enter");
+}
+
+TEST_F(DynamicTestLineTest, HeaderIsTracedAlsoWhenItIsInvalid) {
+    const Utilities::LogRecorder log(Utilities::LogLevel::Info);
+    test.ProcessHeaderTestFile(csv, "Unknown");
+    const std::string record =
+        "4|src/Tools/Vemo/VemoClient/DynamicTest/DynamicTest|DynamicTest::ProcessHeaderTestFile|";
+    EXPECT_THAT(log.records, ElementsAre(record + "--------------------->Enter",
+                                         record + "<---------------------Exit"));
+}
+
+} // namespace
