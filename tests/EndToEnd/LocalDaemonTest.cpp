@@ -21,7 +21,7 @@ protected:
 
     void TearDown() override {
         if (daemonMayRun)
-            bench.RunClient({"-exit"});
+            EndDaemon(bench, "vemo");
     }
 
     Bench bench;

@@ -2,7 +2,10 @@
 
 #include "Modules/xFramework/OSAL/Process.h"
 
+#include <signal.h>
+
 #include <array>
+#include <filesystem>
 
 namespace EndToEnd {
 
@@ -15,5 +18,14 @@ bool PrepareTaskList(const Bench&) {
 }
 
 void ShowInTaskList(const Bench&, const std::string&) {}
+
+void EndDaemon(const Bench& bench, const std::string& name) {
+    const std::filesystem::path program = bench.Path(ExecutableName(name));
+    for (const auto& process : std::filesystem::directory_iterator("/proc")) {
+        std::error_code unreadable;
+        if (std::filesystem::read_symlink(process.path() / "exe", unreadable) == program)
+            ::kill(std::stoi(process.path().filename()), SIGKILL);
+    }
+}
 
 } // namespace EndToEnd

@@ -13,4 +13,9 @@ void ShowInTaskList(const Bench& bench, const std::string& name) {
     bench.Write("tasklist.txt", name + ".exe                  4711 Console    1     9,000 K\r\n");
 }
 
+void EndDaemon(const Bench& bench, const std::string&) {
+    // The daemon is no child of this process, so there is no handle to end it by.
+    bench.RunClient({"-exit"});
+}
+
 } // namespace EndToEnd
