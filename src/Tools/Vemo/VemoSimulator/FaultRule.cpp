@@ -18,25 +18,28 @@ namespace {
     throw std::invalid_argument(message);
 }
 
+[[noreturn]] void RefuseValue(const FaultRow& row, const std::string& problem) {
+    Refuse("fault " + std::string(row.name) + " " + problem);
+}
+
 FaultValue ParseNumber(const FaultRow& row, const std::optional<std::string>& text) {
     if (!text && row.defaultNumber)
         return {*row.defaultNumber, ""};
     const auto number = ParseDecimal(text.value_or(""));
     if (!number || *number > row.highestNumber)
-        Refuse("fault " + row.name + " needs a number from 0 to " +
-               std::to_string(row.highestNumber));
+        RefuseValue(row, "needs a number from 0 to " + std::to_string(row.highestNumber));
     return {*number, ""};
 }
 
 FaultValue ParseChain(const FaultRow& row, const std::optional<std::string>& text) {
     if (text != "A" && text != "B")
-        Refuse("fault " + row.name + " needs the chain A or B");
+        RefuseValue(row, "needs the chain A or B");
     return {0, *text};
 }
 
 FaultValue ParseText(const FaultRow& row, const std::optional<std::string>& text) {
     if (!text || text->find_first_of("\r\n") != std::string::npos)
-        Refuse("fault " + row.name + " needs a text of one line");
+        RefuseValue(row, "needs a text of one line");
     return {0, *text};
 }
 
@@ -55,16 +58,16 @@ std::optional<std::string> ReadWholeFile(const std::string& path) {
 
 FaultValue ParseFile(const FaultRow& row, const std::optional<std::string>& path) {
     if (!path)
-        Refuse("fault " + row.name + " needs a file name");
+        RefuseValue(row, "needs a file name");
     auto content = ReadWholeFile(*path);
     if (!content)
-        Refuse("fault " + row.name + " cannot read the file " + *path);
+        RefuseValue(row, "cannot read the file " + *path);
     return {0, std::move(*content)};
 }
 
 FaultValue ParseNothing(const FaultRow& row, const std::optional<std::string>& text) {
     if (text)
-        Refuse("fault " + row.name + " takes no value");
+        RefuseValue(row, "takes no value");
     return {};
 }
 
@@ -129,7 +132,7 @@ bool FaultRule::Matches(std::uint64_t number, const std::string& command) const 
 std::vector<std::string> FaultNames() {
     std::vector<std::string> names;
     for (const FaultRow& row : FaultTable())
-        names.push_back(row.name);
+        names.emplace_back(row.name);
     return names;
 }
 
@@ -137,9 +140,9 @@ std::string DescribeFaults() {
     constexpr std::size_t columnWidth = 20;
     std::string description;
     for (const FaultRow& row : FaultTable()) {
-        std::string line = "  " + row.name + row.valueText;
+        std::string line = "  " + std::string(row.name).append(row.valueText);
         line.resize(std::max(columnWidth, line.size() + 1), ' ');
-        description += line + row.description + "\n";
+        description.append(line).append(row.description).append("\n");
     }
     return description;
 }

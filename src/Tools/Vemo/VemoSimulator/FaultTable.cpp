@@ -1,7 +1,7 @@
 #include "Tools/Vemo/VemoSimulator/FaultTable.h"
 
+#include <array>
 #include <chrono>
-#include <vector>
 
 namespace VemoSimulator {
 
@@ -17,154 +17,119 @@ std::chrono::milliseconds Milliseconds(const FaultValue& value) {
     return std::chrono::milliseconds(value.number);
 }
 
-void SendNothing(AnswerPlan& plan, Ending ending) {
-    plan.cutAfter = 0;
+void SendFirstBytes(AnswerPlan& plan, std::uint64_t count, Ending ending) {
+    plan.cutAfter = count;
     plan.ending = ending;
 }
 
-std::vector<FaultRow> MakeSendingFaults() {
-    return {
-        {"close-before",
-         "",
-         Kind::None,
-         0,
-         {},
-         "closes instead of answering",
-         [](AnswerPlan& plan, const FaultValue&) { SendNothing(plan, Ending::Close); }},
-        {"close-after",
-         "=N",
-         Kind::Number,
-         anyPosition,
-         {},
-         "closes after N bytes of the answer",
-         [](AnswerPlan& plan, const FaultValue& value) {
-             plan.cutAfter = value.number;
-             plan.ending = Ending::Close;
-         }},
-        {"reset",
-         "",
-         Kind::None,
-         0,
-         {},
-         "resets the connection instead of answering",
-         [](AnswerPlan& plan, const FaultValue&) { SendNothing(plan, Ending::Reset); }},
-        {"no-answer",
-         "",
-         Kind::None,
-         0,
-         {},
-         "never answers and keeps the connection",
-         [](AnswerPlan& plan, const FaultValue&) { SendNothing(plan, Ending::StayOpen); }},
-        {"delay",
-         "=MS",
-         Kind::Number,
-         longestPause,
-         {},
-         "answers MS milliseconds late",
-         [](AnswerPlan& plan, const FaultValue& value) { plan.delay += Milliseconds(value); }},
-        {"split-mark", "[=MS]", Kind::Number, longestPause, 100,
-         "sends the end mark alone, MS milliseconds (100) after the rest",
-         [](AnswerPlan& plan, const FaultValue& value) {
-             plan.isMarkApart = true;
-             plan.pause = Milliseconds(value);
-         }},
-        {"drip", "[=MS]", Kind::Number, longestPause, 1,
-         "sends single bytes, MS milliseconds (1) apart",
-         [](AnswerPlan& plan, const FaultValue& value) {
-             plan.isDripped = true;
-             plan.pause = Milliseconds(value);
-         }},
-    };
+void CloseBefore(AnswerPlan& plan, const FaultValue&) {
+    SendFirstBytes(plan, 0, Ending::Close);
 }
 
-std::vector<FaultRow> MakeWritingFaults() {
-    return {
-        {"no-mark",
-         "",
-         Kind::None,
-         0,
-         {},
-         "leaves the end mark out, then closes",
-         [](AnswerPlan& plan, const FaultValue&) {
-             plan.hasEndMark = false;
-             plan.ending = Ending::Close;
-         }},
-        {"crlf",
-         "",
-         Kind::None,
-         0,
-         {},
-         "ends every line in CR LF",
-         [](AnswerPlan& plan, const FaultValue&) { plan.hasCrLf = true; }},
-        {"nul",
-         "=N",
-         Kind::Number,
-         anyPosition,
-         {},
-         "puts a NUL in front of byte N of the body",
-         [](AnswerPlan& plan, const FaultValue& value) { plan.nulPosition = value.number; }},
-        {"raw",
-         "=FILE",
-         Kind::File,
-         0,
-         {},
-         "sends the bytes of the file, and nothing else",
-         [](AnswerPlan& plan, const FaultValue& value) { plan.rawAnswer = value.text; }},
-    };
+void CloseAfter(AnswerPlan& plan, const FaultValue& value) {
+    SendFirstBytes(plan, value.number, Ending::Close);
 }
 
-std::vector<FaultRow> MakeContentFaults() {
-    return {
-        {"missing-chain",
-         "=A|B",
-         Kind::Chain,
-         0,
-         {},
-         "leaves the target power of a chain out",
-         [](AnswerPlan& plan, const FaultValue& value) { plan.missingChains += value.text; }},
-        {"uncalibrated",
-         "",
-         Kind::None,
-         0,
-         {},
-         "says that the transmitter is uncalibrated, with no target power",
-         [](AnswerPlan& plan, const FaultValue&) { plan.isUncalibrated = true; }},
-        {"return-code",
-         "=TEXT",
-         Kind::Text,
-         0,
-         {},
-         "gives TEXT as the return code",
-         [](AnswerPlan& plan, const FaultValue& value) { plan.returnCode = value.text; }},
-        {"big",
-         "=N",
-         Kind::Number,
-         largestAnswer,
-         {},
-         "adds N bytes of information lines in front",
-         [](AnswerPlan& plan, const FaultValue& value) { plan.fillerBytes = value.number; }},
-        {"long-line",
-         "=N",
-         Kind::Number,
-         largestAnswer,
-         {},
-         "adds an information line of N bytes in front",
-         [](AnswerPlan& plan, const FaultValue& value) { plan.longLineBytes = value.number; }},
-    };
+void Reset(AnswerPlan& plan, const FaultValue&) {
+    SendFirstBytes(plan, 0, Ending::Reset);
 }
 
-std::vector<FaultRow> MakeTable() {
-    std::vector<FaultRow> table = MakeSendingFaults();
-    for (const auto& part : {MakeWritingFaults(), MakeContentFaults()})
-        table.insert(table.end(), part.begin(), part.end());
-    return table;
+void NoAnswer(AnswerPlan& plan, const FaultValue&) {
+    SendFirstBytes(plan, 0, Ending::StayOpen);
 }
+
+void Delay(AnswerPlan& plan, const FaultValue& value) {
+    plan.delay += Milliseconds(value);
+}
+
+void SplitMark(AnswerPlan& plan, const FaultValue& value) {
+    plan.isMarkApart = true;
+    plan.pause = Milliseconds(value);
+}
+
+void Drip(AnswerPlan& plan, const FaultValue& value) {
+    plan.isDripped = true;
+    plan.pause = Milliseconds(value);
+}
+
+void NoMark(AnswerPlan& plan, const FaultValue&) {
+    plan.hasEndMark = false;
+    plan.ending = Ending::Close;
+}
+
+void CrLf(AnswerPlan& plan, const FaultValue&) {
+    plan.hasCrLf = true;
+}
+
+void Nul(AnswerPlan& plan, const FaultValue& value) {
+    plan.nulPosition = value.number;
+}
+
+void Raw(AnswerPlan& plan, const FaultValue& value) {
+    plan.rawAnswer = value.text;
+}
+
+void MissingChain(AnswerPlan& plan, const FaultValue& value) {
+    plan.missingChains += value.text;
+}
+
+void Uncalibrated(AnswerPlan& plan, const FaultValue&) {
+    plan.isUncalibrated = true;
+}
+
+void ReturnCode(AnswerPlan& plan, const FaultValue& value) {
+    plan.returnCode = value.text;
+}
+
+void Big(AnswerPlan& plan, const FaultValue& value) {
+    plan.fillerBytes = value.number;
+}
+
+void LongLine(AnswerPlan& plan, const FaultValue& value) {
+    plan.longLineBytes = value.number;
+}
+
+// clang-format off
+constexpr std::array<FaultRow, 16> faultTable{{
+    {"close-before", "", Kind::None, {}, {},
+     "closes instead of answering", CloseBefore},
+    {"close-after", "=N", Kind::Number, anyPosition, {},
+     "closes after N bytes of the answer", CloseAfter},
+    {"reset", "", Kind::None, {}, {},
+     "resets the connection instead of answering", Reset},
+    {"no-answer", "", Kind::None, {}, {},
+     "never answers and keeps the connection", NoAnswer},
+    {"delay", "=MS", Kind::Number, longestPause, {},
+     "answers MS milliseconds late", Delay},
+    {"split-mark", "[=MS]", Kind::Number, longestPause, 100,
+     "sends the end mark alone, MS milliseconds (100) after the rest", SplitMark},
+    {"drip", "[=MS]", Kind::Number, longestPause, 1,
+     "sends single bytes, MS milliseconds (1) apart", Drip},
+    {"no-mark", "", Kind::None, {}, {},
+     "leaves the end mark out, then closes", NoMark},
+    {"crlf", "", Kind::None, {}, {},
+     "ends every line in CR LF", CrLf},
+    {"nul", "=N", Kind::Number, anyPosition, {},
+     "puts a NUL in front of byte N of the body", Nul},
+    {"raw", "=FILE", Kind::File, {}, {},
+     "sends the bytes of the file, and nothing else", Raw},
+    {"missing-chain", "=A|B", Kind::Chain, {}, {},
+     "leaves the target power of a chain out", MissingChain},
+    {"uncalibrated", "", Kind::None, {}, {},
+     "says that the transmitter is uncalibrated, with no target power", Uncalibrated},
+    {"return-code", "=TEXT", Kind::Text, {}, {},
+     "gives TEXT as the return code", ReturnCode},
+    {"big", "=N", Kind::Number, largestAnswer, {},
+     "adds N bytes of information lines in front", Big},
+    {"long-line", "=N", Kind::Number, largestAnswer, {},
+     "adds an information line of N bytes in front", LongLine},
+}};
+// clang-format on
 
 } // namespace
 
 std::span<const FaultRow> FaultTable() {
-    static const std::vector<FaultRow> table = MakeTable();
-    return table;
+    return faultTable;
 }
 
 } // namespace VemoSimulator

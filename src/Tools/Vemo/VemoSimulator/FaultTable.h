@@ -6,6 +6,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace VemoSimulator {
 
@@ -18,14 +19,14 @@ struct FaultValue {
 };
 
 struct FaultRow {
-    std::string name;
+    std::string_view name;
     /// How the value is written in descriptions: "=N", "[=MS]".
-    std::string valueText;
+    std::string_view valueText;
     FaultValueKind kind;
     std::uint64_t highestNumber;
     /// The number when none is given; nothing where one must be given.
     std::optional<std::uint64_t> defaultNumber;
-    std::string description;
+    std::string_view description;
     void (*apply)(AnswerPlan& plan, const FaultValue& value);
 };
 

@@ -23,8 +23,8 @@ TEST(FaultTableTest, EachFaultHasANameAndADescriptionOfItsOwn) {
     std::set<std::string> names;
     std::set<std::string> descriptions;
     for (const FaultRow& row : FaultTable()) {
-        names.insert(row.name);
-        descriptions.insert(row.description);
+        names.emplace(row.name);
+        descriptions.emplace(row.description);
     }
     EXPECT_EQ(names.size(), FaultTable().size());
     EXPECT_EQ(descriptions.size(), FaultTable().size());
