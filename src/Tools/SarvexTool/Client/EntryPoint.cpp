@@ -5,6 +5,7 @@
 #include "Tools/SarvexTool/Client/CliClient.h"
 #include "Tools/SarvexTool/Client/Launcher.h"
 #include "Tools/SarvexTool/Client/UsageText.h"
+#include "Tools/Vemo/VemoClient/DynamicTest/DynamicTest.h"
 
 #include <array>
 #include <iostream>
@@ -78,7 +79,8 @@ int RunCommand(CliClient& client, const std::vector<std::string>& arguments) {
                   << std::endl;
         return notConnectedCode;
     }
-    return client.SendCommand(true, prefix);
+    const int returnCode = client.SendCommand(true, prefix);
+    return testFile ? DynamicTest(*testFile).Run() : returnCode;
 }
 
 std::string FailureMessage(const Utilities::CaughtException& caught) {

@@ -6,6 +6,7 @@
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
 #include "tests/Tools/SarvexTool/Client/ConsoleCapture.h"
 #include "tests/Tools/SarvexTool/Client/ProgramDirectory.h"
+#include "tests/Tools/Vemo/VemoClient/DynamicTest/WorkingDirectory.h"
 
 #include <gmock/gmock.h>
 
@@ -90,6 +91,7 @@ TEST_F(EntryPointTest, CommandLineFollowsTheArguments) {
 }
 
 TEST_F(EntryPointTest, TestFilePairLeavesTheList) {
+    const WorkingDirectory ownDirectory("sarvex-entrypoint-test");
     struct Case {
         std::vector<std::string> arguments;
         std::string commandLine;
@@ -123,6 +125,28 @@ void ThrowOnSecondBoom(std::string& text) {
     static int meetings = 0;
     if (text == "boom" && ++meetings == 2)
         throw std::runtime_error("met twice");
+}
+
+TEST_F(EntryPointTest, TestRunFollowsTheCommandAndItsResultIsTheExitCode) {
+    const WorkingDirectory ownDirectory("sarvex-entrypoint-test");
+    // A test file that cannot be opened ends the run before it sends anything.
+    EXPECT_EQ(Run({"-a", "-wifi-test-by-file", "no such file", "-b"}), 1);
+    EXPECT_EQ(SentCommandLine(), "CLI -1 -vemo  -a -b");
+    EXPECT_EQ(console.Out(), "answer\n");
+    EXPECT_EQ(console.Err(), "Failed to open test file 'no such file' or result file.");
+}
+
+TEST_F(EntryPointTest, LastTestFileCountsAndIsTrimmedAsLastArgument) {
+    const WorkingDirectory ownDirectory("sarvex-entrypoint-test");
+    EXPECT_EQ(Run({"-wifi-test-by-file", "first", "-wifi-test-by-file", "second\r"}), 1);
+    EXPECT_EQ(console.Err(), "Failed to open test file 'second' or result file.");
+}
+
+TEST_F(EntryPointTest, TestDoesNotRunWithoutAConnection) {
+    TheWorld().connectSucceeds = [](int) { return false; };
+    EXPECT_EQ(Run({"-wifi-test-by-file", "no such file"}), 1);
+    EXPECT_EQ(console.Err(),
+              "Failed to connect to daemon. Please ensure that daemon was started.\n");
 }
 
 TEST_F(EntryPointTest, FailureWhileRemovingTheTestPairEndsWith256) {
