@@ -23,8 +23,8 @@ struct ProcessInformation {
 /// A child process whose output can be read.
 struct Pipe;
 
-/// To be called once, before anything is opened: makes sure that no file or socket takes the place of
-/// a standard stream that the caller of the program has closed.
+/// To be called once, before anything is opened: makes sure that no file or socket takes the place
+/// of a standard stream that the caller of the program has closed.
 void PrepareStandardStreams();
 
 /// Blocks the calling thread; returns 0.
