@@ -230,6 +230,17 @@ TEST_F(ServiceDomainTest, SpaceHoldsWhatExistsOrCanBeCreated) {
     EXPECT_FALSE(m_domain->HoldsPath(""));
 }
 
+/// Claims every name as its own.
+class ClaimingDomain : public ServiceDomain {
+public:
+    bool HoldsPath(const std::string& /*path*/) const override { return true; }
+};
+
+TEST_F(ServiceDomainTest, NameThatIsClaimedButCannotBeCreatedGivesNothing) {
+    ClaimingDomain domain;
+    EXPECT_EQ(domain.GetServiceByPath("a"), nullptr);
+}
+
 TEST_F(ServiceDomainTest, NamespacesGiveItsServicesByPath) {
     Namespace root;
     Register("a");

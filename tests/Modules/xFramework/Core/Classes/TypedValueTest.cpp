@@ -243,4 +243,74 @@ TEST(TypedValue, SetOfValuesIsAFullValue) {
     EXPECT_TRUE(set.IsGreater(clone.get()));
 }
 
+/// Two texts that the type reads and writes, the lower one first.
+template <typename T>
+struct Samples {
+    static constexpr const char* lower = "8";
+    static constexpr const char* higher = "12";
+};
+template <>
+struct Samples<Int8> {
+    static constexpr const char* lower = "A";
+    static constexpr const char* higher = "z";
+};
+template <>
+struct Samples<bool> {
+    static constexpr const char* lower = "0";
+    static constexpr const char* higher = "1";
+};
+template <>
+struct Samples<std::string> {
+    static constexpr const char* lower = "10";
+    static constexpr const char* higher = "9";
+};
+
+template <typename T>
+class EachNamedType : public testing::Test {
+protected:
+    EachNamedType() {
+        EXPECT_TRUE(m_lower.FromString(Samples<T>::lower));
+        EXPECT_TRUE(m_higher.FromString(Samples<T>::higher));
+    }
+
+    TypedValue<T> m_lower;
+    TypedValue<T> m_higher;
+};
+
+using NamedTypes = testing::Types<Int8, UInt8, Int16, UInt16, Int, UInt32, Long, Int64, UInt64,
+                                  double, bool, std::string>;
+TYPED_TEST_SUITE(EachNamedType, NamedTypes);
+
+TYPED_TEST(EachNamedType, WritesTheTextThatItHasRead) {
+    EXPECT_EQ(TextOf(this->m_lower), Samples<TypeParam>::lower);
+    EXPECT_EQ(TextOf(this->m_higher), Samples<TypeParam>::higher);
+}
+
+TYPED_TEST(EachNamedType, IsOrderedByItsElements) {
+    const IValue& lower = this->m_lower;
+    const IValue& higher = this->m_higher;
+    EXPECT_TRUE(higher.IsGreater(&lower));
+    EXPECT_FALSE(lower.IsGreater(&higher));
+    EXPECT_FALSE(lower.IsGreater(&lower));
+    EXPECT_FALSE(lower.IsEqual(&higher));
+    EXPECT_TRUE(lower.IsSameType(&higher));
+}
+
+TYPED_TEST(EachNamedType, EqualsTheStringThatHoldsItsText) {
+    const TypedValue<std::string> text(Samples<TypeParam>::lower);
+    const IValue& lower = this->m_lower;
+    EXPECT_TRUE(lower.IsEqual(&text));
+    EXPECT_FALSE(lower.IsGreater(&text));
+}
+
+TYPED_TEST(EachNamedType, IsClonedAndAssigned) {
+    const IValue& higher = this->m_higher;
+    const std::unique_ptr<IValue> clone = this->m_lower.Clone();
+    EXPECT_TRUE(clone->IsSameType(&higher));
+    EXPECT_EQ(TextOf(*clone), Samples<TypeParam>::lower);
+    EXPECT_EQ(clone->Assign(higher), &higher);
+    EXPECT_EQ(TextOf(*clone), Samples<TypeParam>::higher);
+    EXPECT_EQ(TextOf(this->m_lower), Samples<TypeParam>::lower);
+}
+
 } // namespace
