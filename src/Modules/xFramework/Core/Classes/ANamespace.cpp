@@ -8,7 +8,7 @@ namespace Core {
 /// Remembers the name where it stands, not the entry: entries may come and go meanwhile.
 class ANamespace::Enumerator : public AGenericEnumerator<IInterface> {
 public:
-    explicit Enumerator(const std::map<std::string, IInterface*>& entries) : m_entries(entries) {}
+    explicit Enumerator(const Entries& entries) : m_entries(entries) {}
 
     IInterface* NextEntry() override {
         const auto next =
@@ -28,7 +28,7 @@ public:
     }
 
 private:
-    const std::map<std::string, IInterface*>& m_entries;
+    const Entries& m_entries;
     bool m_hasStarted = false;
     std::string m_name;
 };
@@ -60,7 +60,7 @@ std::unique_ptr<IEnumerator> ANamespace::CreateEnumerator() {
     return std::make_unique<Enumerator>(m_entries);
 }
 
-IInterface* ANamespace::FindEntry(const std::string& name) const {
+IInterface* ANamespace::FindEntry(std::string_view name) const {
     const auto found = m_entries.find(name);
     return found == m_entries.end() ? nullptr : found->second;
 }

@@ -2,7 +2,9 @@
 
 #include "Modules/xFramework/Core/Classes/INamespace.h"
 
+#include <functional>
 #include <map>
+#include <string_view>
 
 namespace Core {
 
@@ -20,22 +22,25 @@ public:
     IInterface* Find(const std::string& name) override { return FindEntry(name); }
     IInterface* FindByPath(const std::string& path) override;
 
+    /// As Find, for a name that is part of a longer text.
+    IInterface* FindEntry(std::string_view name) const;
+
     /// Walks the entries in the order of their names.
     std::unique_ptr<IEnumerator> CreateEnumerator() override;
 
 protected:
-    IInterface* FindEntry(const std::string& name) const;
+    using Entries = std::map<std::string, IInterface*, std::less<>>;
 
     /// Puts an object under a name, or takes the name out when pObject is null. Returns what stood
     /// there before, or null. Changes nothing when it throws.
     IInterface* ExchangeEntry(const std::string& name, IInterface* pObject);
 
-    const std::map<std::string, IInterface*>& GetEntries() const { return m_entries; }
+    const Entries& GetEntries() const { return m_entries; }
 
 private:
     class Enumerator;
 
-    std::map<std::string, IInterface*> m_entries;
+    Entries m_entries;
 };
 
 } // namespace Core

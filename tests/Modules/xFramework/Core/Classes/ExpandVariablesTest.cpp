@@ -46,6 +46,28 @@ private:
     std::vector<std::string> m_names;
 };
 
+TEST_F(ExpandVariablesTest, LongTextOfUnknownReferencesTakesNoLongerThanItsLength) {
+    // Searched anew for each reference, either of these would take minutes.
+    for (const std::string piece : {"$(", "$()x"}) {
+        SCOPED_TRACE(piece);
+        std::string text;
+        while (text.size() < (1 << 20))
+            text += piece;
+        const std::string before = text;
+        ExpandVariables(text);
+        EXPECT_EQ(text, before);
+    }
+}
+
+TEST_F(ExpandVariablesTest, ParenthesisBehindAReplacementClosesTheNextReference) {
+    std::string text = "$(B$(open)$(B))";
+    ExpandVariables(text);
+    EXPECT_EQ(text, "$(B(1)");
+    text = "$(A$(B)";
+    ExpandVariables(text);
+    EXPECT_EQ(text, "inner first");
+}
+
 TEST_F(ExpandVariablesTest, ReferencesAreReplacedFromTheEndToTheFront) {
     struct {
         const char* text;
