@@ -1,0 +1,27 @@
+#include "tests/EndToEnd/Support/Simulator.h"
+
+#include <chrono>
+#include <stdexcept>
+#include <thread>
+
+namespace EndToEnd {
+
+Simulator::Simulator(const std::vector<std::string>& options) {
+    std::vector<std::string> arguments = {"--port", "0"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    const std::string program = TestProgramDirectory() + "/" + ExecutableName("vemo");
+    m_process = std::make_unique<Process>(program, arguments, m_directory.Path());
+    for (int attempt = 0; attempt < 3000; ++attempt) {
+        const std::string out = m_process->OutSoFar();
+        const std::size_t lineEnd = out.find_first_of("\r\n");
+        if (lineEnd != std::string::npos) {
+            const std::size_t colon = out.rfind(':', lineEnd);
+            m_port = out.substr(colon + 1, lineEnd - colon - 1);
+            return;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    throw std::runtime_error("the simulated daemon does not listen");
+}
+
+} // namespace EndToEnd

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "tests/EndToEnd/Support/Bench.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace EndToEnd {
+
+/// The real simulated daemon on a free port, running from construction to destruction.
+class Simulator {
+public:
+    /// Waits until it listens. Throws std::runtime_error when it does not.
+    explicit Simulator(const std::vector<std::string>& options = {});
+
+    const std::string& Port() const { return m_port; }
+
+private:
+    TemporaryDirectory m_directory;
+    std::unique_ptr<Process> m_process;
+    std::string m_port;
+};
+
+} // namespace EndToEnd
