@@ -42,6 +42,9 @@ const char* Node::GetAttribute(const char* name) const {
 }
 
 void Node::SetAttribute(const char* name, const char* value) {
+    // An element that has attributes has two as a rule: room for both at once halves its cost.
+    if (m_attributes.capacity() == 0)
+        m_attributes.reserve(2);
     const std::string_view key = name;
     const auto place = m_attributes.begin() + (FindPlace(key) - m_attributes.begin());
     const bool exists = place != m_attributes.end() && place->name == key;
