@@ -31,4 +31,13 @@ void FormatProviders::RemoveStringProvider(StringProvider provider) {
     m_stringProviders.remove(provider);
 }
 
+void FormatProviders::AddObjectProvider(ObjectProvider provider) {
+    RemoveObjectProvider(provider);
+    m_objectProviders.push_back(provider);
+}
+
+void FormatProviders::RemoveObjectProvider(ObjectProvider provider) {
+    m_objectProviders.remove(provider);
+}
+
 } // namespace Utilities

@@ -38,6 +38,10 @@ public:
     /// Takes a provider out again; nothing happens when it is not registered.
     void RemoveStringProvider(StringProvider provider);
 
+    /// The same two for object providers.
+    void AddObjectProvider(ObjectProvider provider);
+    void RemoveObjectProvider(ObjectProvider provider);
+
 private:
     FormatProviders() = default;
     ~FormatProviders() = default;

@@ -16,7 +16,7 @@ FunctionTrace::FunctionTrace(const char* function, const char* file, std::uint32
     Log(LogLevel::Info, m_file.c_str(), m_line, m_function, Format("--------------------->Enter"));
 }
 
-FunctionTrace::~FunctionTrace() {
+FunctionTrace::~FunctionTrace() noexcept(false) {
     if (std::uncaught_exceptions() == m_exceptionsAtEntry)
         Log(LogLevel::Info, m_file.c_str(), m_line, m_function,
             Format("<---------------------Exit"));

@@ -14,7 +14,8 @@ public:
     /// own. (clang 14 has the built-ins, but not std::source_location.)
     explicit FunctionTrace(const char* function, const char* file = __builtin_FILE(),
                            std::uint32_t line = __builtin_LINE());
-    ~FunctionTrace();
+    /// Lets what the log throws pass; no other exception is on its way then.
+    ~FunctionTrace() noexcept(false);
 
     FunctionTrace(const FunctionTrace&) = delete;
     FunctionTrace& operator=(const FunctionTrace&) = delete;

@@ -8,10 +8,6 @@
 #include <string>
 #include <thread>
 
-namespace Core {
-class IInterface {};
-} // namespace Core
-
 namespace Utilities {
 namespace {
 
@@ -70,11 +66,40 @@ TEST(FormatProviders, RemovedLeaveTheOthersInPlace) {
     EXPECT_EQ(Process("x"), "xb");
 }
 
-TEST(FormatProviders, GiveTheTargetOfAnObjectBackUntouched) {
-    const Core::IInterface value;
+std::string& RenderFirst(std::string& target, const Core::IInterface&) {
+    return target += "first ";
+}
+
+std::string& RenderSecond(std::string& target, const Core::IInterface&) {
+    return target += "second ";
+}
+
+/// Something to refer to: the providers of these tests do not look at the value, whose class
+/// belongs to a layer above.
+const Core::IInterface& AnyObject() {
+    static const char storage = 0;
+    return reinterpret_cast<const Core::IInterface&>(storage);
+}
+
+TEST(FormatProviders, GiveTheTargetOfAnObjectBackUntouchedWhileNoneIsRegistered) {
     std::string target = "target";
-    EXPECT_EQ(&FormatProviders::Instance().ProcessObject(target, value), &target);
+    EXPECT_EQ(&FormatProviders::Instance().ProcessObject(target, AnyObject()), &target);
     EXPECT_EQ(target, "target");
+}
+
+TEST(FormatProviders, RenderAnObjectInTheOrderOfRegistration) {
+    auto& providers = FormatProviders::Instance();
+    providers.AddObjectProvider(RenderFirst);
+    providers.AddObjectProvider(RenderSecond);
+    providers.AddObjectProvider(RenderFirst);
+    std::string target;
+    EXPECT_EQ(&providers.ProcessObject(target, AnyObject()), &target);
+    EXPECT_EQ(target, "second first ");
+    providers.RemoveObjectProvider(RenderFirst);
+    providers.RemoveObjectProvider(RenderSecond);
+    target.clear();
+    providers.ProcessObject(target, AnyObject());
+    EXPECT_EQ(target, "");
 }
 
 TEST(FormatProviders, AreOneListForAllThreads) {
