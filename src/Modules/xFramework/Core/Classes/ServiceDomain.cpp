@@ -26,11 +26,7 @@ IService* FindInside(IService* service, const std::string& path) {
 } // namespace
 
 ServiceDomain::~ServiceDomain() {
-    // What a service requests while it is detached must exist already: a service created now would
-    // outlive those that it needs.
-    UnregisterAll();
-    std::for_each(m_holders.rbegin(), m_holders.rend(),
-                  [](const auto& holder) { holder->DetachService(); });
+    DetachServices();
     while (!m_holders.empty()) {
         const std::unique_ptr<ServiceHolder> last = std::move(m_holders.back());
         m_holders.pop_back();
@@ -82,6 +78,19 @@ ServiceDomain::ServiceHolder* ServiceDomain::CreateHolder(const std::string& nam
                           "Core::ServiceDomain::CreateHolder"});
     ExchangeEntry(name, holder);
     return holder;
+}
+
+IServiceDomain* ServiceDomain::DetachHook() {
+    DetachServices();
+    return Service::DetachHook();
+}
+
+void ServiceDomain::DetachServices() noexcept {
+    // What a service requests while it is detached must exist already: a service created now would
+    // outlive those that it needs.
+    UnregisterAll();
+    std::for_each(m_holders.rbegin(), m_holders.rend(),
+                  [](const auto& holder) { holder->DetachService(); });
 }
 
 IInterface* ServiceDomain::Find(const std::string& name) {

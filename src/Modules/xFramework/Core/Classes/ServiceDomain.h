@@ -15,8 +15,10 @@ namespace Core {
 /// be one of another domain.
 ///
 /// With the domain the services end: first every one of them is detached, the youngest first and as
-/// often as it has been attached, then they are deleted in the same order. Meanwhile the domain
-/// still answers for the services that exist, and creates none.
+/// often as it has been attached, then they are deleted in the same order. A nested domain passes
+/// its own detach on to its services, so that those of all depths are detached before the first one
+/// is deleted. From then on a domain still answers for the services that exist, and creates none;
+/// one that has been detached is not to be attached again.
 class ServiceDomain : public virtual Service, public DynamicDomain, public ANamespace {
 public:
     class ServiceHolder;
@@ -45,11 +47,16 @@ public:
     /// Walks the ServiceHolders in the order of their creation.
     std::unique_ptr<IEnumerator> CreateEnumerator() override;
 
+protected:
+    /// Detaches the services. A subclass that overrides this calls it.
+    IServiceDomain* DetachHook() override;
+
 private:
     using HolderList = std::list<std::unique_ptr<ServiceHolder>>;
 
     ServiceHolder* FindHolder(const std::string& name) const;
     ServiceHolder* UseHolder(const std::string& name);
+    void DetachServices() noexcept;
 
     HolderList m_holders;
 };

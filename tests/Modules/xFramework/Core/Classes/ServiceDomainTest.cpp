@@ -276,6 +276,35 @@ TEST_F(ServiceDomainTest, EndDetachesAllServicesInReverseOrderBeforeItDeletesThe
     EXPECT_EQ(m_journal, (Journal{"a detaching", "b detaching", "a deleted", "b deleted"}));
 }
 
+TEST_F(ServiceDomainTest, ServicesOfANestedDomainAreDetachedBeforeAnyOuterServiceIsDeleted) {
+    m_domain->RegisterServiceClass<ServiceDomain>("inner");
+    Register("younger");
+    auto& inner = dynamic_cast<ServiceDomain&>(*m_domain->GetService("inner"));
+    IService* used = nullptr;
+    const ScriptedService::Script usesTheYounger = {
+        .onDetach = [&used](ScriptedService&) { EXPECT_FALSE(used->IsAttached()); }};
+    inner.RegisterService("user",
+                          std::make_unique<ScriptedCreator>("user", m_journal, usesTheYounger));
+    inner.GetService("user");
+    used = m_domain->GetService("younger");
+    m_journal.clear();
+    m_domain.reset();
+    EXPECT_EQ(m_journal,
+              (Journal{"younger detaching", "user detaching", "younger deleted", "user deleted"}));
+}
+
+TEST_F(ServiceDomainTest, DetachOfADomainDetachesItsServicesAndEndsIt) {
+    ServiceDomain around;
+    Register("a");
+    Register("late");
+    IService* const service = m_domain->GetService("a");
+    m_domain->OnAttach(&around);
+    EXPECT_EQ(m_domain->OnDetach(), &around);
+    EXPECT_FALSE(service->IsAttached());
+    EXPECT_EQ(m_domain->GetService("a"), service);
+    EXPECT_EQ(m_domain->GetService("late"), nullptr);
+}
+
 TEST_F(ServiceDomainTest, ServiceThatIsBeingDetachedFindsTheOthersButCreatesNone) {
     Register("late");
     IService* other = nullptr;
