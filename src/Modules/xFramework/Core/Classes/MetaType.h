@@ -68,8 +68,10 @@ std::string MetaType<T>::ToReadableText(std::string text) {
 
 template <typename T>
 bool MetaType<T>::FromText(const std::string& text, Core::Value& value) const {
+    // First of all: the text may belong to the value.
+    const std::string readable = ToReadableText(text);
     value.GetMutableRef<T>() = T{};
-    return value.Get()->FromString(ToReadableText(text));
+    return value.Get()->FromString(readable);
 }
 
 } // namespace CoreTypes

@@ -57,6 +57,15 @@ TEST(MetaType, TextBecomesAValueOfTheType) {
     EXPECT_EQ(value.GetRef<UInt16>(), 16);
 }
 
+TEST(MetaType, TextMayBelongToTheValue) {
+    Value value("17");
+    EXPECT_TRUE(MetaType<Int>().FromText(value.GetRef<std::string>(), value));
+    EXPECT_EQ(value.GetRef<Int>(), 17);
+    Value text("a text that is too long to be stored in the string object itself");
+    EXPECT_TRUE(MetaType<std::string>().FromText(text.GetRef<std::string>(), text));
+    EXPECT_EQ(text.ToString(), "a text that is too long to be stored in the string object itself");
+}
+
 TEST(MetaType, UnreadableTextBecomesTheDefaultElement) {
     const MetaType<Int> metaType;
     Value value("{int:5}");
