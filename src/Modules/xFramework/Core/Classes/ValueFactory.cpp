@@ -2,6 +2,8 @@
 
 #include "Modules/xFramework/Core/Classes/TypedLiteral.h"
 
+#include <utility>
+
 namespace Core {
 
 std::unique_ptr<IValue> ValueFactory::Create(const std::string& typeName, const std::string& text) {
@@ -26,10 +28,19 @@ ITypeDescriptor* ValueFactory::GetTypeDescriptor(const std::string& name) {
     return dynamic_cast<ITypeDescriptor*>(m_descriptors.Find(name));
 }
 
-void ValueFactory::RegisterDescriptor(const std::string& name,
-                                      std::unique_ptr<ITypeDescriptor> descriptor) {
+void ValueFactory::Register(const std::string& name, std::unique_ptr<AClassCreator> creator) {
+    RemoveDescriptor(name);
+    ClassFactory::Register(name, std::move(creator));
+}
+
+void ValueFactory::RemoveDescriptor(const std::string& name) {
     if (const ITypeDescriptor* const earlier = GetTypeDescriptor(name))
         earlier->GetMetaType().RemoveName(name);
+    m_descriptors.Remove(name);
+}
+
+void ValueFactory::RegisterDescriptor(const std::string& name,
+                                      std::unique_ptr<ITypeDescriptor> descriptor) {
     descriptor->GetMetaType().AddName(name);
     m_descriptors.Add(name, descriptor.release());
 }

@@ -12,12 +12,14 @@ namespace Core {
 class ValueFactory : public DynamicFactory<IValue, GenericFactory<IValue, ClassFactory>>,
                      public virtual Service {
 public:
-    using ClassFactory::Register;
-
     /// Gives the element type T a name: registers a creator and a descriptor, and tells the meta
     /// type. A name that is taken stands for T from now on.
     template <typename T>
     void Register(const std::string& name);
+
+    /// See IClassFactory. A name that stood for an element type does so no longer: its descriptor
+    /// goes with the replaced creator, and its meta type forgets the name.
+    void Register(const std::string& name, std::unique_ptr<AClassCreator> creator) override;
 
     /// A value of the named type, read from text; an unreadable text leaves the default element.
     /// Null when the name is unknown or does not stand for a value.
@@ -36,6 +38,7 @@ public:
     ITypeDescriptor* GetTypeDescriptor(const std::string& name);
 
 private:
+    void RemoveDescriptor(const std::string& name);
     void RegisterDescriptor(const std::string& name, std::unique_ptr<ITypeDescriptor> descriptor);
 
     Namespace m_descriptors;

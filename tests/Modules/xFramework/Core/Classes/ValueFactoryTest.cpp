@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 namespace {
 
 using namespace Core;
@@ -97,6 +99,31 @@ TEST_F(ValueFactoryTest, NameRegisteredAgainStandsForTheLaterType) {
     auto& metaType = m_factory.GetTypeDescriptor("again")->GetMetaType();
     EXPECT_TRUE(metaType.HasName("again"));
     metaType.RemoveName("again");
+}
+
+TEST_F(ValueFactoryTest, NameRegisteredAgainWithACreatorStandsForNoElementType) {
+    using Creator = ClassCreator<TypedValue<bool>, IValue>;
+    struct {
+        const char* entry;
+        std::function<void()> registerAgain;
+    } const cases[] = {
+        {"Register", [this] { m_factory.Register("again", std::make_unique<Creator>()); }},
+        {"RegisterCreator",
+         [this] { m_factory.RegisterCreator("again", std::make_unique<Creator>()); }},
+        {"Register of the interface",
+         [this] {
+             IClassFactory& factory = m_factory;
+             factory.Register("again", std::make_unique<Creator>());
+         }},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.entry);
+        m_factory.Register<Int>("again");
+        row.registerAgain();
+        EXPECT_EQ(ElementOf<bool>(m_factory.Create("again", "1")), true);
+        EXPECT_EQ(m_factory.GetTypeDescriptor("again"), nullptr);
+        EXPECT_FALSE(Utilities::Singleton<CoreTypes::MetaType<Int>>::Instance().HasName("again"));
+    }
 }
 
 TEST_F(ValueFactoryTest, IsOneServiceAndOneFactory) {
