@@ -34,10 +34,6 @@ public:
     std::shared_ptr<AClassCreator> GetCreator(const std::string& name) const override;
     std::unique_ptr<IInterface> CreateInstance(const std::string& name) override;
 
-protected:
-    /// Takes all creators out.
-    void UnregisterAll() { m_creators.clear(); }
-
 private:
     std::map<std::string, std::shared_ptr<AClassCreator>> m_creators;
 };

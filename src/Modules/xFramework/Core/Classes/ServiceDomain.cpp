@@ -59,11 +59,11 @@ IService* ServiceDomain::GetServiceByPath(const std::string& path) {
 bool ServiceDomain::HoldsPath(const std::string& path) const {
     std::string rest = path;
     const std::string name = SplitFirstName(rest);
-    return FindHolder(name) != nullptr || IsRegistered(name);
+    return FindHolder(name) != nullptr || CanCreate(name);
 }
 
 ServiceDomain::ServiceHolder* ServiceDomain::CreateHolder(const std::string& name) {
-    if (!IsRegistered(name))
+    if (!CanCreate(name))
         return nullptr;
     auto newHolder = std::make_unique<ServiceHolder>(this, name);
     ServiceHolder* const holder = newHolder.get();
@@ -87,8 +87,8 @@ IServiceDomain* ServiceDomain::DetachHook() {
 
 void ServiceDomain::DetachServices() noexcept {
     // What a service requests while it is detached must exist already: a service created now would
-    // outlive those that it needs.
-    UnregisterAll();
+    // outlive those that it needs, and nobody would detach it.
+    m_isEnding = true;
     std::for_each(m_holders.rbegin(), m_holders.rend(),
                   [](const auto& holder) { holder->DetachService(); });
 }
@@ -103,6 +103,10 @@ IInterface* ServiceDomain::FindByPath(const std::string& path) {
 
 std::unique_ptr<IEnumerator> ServiceDomain::CreateEnumerator() {
     return std::make_unique<ServiceEnumerator>(m_holders);
+}
+
+bool ServiceDomain::CanCreate(const std::string& name) const {
+    return !m_isEnding && IsRegistered(name);
 }
 
 ServiceDomain::ServiceHolder* ServiceDomain::FindHolder(const std::string& name) const {

@@ -32,8 +32,9 @@ public:
     bool HoldsPath(const std::string& path) const override;
 
     /// Creates the service registered under the name, whether or not one exists; returns its new
-    /// holder, which stays the domain's, or null when no creator is registered. Everything that the
-    /// service requests while it is created or attached is created before.
+    /// holder, which stays the domain's, or null when no creator is registered or the domain is at
+    /// its end. Everything that the service requests while it is created or attached is created
+    /// before.
     ///
     /// Raises "Circular dependance detected! Please check …" when meanwhile a nested request for
     /// the same name has been completed. A cycle whose nested requests never complete is not
@@ -56,9 +57,11 @@ private:
 
     ServiceHolder* FindHolder(const std::string& name) const;
     ServiceHolder* UseHolder(const std::string& name);
+    bool CanCreate(const std::string& name) const;
     void DetachServices() noexcept;
 
     HolderList m_holders;
+    bool m_isEnding = false;
 };
 
 /// One service of a domain, and what the domain knows of it. Lives as long as the domain.

@@ -319,6 +319,23 @@ TEST_F(ServiceDomainTest, ServiceThatIsBeingDetachedFindsTheOthersButCreatesNone
     EXPECT_EQ(found, (std::vector<IService*>{other, nullptr}));
 }
 
+TEST_F(ServiceDomainTest, KindThatIsRegisteredWhileTheDomainEndsIsNotCreatedAnyMore) {
+    std::vector<IService*> found;
+    bool isHeld = true;
+    Register("a", {.onDetach = [&](ScriptedService& service) {
+                 Register("late");
+                 found = {service.RequestService("late"), m_domain->GetServiceByPath("late")};
+                 isHeld = m_domain->HoldsPath("late");
+             }});
+    ServiceDomain around;
+    m_domain->GetService("a");
+    m_domain->OnAttach(&around);
+    m_domain->OnDetach();
+    EXPECT_EQ(found, (std::vector<IService*>{nullptr, nullptr}));
+    EXPECT_FALSE(isHeld);
+    EXPECT_EQ(Holders(), "[a]");
+}
+
 TEST_F(ServiceDomainTest, ServiceThatThrowsAtTheEndIsLoggedAndTheOthersAreStillDetached) {
     Register("a");
     Register("b", {.onDetach = [](ScriptedService&) { throw std::runtime_error("stuck"); }});
