@@ -2,11 +2,20 @@
 
 #include "Modules/xFramework/Utilities/Raise.h"
 
+#include <memory>
+
 namespace Core {
 
 namespace {
 
 constexpr const char* sourceFile = "src/Modules/xFramework/Core/Classes/Service";
+
+struct DomainClearer {
+    void operator()(IServiceDomain** domain) const { *domain = nullptr; }
+};
+
+/// Clears a domain at the end of its scope, whether or not an exception leaves it.
+using DomainUntilEnd = std::unique_ptr<IServiceDomain*, DomainClearer>;
 
 } // namespace
 
@@ -26,9 +35,8 @@ IServiceDomain* Service::OnDetach() {
     Utilities::Assert(IsAttached(), "IsAttached()", {sourceFile, 37, "Core::Service::OnDetach"});
     if (m_attachCount-- != 1)
         return nullptr;
-    IServiceDomain* const result = DetachHook();
-    m_domain = nullptr;
-    return result;
+    const DomainUntilEnd detached(&m_domain);
+    return DetachHook();
 }
 
 IServiceDomain* Service::GetDomain() const {

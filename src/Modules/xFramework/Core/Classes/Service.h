@@ -35,7 +35,7 @@ protected:
     virtual IServiceDomain* AttachHook() { return m_domain; }
 
     /// Called once, on the last detach, while the domain is still known; gives what OnDetach
-    /// returns.
+    /// returns. The service is detached afterwards even when the hook throws.
     virtual IServiceDomain* DetachHook() { return m_domain; }
 
     /// Notes the request and asks the domain for the service, see IServiceDomain::GetService.

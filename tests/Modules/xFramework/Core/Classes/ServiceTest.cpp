@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <vector>
 
 namespace {
@@ -100,6 +101,23 @@ TEST(Service, DetachWhileDetachedFailsAnAssertion) {
     EXPECT_EQ(RaisedBy([&service] { service.OnDetach(); }),
               std::string("Assertion (IsAttached()) failed at Core::Service::OnDetach | ") +
                   sourceFile + ":37 | Core::Service::OnDetach");
+}
+
+/// Throws when it is detached.
+class Stuck : public Service {
+protected:
+    IServiceDomain* DetachHook() override { throw std::runtime_error("stuck"); }
+};
+
+TEST(Service, IsDetachedEvenWhenItsHookThrows) {
+    ServiceDomain first;
+    ServiceDomain second;
+    Stuck service;
+    service.OnAttach(&first);
+    EXPECT_THROW(service.OnDetach(), std::runtime_error);
+    EXPECT_FALSE(service.IsAttached());
+    EXPECT_EQ(service.OnAttach(&second), &second);
+    EXPECT_THROW(service.OnDetach(), std::runtime_error);
 }
 
 class Requesting : public Service {
