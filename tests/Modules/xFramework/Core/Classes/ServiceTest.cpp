@@ -56,6 +56,8 @@ TEST(Service, StaysAttachedUntilDetachedAsOftenAsAttached) {
     HookedService service;
     EXPECT_EQ(service.OnAttach(&domain), &service.attachResult);
     EXPECT_EQ(service.OnAttach(&domain), &domain);
+    EXPECT_EQ(service.OnAttach(&domain), &domain);
+    EXPECT_EQ(service.OnDetach(), nullptr);
     EXPECT_EQ(service.OnDetach(), nullptr);
     EXPECT_TRUE(service.IsAttached());
     EXPECT_EQ(service.OnDetach(), &service.detachResult);

@@ -23,23 +23,36 @@ bool Creates(const std::string& name) {
     return dynamic_cast<TypedValue<T>*>(Factory().Create(name, "1").get()) != nullptr;
 }
 
+template <typename T>
+bool Describes(ITypeDescriptor& descriptor) {
+    return dynamic_cast<TypedValue<T>*>(descriptor.CreateValue().Get()) != nullptr;
+}
+
+struct TypeName {
+    const char* name;
+    bool (*createsItsType)(const std::string& name);
+    bool (*describesItsType)(ITypeDescriptor& descriptor);
+};
+
+template <typename T>
+constexpr TypeName NameOf(const char* name) {
+    return {name, Creates<T>, Describes<T>};
+}
+
 TEST(StartUp, EveryTypeNameCreatesItsElementType) {
-    struct {
-        const char* name;
-        bool (*createsItsType)(const std::string& name);
-    } const cases[] = {{"int", Creates<Int>},       {"long", Creates<Long>},
-                       {"short", Creates<Int16>},   {"string", Creates<std::string>},
-                       {"double", Creates<double>}, {"bool", Creates<bool>},
-                       {"uint8", Creates<UInt8>},   {"uint16", Creates<UInt16>},
-                       {"uint32", Creates<UInt32>}, {"uint64", Creates<UInt64>},
-                       {"int8", Creates<Int8>},     {"int16", Creates<Int16>},
-                       {"int32", Creates<Int>},     {"int64", Creates<Int64>}};
+    const TypeName cases[] = {NameOf<Int>("int"),       NameOf<Long>("long"),
+                              NameOf<Int16>("short"),   NameOf<std::string>("string"),
+                              NameOf<double>("double"), NameOf<bool>("bool"),
+                              NameOf<UInt8>("uint8"),   NameOf<UInt16>("uint16"),
+                              NameOf<UInt32>("uint32"), NameOf<UInt64>("uint64"),
+                              NameOf<Int8>("int8"),     NameOf<Int16>("int16"),
+                              NameOf<Int>("int32"),     NameOf<Int64>("int64")};
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);
         EXPECT_TRUE(row.createsItsType(row.name));
         ITypeDescriptor* const descriptor = Factory().GetTypeDescriptor(row.name);
         ASSERT_NE(descriptor, nullptr);
-        EXPECT_TRUE(row.createsItsType(row.name));
+        EXPECT_TRUE(row.describesItsType(*descriptor));
         EXPECT_TRUE(descriptor->GetMetaType().HasName(row.name));
     }
 }
@@ -78,7 +91,8 @@ TEST(StartUp, MessagesExpandVariables) {
 
 TEST(StartUp, EveryLevelOfTheLogReachesTheDebuggerOutputInBriefLines) {
     OSAL::Fake::Reset();
-    for (const std::uint32_t level : {1U, 2U, 4U, 8U})
+    // 16 is no level of the channel's mask.
+    for (const std::uint32_t level : {1U, 2U, 4U, 16U, 8U})
         Utilities::Log(level, "file", 1, "function", "message");
     const std::string rest = "| function" + std::string(32, ' ') + " | message\n";
     EXPECT_EQ(OSAL::Fake::TheWorld().debugOutput,

@@ -15,6 +15,19 @@ std::string TextOf(const IValue& value) {
 }
 
 template <typename T>
+concept CanBeHeld = requires(Value& value) {
+    value.GetRef<T>();
+    value.GetMutableRef<T>();
+};
+
+static_assert(CanBeHeld<Int> && CanBeHeld<Long> && CanBeHeld<std::set<Value>>);
+static_assert(CanBeHeld<std::set<Int>> && CanBeHeld<std::set<std::string>>);
+// The language's long is std::int64_t on Linux and none of the element types anywhere.
+static_assert(!CanBeHeld<long> && !CanBeHeld<unsigned long>);
+static_assert(!CanBeHeld<char> && !CanBeHeld<float> && !CanBeHeld<const Int>);
+static_assert(!CanBeHeld<std::set<long>> && !CanBeHeld<std::set<std::set<Int>>>);
+
+template <typename T>
 bool OffersIntegerInterface() {
     const TypedValue<T> value;
     return dynamic_cast<const IIntegerValue*>(static_cast<const IValue*>(&value)) != nullptr;
@@ -55,8 +68,21 @@ TEST(TypedValue, IntegerReadsTheHexadecimalForm) {
     EXPECT_TRUE(value.FromHexString("20"));
     EXPECT_EQ(value.GetRef(), 32);
     EXPECT_FALSE(value.FromHexString("2G"));
-    EXPECT_FALSE(value.FromString("0x"));
-    EXPECT_EQ(value.GetRef(), 32);
+    for (const char* const refused : {"0x", "0X1F"}) {
+        SCOPED_TRACE(refused);
+        EXPECT_FALSE(value.FromString(refused));
+        EXPECT_EQ(value.GetRef(), 32);
+    }
+}
+
+// The stream operator's way: it negates within the type.
+TEST(TypedValue, UnsignedTypesReadANegativeNumberFromTheirUpperEnd) {
+    TypedValue<UInt32> wide;
+    EXPECT_TRUE(wide.FromString("-1"));
+    EXPECT_EQ(wide.GetRef(), 4294967295U);
+    TypedValue<UInt16> narrow;
+    EXPECT_TRUE(narrow.FromString("-1"));
+    EXPECT_EQ(narrow.GetRef(), 65535U);
 }
 
 TEST(TypedValue, LongReadsNoHexadecimalForm) {
@@ -177,6 +203,24 @@ TEST(TypedValue, OtherTypesAreComparedAsTextsWhenTheirTextCannotBeRead) {
     const CrossTypeCase cases[] = {
         {"9", "10x", false, true}, {"10", "9x", false, false}, {"5", "5 ", false, false}};
     CheckComparisons<Int, std::string>(cases);
+}
+
+TEST(TypedValue, EqualTextsThatCannotBeReadAreEqual) {
+    TypedValue<std::set<Value>> set;
+    set.GetMutableRef() = {Value("a"), Value("b")};
+    struct {
+        const char* text;
+        bool isEqual;
+        bool isGreater;
+    } const cases[] = {
+        {"a, b", true, false}, {"a, c", false, false}, {"a, a", false, true}, {"", false, true}};
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.text);
+        const TypedValue<std::string> text(row.text);
+        const IValue* const other = &text;
+        EXPECT_EQ(set.IsEqual(other), row.isEqual);
+        EXPECT_EQ(set.IsGreater(other), row.isGreater);
+    }
 }
 
 TEST(TypedValue, AStringReadsEveryTextAndSoComparesTexts) {

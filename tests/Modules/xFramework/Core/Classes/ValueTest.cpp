@@ -182,6 +182,14 @@ TEST(Value, EqualityOfAStringValueWithTextIsByteExact) {
     EXPECT_TRUE(value != "");
 }
 
+TEST(Value, EqualityOfAStringValueWithATypedLiteralComparesTheTexts) {
+    Value value("text");
+    value = "{int:7}";
+    EXPECT_TRUE(value == "{int:7}");
+    EXPECT_FALSE(Value("7") == "{int:7}");
+    EXPECT_TRUE(Make<Int>(7) == "{int:7}");
+}
+
 TEST(Value, EqualityOfOtherValuesWithTextIsThatOfNeitherOrderingBelow) {
     const Value number = Make<Int>(5);
     EXPECT_TRUE(number == "5");
@@ -242,6 +250,8 @@ TEST(Value, UnsharedObjectIsMutatedInPlace) {
     Value value = Make<Int>(1);
     const IValue* const object = value.Get();
     value.GetMutableRef<Int>() = 2;
+    EXPECT_EQ(value.Get(), object);
+    EXPECT_EQ(value.GetRef<Int>(), 2);
     value = "3";
     EXPECT_EQ(value.Get(), object);
     EXPECT_EQ(value.GetRef<Int>(), 3);
