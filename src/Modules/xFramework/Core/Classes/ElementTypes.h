@@ -5,6 +5,9 @@
 #include <cstdint>
 #include <istream>
 #include <ostream>
+#include <set>
+#include <string>
+#include <type_traits>
 
 namespace Core {
 
@@ -46,5 +49,25 @@ concept OneOf = (std::same_as<T, Others> || ...);
 /// The element types whose values offer IIntegerValue. Long is none of them, see there.
 template <typename T>
 concept IntegerElement = OneOf<T, Int8, UInt8, Int16, UInt16, Int, UInt32, Int64, UInt64>;
+
+/// The element types that have a type name.
+template <typename T>
+concept NamedElement = IntegerElement<T> || OneOf<T, Long, double, bool, std::string>;
+
+class Value;
+
+template <typename T>
+struct IsElementSet : std::false_type {};
+
+template <typename T>
+requires(NamedElement<T> || std::same_as<T, Value>) struct IsElementSet<std::set<T>>
+    : std::true_type {
+};
+
+/// What a value can hold: the thirteen element types and the sets that a set of values is converted
+/// to. Any other type, such as std::int64_t where that is long, is an error of the compiler rather
+/// than one more element type.
+template <typename T>
+concept ValueElement = NamedElement<T> || IsElementSet<T>::value;
 
 } // namespace Core

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Modules/xFramework/Core/Classes/ElementTypes.h"
 #include "Modules/xFramework/Core/Classes/IValue.h"
 
 namespace Core {
@@ -21,7 +22,7 @@ private:
 };
 
 /// A value object whose element is of type T. References to the element last as long as the object.
-template <typename T>
+template <ValueElement T>
 class ITypedValue : public AValue {
 public:
     using IValue::IsEqual;

@@ -10,7 +10,7 @@
 namespace Core {
 
 /// Everything that a value object does, done on an element that it does not own.
-template <typename T>
+template <ValueElement T>
 class ATypedRefValue : public ITypedValue<T> {
 public:
     std::unique_ptr<IValue> Clone() const override { return NewCopy(); }
@@ -83,7 +83,7 @@ struct RefValueBase<T> {
 };
 
 /// A value object that refers to storage owned elsewhere.
-template <typename T>
+template <ValueElement T>
 class TypedRefValue : public RefValueBase<T>::Type {
 public:
     /// The element stays the caller's and must outlive this object.
@@ -91,7 +91,7 @@ public:
 };
 
 /// A value object that owns its element: the class that is created for values.
-template <typename T>
+template <ValueElement T>
 class TypedValue : public TypedRefValue<T> {
 public:
     explicit TypedValue(T element = T{})
@@ -101,12 +101,12 @@ private:
     T m_ownElement;
 };
 
-template <typename T>
+template <ValueElement T>
 std::unique_ptr<ITypedValue<T>> ATypedRefValue<T>::NewCopy() const {
     return std::make_unique<TypedValue<T>>(*m_element);
 }
 
-template <typename T>
+template <ValueElement T>
 bool ATypedRefValue<T>::IsEqual(const IValue* other) const {
     if (other == nullptr)
         return false;
@@ -119,7 +119,7 @@ bool ATypedRefValue<T>::IsEqual(const IValue* other) const {
                                     : ElementText::Write(*m_element) == otherText;
 }
 
-template <typename T>
+template <ValueElement T>
 bool ATypedRefValue<T>::IsGreater(const IValue* other) const {
     if (other == nullptr)
         return true;
@@ -132,7 +132,7 @@ bool ATypedRefValue<T>::IsGreater(const IValue* other) const {
                                     : ElementText::Write(*m_element).compare(otherText) > 0;
 }
 
-template <typename T>
+template <ValueElement T>
 const IValue* ATypedRefValue<T>::Assign(const IValue& other) {
     const ITypedValue<T>* const typed = FindTyped(&other);
     const ITypedValue<T>* const view = typed == nullptr ? nullptr : typed->GetView();

@@ -50,12 +50,12 @@ public:
 
     /// The element, never converted. Raises "Incompatible value type" when the held object is not
     /// of type T or there is none. Valid until the value is changed.
-    template <typename T>
+    template <ValueElement T>
     const T& GetRef() const;
 
     /// The element, for changing. A value that holds no T is emptied and holds a default T first;
     /// an object that is shared is cloned first. Valid until the value is next changed or copied.
-    template <typename T>
+    template <ValueElement T>
     T& GetMutableRef();
 
 private:
@@ -71,7 +71,7 @@ private:
 /// Writes ToString().
 std::ostream& operator<<(std::ostream& out, const Value& value);
 
-template <typename T>
+template <ValueElement T>
 const T& Value::GetRef() const {
     const auto* const typed = dynamic_cast<const ITypedValue<T>*>(m_pObject);
     if (typed == nullptr)
@@ -79,7 +79,7 @@ const T& Value::GetRef() const {
     return typed->GetRef();
 }
 
-template <typename T>
+template <ValueElement T>
 T& Value::GetMutableRef() {
     if (dynamic_cast<ITypedValue<T>*>(m_pObject) == nullptr)
         Set(std::make_unique<TypedValue<T>>().release());
