@@ -152,6 +152,8 @@ TEST_F(ServiceDomainTest, HolderOfACircularDependenceStaysInTheList) {
     const auto enumerator = m_domain->CreateEnumerator();
     auto& first = dynamic_cast<ServiceDomain::ServiceHolder&>(*enumerator->Next());
     EXPECT_EQ(m_domain->GetService("a"), first.GetService());
+    auto& second = dynamic_cast<ServiceDomain::ServiceHolder&>(*enumerator->Next());
+    EXPECT_EQ(second.GetUseCount(), 1U);
     m_journal.clear();
     m_domain.reset();
     EXPECT_EQ(m_journal, (Journal{"a detaching", "a detaching", "a deleted", "a deleted"}));
@@ -215,6 +217,17 @@ TEST_F(ServiceDomainTest, PathOutsideANestedDomainIsLookedUpInTheDomainAroundIt)
     EXPECT_EQ(inner.GetService("outside"), nullptr);
 }
 
+TEST_F(ServiceDomainTest, PathThroughANestedDomainMayLeadOutOfItAgain) {
+    m_domain->RegisterServiceClass<InnerDomain>("inner");
+    Register("outside");
+    IService* const outside = m_domain->GetServiceByPath("inner.outside");
+    ASSERT_NE(outside, nullptr);
+    EXPECT_EQ(outside->GetDomain(), m_domain.get());
+    EXPECT_EQ(Holders(), "[inner][outside]");
+    EXPECT_EQ(UsesOf("inner"), 1U);
+    EXPECT_EQ(UsesOf("outside"), 1U);
+}
+
 TEST_F(ServiceDomainTest, ExceptionOnThePathGivesTheUseBack) {
     m_domain->RegisterServiceClass<InnerDomain>("inner");
     RaisedBy([this] { m_domain->GetServiceByPath("inner.broken"); });
@@ -249,6 +262,14 @@ TEST_F(ServiceDomainTest, NamespacesGiveItsServicesByPath) {
     auto* const service = dynamic_cast<IService*>(root.FindByPath("Services.a"));
     EXPECT_NE(service, nullptr);
     EXPECT_EQ(domain->Find("a"), static_cast<IInterface*>(service));
+}
+
+TEST_F(ServiceDomainTest, FindCreatesOnRequest) {
+    Register("a");
+    IInterface* const found = m_domain->Find("a");
+    EXPECT_NE(found, nullptr);
+    EXPECT_EQ(found, static_cast<IInterface*>(m_domain->GetService("a")));
+    EXPECT_EQ(Holders(), "[a]");
 }
 
 TEST_F(ServiceDomainTest, EnumeratorMeetsServicesThatAreCreatedMeanwhile) {
@@ -334,6 +355,45 @@ TEST_F(ServiceDomainTest, KindThatIsRegisteredWhileTheDomainEndsIsNotCreatedAnyM
     EXPECT_EQ(found, (std::vector<IService*>{nullptr, nullptr}));
     EXPECT_FALSE(isHeld);
     EXPECT_EQ(Holders(), "[a]");
+}
+
+/// Asks its domain for another service while it is deleted.
+class AskingAtItsEnd : public Service {
+public:
+    explicit AskingAtItsEnd(std::vector<IService*>& answers) : m_answers(answers) {}
+    ~AskingAtItsEnd() override {
+        m_answers.push_back(m_kept->GetService("younger"));
+        m_answers.push_back(m_kept->GetServiceByPath("younger"));
+    }
+
+protected:
+    IServiceDomain* AttachHook() override { return m_kept = GetDomain(); }
+
+private:
+    std::vector<IService*>& m_answers;
+    IServiceDomain* m_kept = nullptr;
+};
+
+class AskingCreator : public IClassCreator<IService> {
+public:
+    explicit AskingCreator(std::vector<IService*>& answers) : m_answers(answers) {}
+    std::unique_ptr<IService> Create() override {
+        return std::make_unique<AskingAtItsEnd>(m_answers);
+    }
+
+private:
+    std::vector<IService*>& m_answers;
+};
+
+TEST_F(ServiceDomainTest, ServiceThatIsBeingDeletedFindsNoneThatIsGone) {
+    std::vector<IService*> answers;
+    m_domain->RegisterService("older", std::make_unique<AskingCreator>(answers));
+    Register("younger");
+    m_domain->GetService("older");
+    m_domain->GetService("younger");
+    ServiceDomain* const domain = m_domain.release();
+    delete domain;
+    EXPECT_EQ(answers, (std::vector<IService*>{nullptr, nullptr}));
 }
 
 TEST_F(ServiceDomainTest, ServiceThatThrowsAtTheEndIsLoggedAndTheOthersAreStillDetached) {
