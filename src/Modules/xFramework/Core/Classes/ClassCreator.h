@@ -14,7 +14,7 @@ public:
 
 /// Makes objects that offer TBase.
 template <typename TBase>
-class IClassCreator : public AClassCreator {
+class IClassCreator : public virtual AClassCreator {
 public:
     virtual std::unique_ptr<TBase> Create() = 0;
 
@@ -23,7 +23,7 @@ public:
 
 /// Makes default objects of TObject.
 template <typename TObject, typename TBase>
-class ClassCreator : public IClassCreator<TBase> {
+class ClassCreator : public virtual IClassCreator<TBase> {
 public:
     std::unique_ptr<TBase> Create() override { return std::make_unique<TObject>(); }
 };

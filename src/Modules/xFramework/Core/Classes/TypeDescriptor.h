@@ -9,7 +9,7 @@
 namespace Core {
 
 /// Creates values of one element type and describes it.
-class ITypeDescriptor : public IClassCreator<IValue> {
+class ITypeDescriptor : public virtual IClassCreator<IValue> {
 public:
     /// A value that holds a new default element.
     virtual Value CreateValue() = 0;
@@ -24,7 +24,7 @@ public:
 };
 
 template <typename T>
-class TypeDescriptor : public ITypeDescriptor {
+class TypeDescriptor : public virtual ITypeDescriptor {
 public:
     std::unique_ptr<IValue> Create() override { return std::make_unique<TypedValue<T>>(); }
 

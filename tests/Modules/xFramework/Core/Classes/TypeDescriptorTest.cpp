@@ -26,6 +26,23 @@ TEST(TypeDescriptor, IsACreatorOfValues) {
     EXPECT_NE(dynamic_cast<TypedValue<Int>*>(creator.CreateObject().get()), nullptr);
 }
 
+/// A descriptor and a plain creator in one.
+class DescriptorAndCreator : public TypeDescriptor<Int>,
+                             public ClassCreator<TypedValue<Int>, IValue> {
+public:
+    std::unique_ptr<IValue> Create() override { return TypeDescriptor<Int>::Create(); }
+};
+
+TEST(TypeDescriptor, SharesItsCreatorAndItsRootWithOtherBases) {
+    DescriptorAndCreator object;
+    ITypeDescriptor* const descriptor = &object;
+    ClassCreator<TypedValue<Int>, IValue>* const creator = &object;
+    EXPECT_EQ(static_cast<IClassCreator<IValue>*>(descriptor),
+              static_cast<IClassCreator<IValue>*>(creator));
+    EXPECT_EQ(static_cast<AClassCreator*>(descriptor), static_cast<AClassCreator*>(creator));
+    EXPECT_EQ(static_cast<IInterface*>(descriptor), static_cast<IInterface*>(creator));
+}
+
 TEST(TypeDescriptor, ConvertsASetByReadingTheTextsOfOtherElements) {
     const Value converted =
         TypeDescriptor<Int>().ConvertSet(SetOf({Value("{int:3}"), Value("4"), Value("{uint8:7}")}));
