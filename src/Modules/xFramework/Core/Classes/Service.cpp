@@ -2,6 +2,7 @@
 
 #include "Modules/xFramework/Utilities/Raise.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace Core {
@@ -47,7 +48,8 @@ IServiceDomain* Service::GetDomain() const {
 }
 
 IService* Service::RequestService(const std::string& name) {
-    m_requestedNames.push_back(name);
+    if (std::find(m_requestedNames.begin(), m_requestedNames.end(), name) == m_requestedNames.end())
+        m_requestedNames.push_back(name);
     return GetDomain()->GetService(name);
 }
 

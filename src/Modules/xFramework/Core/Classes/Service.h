@@ -17,18 +17,6 @@ public:
 
     bool IsAttached() const override { return m_domain != nullptr; }
 
-    /// Attaching to a second domain while attached fails an assertion.
-    IServiceDomain* OnAttach(IServiceDomain* pDomain) override;
-
-    /// Detaching while detached fails an assertion.
-    IServiceDomain* OnDetach() override;
-
-    IServiceDomain* GetDomain() const override;
-
-    /// The names of the services that this one has requested through RequestService, in the order
-    /// of the requests: what to look at when a circular dependence is reported.
-    const std::list<std::string>& GetRequestedNames() const { return m_requestedNames; }
-
 protected:
     /// Called once, on the first attach, when the domain is known; gives what OnAttach returns. A
     /// service requests here the others that it needs.
@@ -38,8 +26,21 @@ protected:
     /// returns. The service is detached afterwards even when the hook throws.
     virtual IServiceDomain* DetachHook() { return m_domain; }
 
-    /// Notes the request and asks the domain for the service, see IServiceDomain::GetService.
+    /// Notes the name and asks the domain for the service, see IServiceDomain::GetService.
     IService* RequestService(const std::string& name);
+
+public:
+    /// Attaching to a second domain while attached fails an assertion.
+    IServiceDomain* OnAttach(IServiceDomain* pDomain) override;
+
+    /// Detaching while detached fails an assertion.
+    IServiceDomain* OnDetach() override;
+
+    IServiceDomain* GetDomain() const override;
+
+    /// The names of the services that this one has requested through RequestService, each once, in
+    /// the order of the first requests: what to look at when a circular dependence is reported.
+    const std::list<std::string>& GetRequestedNames() const { return m_requestedNames; }
 
 private:
     IServiceDomain* m_domain = nullptr;

@@ -127,7 +127,7 @@ public:
     using Service::RequestService;
 };
 
-TEST(Service, NotesWhatItRequests) {
+TEST(Service, NotesOnceWhatItRequests) {
     ServiceDomain domain;
     domain.RegisterServiceClass<Service>("known");
     Requesting service;
@@ -135,6 +135,7 @@ TEST(Service, NotesWhatItRequests) {
     EXPECT_TRUE(service.GetRequestedNames().empty());
     EXPECT_EQ(service.RequestService("known"), domain.GetService("known"));
     EXPECT_EQ(service.RequestService("unknown"), nullptr);
+    EXPECT_EQ(service.RequestService("known"), domain.GetService("known"));
     EXPECT_EQ(service.GetRequestedNames(), (std::list<std::string>{"known", "unknown"}));
 }
 
