@@ -22,14 +22,15 @@ public:
     IInterface* Find(const std::string& name) override { return FindEntry(name); }
     IInterface* FindByPath(const std::string& path) override;
 
-    /// As Find, for a name that is part of a longer text.
-    IInterface* FindEntry(std::string_view name) const;
-
     /// Walks the entries in the order of their names.
     std::unique_ptr<IEnumerator> CreateEnumerator() override;
 
 protected:
     using Entries = std::map<std::string, IInterface*, std::less<>>;
+
+    /// The entry itself, which need not be what Find gives: the entries of a service domain are the
+    /// holders of its services.
+    IInterface* FindEntry(std::string_view name) const;
 
     /// Puts an object under a name, or takes the name out when pObject is null. Returns what stood
     /// there before, or null. Changes nothing when it throws.

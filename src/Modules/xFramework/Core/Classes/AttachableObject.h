@@ -14,7 +14,8 @@ public:
     /// Taken out of owner. Nothing happens when the object has been entered elsewhere since.
     virtual void Detach(INamespace* owner) = 0;
 
-    /// The namespace that the object is in, null when it is in none.
+    /// The namespace that the object was entered in last, null when it has been taken out of that
+    /// one since (others may still hold it) or has never been entered.
     virtual INamespace* GetOwner() const = 0;
 };
 

@@ -22,7 +22,8 @@ const Value* FindVariable(std::string_view name) {
 }
 
 /// The references of a text, from its end to its front. The first closing parenthesis behind the
-/// place at hand is carried along, so that each stretch of the text is searched for one once.
+/// place at hand is carried along, so that a text whose references all stay is searched for one
+/// once. A replacement moves what follows it and searches again, to the next one behind it.
 class ReferenceExpander {
 public:
     explicit ReferenceExpander(std::string& text) : m_text(text), m_searchedFrom(text.size()) {}

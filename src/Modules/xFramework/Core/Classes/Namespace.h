@@ -22,6 +22,9 @@ public:
     /// happens when the object is under the name already.
     void Add(const std::string& name, IInterface* pObject) override;
     bool Remove(const std::string& name) override;
+
+    /// As Find, for a name that is part of a longer text.
+    using ANamespace::FindEntry;
 };
 
 /// The namespace where $(name) references are looked up; its members of type Core::Value are the
