@@ -179,7 +179,7 @@ TEST_F(ExchangeTest, UnreadableReturnCodeEndsWith256) {
 
 TEST_F(ExchangeTest, PlaceholderInAnArgumentOrAddressIsAnErrorAndNoHang) {
     const std::string reason = " contains a message placeholder (a dollar sign and a digit from 1 "
-                               "to 5 in braces), which cannot be sent.\n";
+                               "to 5 in braces), which cannot be sent\n";
     ScriptedPeer peer([](Connection& connection, int) { connection.WaitForClose(); });
     bench.SetPort(peer.Port());
     const ProcessResult argument = bench.RunClient({"-x", "a${3}b"});

@@ -4,8 +4,8 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <mutex>
+#include <future>
+#include <memory>
 
 namespace EndToEnd {
 namespace {
@@ -88,29 +88,75 @@ TEST_F(TestRunTest, SlowDeviceCostsFiveSecondsALine) {
     EXPECT_GE(result.seconds, 5.0);
 }
 
-TEST_F(TestRunTest, DaemonThatDiesBetweenTwoLinesEndsTheRunAndKeepsTheRows) {
-    // The daemon goes with the second line's command: nobody answers any more and nobody listens.
-    bool died = false;
-    const ProcessResult result = [&] {
-        std::unique_ptr<ScriptedPeer> peer;
-        peer = std::make_unique<ScriptedPeer>([&](Connection& connection, int number) {
-            const std::string request = connection.ReadRequest();
-            if (number >= 5) {
-                died = true;
-                connection.Reset();
-                return;
-            }
-            AnswerAll(connection, request, number);
+/// Runs two lines against a daemon that goes away behind the first line's stop.
+class DyingDaemonTest : public TestRunTest {
+protected:
+    ProcessResult RunUntilItDies(const std::function<void()>& afterDeath) {
+        std::promise<void> died;
+        auto peer = std::make_unique<ScriptedPeer>([&](Connection& connection, int number) {
+            AnswerAll(connection, connection.ReadRequest(), number);
+            if (number == 4)
+                died.set_value();
         });
-        bench.SetPort(peer->Port());
+        port = peer->Port();
+        bench.SetPort(port);
         bench.Write("test.csv", "Band\n5\n6\n");
-        return bench.RunClient({"-wifi-test-by-file", "test.csv"});
-    }();
-    EXPECT_TRUE(died);
+        Process client(bench.ClientPath(), {"-wifi-test-by-file", "test.csv"}, bench.Directory());
+        // The client pauses for a second behind the line.
+        died.get_future().wait();
+        peer.reset();
+        afterDeath();
+        return client.Wait();
+    }
+
+    std::string port;
+};
+
+TEST_F(DyingDaemonTest, DaemonThatDiesForGoodEndsTheRunAndKeepsTheRows) {
+    const ProcessResult result = RunUntilItDies([] {});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.err, "Failed to calcualte Tx Power limit: Failed Sending message.");
+    EXPECT_EQ(bench.Read("result.csv"), TextMode("Band,Chain-A Power, Chain B Power\n5,17.5,18\n"));
+    EXPECT_EQ(bench.Read("result.xml"), "");
+}
+
+TEST_F(DyingDaemonTest, DaemonThatComesBackInTimeGoesUnnoticed) {
+    std::unique_ptr<ScriptedPeer> reborn;
+    const ProcessResult result = RunUntilItDies([&] {
+        reborn = std::make_unique<ScriptedPeer>(
+            [](Connection& connection, int number) {
+                AnswerAll(connection, connection.ReadRequest(), number);
+            },
+            "127.0.0.1", port);
+    });
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(bench.Read("result.csv"),
+              TextMode("Band,Chain-A Power, Chain B Power\n5,17.5,18\n6,17.5,18\n"));
+}
+
+TEST_F(TestRunTest, ConnectionsThatAreResetGiveRowsWithoutPowers) {
+    const ProcessResult result =
+        RunTest("Band\n5\n6\n", [](Connection& connection, const std::string& command, int number) {
+            if (number < 5)
+                return AnswerAll(connection, command, number);
+            connection.Reset();
+        });
     // What arrived is processed: nothing, so the row says NA.
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(bench.Read("result.csv"),
               TextMode("Band,Chain-A Power, Chain B Power\n5,17.5,18\n6,NA,NA\n"));
+}
+
+TEST_F(TestRunTest, CrLfTestFileFollowsThePlatformsTextMode) {
+    const ProcessResult result = RunTest("Band,Chains\r\n5,A\r\n", AnswerAll);
+    EXPECT_EQ(result.exitCode, 0);
+    // Where the platform translates line ends, none is left in the lines; elsewhere the carriage
+    // return stays at the end of each line, while the trimmed cells lose it.
+    const std::string kept = TextMode("\n") == "\n" ? "\r" : "";
+    EXPECT_EQ(bench.Read("result.csv"),
+              TextMode("Band,Chains" + kept + ",Chain-A Power, Chain B Power\n5,A" + kept +
+                       ",17.5,18\n"));
+    EXPECT_THAT(commands[3], HasSubstr(" -wifi-band 5 -wifi-tx-chains-from-file A -wifi-cal"));
 }
 
 TEST_F(TestRunTest, PlaceholderInACellEndsTheRunAndKeepsTheRows) {

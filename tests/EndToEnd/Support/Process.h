@@ -47,6 +47,9 @@ private:
 ProcessResult Run(const std::string& program, const std::vector<std::string>& arguments,
                   const std::string& workingDirectory);
 
+/// Programs started from now on do not inherit the socket, which would keep its port in use.
+void KeepFromChildren(std::uint64_t nativeSocket);
+
 /// "name.exe" on Windows, "name" elsewhere.
 std::string ExecutableName(const std::string& name);
 

@@ -1,5 +1,7 @@
 #include "tests/EndToEnd/Support/ScriptedPeer.h"
 
+#include "tests/EndToEnd/Support/Process.h"
+
 // The library's coroutine header lacks this one.
 #include <utility>
 
@@ -99,6 +101,8 @@ tcp::acceptor ListenOnFreePort(asio::io_context& context, const std::string& add
         const tcp::endpoint endpoint(asio::ip::make_address(address), ports(random));
         Error error;
         acceptor.open(endpoint.protocol());
+        // A later peer may take the port over while connections of this one linger.
+        acceptor.set_option(tcp::acceptor::reuse_address(true), error);
         acceptor.bind(endpoint, error);
         if (!error)
             acceptor.listen(tcp::acceptor::max_listen_connections, error);
@@ -108,13 +112,23 @@ tcp::acceptor ListenOnFreePort(asio::io_context& context, const std::string& add
     throw std::runtime_error("no free four-digit port");
 }
 
+tcp::acceptor Listen(asio::io_context& context, const std::string& address,
+                     const std::string& port) {
+    if (port.empty())
+        return ListenOnFreePort(context, address);
+    const auto number = static_cast<unsigned short>(std::stoi(port));
+    return tcp::acceptor(context, tcp::endpoint(asio::ip::make_address(address), number));
+}
+
 } // namespace
 
 struct ScriptedPeer::System {
-    System(Script givenScript, const std::string& address)
+    System(Script givenScript, const std::string& address, const std::string& port)
         : script(std::move(givenScript)),
-          acceptor(ListenOnFreePort(context, address)),
-          endpoint(acceptor.local_endpoint()) {}
+          acceptor(Listen(context, address, port)),
+          endpoint(acceptor.local_endpoint()) {
+        KeepFromChildren(static_cast<std::uint64_t>(acceptor.native_handle()));
+    }
 
     void Serve() {
         for (int number = 0; !stopping; ++number) {
@@ -123,6 +137,7 @@ struct ScriptedPeer::System {
             acceptor.accept(socket, error);
             if (stopping || error)
                 return;
+            KeepFromChildren(static_cast<std::uint64_t>(socket.native_handle()));
             socket.set_option(tcp::no_delay(true), error);
             connections.push_back(std::make_unique<Connection>(
                 std::make_unique<Connection::Socket>(Connection::Socket{std::move(socket), {}})));
@@ -139,8 +154,8 @@ struct ScriptedPeer::System {
     std::thread thread;
 };
 
-ScriptedPeer::ScriptedPeer(Script script, const std::string& address)
-    : m_system(std::make_unique<System>(std::move(script), address)) {
+ScriptedPeer::ScriptedPeer(Script script, const std::string& address, const std::string& port)
+    : m_system(std::make_unique<System>(std::move(script), address, port)) {
     m_system->thread = std::thread([system = m_system.get()] { system->Serve(); });
 }
 

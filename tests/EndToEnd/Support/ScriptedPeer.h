@@ -46,7 +46,9 @@ public:
     /// number counts the connections from 0.
     using Script = std::function<void(Connection& connection, int number)>;
 
-    explicit ScriptedPeer(Script script, const std::string& address = "127.0.0.1");
+    /// An empty port stands for any free one.
+    explicit ScriptedPeer(Script script, const std::string& address = "127.0.0.1",
+                          const std::string& port = "");
     ~ScriptedPeer();
     ScriptedPeer(const ScriptedPeer&) = delete;
     ScriptedPeer& operator=(const ScriptedPeer&) = delete;

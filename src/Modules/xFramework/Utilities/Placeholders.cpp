@@ -19,7 +19,7 @@ void RejectPlaceholders(const std::string& text, const std::string& what) {
     if (HasPlaceholder(text))
         Raise(
             what + " contains a message placeholder (a dollar sign and a digit from 1 to 5 in "
-                   "braces), which cannot be sent.",
+                   "braces), which cannot be sent",
             {"src/Modules/xFramework/Utilities/Placeholders", 21, "Utilities::RejectPlaceholders"});
 }
 

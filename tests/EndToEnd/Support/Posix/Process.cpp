@@ -88,6 +88,10 @@ std::string Process::OutSoFar() const {
     return ReadBytes(m_system->output.Path("out"));
 }
 
+void KeepFromChildren(std::uint64_t nativeSocket) {
+    ::fcntl(static_cast<int>(nativeSocket), F_SETFD, FD_CLOEXEC);
+}
+
 std::string ExecutableName(const std::string& name) {
     return name;
 }

@@ -100,6 +100,10 @@ std::string Process::OutSoFar() const {
     return ReadBytes(m_system->output.Path("out"));
 }
 
+void KeepFromChildren(std::uint64_t nativeSocket) {
+    ::SetHandleInformation(reinterpret_cast<HANDLE>(nativeSocket), HANDLE_FLAG_INHERIT, 0);
+}
+
 std::string ExecutableName(const std::string& name) {
     return name + ".exe";
 }

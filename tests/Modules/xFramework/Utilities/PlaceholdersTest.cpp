@@ -52,7 +52,7 @@ TEST(Placeholders, AreRefusedWithAMessageThatHoldsNone) {
     ASSERT_NE(exception, nullptr);
     const std::string message = exception->what();
     EXPECT_EQ(message, "Argument contains a message placeholder (a dollar sign and a digit from 1 "
-                       "to 5 in braces), which cannot be sent.");
+                       "to 5 in braces), which cannot be sent");
     EXPECT_FALSE(HasPlaceholder(message));
     EXPECT_THAT(log.records, ElementsAre("1|src/Modules/xFramework/Utilities/Placeholders|"
                                          "Utilities::RejectPlaceholders|" +

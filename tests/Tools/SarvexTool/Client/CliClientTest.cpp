@@ -256,7 +256,7 @@ TEST_F(CliClientTest, AddressWithAPlaceholderIsRaisedAndChangesNothing) {
         const std::unique_ptr<Utilities::Exception> owner(pException);
         EXPECT_STREQ(owner->what(),
                      "The daemon's address contains a message placeholder (a dollar sign and a "
-                     "digit from 1 to 5 in braces), which cannot be sent.");
+                     "digit from 1 to 5 in braces), which cannot be sent");
     }
 }
 

@@ -136,6 +136,13 @@ TEST_F(EntryPointTest, TestRunFollowsTheCommandAndItsResultIsTheExitCode) {
     EXPECT_EQ(console.Err(), "Failed to open test file 'no such file' or result file.");
 }
 
+TEST_F(EntryPointTest, SuccessOfTheTestReplacesTheCommandsCode) {
+    const WorkingDirectory ownDirectory("sarvex-entrypoint-test");
+    WriteFile("test.csv", "");
+    EXPECT_EQ(Run({"-wifi-test-by-file", "test.csv"}), 0);
+    EXPECT_THAT(console.Out(), testing::StartsWith("answer\n")) << "whose code is 3";
+}
+
 TEST_F(EntryPointTest, LastTestFileCountsAndIsTrimmedAsLastArgument) {
     const WorkingDirectory ownDirectory("sarvex-entrypoint-test");
     EXPECT_EQ(Run({"-wifi-test-by-file", "first", "-wifi-test-by-file", "second\r"}), 1);
@@ -312,7 +319,7 @@ TEST_F(EntryPointTest, UncalibratedAnswerEndsWithTen) {
 
 TEST_F(EntryPointTest, PlaceholderInAnArgumentOrAddressEndsWith256AndSendsNothing) {
     const std::string reason = " contains a message placeholder (a dollar sign and a digit from 1 "
-                               "to 5 in braces), which cannot be sent.\n";
+                               "to 5 in braces), which cannot be sent\n";
     {
         const ConsoleCapture own;
         EXPECT_EQ(Run({"-x", "${5}"}), 256);

@@ -76,7 +76,7 @@ TEST(RequestTest, DollarBracesThatAreNoPlaceholderPassUnchanged) {
 
 TEST(RequestTest, PlaceholderInTheCommandOrTheAddressIsAnErrorAndNoHang) {
     const std::string reason = " contains a message placeholder (a dollar sign and a digit from 1 "
-                               "to 5 in braces), which cannot be sent.";
+                               "to 5 in braces), which cannot be sent";
     for (const std::string placeholder : {"${1}", "${2}", "${3}", "${4}", "${5}"}) {
         SCOPED_TRACE(placeholder);
         EXPECT_EQ(FailureOf("h", "CLI -1 a" + placeholder + "b"), "The command" + reason);

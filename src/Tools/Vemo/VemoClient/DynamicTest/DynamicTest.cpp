@@ -33,7 +33,7 @@ bool IsColumnName(const std::string& name) {
 /// The power that is filed for a line, empty for a Chains cell that files none.
 std::string RecordedPower(const std::string& chainsCell, const Fields& extendedFields) {
     for (const ChainPower& power : chainPowers) {
-        if (power.chains == chainsCell)
+        if (power.chains == chainsCell && power.fieldFromEnd <= extendedFields.size())
             return extendedFields[extendedFields.size() - power.fieldFromEnd];
     }
     return "";
@@ -59,7 +59,7 @@ int DynamicTest::Run() {
     StartPowerTable(GetCurrentMccValue());
     const bool isComplete = ProcessTestFile(files, macType) && WriteResultDocument(files.xml);
     ReportDamage(files);
-    return isComplete ? succeeded : failed;
+    return isComplete && !files.test.bad() ? succeeded : failed;
 }
 
 void DynamicTest::StartPowerTable(const std::string& countryCode) {

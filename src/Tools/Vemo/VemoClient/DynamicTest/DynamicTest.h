@@ -56,8 +56,7 @@ public:
     void ProcessLineTestFile(std::ostream& csv, std::string line);
 
     /// Whether the line sets the column: the header has it, the line reaches it, and the cell is
-    /// not
-    /// "-". A cell of nothing but blanks is set.
+    /// not "-". A cell of nothing but blanks is set.
     bool IsColumnSet(const std::string& column, const Fields& fields) const;
 
     /// Sends the configuration with the start of the transmission behind it, then the stop. Returns
@@ -108,7 +107,6 @@ private:
     void ReportDamage(const TestFiles& files) const;
     void Pause(std::int32_t macType) const;
     Configuration ReadConfiguration(const Fields& fields) const;
-    std::string FormatTargetPowerPattern(const char* letter, const char* number) const;
 
     /// A cell with this value leaves its column unset; also stands for every value that is not
     /// known.

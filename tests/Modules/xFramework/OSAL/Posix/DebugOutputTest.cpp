@@ -22,6 +22,8 @@ std::vector<std::string>& SystemLog() {
     SystemLog().push_back(std::to_string(priority) + ": " + text.data());
 }
 
+bool systemLogListens = true;
+
 } // namespace
 
 // These stand in for the C library's own functions; optimised builds call the second one.
@@ -41,6 +43,10 @@ extern "C" [[gnu::format(printf, 3, 4)]] void __syslog_chk(int priority, int, co
     va_end(arguments);
 }
 
+extern "C" int access(const char* path, int) noexcept {
+    return std::string(path) == "/dev/log" && systemLogListens ? 0 : -1;
+}
+
 namespace OSAL {
 namespace {
 
@@ -49,6 +55,14 @@ TEST(RealDebugOutput, GoesToTheSystemLogAtDebugPriorityAsItStands) {
     OutputDebugStringA("[OEMINFO] | 100 %s %n\n");
     // Facility user (1 << 3) and priority debug (7).
     EXPECT_THAT(SystemLog(), testing::ElementsAre("15: [OEMINFO] | 100 %s %n\n"));
+}
+
+TEST(RealDebugOutput, IsDroppedWhereNoSystemLogListens) {
+    SystemLog().clear();
+    systemLogListens = false;
+    OutputDebugStringA("nobody hears this\n");
+    systemLogListens = true;
+    EXPECT_THAT(SystemLog(), testing::IsEmpty());
 }
 
 } // namespace

@@ -74,7 +74,7 @@ TEST_F(DynamicTestLineTest, ColumnNameWithAPlaceholderRaises) {
     ASSERT_NE(raised, nullptr);
     EXPECT_STREQ(raised->what(),
                  "A column name contains a message placeholder (a dollar sign and a "
-                 "digit from 1 to 5 in braces), which cannot be sent.");
+                 "digit from 1 to 5 in braces), which cannot be sent");
 }
 
 TEST_F(DynamicTestLineTest, NameGivenTwiceKeepsTheLaterPosition) {
@@ -232,7 +232,7 @@ TEST_F(DynamicTestLineTest, CellWithAPlaceholderRaisesBeforeAnythingIsSent) {
         SCOPED_TRACE(cell);
         EXPECT_EQ(Raised(test, csv, std::string("5,") + cell),
                   "The cell of column 'Chains' contains a message placeholder (a dollar sign and a "
-                  "digit from 1 to 5 in braces), which cannot be sent.");
+                  "digit from 1 to 5 in braces), which cannot be sent");
     }
     EXPECT_THAT(Commands(), IsEmpty());
     EXPECT_EQ(csv.str(), "");

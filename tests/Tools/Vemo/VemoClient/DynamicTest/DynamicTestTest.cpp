@@ -145,6 +145,48 @@ TEST_F(DynamicTestTest, ResultsOfAnEarlierRunAreGoneWhenTheRunStopsEarly) {
     EXPECT_EQ(CountCalls("Sleep 1000"), 1) << "no pause behind the line that failed";
 }
 
+TEST_F(DynamicTestTest, LineWhoseConnectionFailsUsesTheOneBefore) {
+    // The daemon has gone: no new connection, but the old one still takes the command.
+    TheWorld().connectSucceeds = [](int attempt) { return attempt < 4; };
+    AnswerQueries();
+    AnswerLine(PowerA("1"));
+    AnswerLine(PowerA("2"));
+    EXPECT_EQ(Run("Band\n5\n6\n"), 0);
+    EXPECT_EQ(ReadFile("result.csv"), "Band,Chain-A Power, Chain B Power\n5,1,NA\n6,2,NA\n");
+    EXPECT_EQ(CountCalls("Sleep 20"), 2 * 20) << "twenty attempts for each exchange of the line";
+    EXPECT_EQ(CountCalls("send 103"), 3 * 2) << "the first line's stop and the second line's pair";
+}
+
+TEST_F(DynamicTestTest, LineWhoseConnectionFailsAndWhoseOldOneIsClosedEndsTheRun) {
+    TheWorld().connectSucceeds = [](int attempt) { return attempt < 4; };
+    TheWorld().failingSend = 8;
+    AnswerQueries();
+    AnswerLine(PowerA("1"));
+    EXPECT_EQ(Run("Band\n5\n6\n"), 1);
+    EXPECT_EQ(ReadFile("result.csv"), "Band,Chain-A Power, Chain B Power\n5,1,NA\n");
+    EXPECT_EQ(console.Err(), "Failed to calcualte Tx Power limit: Failed Sending message.");
+}
+
+TEST_F(DynamicTestTest, MissingTestFileLeavesBothResultFilesEmpty) {
+    WriteFile("result.csv", "old");
+    WriteFile("result.xml", "old");
+    EXPECT_EQ(DynamicTest("no such file").Run(), 1);
+    EXPECT_EQ(ReadFile("result.csv") + ReadFile("result.xml"), "");
+}
+
+TEST_F(DynamicTestTest, CellsFollowTheRulesOfValuesAndOfTheRemoteOption) {
+    // Cells are arguments like any other: a typed literal is sent as the value that it names, and
+    // the remote option takes the argument behind it for the daemon's address.
+    AnswerQueries();
+    AnswerLine("");
+    AnswerLine("");
+    EXPECT_EQ(Run("Band,Rate\n{string:a:b},x\n-remoteDaemon,x\n"), 0);
+    const auto commands = Commands();
+    ASSERT_EQ(commands.size(), 6u);
+    EXPECT_EQ(commands[4], "-wifi-band x " + start);
+    EXPECT_EQ(CountCalls("ResolveAddress [-wifi-rate]"), 2);
+}
+
 TEST_F(DynamicTestTest, FailedSendEndsTheRun) {
     AnswerQueries();
     AnswerLine(PowerA("1"));
@@ -164,7 +206,7 @@ TEST_F(DynamicTestTest, CellWithAPlaceholderEndsTheRunAndKeepsTheRowsBeforeIt) {
     EXPECT_EQ(
         console.Err(),
         "Failed to calcualte Tx Power limit: The cell of column 'Chains' contains a message "
-        "placeholder (a dollar sign and a digit from 1 to 5 in braces), which cannot be sent..");
+        "placeholder (a dollar sign and a digit from 1 to 5 in braces), which cannot be sent.");
 }
 
 TEST_F(DynamicTestTest, ColumnNameWithAPlaceholderEndsTheRun) {
@@ -173,7 +215,7 @@ TEST_F(DynamicTestTest, ColumnNameWithAPlaceholderEndsTheRun) {
     EXPECT_EQ(Commands().size(), 2u);
     EXPECT_EQ(console.Err(),
               "Failed to calcualte Tx Power limit: A column name contains a message placeholder (a "
-              "dollar sign and a digit from 1 to 5 in braces), which cannot be sent..");
+              "dollar sign and a digit from 1 to 5 in braces), which cannot be sent.");
 }
 
 TEST_F(DynamicTestTest, FileNameWithAPlaceholderEndsTheRunBeforeAnythingIsOpened) {
