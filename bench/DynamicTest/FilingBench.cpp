@@ -32,10 +32,13 @@ void FileLinesBehind(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
         const auto lines = static_cast<int>(state.range(0));
-        const std::unique_ptr<DynamicTest> test = TestAfter(lines);
+        std::unique_ptr<DynamicTest> test = TestAfter(lines);
         state.ResumeTiming();
         for (int line = lines; line < lines + filedLines; ++line)
             test->SaveResultsToXml(ExtendedLine(line));
+        state.PauseTiming();
+        test.reset();
+        state.ResumeTiming();
     }
     state.SetItemsProcessed(state.iterations() * filedLines);
 }
