@@ -3,7 +3,6 @@
 #include "Modules/xFramework/Utilities/Raise.h"
 
 #include <algorithm>
-#include <memory>
 
 namespace Core {
 
@@ -11,14 +10,23 @@ namespace {
 
 constexpr const char* sourceFile = "src/Modules/xFramework/Core/Classes/Service";
 
-struct DomainClearer {
-    void operator()(IServiceDomain** domain) const { *domain = nullptr; }
-};
-
-/// Clears a domain at the end of its scope, whether or not an exception leaves it.
-using DomainUntilEnd = std::unique_ptr<IServiceDomain*, DomainClearer>;
-
 } // namespace
+
+/// Leaves the service detached at the end of its scope, whether or not an exception leaves it. Sets
+/// the count too: a detach hook may have attached or detached its own service.
+class Service::DetachedAtEnd {
+public:
+    explicit DetachedAtEnd(Service& service) : m_service(service) {}
+    ~DetachedAtEnd() {
+        m_service.m_domain = nullptr;
+        m_service.m_attachCount = 0;
+    }
+    DetachedAtEnd(const DetachedAtEnd&) = delete;
+    DetachedAtEnd& operator=(const DetachedAtEnd&) = delete;
+
+private:
+    Service& m_service;
+};
 
 IServiceDomain* Service::OnAttach(IServiceDomain* pDomain) {
     // The count comes first: an attach to a wrong domain is counted although it fails.
@@ -36,7 +44,7 @@ IServiceDomain* Service::OnDetach() {
     Utilities::Assert(IsAttached(), "IsAttached()", {sourceFile, 37, "Core::Service::OnDetach"});
     if (m_attachCount-- != 1)
         return nullptr;
-    const DomainUntilEnd detached(&m_domain);
+    const DetachedAtEnd detached(*this);
     return DetachHook();
 }
 

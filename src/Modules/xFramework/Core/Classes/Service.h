@@ -43,6 +43,8 @@ public:
     const std::list<std::string>& GetRequestedNames() const { return m_requestedNames; }
 
 private:
+    class DetachedAtEnd;
+
     IServiceDomain* m_domain = nullptr;
     std::uint32_t m_attachCount = 0;
     std::list<std::string> m_requestedNames;

@@ -122,6 +122,28 @@ TEST(Service, IsDetachedEvenWhenItsHookThrows) {
     EXPECT_THROW(service.OnDetach(), std::runtime_error);
 }
 
+/// Attaches and detaches itself once more while it is detached.
+class Restless : public Service {
+protected:
+    IServiceDomain* DetachHook() override {
+        OnDetach();
+        OnDetach();
+        OnAttach(GetDomain());
+        return GetDomain();
+    }
+};
+
+TEST(Service, IsDetachedWhateverItsHookCounts) {
+    ServiceDomain domain;
+    Restless service;
+    service.OnAttach(&domain);
+    EXPECT_EQ(service.OnDetach(), &domain);
+    EXPECT_FALSE(service.IsAttached());
+    service.OnAttach(&domain);
+    EXPECT_EQ(service.OnDetach(), &domain);
+    EXPECT_FALSE(service.IsAttached());
+}
+
 class Requesting : public Service {
 public:
     using Service::RequestService;
