@@ -13,6 +13,7 @@ namespace VemoSimulator {
 
 namespace {
 
+constexpr std::uint64_t highestNumber = ~std::uint64_t{0};
 constexpr std::uint32_t highestPort = 65535;
 constexpr std::uint32_t longestLatency = 86'400'000;
 constexpr std::uint32_t loudestNoise = 10'000;
@@ -38,13 +39,17 @@ std::string CheckCountryCode(const std::string& text) {
     return isCode ? "" : "a country code has two capital letters or digits";
 }
 
-/// A check for numbers up to a limit.
-auto UpTo(std::uint32_t highest) {
-    return [highest](const std::string& text) {
+/// Takes decimal numbers up to a limit. CLI11 itself would read one that begins with a zero as
+/// octal.
+CLI::Validator UpTo(std::uint64_t highest) {
+    const auto normalize = [highest](std::string& text) {
         const auto number = ParseDecimal(text);
-        const bool isSmallEnough = number && *number <= highest;
-        return isSmallEnough ? std::string() : "not a number from 0 to " + std::to_string(highest);
+        if (!number || *number > highest)
+            return "not a number from 0 to " + std::to_string(highest);
+        text = std::to_string(*number);
+        return std::string();
     };
+    return {normalize, ""};
 }
 
 void AddServerOptions(CLI::App& app, Options& options) {
@@ -52,7 +57,7 @@ void AddServerOptions(CLI::App& app, Options& options) {
                    "Port to listen on; 0 takes a free one of four digits. Without this option the "
                    "port is read from Socket.cfg beside the program")
         ->type_name("N")
-        ->check(UpTo(highestPort));
+        ->transform(UpTo(highestPort));
     app.add_option("--address", options.address,
                    "Numeric address to listen on; other machines reach only one that is not a "
                    "loopback address")
@@ -60,6 +65,7 @@ void AddServerOptions(CLI::App& app, Options& options) {
         ->capture_default_str();
     app.add_option("--body-limit", options.bodyLimit, "Longest request body that is read, in bytes")
         ->type_name("BYTES")
+        ->transform(UpTo(highestNumber))
         ->capture_default_str();
     app.add_option("--request-log", options.requestLogFile,
                    "File that gets one line of JSON for each request; an old one is replaced")
@@ -69,11 +75,12 @@ void AddServerOptions(CLI::App& app, Options& options) {
 void AddDeviceOptions(CLI::App& app, Simulator::Settings& settings) {
     app.add_option("--seed", settings.seed, "Chooses the noise of the target powers")
         ->type_name("N")
+        ->transform(UpTo(highestNumber))
         ->capture_default_str();
     app.add_option("--noise", settings.noise,
                    "Largest noise of a target power, in hundredths of a dB; 0 for none")
         ->type_name("N")
-        ->check(UpTo(loudestNoise))
+        ->transform(UpTo(loudestNoise))
         ->capture_default_str();
     app.add_option("--mac-type", settings.identity.macType, "MAC type that the device tells")
         ->type_name("N")
@@ -88,7 +95,7 @@ void AddDeviceOptions(CLI::App& app, Simulator::Settings& settings) {
 void AddBehaviourOptions(CLI::App& app, RawOptions& raw) {
     app.add_option("--latency", raw.latency, "Milliseconds before each answer to a command")
         ->type_name("MS")
-        ->check(UpTo(longestLatency))
+        ->transform(UpTo(longestLatency))
         ->capture_default_str();
     app.add_option("--fault", raw.faults,
                    "Makes answers faulty; may be given several times. WHICH is the number of a "

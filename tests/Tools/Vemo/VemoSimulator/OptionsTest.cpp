@@ -72,6 +72,16 @@ TEST(OptionsTest, EachOptionReachesItsPlace) {
     EXPECT_EQ(options.simulator.faults[1].Text(), "text=-exit:drip=0");
 }
 
+TEST(OptionsTest, NumbersAreDecimalWhateverTheyBeginWith) {
+    const Options options = Accepted({"--port", "08738", "--body-limit", "0100", "--seed", "010",
+                                      "--noise", "010", "--latency", "010"});
+    EXPECT_EQ(options.port, 8738);
+    EXPECT_EQ(options.bodyLimit, 100U);
+    EXPECT_EQ(options.simulator.seed, 10U);
+    EXPECT_EQ(options.simulator.noise, 10U);
+    EXPECT_EQ(options.simulator.latency, 10ms);
+}
+
 TEST(OptionsTest, HelpNamesEveryFault) {
     const EarlyEnd end = Refused({"--help"});
     EXPECT_EQ(end.exitCode, 0);
@@ -88,6 +98,8 @@ TEST(OptionsTest, AWrongCommandLineIsExplained) {
         {{"--port", "65536"}, "--port: not a number from 0 to 65535"},
         {{"--port", "-1"}, "--port: not a number from 0 to 65535"},
         {{"--port"}, "--port: 1 required N missing"},
+        {{"--seed", "0x10"}, "--seed: not a number from 0 to 18446744073709551615"},
+        {{"--body-limit", "1k"}, "--body-limit: not a number from 0 to 18446744073709551615"},
         {{"--noise", "10001"}, "--noise: not a number from 0 to 10000"},
         {{"--latency", "86400001"}, "--latency: not a number from 0 to 86400000"},
         {{"--mac-type", "x"}, "--mac-type: a MAC type has one to ten digits"},
