@@ -25,45 +25,78 @@ const Marker* FindMarker(std::string_view line) {
     return found == markers.end() ? nullptr : found;
 }
 
-void AppendLine(std::string& text, std::string_view line) {
-    text += line;
-    text += '\n';
-}
-
-/// Takes the lines of a body one by one.
+/// Sorts the lines of a body. Neighbouring lines of one section are copied in one piece: an answer
+/// may have a million of them.
 class LineSorter {
 public:
-    void Take(std::string_view line) {
-        if (const Marker* const marker = FindMarker(line))
-            m_section = marker->section;
-        else
-            TakeContent(line);
+    LineSorter(std::string_view body, std::string& allLines) : m_body(body), m_allLines(allLines) {
+        // At most a line end more than the body. Room that nothing is written to costs nothing.
+        m_allLines.reserve(m_allLines.size() + body.size() + 1);
+        m_reply.information.reserve(body.size() + 1);
     }
 
-    Reply& Result() { return m_reply; }
+    Reply Sort() {
+        // What stands behind the last line feed counts as a line too, even when it is empty.
+        while (m_lineStart <= m_body.size())
+            TakeLine();
+        CopyUpTo(m_lineStart);
+        return std::move(m_reply);
+    }
 
 private:
-    void TakeContent(std::string_view line) {
-        switch (m_section) {
-        case Section::Information:
-            AppendLine(m_reply.information, line);
-            break;
-        case Section::Error:
-            AppendLine(m_reply.error, line);
-            break;
-        case Section::ReturnCode:
-            m_reply.returnCode = Utilities::StringToInt(std::string(line));
-            // Only the first line after the marker is the code.
-            m_section = Section::Ignored;
-            break;
-        case Section::Ignored:
-            break;
-        }
+    void TakeLine() {
+        const std::size_t lineEnd = std::min(m_body.find('\n', m_lineStart), m_body.size());
+        const std::string_view line = m_body.substr(m_lineStart, lineEnd - m_lineStart);
+        const std::size_t nextLine = lineEnd + 1;
+        if (const Marker* const marker = FindMarker(line))
+            OpenSection(marker->section, nextLine);
+        else if (m_section == Section::ReturnCode)
+            TakeReturnCode(line, nextLine);
+        m_lineStart = nextLine;
     }
 
-    Reply m_reply;
+    void OpenSection(Section section, std::size_t nextLine) {
+        CopyUpTo(m_lineStart);
+        m_section = Section::Ignored;
+        CopyUpTo(nextLine);
+        m_section = section;
+    }
+
+    void TakeReturnCode(std::string_view line, std::size_t nextLine) {
+        CopyUpTo(nextLine);
+        m_reply.returnCode = Utilities::StringToInt(std::string(line));
+        // Only the first line after the marker is the code.
+        m_section = Section::Ignored;
+    }
+
+    /// Copies the lines before a place of the body that are not copied yet: all to the list of all
+    /// lines and those of a section to its text.
+    void CopyUpTo(std::size_t end) {
+        if (end == m_copied)
+            return;
+        const std::string_view lines = m_body.substr(m_copied, end - m_copied);
+        const char* const missingLineEnd = end > m_body.size() ? "\n" : "";
+        m_allLines.append(lines).append(missingLineEnd);
+        if (std::string* const text = TextOf(m_section))
+            text->append(lines).append(missingLineEnd);
+        m_copied = end;
+    }
+
+    std::string* TextOf(Section section) {
+        if (section == Section::Information)
+            return &m_reply.information;
+        return section == Section::Error ? &m_reply.error : nullptr;
+    }
+
+    std::string_view m_body;
+    std::string& m_allLines;
+    /// Where the line at hand begins: behind the body's end when there is none.
+    std::size_t m_lineStart = 0;
+    /// As far as this the body has been copied.
+    std::size_t m_copied = 0;
     // Lines before the first marker count as information.
     Section m_section = Section::Information;
+    Reply m_reply;
 };
 
 bool SaysUncalibrated(const Reply& reply) {
@@ -82,22 +115,8 @@ std::string_view CutHttpHead(std::string_view answer) {
 
 Reply SortReply(std::string_view body, std::string& allLines) {
     constexpr std::int32_t uncalibratedCode = 10;
-    LineSorter sorter;
-    // At most a line end more than the body in each. Room that nothing is written to costs nothing.
-    allLines.reserve(allLines.size() + body.size() + 1);
-    sorter.Result().information.reserve(body.size() + 1);
-    // What stands behind the last line feed counts as a line too, even when it is empty.
-    for (bool isLast = false; !isLast;) {
-        const std::size_t end = body.find('\n');
-        isLast = end == std::string_view::npos;
-        const std::string_view line = body.substr(0, end);
-        AppendLine(allLines, line);
-        sorter.Take(line);
-        if (!isLast)
-            body.remove_prefix(end + 1);
-    }
-    Reply& reply = sorter.Result();
+    Reply reply = LineSorter(body, allLines).Sort();
     if (SaysUncalibrated(reply))
         reply.returnCode = uncalibratedCode;
-    return std::move(reply);
+    return reply;
 }
