@@ -14,6 +14,7 @@
 #include <iterator>
 #include <memory>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -129,10 +130,11 @@ int CliClient::SendCommand(bool waitForAnswer, const std::string& prefix) {
     m_response.clear();
     const std::string request =
         BuildRequest(m_remoteAddress, BuildCommandLine(prefix, BuildArguments()));
-    const std::string answer = Exchange(request, waitForAnswer);
+    std::string answer = Exchange(request, waitForAnswer);
     if (!waitForAnswer)
         return 0;
-    const Reply reply = SortReply(CutHttpHead(answer), m_response);
+    m_response = CutHttpHead(std::move(answer));
+    const Reply reply = SortReply(m_response);
     Print(reply);
     return reply.returnCode;
 }

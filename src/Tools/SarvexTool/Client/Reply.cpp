@@ -25,75 +25,65 @@ const Marker* FindMarker(std::string_view line) {
     return found == markers.end() ? nullptr : found;
 }
 
-/// Sorts the lines of a body. Neighbouring lines of one section are copied in one piece: an answer
-/// may have a million of them.
+/// Sorts lines that each end in a line feed. Neighbouring lines of one section are copied in one
+/// piece: an answer may have a million of them.
 class LineSorter {
 public:
-    LineSorter(std::string_view body, std::string& allLines) : m_body(body), m_allLines(allLines) {
-        // At most a line end more than the body. Room that nothing is written to costs nothing.
-        m_allLines.reserve(m_allLines.size() + body.size() + 1);
-        m_reply.information.reserve(body.size() + 1);
+    explicit LineSorter(std::string& lines) : m_lines(lines) {
+        // Room that nothing is written to costs nothing.
+        m_reply.information.reserve(lines.size());
     }
 
     Reply Sort() {
-        // What stands behind the last line feed counts as a line too, even when it is empty.
-        while (m_lineStart <= m_body.size())
+        while (m_lineStart < m_lines.size())
             TakeLine();
-        CopyUpTo(m_lineStart);
+        CopySection();
         return std::move(m_reply);
     }
 
 private:
     void TakeLine() {
-        const std::size_t lineEnd = std::min(m_body.find('\n', m_lineStart), m_body.size());
-        const std::string_view line = m_body.substr(m_lineStart, lineEnd - m_lineStart);
-        const std::size_t nextLine = lineEnd + 1;
-        if (const Marker* const marker = FindMarker(line))
-            OpenSection(marker->section, nextLine);
+        const std::size_t lineEnd = m_lines.find('\n', m_lineStart);
+        const auto line = std::string_view(m_lines).substr(m_lineStart, lineEnd - m_lineStart);
+        const Marker* const marker = FindMarker(line);
+        if (marker != nullptr)
+            CopySection();
+        m_lineStart = lineEnd + 1;
+        if (marker != nullptr)
+            OpenSection(marker->section);
         else if (m_section == Section::ReturnCode)
-            TakeReturnCode(line, nextLine);
-        m_lineStart = nextLine;
+            TakeReturnCode(line);
     }
 
-    void OpenSection(Section section, std::size_t nextLine) {
-        CopyUpTo(m_lineStart);
-        m_section = Section::Ignored;
-        CopyUpTo(nextLine);
+    void OpenSection(Section section) {
         m_section = section;
+        m_sectionStart = m_lineStart;
     }
 
-    void TakeReturnCode(std::string_view line, std::size_t nextLine) {
-        CopyUpTo(nextLine);
-        m_reply.returnCode = Utilities::StringToInt(std::string(line));
+    void TakeReturnCode(std::string_view line) {
+        try {
+            m_reply.returnCode = Utilities::StringToInt(std::string(line));
+        } catch (...) {
+            m_lines.resize(m_lineStart);
+            throw;
+        }
         // Only the first line after the marker is the code.
-        m_section = Section::Ignored;
+        OpenSection(Section::Ignored);
     }
 
-    /// Copies the lines before a place of the body that are not copied yet: all to the list of all
-    /// lines and those of a section to its text.
-    void CopyUpTo(std::size_t end) {
-        if (end == m_copied)
-            return;
-        const std::string_view lines = m_body.substr(m_copied, end - m_copied);
-        const char* const missingLineEnd = end > m_body.size() ? "\n" : "";
-        m_allLines.append(lines).append(missingLineEnd);
-        if (std::string* const text = TextOf(m_section))
-            text->append(lines).append(missingLineEnd);
-        m_copied = end;
+    /// Copies the lines of the open section, up to the one at hand, to the section's text.
+    void CopySection() {
+        const auto lines =
+            std::string_view(m_lines).substr(m_sectionStart, m_lineStart - m_sectionStart);
+        if (m_section == Section::Information)
+            m_reply.information += lines;
+        else if (m_section == Section::Error)
+            m_reply.error += lines;
     }
 
-    std::string* TextOf(Section section) {
-        if (section == Section::Information)
-            return &m_reply.information;
-        return section == Section::Error ? &m_reply.error : nullptr;
-    }
-
-    std::string_view m_body;
-    std::string& m_allLines;
-    /// Where the line at hand begins: behind the body's end when there is none.
+    std::string& m_lines;
     std::size_t m_lineStart = 0;
-    /// As far as this the body has been copied.
-    std::size_t m_copied = 0;
+    std::size_t m_sectionStart = 0;
     // Lines before the first marker count as information.
     Section m_section = Section::Information;
     Reply m_reply;
@@ -107,15 +97,19 @@ bool SaysUncalibrated(const Reply& reply) {
 
 } // namespace
 
-std::string_view CutHttpHead(std::string_view answer) {
+std::string CutHttpHead(std::string answer) {
     constexpr std::string_view headEnd = "\r\n\r\n";
     const std::size_t end = answer.find(headEnd);
-    return end == std::string_view::npos ? answer : answer.substr(end + headEnd.size());
+    if (end != std::string::npos)
+        answer.erase(0, end + headEnd.size());
+    return answer;
 }
 
-Reply SortReply(std::string_view body, std::string& allLines) {
+Reply SortReply(std::string& body) {
     constexpr std::int32_t uncalibratedCode = 10;
-    Reply reply = LineSorter(body, allLines).Sort();
+    // What stands behind the last line feed counts as a line too, even when it is empty.
+    body += '\n';
+    Reply reply = LineSorter(body).Sort();
     if (SaysUncalibrated(reply))
         reply.returnCode = uncalibratedCode;
     return reply;

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 /// What one answer of the daemon says.
 struct Reply {
@@ -15,11 +14,12 @@ struct Reply {
 };
 
 /// The body of an answer: what follows its HTTP head, or the whole answer when it has none. The
-/// head is not examined. The result refers to the answer's bytes.
-std::string_view CutHttpHead(std::string_view answer);
+/// head is not examined.
+std::string CutHttpHead(std::string answer);
 
 /// Sorts the lines of an answer's body into the sections that its marker lines open, and reads the
-/// return code. Every line, markers included, and a line feed are appended to allLines, also when
-/// the call ends with an exception. Throws what Utilities::StringToInt throws when the line after
-/// the return-code marker holds no number.
-Reply SortReply(std::string_view body, std::string& allLines);
+/// return code. Makes a list of lines of the body itself, which may be long: every line, markers
+/// and an empty last one included, followed by a line feed. Throws what Utilities::StringToInt
+/// throws when the line after the return-code marker holds no number; the list then ends with that
+/// line.
+Reply SortReply(std::string& body);

@@ -77,8 +77,8 @@ TEST(ReplyTest, LinesAreSortedByTheMarkersBeforeThem) {
     };
     for (const SortCase& row : cases) {
         SCOPED_TRACE(row.name);
-        std::string allLines;
-        const Reply reply = SortReply(row.body, allLines);
+        std::string allLines = row.body;
+        const Reply reply = SortReply(allLines);
         EXPECT_EQ(reply.information, row.information);
         EXPECT_EQ(reply.error, row.error);
         EXPECT_EQ(reply.returnCode, row.returnCode);
@@ -87,10 +87,9 @@ TEST(ReplyTest, LinesAreSortedByTheMarkersBeforeThem) {
 }
 
 TEST(ReplyTest, AnswerWithCrLfLinesIsAllInformation) {
-    std::string allLines;
-    const Reply reply = SortReply(
-        "Sarvex tool INFO\r\ni\r\nSarvex tool ERROR\r\ne\r\nSarvex tool RETURN CODE\r\n3\r\n",
-        allLines);
+    std::string allLines =
+        "Sarvex tool INFO\r\ni\r\nSarvex tool ERROR\r\ne\r\nSarvex tool RETURN CODE\r\n3\r\n";
+    const Reply reply = SortReply(allLines);
     EXPECT_EQ(reply.information, "Sarvex tool INFO\r\ni\r\nSarvex tool ERROR\r\ne\r\n"
                                  "Sarvex tool RETURN CODE\r\n3\r\n\n");
     EXPECT_EQ(reply.error, "");
@@ -113,17 +112,17 @@ TEST(ReplyTest, UncalibratedAnywhereInTheSectionsReturnsTen) {
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.body);
-        std::string allLines;
-        EXPECT_EQ(SortReply(row.body, allLines).returnCode, row.returnCode);
+        std::string allLines = row.body;
+        EXPECT_EQ(SortReply(allLines).returnCode, row.returnCode);
     }
 }
 
 TEST(ReplyTest, CodeLineWithoutANumberThrowsAndKeepsTheLinesSoFar) {
     for (const std::string code : {"abc", "", " ", "-", "x1"}) {
         SCOPED_TRACE(code);
-        std::string allLines;
+        std::string allLines = "i\nSarvex tool RETURN CODE\n" + code + "\nmore";
         try {
-            SortReply("i\nSarvex tool RETURN CODE\n" + code + "\nmore", allLines);
+            SortReply(allLines);
             ADD_FAILURE() << "nothing was thrown";
         } catch (const std::invalid_argument& exception) {
             EXPECT_STREQ(exception.what(), "invalid stoi argument");
@@ -135,9 +134,9 @@ TEST(ReplyTest, CodeLineWithoutANumberThrowsAndKeepsTheLinesSoFar) {
 TEST(ReplyTest, CodeOutsideThirtyTwoBitsThrows) {
     for (const std::string code : {"2147483648", "-2147483649", "99999999999999999999"}) {
         SCOPED_TRACE(code);
-        std::string allLines;
+        std::string allLines = "Sarvex tool RETURN CODE\n" + code;
         try {
-            SortReply("Sarvex tool RETURN CODE\n" + code, allLines);
+            SortReply(allLines);
             ADD_FAILURE() << "nothing was thrown";
         } catch (const std::out_of_range& exception) {
             EXPECT_STREQ(exception.what(), "stoi argument out of range");
@@ -146,10 +145,10 @@ TEST(ReplyTest, CodeOutsideThirtyTwoBitsThrows) {
 }
 
 TEST(ReplyTest, ExtremeCodesAreRead) {
-    std::string allLines;
-    EXPECT_EQ(SortReply("Sarvex tool RETURN CODE\n2147483647", allLines).returnCode, 2147483647);
-    EXPECT_EQ(SortReply("Sarvex tool RETURN CODE\n-2147483648", allLines).returnCode,
-              -2147483647 - 1);
+    std::string largest = "Sarvex tool RETURN CODE\n2147483647";
+    EXPECT_EQ(SortReply(largest).returnCode, 2147483647);
+    std::string smallest = "Sarvex tool RETURN CODE\n-2147483648";
+    EXPECT_EQ(SortReply(smallest).returnCode, -2147483647 - 1);
 }
 
 } // namespace
