@@ -1,7 +1,7 @@
 #include "tests/EndToEnd/Support/Files.h"
 
+#include <array>
 #include <fstream>
-#include <iterator>
 #include <random>
 
 namespace EndToEnd {
@@ -21,7 +21,11 @@ TemporaryDirectory::~TemporaryDirectory() {
 
 std::string ReadBytes(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {});
+    std::string bytes;
+    std::array<char, 65536> block;
+    while (file.read(block.data(), block.size()), file.gcount() > 0)
+        bytes.append(block.data(), static_cast<std::size_t>(file.gcount()));
+    return bytes;
 }
 
 void WriteBytes(const std::string& path, const std::string& content) {

@@ -7,4 +7,9 @@ ProcessResult Run(const std::string& program, const std::vector<std::string>& ar
     return Process(program, arguments, workingDirectory).Wait();
 }
 
+std::mutex& StartMutex() {
+    static std::mutex mutex;
+    return mutex;
+}
+
 } // namespace EndToEnd

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -9,8 +10,11 @@ namespace EndToEnd {
 
 /// What a program did from its start to its end.
 struct ProcessResult {
-    /// All 32 bits on Windows, the exit status's eight on Linux; -1 when the program was killed.
+    /// All 32 bits on Windows, the exit status's eight on Linux; -1 when Wait killed the program
+    /// and, on Linux, when anything else did.
     int exitCode = -1;
+    /// Wait killed the program because it took too long.
+    bool timedOut = false;
     /// As written, line ends of the platform included.
     std::string out;
     std::string err;
@@ -19,7 +23,17 @@ struct ProcessResult {
     std::uint64_t peakBytes = 0;
 };
 
-/// A real program, started in a directory of its own; its output goes to files there.
+/// A way in which the system ends a running program.
+struct Interruption {
+    const char* name;
+    int number;
+};
+
+/// All that this system has.
+std::vector<Interruption> Interruptions();
+
+/// A real program, started in a directory of its own; its output goes to files there. It inherits
+/// nothing else that this program has open, so that several threads may start programs.
 class Process {
 public:
     /// Starts the program; arguments arrive in it as they are given here.
@@ -34,6 +48,10 @@ public:
     ProcessResult Wait(double timeoutSeconds = 60);
 
     void Kill();
+    void Interrupt(const Interruption& interruption);
+
+    /// The system's number of the process.
+    std::uint64_t Id() const;
 
     /// What the program has written on standard output so far.
     std::string OutSoFar() const;
@@ -49,6 +67,13 @@ ProcessResult Run(const std::string& program, const std::vector<std::string>& ar
 
 /// Programs started from now on do not inherit the socket, which would keep its port in use.
 void KeepFromChildren(std::uint64_t nativeSocket);
+
+/// Held while a program starts: for a moment it has everything open that this one has.
+std::mutex& StartMutex();
+
+/// What exitCode is of a program that ends with this code: Linux keeps eight bits, and every code
+/// that does not fit ends as 255 there.
+int ExitStatus(int code);
 
 /// "name.exe" on Windows, "name" elsewhere.
 std::string ExecutableName(const std::string& name);

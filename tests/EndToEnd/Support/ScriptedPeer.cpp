@@ -1,12 +1,14 @@
 #include "tests/EndToEnd/Support/ScriptedPeer.h"
 
 #include "tests/EndToEnd/Support/Process.h"
+#include "tests/EndToEnd/Support/SocketTable.h"
 
 // The library's coroutine header lacks this one.
 #include <utility>
 
 #include <boost/asio.hpp>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <random>
@@ -23,9 +25,9 @@ struct Connection::Socket {
     tcp::socket socket;
     std::string received;
 
-    /// Receives once; false at the end.
-    bool ReceiveMore() {
-        std::vector<char> buffer(65536);
+    /// Receives once, up to so many bytes; false at the end.
+    bool ReceiveMore(std::size_t size = 65536) {
+        std::vector<char> buffer(size);
         Error error;
         const std::size_t count = socket.read_some(asio::buffer(buffer), error);
         received.append(buffer.data(), count);
@@ -51,11 +53,37 @@ std::string Connection::ReadRequest() {
 
 std::string Connection::Read(std::size_t size) {
     std::string& bytes = m_socket->received;
-    while (bytes.size() < size && m_socket->ReceiveMore()) {
+    // What is not asked for stays with the system: a close then breaks the connection off.
+    while (bytes.size() < size &&
+           m_socket->ReceiveMore(std::min<std::size_t>(size - bytes.size(), 65536))) {
     }
     const std::string result = bytes.substr(0, size);
     bytes.erase(0, size);
     return result;
+}
+
+std::string Connection::ReadToEnd() {
+    while (m_socket->ReceiveMore()) {
+    }
+    return std::exchange(m_socket->received, {});
+}
+
+namespace {
+
+/// Asks until the answer is yes or it is clear that it never will be.
+template <typename Condition>
+void WaitFor(const Condition& condition) {
+    for (int attempt = 0; attempt < 30'000 && !condition(); ++attempt)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
+} // namespace
+
+void Connection::WaitForArrival(std::size_t size) {
+    Error error;
+    WaitFor([&] {
+        return m_socket->received.size() + m_socket->socket.available(error) >= size || error;
+    });
 }
 
 void Connection::Send(const std::string& bytes) {
@@ -63,8 +91,18 @@ void Connection::Send(const std::string& bytes) {
     asio::write(m_socket->socket, asio::buffer(bytes), ignored);
 }
 
+void Connection::WaitUntilTaken() {
+    constexpr std::chrono::milliseconds pauseWithoutTable(30);
+    Error error;
+    const auto own = m_socket->socket.local_endpoint(error).port();
+    const auto client = m_socket->socket.remote_endpoint(error).port();
+    WaitFor([&] { return error || IsEverythingTaken(own, client, pauseWithoutTable); });
+    // The call that took the last byte may still be looking for another one.
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
 void Connection::SendApart(const std::string& bytes) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    WaitUntilTaken();
     Send(bytes);
 }
 
@@ -83,11 +121,6 @@ void Connection::Reset() {
     Error ignored;
     m_socket->socket.set_option(asio::socket_base::linger(true, 0), ignored);
     m_socket->socket.close(ignored);
-}
-
-void Connection::WaitForClose() {
-    while (m_socket->ReceiveMore()) {
-    }
 }
 
 namespace {
@@ -131,7 +164,7 @@ struct ScriptedPeer::System {
     }
 
     void Serve() {
-        for (int number = 0; !stopping; ++number) {
+        for (int number = 0; !stopping && acceptor.is_open(); ++number) {
             tcp::socket socket(context);
             Error error;
             acceptor.accept(socket, error);
@@ -160,6 +193,12 @@ ScriptedPeer::ScriptedPeer(Script script, const std::string& address, const std:
 }
 
 ScriptedPeer::~ScriptedPeer() {
+    Stop();
+}
+
+void ScriptedPeer::Stop() {
+    if (!m_system->thread.joinable())
+        return;
     m_system->stopping = true;
     // Wakes the accept.
     asio::io_context context;
@@ -167,6 +206,20 @@ ScriptedPeer::~ScriptedPeer() {
     Error ignored;
     socket.connect(m_system->endpoint, ignored);
     m_system->thread.join();
+}
+
+const std::vector<std::unique_ptr<Connection>>& ScriptedPeer::Connections() const {
+    return m_system->connections;
+}
+
+void ScriptedPeer::StopListening() {
+    const std::lock_guard noStart(StartMutex());
+    m_system->acceptor.close();
+}
+
+void ScriptedPeer::ListenAgain() {
+    m_system->acceptor = tcp::acceptor(m_system->context, m_system->endpoint);
+    KeepFromChildren(static_cast<std::uint64_t>(m_system->acceptor.native_handle()));
 }
 
 std::string ScriptedPeer::Port() const {

@@ -21,9 +21,16 @@ public:
     std::string ReadRequest();
     /// Reads up to so many bytes.
     std::string Read(std::size_t size);
+    /// Reads all that comes until the client closes its side; waits for that.
+    std::string ReadToEnd();
+    /// Waits until so many bytes have come that are not read yet, and reads none of them.
+    void WaitForArrival(std::size_t size);
     /// Sends the bytes at once, as one segment where the network allows.
     void Send(const std::string& bytes);
-    /// Sends the bytes after a pause, so that the client receives them on their own.
+    /// Waits until the client has taken everything that was sent.
+    void WaitUntilTaken();
+    /// Sends the bytes when the client has taken those before, so that it receives them on their
+    /// own.
     void SendApart(const std::string& bytes);
     /// Closes the connection in order.
     void Close();
@@ -32,7 +39,7 @@ public:
     /// Breaks the connection off.
     void Reset();
     /// Waits until the client has closed its side.
-    void WaitForClose();
+    void WaitForClose() { ReadToEnd(); }
 
 private:
     std::unique_ptr<Socket> m_socket;
@@ -54,6 +61,16 @@ public:
     ScriptedPeer& operator=(const ScriptedPeer&) = delete;
 
     std::string Port() const;
+
+    /// Refuses connections from now on; those that there are stay. For the script.
+    void StopListening();
+    /// Accepts connections again, on the same port. For the script.
+    void ListenAgain();
+
+    /// Accepts no further connection and waits for the end of the script that runs.
+    void Stop();
+    /// All connections so far, in order; call Stop before.
+    const std::vector<std::unique_ptr<Connection>>& Connections() const;
 
 private:
     struct System;

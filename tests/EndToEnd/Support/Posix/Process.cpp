@@ -30,6 +30,29 @@ double SecondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
+/// The child's signals are as a shell gives them to a program in the foreground, even if this
+/// program was started in the background, where SIGINT is ignored.
+class DefaultSignals {
+public:
+    DefaultSignals() {
+        sigset_t signals;
+        ::sigemptyset(&signals);
+        for (const Interruption& interruption : Interruptions())
+            ::sigaddset(&signals, interruption.number);
+        ::posix_spawnattr_init(&m_attributes);
+        ::posix_spawnattr_setsigdefault(&m_attributes, &signals);
+        ::posix_spawnattr_setflags(&m_attributes, POSIX_SPAWN_SETSIGDEF);
+    }
+    ~DefaultSignals() { ::posix_spawnattr_destroy(&m_attributes); }
+    DefaultSignals(const DefaultSignals&) = delete;
+    DefaultSignals& operator=(const DefaultSignals&) = delete;
+
+    const posix_spawnattr_t* Attributes() const { return &m_attributes; }
+
+private:
+    posix_spawnattr_t m_attributes;
+};
+
 } // namespace
 
 Process::Process(const std::string& program, const std::vector<std::string>& arguments,
@@ -47,8 +70,10 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
     ::posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
     ::posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT, 0600);
     ::posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT, 0600);
-    const int error = ::posix_spawn(&m_system->child, program.c_str(), &actions, nullptr,
-                                    pointers.data(), environ);
+    ::posix_spawn_file_actions_addclosefrom_np(&actions, 3);
+    const std::lock_guard starting(StartMutex());
+    const int error = ::posix_spawn(&m_system->child, program.c_str(), &actions,
+                                    DefaultSignals().Attributes(), pointers.data(), environ);
     ::posix_spawn_file_actions_destroy(&actions);
     if (error != 0)
         throw std::runtime_error("cannot start " + program);
@@ -64,14 +89,15 @@ Process::~Process() {
 ProcessResult Process::Wait(double timeoutSeconds) {
     int status = 0;
     rusage usage{};
-    pid_t ended = 0;
-    while ((ended = ::wait4(m_system->child, &status, WNOHANG, &usage)) == 0) {
-        if (SecondsSince(m_system->start) > timeoutSeconds)
+    ProcessResult result;
+    while (::wait4(m_system->child, &status, WNOHANG, &usage) == 0) {
+        if (SecondsSince(m_system->start) > timeoutSeconds) {
+            result.timedOut = true;
             Kill();
+        }
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     m_system->child = -1;
-    ProcessResult result;
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     result.out = OutSoFar();
     result.err = ReadBytes(m_system->output.Path("err"));
@@ -84,12 +110,28 @@ void Process::Kill() {
     ::kill(m_system->child, SIGKILL);
 }
 
+void Process::Interrupt(const Interruption& interruption) {
+    ::kill(m_system->child, interruption.number);
+}
+
+std::uint64_t Process::Id() const {
+    return static_cast<std::uint64_t>(m_system->child);
+}
+
+std::vector<Interruption> Interruptions() {
+    return {{"SIGKILL", SIGKILL}, {"SIGTERM", SIGTERM}, {"SIGINT", SIGINT}};
+}
+
 std::string Process::OutSoFar() const {
     return ReadBytes(m_system->output.Path("out"));
 }
 
 void KeepFromChildren(std::uint64_t nativeSocket) {
     ::fcntl(static_cast<int>(nativeSocket), F_SETFD, FD_CLOEXEC);
+}
+
+int ExitStatus(int code) {
+    return code >= 0 && code <= 255 ? code : 255;
 }
 
 std::string ExecutableName(const std::string& name) {

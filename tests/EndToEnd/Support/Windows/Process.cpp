@@ -44,6 +44,40 @@ HANDLE OpenInheritable(const std::string& path, DWORD access, DWORD disposition)
                          disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
+/// Start-up information of a child that gets three handles and inherits no other.
+class ThreeHandles {
+public:
+    ThreeHandles(HANDLE in, HANDLE out, HANDLE err) : m_handles{in, out, err} {
+        SIZE_T size = 0;
+        ::InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+        m_attributes.resize(size);
+        m_startup.StartupInfo.cb = sizeof m_startup;
+        m_startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
+        m_startup.StartupInfo.hStdInput = in;
+        m_startup.StartupInfo.hStdOutput = out;
+        m_startup.StartupInfo.hStdError = err;
+        m_startup.lpAttributeList =
+            reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(m_attributes.data());
+        ::InitializeProcThreadAttributeList(m_startup.lpAttributeList, 1, 0, &size);
+        ::UpdateProcThreadAttribute(m_startup.lpAttributeList, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST,
+                                    m_handles.data(), sizeof m_handles, nullptr, nullptr);
+    }
+    ~ThreeHandles() {
+        ::DeleteProcThreadAttributeList(m_startup.lpAttributeList);
+        for (const HANDLE handle : m_handles)
+            ::CloseHandle(handle);
+    }
+    ThreeHandles(const ThreeHandles&) = delete;
+    ThreeHandles& operator=(const ThreeHandles&) = delete;
+
+    STARTUPINFOA* StartUp() { return &m_startup.StartupInfo; }
+
+private:
+    std::array<HANDLE, 3> m_handles;
+    std::vector<char> m_attributes;
+    STARTUPINFOEXA m_startup{};
+};
+
 } // namespace
 
 Process::Process(const std::string& program, const std::vector<std::string>& arguments,
@@ -52,18 +86,14 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
     std::string commandLine = Quote(program);
     for (const std::string& argument : arguments)
         commandLine += " " + Quote(argument);
-    STARTUPINFOA startup{};
-    startup.cb = sizeof startup;
-    startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdInput = OpenInheritable("NUL", GENERIC_READ, OPEN_EXISTING);
-    startup.hStdOutput =
-        OpenInheritable(m_system->output.Path("out"), GENERIC_WRITE, CREATE_ALWAYS);
-    startup.hStdError = OpenInheritable(m_system->output.Path("err"), GENERIC_WRITE, CREATE_ALWAYS);
-    const BOOL started =
-        ::CreateProcessA(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                         workingDirectory.c_str(), &startup, &m_system->child);
-    for (const HANDLE handle : {startup.hStdInput, startup.hStdOutput, startup.hStdError})
-        ::CloseHandle(handle);
+    ThreeHandles handles(
+        OpenInheritable("NUL", GENERIC_READ, OPEN_EXISTING),
+        OpenInheritable(m_system->output.Path("out"), GENERIC_WRITE, CREATE_ALWAYS),
+        OpenInheritable(m_system->output.Path("err"), GENERIC_WRITE, CREATE_ALWAYS));
+    const std::lock_guard starting(StartMutex());
+    const BOOL started = ::CreateProcessA(
+        program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, EXTENDED_STARTUPINFO_PRESENT,
+        nullptr, workingDirectory.c_str(), handles.StartUp(), &m_system->child);
     if (!started)
         throw std::runtime_error("cannot start " + program);
 }
@@ -83,6 +113,7 @@ ProcessResult Process::Wait(double timeoutSeconds) {
         ::GetExitCodeProcess(child, &exitCode);
         result.exitCode = static_cast<int>(exitCode);
     } else {
+        result.timedOut = true;
         Kill();
         ::WaitForSingleObject(child, INFINITE);
     }
@@ -96,12 +127,28 @@ void Process::Kill() {
     ::TerminateProcess(m_system->child.hProcess, 1);
 }
 
+void Process::Interrupt(const Interruption&) {
+    Kill();
+}
+
+std::uint64_t Process::Id() const {
+    return m_system->child.dwProcessId;
+}
+
+std::vector<Interruption> Interruptions() {
+    return {{"TerminateProcess", 0}};
+}
+
 std::string Process::OutSoFar() const {
     return ReadBytes(m_system->output.Path("out"));
 }
 
 void KeepFromChildren(std::uint64_t nativeSocket) {
     ::SetHandleInformation(reinterpret_cast<HANDLE>(nativeSocket), HANDLE_FLAG_INHERIT, 0);
+}
+
+int ExitStatus(int code) {
+    return code;
 }
 
 std::string ExecutableName(const std::string& name) {
