@@ -16,6 +16,7 @@ constexpr std::array<const char*, 16> tags{
 
 const char* FindTag(std::int32_t level) {
     const bool isKnown = level >= 0 && level < static_cast<std::int32_t>(tags.size());
+    // cppcheck-suppress CastIntegerToAddressAtReturn ; a pointer
     return tags[isKnown ? static_cast<std::size_t>(level) : 0];
 }
 

@@ -31,6 +31,7 @@ const char* Node::FindAttribute(const char* name) const {
     const std::string_view key = name;
     const auto attribute = FindPlace(key);
     if (attribute != m_attributes.end() && attribute->name == key)
+        // cppcheck-suppress stlcstr ; the node's own
         return attribute->value.c_str();
     const Node* child = m_children.FindFirst(key);
     return child == nullptr || child->m_text.empty() ? nullptr : child->m_text.c_str();

@@ -34,6 +34,7 @@ std::unique_ptr<T> TakeAs(std::unique_ptr<IInterface> object) {
     std::unique_ptr<T> offered(dynamic_cast<T*>(object.get()));
     if (offered != nullptr)
         static_cast<void>(object.release());
+    // cppcheck-suppress returnDanglingLifetime ; the object was released to it
     return offered;
 }
 

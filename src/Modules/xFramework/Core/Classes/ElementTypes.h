@@ -26,6 +26,7 @@ struct Long {
     friend std::ostream& operator<<(std::ostream& out, const Long& element) {
         return out << element.value;
     }
+    // cppcheck-suppress constParameter ; it is read into
     friend std::istream& operator>>(std::istream& in, Long& element) { return in >> element.value; }
 };
 

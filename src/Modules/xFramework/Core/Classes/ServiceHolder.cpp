@@ -22,6 +22,7 @@ void LogCaughtException() {
 ServiceDomain::ServiceHolder::ServiceHolder(ServiceDomain* pDomain, const std::string& name)
     : m_name(name), m_domain(pDomain) {
     if (m_domain != nullptr)
+        // cppcheck-suppress leakReturnValNotUsed ; returns nothing
         CreateService();
 }
 

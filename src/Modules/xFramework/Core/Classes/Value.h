@@ -16,6 +16,7 @@ public:
     Value() = default;
     /// The value that assigning the text to an empty value gives. Implicit, so that a text can
     /// stand where a value is expected.
+    // cppcheck-suppress noExplicitConstructor ; meant to be implicit, see above
     Value(const std::string& text);
     Value(const Value& other);
     ~Value() override;
