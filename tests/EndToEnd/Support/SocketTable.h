@@ -10,8 +10,8 @@ namespace EndToEnd {
 /// the other target see it too while they run under wine.
 std::string ReadSocketTable();
 
-/// Whether the client's end of a connection within 127.0.0.1 has nothing left to read. Where the system
-/// shows no table, pauses for the given time and says yes.
+/// Whether the client's end of a connection within 127.0.0.1 has nothing left to read. Where the
+/// system shows no table, pauses for the given time and says yes.
 bool IsEverythingTaken(std::uint16_t ownPort, std::uint16_t clientPort,
                        std::chrono::milliseconds pauseWithoutTable);
 
