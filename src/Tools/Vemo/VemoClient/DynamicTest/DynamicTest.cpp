@@ -30,6 +30,12 @@ bool IsColumnName(const std::string& name) {
                        [&name](const ColumnCommand& row) { return row.column == name; });
 }
 
+/// Writes a line in one piece, and at once: a run that is killed leaves whole lines only. A long
+/// line and its end apart would be two calls of the system.
+void WriteLine(std::ostream& csv, const std::string& line) {
+    csv << line + '\n' << std::flush;
+}
+
 /// The power that is filed for a line, empty for a Chains cell that files none.
 std::string RecordedPower(const std::string& chainsCell, const Fields& extendedFields) {
     for (const ChainPower& power : chainPowers) {
@@ -117,7 +123,7 @@ void DynamicTest::ProcessHeaderTestFile(std::ostream& csv, const std::string& he
     if (!ValidateHeader(fields))
         return;
     BuildColumnIndex(fields);
-    csv << header << csvPowerHeader << std::endl;
+    WriteLine(csv, header + csvPowerHeader);
 }
 
 bool DynamicTest::ValidateHeader(const Fields& fields) const {
@@ -141,7 +147,7 @@ void DynamicTest::ProcessLineTestFile(std::ostream& csv, std::string line) {
     std::cout << "Commiting and testing follwing config:" << std::endl;
     std::cout << configuration.description << std::endl;
     line += GetPowerLimitCsvFormat(CommitAndRunTest(configuration.arguments));
-    csv << line << std::endl;
+    WriteLine(csv, line);
     SaveResultsToXml(line);
 }
 

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <optional>
+#include <streambuf>
 
 // The header and one line on its way to the daemon and into result.csv.
 
@@ -41,6 +42,37 @@ TEST_F(DynamicTestLineTest, HeaderIsCopiedAsReadWithTheTwoPowerTitles) {
         EXPECT_EQ(csv.str(), std::string(header) + ",Chain-A Power, Chain B Power\n");
     }
     EXPECT_EQ(console.Err(), "");
+}
+
+/// Keeps what it is given, piece by piece.
+class PieceRecorder : public std::streambuf {
+public:
+    std::vector<std::string> pieces;
+
+protected:
+    std::streamsize xsputn(const char* text, std::streamsize size) override {
+        pieces.emplace_back(text, static_cast<std::size_t>(size));
+        return size;
+    }
+    int_type overflow(int_type character) override {
+        pieces.emplace_back(1, traits_type::to_char_type(character));
+        return traits_type::not_eof(character);
+    }
+    int sync() override {
+        pieces.emplace_back("(flushed)");
+        return 0;
+    }
+};
+
+TEST_F(DynamicTestLineTest, HeaderAndRowsAreWrittenInOnePieceEachSoThatNoneIsTorn) {
+    const std::string cells = "5," + std::string(20'000, 'x');
+    PieceRecorder recorder;
+    std::ostream file(&recorder);
+    test.ProcessHeaderTestFile(file, "Band");
+    AnswerLine(PowerA("17.5"));
+    test.ProcessLineTestFile(file, cells);
+    EXPECT_THAT(recorder.pieces, ElementsAre("Band,Chain-A Power, Chain B Power\n", "(flushed)",
+                                             cells + ",17.5,NA\n", "(flushed)"));
 }
 
 TEST_F(DynamicTestLineTest, HeaderWithAnUnknownColumnWritesNothingAndSetsNoColumn) {
