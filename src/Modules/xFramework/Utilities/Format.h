@@ -11,9 +11,10 @@ namespace Utilities {
 /// placeholder; placeholders that no argument reached stay in the text. Nothing is ever reported as
 /// an error.
 ///
-/// An argument must not contain its own placeholder: the search starts at the front again after
-/// each replacement and would never end. Who formats text that comes from a user checks it first
-/// (Placeholders.h).
+/// An argument must not contain its own placeholder, nor form one with the text around it: the
+/// search starts at the front again after each replacement and would never end. Who formats text
+/// that comes from a user checks it first (Placeholders.h) and keeps "${" out of what stands
+/// before it.
 class Format {
 public:
     /// Takes the template, after the string providers have rewritten it.
