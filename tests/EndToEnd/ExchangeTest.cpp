@@ -191,17 +191,25 @@ TEST_F(ExchangeTest, PlaceholderInAnArgumentOrAddressIsAnErrorAndNoHang) {
 }
 
 TEST_F(ExchangeTest, AnswerOfAHundredMebibytesIsProcessedWithinFiveTimesItsSize) {
-    constexpr std::size_t size = 100 << 20;
+    constexpr std::size_t full = 100 << 20;
+#ifdef _WIN32
+    // Wine takes 0.3 ms for each of the client's calls to receive, a minute for all four in full.
+    constexpr std::size_t others = 16 << 20;
+#else
+    constexpr std::size_t others = full;
+#endif
     struct Case {
         const char* section;
         char filler;
+        std::size_t size;
         std::string ProcessResult::*printed;
     };
-    for (const Case& row : {Case{"Sarvex tool INFO\n", 'x', &ProcessResult::out},
-                            Case{"Sarvex tool INFO\n", '\n', &ProcessResult::out},
-                            Case{"Sarvex tool ERROR\n", 'x', &ProcessResult::err},
-                            Case{"Sarvex tool ERROR\n", '\n', &ProcessResult::err}}) {
+    for (const Case& row : {Case{"Sarvex tool INFO\n", 'x', full, &ProcessResult::out},
+                            Case{"Sarvex tool INFO\n", '\n', others, &ProcessResult::out},
+                            Case{"Sarvex tool ERROR\n", 'x', others, &ProcessResult::err},
+                            Case{"Sarvex tool ERROR\n", '\n', others, &ProcessResult::err}}) {
         SCOPED_TRACE(row.section + testing::PrintToString(row.filler));
+        const std::size_t size = row.size;
         const ProcessResult result = Exchange({"-x"}, [&](Connection& connection) {
             connection.Send(head + std::string(row.section) + std::string(size, row.filler));
             connection.FinishSending();
@@ -210,9 +218,10 @@ TEST_F(ExchangeTest, AnswerOfAHundredMebibytesIsProcessedWithinFiveTimesItsSize)
         // Too long for a message.
         EXPECT_TRUE(result.*row.printed == TextMode(std::string(size, row.filler) + "\n"));
         EXPECT_EQ(result.out.size() + result.err.size(), (result.*row.printed).size());
+        EXPECT_GT(result.peakBytes, size);
         EXPECT_LT(result.peakBytes, PEAK_LIMIT_FACTOR * size);
-        std::cout << "peak: " << static_cast<double>(result.peakBytes) / size << " of the answer"
-                  << std::endl;
+        std::cout << "peak: " << static_cast<double>(result.peakBytes) / static_cast<double>(size)
+                  << " of the answer" << std::endl;
     }
 }
 

@@ -19,7 +19,7 @@ struct ProcessResult {
     std::string out;
     std::string err;
     double seconds = 0;
-    /// Largest resident size; 0 where the system does not tell.
+    /// Largest resident size, seen every 50 ms on Windows; 0 where the system does not tell.
     std::uint64_t peakBytes = 0;
 };
 

@@ -4,6 +4,9 @@
 
 #include <windows.h>
 
+#include <psapi.h>
+
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <filesystem>
@@ -78,6 +81,21 @@ private:
     STARTUPINFOEXA m_startup{};
 };
 
+/// Waits until the process ends or the time is over; returns its largest resident size.
+std::uint64_t WatchUntilEnd(HANDLE child, double seconds) {
+    const auto end = Clock::now() + std::chrono::duration<double>(seconds);
+    SIZE_T peak = 0;
+    DWORD pause = 1;
+    do {
+        // Wine forgets the sizes of a process at its end.
+        PROCESS_MEMORY_COUNTERS memory{};
+        if (::K32GetProcessMemoryInfo(child, &memory, sizeof memory))
+            peak = std::max(peak, memory.PeakWorkingSetSize);
+        pause = std::min<DWORD>(2 * pause, 50);
+    } while (::WaitForSingleObject(child, pause) != WAIT_OBJECT_0 && Clock::now() < end);
+    return peak;
+}
+
 } // namespace
 
 Process::Process(const std::string& program, const std::vector<std::string>& arguments,
@@ -108,7 +126,8 @@ Process::~Process() {
 ProcessResult Process::Wait(double timeoutSeconds) {
     const HANDLE child = m_system->child.hProcess;
     ProcessResult result;
-    if (::WaitForSingleObject(child, static_cast<DWORD>(timeoutSeconds * 1000)) == WAIT_OBJECT_0) {
+    result.peakBytes = WatchUntilEnd(child, timeoutSeconds);
+    if (::WaitForSingleObject(child, 0) == WAIT_OBJECT_0) {
         DWORD exitCode = 0;
         ::GetExitCodeProcess(child, &exitCode);
         result.exitCode = static_cast<int>(exitCode);
