@@ -39,60 +39,68 @@ void FmtTwoArguments(benchmark::State& state) {
 }
 BENCHMARK(FmtTwoArguments);
 
-/// A tree of the given number of elements, a hundred a parent, each with two attributes.
+constexpr int million = 1'000'000;
+
+/// A tree of a million elements, a hundred a parent, each with two attributes or bare.
 constexpr int elementsAParent = 100;
 
-void BuildNodes(XML::Base& document, int elements) {
+void BuildNodes(XML::Base& document, bool hasAttributes) {
     XML::Node* const root = document.GetTopNode()->AddChild("Root");
     XML::Node* parent = nullptr;
-    for (int element = 0; element < elements; ++element) {
+    for (int element = 0; element < million; ++element) {
         if (element % elementsAParent == 0)
             parent = root->AddChild("Parent");
         XML::Node* const child = parent->AddChild("Child");
-        child->SetAttribute("power", "17.5dBm");
-        child->SetAttribute("value", "36");
+        if (hasAttributes) {
+            child->SetAttribute("power", "17.5dBm");
+            child->SetAttribute("value", "36");
+        }
     }
 }
 
-void BuildPugi(pugi::xml_document& document, int elements) {
+void BuildPugi(pugi::xml_document& document, bool hasAttributes) {
     pugi::xml_node root = document.append_child("Root");
     pugi::xml_node parent;
-    for (int element = 0; element < elements; ++element) {
+    for (int element = 0; element < million; ++element) {
         if (element % elementsAParent == 0)
             parent = root.append_child("Parent");
         pugi::xml_node child = parent.append_child("Child");
-        child.append_attribute("power").set_value("17.5dBm");
-        child.append_attribute("value").set_value("36");
+        if (hasAttributes) {
+            child.append_attribute("power").set_value("17.5dBm");
+            child.append_attribute("value").set_value("36");
+        }
     }
 }
-
-constexpr int million = 1'000'000;
 
 void BuildTree(benchmark::State& state) {
     for (auto _ : state) {
         auto document = std::make_unique<XML::Base>();
-        BuildNodes(*document, million);
+        BuildNodes(*document, state.range(0) != 0);
         state.PauseTiming();
         document.reset();
         state.ResumeTiming();
     }
 }
-BENCHMARK(BuildTree)->Unit(benchmark::kMillisecond);
+BENCHMARK(BuildTree)->ArgName("attributes")->Arg(0)->Arg(2)->Unit(benchmark::kMillisecond);
 
 void BuildTreeWithPugixml(benchmark::State& state) {
     for (auto _ : state) {
         auto document = std::make_unique<pugi::xml_document>();
-        BuildPugi(*document, million);
+        BuildPugi(*document, state.range(0) != 0);
         state.PauseTiming();
         document.reset();
         state.ResumeTiming();
     }
 }
-BENCHMARK(BuildTreeWithPugixml)->Unit(benchmark::kMillisecond);
+BENCHMARK(BuildTreeWithPugixml)
+    ->ArgName("attributes")
+    ->Arg(0)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond);
 
 void WriteTree(benchmark::State& state) {
     XML::Base document;
-    BuildNodes(document, million);
+    BuildNodes(document, state.range(0) != 0);
     for (auto _ : state) {
         std::ostringstream out;
         XML::Writer writer(out);
@@ -100,18 +108,22 @@ void WriteTree(benchmark::State& state) {
         benchmark::DoNotOptimize(out.tellp());
     }
 }
-BENCHMARK(WriteTree)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteTree)->ArgName("attributes")->Arg(0)->Arg(2)->Unit(benchmark::kMillisecond);
 
 void WriteTreeWithPugixml(benchmark::State& state) {
     pugi::xml_document document;
-    BuildPugi(document, million);
+    BuildPugi(document, state.range(0) != 0);
     for (auto _ : state) {
         std::ostringstream out;
         document.save(out);
         benchmark::DoNotOptimize(out.tellp());
     }
 }
-BENCHMARK(WriteTreeWithPugixml)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteTreeWithPugixml)
+    ->ArgName("attributes")
+    ->Arg(0)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace
 
