@@ -45,7 +45,7 @@ TEST_F(ExampleRunTest, ExamplesGiveTheResultsThatWereWorkedOutByHand) {
             sourceDirectory + "/tests/Tools/Vemo/VemoClient/DynamicTest/Expected/" + name + "/";
         for (const std::string file : {"result.csv", "result.xml"}) {
             SCOPED_TRACE(file);
-            EXPECT_EQ(bench.Read(file), TextMode(ReadBytes(expected + file)));
+            EXPECT_EQ(bench.Read(file), TextMode(TestSupport::ReadBytes(expected + file)));
         }
     }
 }
@@ -54,7 +54,7 @@ TEST_F(ExampleRunTest, SweepFillsEveryRow) {
     const std::string path = sourceDirectory + "/examples/sweep.csv";
     EXPECT_EQ(RunTestFile(path).exitCode, 0);
     const std::string csv = WithoutCarriageReturns(bench.Read("result.csv"));
-    const std::string test = ReadBytes(path);
+    const std::string test = TestSupport::ReadBytes(path);
     EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), std::count(test.begin(), test.end(), '\n'));
     // Every line drives a chain, so that no row lacks both powers.
     EXPECT_THAT(csv, testing::Not(testing::HasSubstr(",NA,NA")));

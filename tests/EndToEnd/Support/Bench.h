@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tests/EndToEnd/Support/Files.h"
 #include "tests/EndToEnd/Support/Process.h"
+#include "tests/Support/Files.h"
 
 #include <string>
 #include <vector>
@@ -18,9 +18,9 @@ public:
     void SetPort(const std::string& content) const { Write("Socket.cfg", content); }
 
     void Write(const std::string& name, const std::string& content) const {
-        WriteBytes(Path(name), content);
+        TestSupport::WriteBytes(Path(name), content);
     }
-    std::string Read(const std::string& name) const { return ReadBytes(Path(name)); }
+    std::string Read(const std::string& name) const { return TestSupport::ReadBytes(Path(name)); }
     std::string Path(const std::string& name) const { return m_directory.Path(name); }
     std::string Directory() const { return m_directory.Path(); }
 
@@ -33,7 +33,7 @@ public:
     std::string ClientPath() const { return Path(ExecutableName("SarvexToolClient")); }
 
 private:
-    TemporaryDirectory m_directory;
+    TestSupport::TemporaryDirectory m_directory;
 };
 
 } // namespace EndToEnd

@@ -17,7 +17,7 @@ public:
     const std::string& Port() const { return m_port; }
 
 private:
-    TemporaryDirectory m_directory;
+    TestSupport::TemporaryDirectory m_directory;
     std::unique_ptr<Process> m_process;
     std::string m_port;
 };

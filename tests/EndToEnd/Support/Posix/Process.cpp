@@ -1,6 +1,6 @@
 #include "tests/EndToEnd/Support/Process.h"
 
-#include "tests/EndToEnd/Support/Files.h"
+#include "tests/Support/Files.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -20,7 +20,7 @@ using Clock = std::chrono::steady_clock;
 
 struct Process::System {
     pid_t child = -1;
-    TemporaryDirectory output;
+    TestSupport::TemporaryDirectory output;
     Clock::time_point start = Clock::now();
 };
 
@@ -100,7 +100,7 @@ ProcessResult Process::Wait(double timeoutSeconds) {
     m_system->child = -1;
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     result.out = OutSoFar();
-    result.err = ReadBytes(m_system->output.Path("err"));
+    result.err = TestSupport::ReadBytes(m_system->output.Path("err"));
     result.seconds = SecondsSince(m_system->start);
     result.peakBytes = static_cast<std::uint64_t>(usage.ru_maxrss) * 1024;
     return result;
@@ -123,7 +123,7 @@ std::vector<Interruption> Interruptions() {
 }
 
 std::string Process::OutSoFar() const {
-    return ReadBytes(m_system->output.Path("out"));
+    return TestSupport::ReadBytes(m_system->output.Path("out"));
 }
 
 void KeepFromChildren(std::uint64_t nativeSocket) {

@@ -1,11 +1,11 @@
 #include "tests/EndToEnd/Support/SocketTable.h"
 
-#include "tests/EndToEnd/Support/Files.h"
+#include "tests/Support/Files.h"
 
 namespace EndToEnd {
 
 std::string ReadSocketTable() {
-    return ReadBytes("/proc/net/tcp");
+    return TestSupport::ReadBytes("/proc/net/tcp");
 }
 
 } // namespace EndToEnd

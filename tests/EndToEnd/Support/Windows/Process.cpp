@@ -1,6 +1,6 @@
 #include "tests/EndToEnd/Support/Process.h"
 
-#include "tests/EndToEnd/Support/Files.h"
+#include "tests/Support/Files.h"
 
 #include <windows.h>
 
@@ -18,7 +18,7 @@ using Clock = std::chrono::steady_clock;
 
 struct Process::System {
     PROCESS_INFORMATION child{};
-    TemporaryDirectory output;
+    TestSupport::TemporaryDirectory output;
     Clock::time_point start = Clock::now();
 };
 
@@ -137,7 +137,7 @@ ProcessResult Process::Wait(double timeoutSeconds) {
         ::WaitForSingleObject(child, INFINITE);
     }
     result.out = OutSoFar();
-    result.err = ReadBytes(m_system->output.Path("err"));
+    result.err = TestSupport::ReadBytes(m_system->output.Path("err"));
     result.seconds = std::chrono::duration<double>(Clock::now() - m_system->start).count();
     return result;
 }
@@ -159,7 +159,7 @@ std::vector<Interruption> Interruptions() {
 }
 
 std::string Process::OutSoFar() const {
-    return ReadBytes(m_system->output.Path("out"));
+    return TestSupport::ReadBytes(m_system->output.Path("out"));
 }
 
 void KeepFromChildren(std::uint64_t nativeSocket) {

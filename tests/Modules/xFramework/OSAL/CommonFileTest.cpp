@@ -1,7 +1,7 @@
 #include "Modules/xFramework/OSAL/File.h"
 
 #include "Modules/xFramework/Utilities/FileLink.h"
-#include "tests/Modules/xFramework/OSAL/TemporaryDirectory.h"
+#include "tests/Support/Files.h"
 
 #include <gtest/gtest.h>
 
@@ -20,10 +20,19 @@ protected:
         return std::string(buffer.data(), ReadFile(file, buffer.data(), size));
     }
 
-    TemporaryDirectory directory;
+    TestSupport::TemporaryDirectory directory;
     const std::string path = directory.Create("Socket.cfg", "87381");
-    const std::string missing = directory.PathOf("missing");
+    const std::string missing = directory.Path("missing");
 };
+
+// Who asks gets the numbers of Windows on either system.
+TEST(FileConstants, AreThoseOfWindows) {
+    EXPECT_EQ(InvalidFileAttributes, 0xFFFFFFFFu);
+    EXPECT_EQ(ArchiveAttribute, 0x20u);
+    EXPECT_EQ(ReparsePointAttribute, 0x400u);
+    EXPECT_EQ(SymbolicLinkTag, 0xA000000Cu);
+    EXPECT_EQ(InvalidHandle + 1, 0u);
+}
 
 TEST_F(RealFile, BearsTheArchiveAttributeAndNoReparsePoint) {
     EXPECT_EQ(ReadFileAttributes(path) & (ArchiveAttribute | ReparsePointAttribute),
@@ -41,7 +50,7 @@ TEST_F(RealFile, ThatIsMissingHasNoAttributesAndNoLinks) {
 }
 
 TEST_F(RealFile, WithASecondNameIsALinkByBothNames) {
-    const std::string second = directory.PathOf("second");
+    const std::string second = directory.Path("second");
     std::filesystem::create_hard_link(path, second);
     EXPECT_EQ(CountHardLinks(path), 2u);
     EXPECT_EQ(CountHardLinks(second), 2u);
@@ -54,7 +63,7 @@ TEST_F(RealFile, WithASecondNameIsALinkByBothNames) {
 }
 
 TEST_F(RealFile, OfADirectoryIsNoLink) {
-    const std::string folder = directory.PathOf("folder");
+    const std::string folder = directory.Path("folder");
     std::filesystem::create_directory(folder);
     EXPECT_EQ(ReadFileAttributes(folder) & ArchiveAttribute, 0u);
     EXPECT_FALSE(Utilities::IsLink(folder));

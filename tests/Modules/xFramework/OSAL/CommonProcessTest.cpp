@@ -2,11 +2,12 @@
 
 #include "Modules/xFramework/Utilities/ModuleDirectory.h"
 #include "tests/Modules/xFramework/OSAL/LoopbackPeer.h"
-#include "tests/Modules/xFramework/OSAL/TemporaryDirectory.h"
+#include "tests/Support/Files.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
 #include <filesystem>
 #include <string>
 
@@ -45,6 +46,16 @@ TEST(RealProcess, SleepsAndReturnsZero) {
     EXPECT_EQ(Sleep(1), 0);
 }
 
+TEST(RealProcess, SleepsAtLeastAsLongAsAsked) {
+    for (const std::uint32_t milliseconds : {20u, 1000u, 1020u}) {
+        const auto start = std::chrono::steady_clock::now();
+        Sleep(milliseconds);
+        // Windows counts in ticks of its clock and may end up to one tick early.
+        EXPECT_GE(std::chrono::steady_clock::now() - start,
+                  std::chrono::milliseconds(milliseconds - 16));
+    }
+}
+
 TEST(RealPipe, CarriesTheOutputOfACommand) {
     EXPECT_EQ(ReadOutput("echo vemo", 4), "vemo");
 }
@@ -74,7 +85,7 @@ protected:
         return Utilities::PathBesideProgram("") + PathSeparator + name + ExecutableSuffix;
     }
 
-    TemporaryDirectory directory;
+    TestSupport::TemporaryDirectory directory;
     LoopbackPeer peer;
     ProcessInformation information;
 };
@@ -82,8 +93,8 @@ protected:
 TEST_F(RealChild, RunsInTheDirectoryThatItIsGiven) {
     directory.Create("port.txt", peer.Port());
     const std::string executable = ExecutablePath("OSALTestsChild");
-    ASSERT_TRUE(CreateChildProcess(executable, "\"" + executable + "\" ", directory.Path().string(),
-                                   false, information));
+    ASSERT_TRUE(CreateChildProcess(executable, "\"" + executable + "\" ", directory.Path(), false,
+                                   information));
     CloseHandle(information.thread);
     CloseHandle(information.process);
     peer.Accept();
@@ -94,15 +105,15 @@ TEST_F(RealChild, RunsInTheDirectoryThatItIsGiven) {
 TEST_F(RealChild, ThatDoesNotExistLeavesItsErrorNumber) {
     constexpr std::uint32_t noSuchFile = 2;
     const std::string executable = ExecutablePath("no-such-program");
-    EXPECT_FALSE(CreateChildProcess(executable, "\"" + executable + "\" ",
-                                    directory.Path().string(), false, information));
+    EXPECT_FALSE(CreateChildProcess(executable, "\"" + executable + "\" ", directory.Path(), false,
+                                    information));
     EXPECT_EQ(GetLastError(), noSuchFile);
 }
 
 TEST_F(RealChild, CannotRunInADirectoryThatDoesNotExist) {
     const std::string executable = ExecutablePath("OSALTestsChild");
     EXPECT_FALSE(CreateChildProcess(executable, "\"" + executable + "\" ",
-                                    directory.PathOf("missing"), false, information));
+                                    directory.Path("missing"), false, information));
     EXPECT_NE(GetLastError(), 0u);
 }
 

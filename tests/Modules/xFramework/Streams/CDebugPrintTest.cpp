@@ -248,6 +248,14 @@ TEST_F(DebugPrint, IgnoresSinksThatItDoesNotHave) {
     EXPECT_THAT(sink.lines, ElementsAre("Place|[ OEM_ERROR   ] |once"));
 }
 
+TEST_F(DebugPrint, EmptiesABufferWithRoomForThatOnly) {
+    std::array<char, 2> line{"x"};
+    printer.FormatLine("Place", "[tag]", "text", line.data(), 0);
+    EXPECT_STREQ(line.data(), "x");
+    printer.FormatLine("Place", "[tag]", "text", line.data(), 1);
+    EXPECT_STREQ(line.data(), "");
+}
+
 TEST_F(DebugPrint, PassesALineThroughItsFormatter) {
     std::array<char, 32> line{"unwritten"};
     printer.FormatLine("Place", "[tag]", "text", line.data(), line.size());

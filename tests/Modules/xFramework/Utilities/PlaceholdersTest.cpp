@@ -59,6 +59,7 @@ TEST(Placeholders, AreRefusedWithAMessageThatHoldsNone) {
                                          message));
     ASSERT_NE(exception->GetLocation(), nullptr);
     EXPECT_EQ(exception->GetLocation()->GetFunction(), "Utilities::RejectPlaceholders");
+    EXPECT_EQ(exception->GetLocation()->GetLine(), 21u);
 }
 
 } // namespace

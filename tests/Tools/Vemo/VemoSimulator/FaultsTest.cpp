@@ -1,4 +1,4 @@
-#include "tests/EndToEnd/Support/Files.h"
+#include "tests/Support/Files.h"
 #include "tests/Tools/Vemo/VemoSimulator/Support/Peer.h"
 #include "tests/Tools/Vemo/VemoSimulator/Support/RunningSimulator.h"
 
@@ -122,9 +122,9 @@ TEST(FaultsTest, NulPutsANulIntoTheBody) {
 }
 
 TEST(FaultsTest, RawSendsTheBytesOfTheFileAsTheyAre) {
-    const EndToEnd::TemporaryDirectory directory;
+    const TestSupport::TemporaryDirectory directory;
     const std::string bytes("no head\r\n\0\x1A\xFF, no mark\n", 23);
-    EndToEnd::WriteBytes(directory.Path("answer.bin"), bytes);
+    TestSupport::WriteBytes(directory.Path("answer.bin"), bytes);
     FaultyExchange exchange("raw=" + directory.Path("answer.bin"));
     EXPECT_EQ(exchange.Client().ReadToEnd(), bytes);
 }

@@ -56,7 +56,7 @@ Lines ArgumentsOf(const std::string& command) {
 }
 
 const Lines& Page() {
-    static const Lines lines = SplitLines(EndToEnd::ReadBytes(VEMO_PAGE));
+    static const Lines lines = SplitLines(TestSupport::ReadBytes(VEMO_PAGE));
     return lines;
 }
 
@@ -91,15 +91,15 @@ class Stage {
 public:
     explicit Stage(const std::string& port) {
         std::filesystem::copy_file(SimulatorPath(), Program());
-        EndToEnd::WriteBytes(m_directory.Path("Socket.cfg"), port);
-        EndToEnd::WriteBytes(m_directory.Path("answer.bin"), "raw");
+        TestSupport::WriteBytes(m_directory.Path("Socket.cfg"), port);
+        TestSupport::WriteBytes(m_directory.Path("answer.bin"), "raw");
     }
 
     std::string Program() const { return m_directory.Path(EndToEnd::ExecutableName("vemo")); }
     std::string Directory() const { return m_directory.Path(); }
 
 private:
-    EndToEnd::TemporaryDirectory m_directory;
+    TestSupport::TemporaryDirectory m_directory;
 };
 
 /// Runs one session of the page; its first line starts the program, lines behind "> " are commands.

@@ -20,7 +20,7 @@ using testing::StartsWith;
 namespace {
 
 ProcessResult RunToEnd(const std::vector<std::string>& arguments) {
-    const EndToEnd::TemporaryDirectory directory;
+    const TestSupport::TemporaryDirectory directory;
     return EndToEnd::Run(SimulatorPath(), arguments, directory.Path());
 }
 
@@ -29,14 +29,14 @@ class StagedProgram {
 public:
     explicit StagedProgram(const std::string& portFile) {
         std::filesystem::copy_file(SimulatorPath(), Path());
-        EndToEnd::WriteBytes(m_directory.Path("Socket.cfg"), portFile);
+        TestSupport::WriteBytes(m_directory.Path("Socket.cfg"), portFile);
     }
 
     std::string Path() const { return m_directory.Path(EndToEnd::ExecutableName("vemo")); }
     std::string Directory() const { return m_directory.Path(); }
 
 private:
-    EndToEnd::TemporaryDirectory m_directory;
+    TestSupport::TemporaryDirectory m_directory;
 };
 
 } // namespace

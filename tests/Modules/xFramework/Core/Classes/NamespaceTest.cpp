@@ -3,7 +3,7 @@
 #include "Modules/xFramework/Core/Classes/IReferenceableObject.h"
 #include "Modules/xFramework/Utilities/Singleton.h"
 #include "tests/Modules/xFramework/Core/Classes/LiveObject.h"
-#include "tests/Modules/xFramework/Core/Classes/RaisedBy.h"
+#include "tests/Modules/xFramework/Utilities/RaisedBy.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "Modules/xFramework/Core/Classes/ServiceDomain.h"
 
 #include "Modules/xFramework/Core/Classes/Namespace.h"
-#include "tests/Modules/xFramework/Core/Classes/RaisedBy.h"
 #include "tests/Modules/xFramework/Core/Classes/TestServices.h"
+#include "tests/Modules/xFramework/Utilities/RaisedBy.h"
 
 #include <gtest/gtest.h>
 

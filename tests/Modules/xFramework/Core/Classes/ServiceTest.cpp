@@ -1,7 +1,7 @@
 #include "Modules/xFramework/Core/Classes/Service.h"
 
 #include "Modules/xFramework/Core/Classes/ServiceDomain.h"
-#include "tests/Modules/xFramework/Core/Classes/RaisedBy.h"
+#include "tests/Modules/xFramework/Utilities/RaisedBy.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "Modules/xFramework/Core/Classes/TypeDescriptor.h"
 
-#include "tests/Modules/xFramework/Core/Classes/RaisedBy.h"
+#include "tests/Modules/xFramework/Utilities/RaisedBy.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include "tests/Modules/xFramework/Core/Classes/AllocationCount.h"
 #include "tests/Modules/xFramework/Core/Classes/LiveValue.h"
-#include "tests/Modules/xFramework/Core/Classes/RaisedBy.h"
+#include "tests/Modules/xFramework/Utilities/RaisedBy.h"
 
 #include <gtest/gtest.h>
 

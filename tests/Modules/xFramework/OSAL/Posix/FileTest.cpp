@@ -1,7 +1,7 @@
 #include "Modules/xFramework/OSAL/File.h"
 
 #include "Modules/xFramework/Utilities/FileLink.h"
-#include "tests/Modules/xFramework/OSAL/TemporaryDirectory.h"
+#include "tests/Support/Files.h"
 
 #include <sys/stat.h>
 
@@ -17,39 +17,39 @@ namespace {
 // the links of its host without telling.
 
 TEST(RealSymbolicLink, IsALinkWhateverItLeadsTo) {
-    const TemporaryDirectory directory;
+    const TestSupport::TemporaryDirectory directory;
     directory.Create("file", "content");
-    std::filesystem::create_directory(directory.Path() / "folder");
+    std::filesystem::create_directory(directory.Path("folder"));
     for (const std::string target : {"file", "folder", "nowhere"}) {
         SCOPED_TRACE(target);
-        const std::string link = directory.PathOf("link-to-" + target);
+        const std::string link = directory.Path("link-to-" + target);
         std::filesystem::create_symlink(target, link);
         EXPECT_EQ(ReadFileAttributes(link), ArchiveAttribute | ReparsePointAttribute);
         EXPECT_EQ(ReadReparseTag(link), SymbolicLinkTag);
         EXPECT_TRUE(Utilities::IsLink(link));
     }
-    EXPECT_FALSE(Utilities::IsLink(directory.PathOf("file")));
+    EXPECT_FALSE(Utilities::IsLink(directory.Path("file")));
 }
 
 TEST(RealDirectory, IsNoLinkThoughItHasManyNames) {
-    const TemporaryDirectory directory;
-    std::filesystem::create_directories(directory.Path() / "folder" / "inner");
-    const std::string folder = directory.PathOf("folder");
+    const TestSupport::TemporaryDirectory directory;
+    std::filesystem::create_directories(directory.Path("folder/inner"));
+    const std::string folder = directory.Path("folder");
     EXPECT_EQ(ReadFileAttributes(folder), 0u);
     EXPECT_FALSE(Utilities::IsLink(folder));
 }
 
 TEST(RealDirectory, HoldsNothingToRead) {
-    const TemporaryDirectory directory;
+    const TestSupport::TemporaryDirectory directory;
     char byte = 0;
-    const Handle file = OpenFileForReading(directory.Path().string());
+    const Handle file = OpenFileForReading(directory.Path());
     EXPECT_EQ(ReadFile(file, &byte, 1), 0u);
     CloseHandle(file);
 }
 
 TEST(RealNamedPipe, IsOpenedWithoutWaitingForAWriter) {
-    const TemporaryDirectory directory;
-    const std::string path = directory.PathOf("pipe");
+    const TestSupport::TemporaryDirectory directory;
+    const std::string path = directory.Path("pipe");
     ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
     char byte = 0;
     const Handle file = OpenFileForReading(path);
@@ -59,7 +59,7 @@ TEST(RealNamedPipe, IsOpenedWithoutWaitingForAWriter) {
 }
 
 TEST(RealHandle, IsClosedOnce) {
-    const TemporaryDirectory directory;
+    const TestSupport::TemporaryDirectory directory;
     const Handle file = OpenFileForReading(directory.Create("file", ""));
     EXPECT_TRUE(CloseHandle(file));
     EXPECT_FALSE(CloseHandle(file));

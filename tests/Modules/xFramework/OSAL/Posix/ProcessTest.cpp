@@ -2,13 +2,16 @@
 
 #include "Modules/xFramework/Utilities/ModuleDirectory.h"
 #include "tests/Modules/xFramework/OSAL/LoopbackPeer.h"
-#include "tests/Modules/xFramework/OSAL/TemporaryDirectory.h"
+#include "tests/Support/Files.h"
 
+#include <csignal>
+#include <sys/time.h>
 #include <sys/wait.h>
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
 #include <filesystem>
 #include <random>
 #include <string>
@@ -28,6 +31,18 @@ std::string ReadOutput(const std::string& command) {
 TEST(PosixProcess, SeparatesPathsBySlashesAndNamesExecutablesPlainly) {
     EXPECT_EQ(PathSeparator, '/');
     EXPECT_STREQ(ExecutableSuffix, "");
+}
+
+TEST(PosixProcess, SleepsOnWhenASignalArrives) {
+    const auto previous = ::signal(SIGALRM, [](int) {});
+    itimerval every10Milliseconds{{0, 10'000}, {0, 10'000}};
+    itimerval never{};
+    const auto start = std::chrono::steady_clock::now();
+    ::setitimer(ITIMER_REAL, &every10Milliseconds, nullptr);
+    EXPECT_EQ(Sleep(100), 0);
+    ::setitimer(ITIMER_REAL, &never, nullptr);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(100));
+    ::signal(SIGALRM, previous);
 }
 
 struct StatusCase {
@@ -73,16 +88,15 @@ void CollectChildren() {
 
 TEST(PosixTaskList, LeavesOutAProcessThatHasEnded) {
     CollectChildren();
-    const TemporaryDirectory directory;
+    const TestSupport::TemporaryDirectory directory;
     LoopbackPeer peer;
     directory.Create("port.txt", peer.Port());
     // A name that no other process has, within the 15 characters that the list shows.
     const std::string name = "c" + std::to_string(1'000'000'000 + std::random_device()() % 1000000);
     std::filesystem::copy_file(Utilities::PathBesideProgram("OSALTestsChild"),
-                               directory.PathOf(name));
+                               directory.Path(name));
     ProcessInformation information;
-    ASSERT_TRUE(CreateChildProcess(directory.PathOf(name), "", directory.Path().string(), false,
-                                   information));
+    ASSERT_TRUE(CreateChildProcess(directory.Path(name), "", directory.Path(), false, information));
     peer.Accept();
     peer.ReceiveAll();
     siginfo_t ended{};

@@ -1,7 +1,7 @@
 #include "Modules/xFramework/OSAL/File.h"
 
 #include "Modules/xFramework/Utilities/FileLink.h"
-#include "tests/Modules/xFramework/OSAL/TemporaryDirectory.h"
+#include "tests/Support/Files.h"
 
 #include <windows.h>
 
@@ -24,13 +24,13 @@ TEST(WindowsFile, AttributesAreThoseOfTheSystem) {
 }
 
 TEST(WindowsFile, OfADirectoryIsMarkedAsOne) {
-    const TemporaryDirectory directory;
-    EXPECT_NE(ReadFileAttributes(directory.Path().string()) & FILE_ATTRIBUTE_DIRECTORY, 0u);
-    EXPECT_EQ(OpenFileForReading(directory.Path().string()), InvalidHandle);
+    const TestSupport::TemporaryDirectory directory;
+    EXPECT_NE(ReadFileAttributes(directory.Path()) & FILE_ATTRIBUTE_DIRECTORY, 0u);
+    EXPECT_EQ(OpenFileForReading(directory.Path()), InvalidHandle);
 }
 
 TEST(WindowsFile, CannotBeOpenedWhileSomeoneWritesIt) {
-    const TemporaryDirectory directory;
+    const TestSupport::TemporaryDirectory directory;
     const std::string path = directory.Create("Socket.cfg", "8738");
     const HANDLE writer = ::CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                         OPEN_EXISTING, 0, nullptr);

@@ -2,6 +2,7 @@
 
 #include "Modules/xFramework/Utilities/Exception.h"
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
+#include "tests/Modules/xFramework/Utilities/RaisedBy.h"
 
 #include <gmock/gmock.h>
 
@@ -41,7 +42,10 @@ TEST_F(SocketClientStreamTest, ConnectsToTheHostAndTheFilesPort) {
 
 TEST_F(SocketClientStreamTest, GivesUpAfterTwentyAttemptsAndTwentyPauses) {
     TheWorld().connectSucceeds = [](int) { return false; };
-    EXPECT_EQ(FailureOfConstruction(), "Failed Creating socket");
+    EXPECT_EQ(RaisedBy([] { const SocketClientStream stream("bench"); }),
+              "Failed Creating socket | "
+              "src/Modules/xFramework/Streams/Sockets/SocketClientStream:22 | "
+              "Utilities::xFrameworkStreams::Sockets::SocketClientStream::SocketClientStream");
     EXPECT_EQ(CountCalls("ConnectSocket"), 20);
     EXPECT_EQ(CountCalls("Sleep 20"), 20);
     EXPECT_EQ(TheWorld().calls.back(), "Sleep 20");

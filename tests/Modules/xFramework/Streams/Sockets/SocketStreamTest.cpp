@@ -1,11 +1,10 @@
 #include "Modules/xFramework/Streams/Sockets/SocketStream.h"
 
-#include "Modules/xFramework/Utilities/Exception.h"
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
+#include "tests/Modules/xFramework/Utilities/RaisedBy.h"
 
 #include <gmock/gmock.h>
 
-#include <memory>
 #include <numeric>
 
 namespace Utilities::xFrameworkStreams::Sockets {
@@ -79,26 +78,20 @@ TEST_F(SocketStreamTest, PortFileIsRelativeWhenTheProgramsPathCannotBeTold) {
 
 TEST_F(SocketStreamTest, LinkedPortFileIsRefused) {
     TheWorld().files[portFile] = {"8738", OSAL::ArchiveAttribute, 0, 2};
-    try {
-        ReadPort();
-        FAIL() << "nothing was thrown";
-    } catch (Exception* pException) {
-        const std::unique_ptr<Exception> owner(pException);
-        EXPECT_STREQ(owner->what(), "File /bench/Socket.cfg is a link");
-    }
+    EXPECT_EQ(
+        RaisedBy([this] { ReadPort(); }),
+        "File /bench/Socket.cfg is a link | src/Modules/xFramework/Streams/Sockets/SocketStream:19 | "
+        "Utilities::xFrameworkStreams::Sockets::SocketStream::ReadPort");
     EXPECT_EQ(CountCalls("OpenFile"), 0);
 }
 
 TEST_F(SocketStreamTest, LinkInAPathWithAPlaceholderIsRefusedWithoutAHang) {
     TheWorld().modulePath = "/${1}/SarvexToolClient";
     TheWorld().files["/${1}/Socket.cfg"] = {"8738", OSAL::ArchiveAttribute, 0, 2};
-    try {
-        ReadPort();
-        FAIL() << "nothing was thrown";
-    } catch (Exception* pException) {
-        const std::unique_ptr<Exception> owner(pException);
-        EXPECT_STREQ(owner->what(), "File /${1}/Socket.cfg is a link");
-    }
+    EXPECT_EQ(
+        RaisedBy([this] { ReadPort(); }),
+        "File /${1}/Socket.cfg is a link | src/Modules/xFramework/Streams/Sockets/SocketStream:19 | "
+        "Utilities::xFrameworkStreams::Sockets::SocketStream::ReadPort");
 }
 
 TEST_F(SocketStreamTest, TextIsSentInPiecesWithAnEmptyOneAtAMultiple) {
@@ -136,13 +129,9 @@ TEST_F(SocketStreamTest, ShortSendIsNotNoticed) {
 
 TEST_F(SocketStreamTest, FailedSendClosesCleansUpAndRaises) {
     TheWorld().failingSend = 1;
-    try {
-        stream.SendBuffer(connected, std::string(2000, 'x'));
-        FAIL() << "nothing was thrown";
-    } catch (std::exception* pException) {
-        const std::unique_ptr<std::exception> owner(pException);
-        EXPECT_STREQ(owner->what(), "Failed Sending message");
-    }
+    EXPECT_EQ(RaisedBy([this] { stream.SendBuffer(connected, std::string(2000, 'x')); }),
+              "Failed Sending message | src/Modules/xFramework/Streams/Sockets/SocketStream:41 | "
+              "Utilities::xFrameworkStreams::Sockets::SocketStream::SendBuffer");
     EXPECT_THAT(TheWorld().calls, ElementsAre("send 5 512", "send 5 512", "LastSocketErrorText",
                                               "CloseSocket 5", "CleanupSockets"));
 }

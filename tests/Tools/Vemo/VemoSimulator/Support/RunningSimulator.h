@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tests/EndToEnd/Support/Files.h"
 #include "tests/EndToEnd/Support/Process.h"
+#include "tests/Support/Files.h"
 
 #include <cstdint>
 #include <string>
@@ -29,11 +29,11 @@ public:
 
     /// A file of the working directory.
     std::string ReadFile(const std::string& name) const {
-        return EndToEnd::ReadBytes(m_directory.Path(name));
+        return TestSupport::ReadBytes(m_directory.Path(name));
     }
 
 private:
-    EndToEnd::TemporaryDirectory m_directory;
+    TestSupport::TemporaryDirectory m_directory;
     EndToEnd::Process m_process;
     std::uint16_t m_port = 0;
 };

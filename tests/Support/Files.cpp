@@ -1,10 +1,10 @@
-#include "tests/EndToEnd/Support/Files.h"
+#include "tests/Support/Files.h"
 
 #include <array>
 #include <fstream>
 #include <random>
 
-namespace EndToEnd {
+namespace TestSupport {
 
 TemporaryDirectory::TemporaryDirectory() {
     std::random_device random;
@@ -17,6 +17,11 @@ TemporaryDirectory::TemporaryDirectory() {
 TemporaryDirectory::~TemporaryDirectory() {
     std::error_code ignored;
     std::filesystem::remove_all(m_path, ignored);
+}
+
+std::string TemporaryDirectory::Create(const std::string& name, const std::string& content) const {
+    WriteBytes(Path(name), content);
+    return Path(name);
 }
 
 std::string ReadBytes(const std::string& path) {
@@ -32,4 +37,4 @@ void WriteBytes(const std::string& path, const std::string& content) {
     std::ofstream(path, std::ios::binary) << content;
 }
 
-} // namespace EndToEnd
+} // namespace TestSupport
