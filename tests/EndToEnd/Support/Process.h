@@ -48,6 +48,11 @@ public:
     ProcessResult Wait(double timeoutSeconds = 60);
 
     void Kill();
+
+    /// Asks the program to end and waits some seconds for that; kills it where programs without a
+    /// window cannot be asked.
+    void End();
+
     void Interrupt(const Interruption& interruption);
 
     /// The system's number of the process.

@@ -13,6 +13,9 @@ class Simulator {
 public:
     /// Waits until it listens. Throws std::runtime_error when it does not.
     explicit Simulator(const std::vector<std::string>& options = {});
+    ~Simulator() { m_process->End(); }
+    Simulator(const Simulator&) = delete;
+    Simulator& operator=(const Simulator&) = delete;
 
     const std::string& Port() const { return m_port; }
 

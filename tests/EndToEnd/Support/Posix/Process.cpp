@@ -107,11 +107,24 @@ ProcessResult Process::Wait(double timeoutSeconds) {
 }
 
 void Process::Kill() {
-    ::kill(m_system->child, SIGKILL);
+    Interrupt({"SIGKILL", SIGKILL});
 }
 
 void Process::Interrupt(const Interruption& interruption) {
-    ::kill(m_system->child, interruption.number);
+    // To -1 the signal would go to every process there is.
+    if (m_system->child > 0)
+        ::kill(m_system->child, interruption.number);
+}
+
+void Process::End() {
+    constexpr int patienceMilliseconds = 5000;
+    Interrupt({"SIGTERM", SIGTERM});
+    for (int waited = 0; m_system->child > 0 && waited < patienceMilliseconds; ++waited) {
+        if (::waitpid(m_system->child, nullptr, WNOHANG) != 0)
+            m_system->child = -1;
+        else
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
 }
 
 std::uint64_t Process::Id() const {

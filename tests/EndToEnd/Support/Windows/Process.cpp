@@ -146,6 +146,10 @@ void Process::Kill() {
     ::TerminateProcess(m_system->child.hProcess, 1);
 }
 
+void Process::End() {
+    Kill();
+}
+
 void Process::Interrupt(const Interruption&) {
     Kill();
 }

@@ -12,12 +12,15 @@ namespace VemoSimulator {
 /// The path of the real program.
 std::string SimulatorPath();
 
-/// The real program, listening; its working directory is a new one. It is killed at the end unless
-/// it has ended by then.
+/// The real program, listening; its working directory is a new one. It is ended with the object
+/// unless it has ended by then.
 class RunningSimulator {
 public:
     /// Adds "--port 0" to the arguments unless they name a port. Returns when the program is ready.
     explicit RunningSimulator(std::vector<std::string> arguments = {});
+    ~RunningSimulator() { m_process.End(); }
+    RunningSimulator(const RunningSimulator&) = delete;
+    RunningSimulator& operator=(const RunningSimulator&) = delete;
 
     std::uint16_t Port() const { return m_port; }
 
