@@ -51,8 +51,9 @@ CliClient::~CliClient() {
 }
 
 void CliClient::SetArguments(const Arguments& arguments) {
-    if (&arguments != &m_arguments)
-        m_arguments = arguments;
+    // A copy, for assigning to the elements would leave equal ones as they are.
+    Arguments copy = arguments;
+    m_arguments.swap(copy);
 }
 
 void CliClient::ApplyRemoteDaemonOption() {

@@ -8,7 +8,7 @@ namespace {
 
 /// The port in the headers is fixed text, whatever port is dialled, and the Origin header bears no
 /// scheme: the daemon knows its clients by these bytes.
-constexpr const char* requestTemplate =
+constexpr const char* headTemplate =
     "POST /api/oemtools/command HTTP/1.1\r\n"
     "Host: ${1}:8738\r\n"
     "Connection: keep-alive\r\n"
@@ -24,11 +24,9 @@ constexpr const char* requestTemplate =
     "Referer: http://${4}:8738/homepage\r\n"
     "Accept-Encoding: gzip, deflate, br\r\n"
     "Accept-Language: en-US,en;q=0.9\r\n"
-    "\r\n"
-    "${5}";
+    "\r\n";
 
-/// A text as the formatter will insert it, so that its length can be told and its placeholders are
-/// found before.
+/// A text with the variables in it replaced, as the formatter would insert it.
 std::string Expand(std::string text) {
     Utilities::FormatProviders::Instance().ProcessString(text);
     return text;
@@ -41,9 +39,11 @@ std::string BuildCommandLine(const std::string& prefix, const std::string& argum
 }
 
 std::string BuildRequest(const std::string& address, const std::string& commandLine) {
-    const std::string host = Expand(address);
+    // Behind the formatted head, not an argument of it: what a variable stands for is sent as it is
+    // and not searched for variables again, and its length is the one that the head tells.
     const std::string body = Expand(commandLine);
-    Utilities::RejectPlaceholders(host, "The daemon's address");
+    Utilities::RejectPlaceholders(Expand(address), "The daemon's address");
     Utilities::RejectPlaceholders(body, "The command");
-    return Utilities::Format(requestTemplate, host, std::to_string(body.size()), host, host, body);
+    const std::string length = std::to_string(body.size());
+    return Utilities::Format(headTemplate, address, length, address, address).Text() + body;
 }

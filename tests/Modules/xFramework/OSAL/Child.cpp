@@ -7,6 +7,7 @@
 #include "Modules/xFramework/OSAL/Process.h"
 #include "Modules/xFramework/OSAL/Socket.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -25,7 +26,9 @@ OSAL::AddressInfo* Resolve(const std::string& port) {
 int TellHowStarted(const Arguments& arguments) {
     std::string port;
     std::getline(std::ifstream("port.txt"), port);
+    const char* const variable = std::getenv("OSAL_TESTS_CHILD");
     std::string report = std::filesystem::current_path().string() + "\n";
+    report += std::string(variable == nullptr ? "nothing" : variable) + " inherited\n";
     for (const std::string& argument : arguments)
         report += "[" + argument + "]";
     OSAL::AddressInfo* const address = Resolve(port);

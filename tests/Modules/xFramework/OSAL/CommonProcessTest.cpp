@@ -90,7 +90,10 @@ protected:
     ProcessInformation information;
 };
 
-TEST_F(RealChild, RunsInTheDirectoryThatItIsGiven) {
+TEST_F(RealChild, RunsInTheDirectoryThatItIsGivenWithThisEnvironment) {
+    // The environment keeps the text itself.
+    static std::string variable = "OSAL_TESTS_CHILD=all";
+    ::putenv(variable.data());
     directory.Create("port.txt", peer.Port());
     const std::string executable = ExecutablePath("OSALTestsChild");
     ASSERT_TRUE(CreateChildProcess(executable, "\"" + executable + "\" ", directory.Path(), false,
@@ -98,8 +101,8 @@ TEST_F(RealChild, RunsInTheDirectoryThatItIsGiven) {
     CloseHandle(information.thread);
     CloseHandle(information.process);
     peer.Accept();
-    EXPECT_EQ(peer.ReceiveAll(),
-              std::filesystem::canonical(directory.Path()).string() + "\n[" + executable + "]");
+    EXPECT_EQ(peer.ReceiveAll(), std::filesystem::canonical(directory.Path()).string() +
+                                     "\nall inherited\n[" + executable + "]");
 }
 
 TEST_F(RealChild, ThatDoesNotExistLeavesItsErrorNumber) {

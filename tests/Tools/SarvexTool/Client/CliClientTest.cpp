@@ -102,6 +102,10 @@ TEST_F(CliClientTest, SetArgumentsReplacesTheList) {
     EXPECT_EQ(client->BuildArguments(), " -x y");
     client->SetArguments({});
     EXPECT_EQ(client->BuildArguments(), "");
+    // Equal to each other, and each with its own text.
+    client->SetArguments({Core::Value("{int:5}")});
+    client->SetArguments(Texts({"05"}));
+    EXPECT_EQ(client->BuildArguments(), " 05");
 }
 
 TEST_F(CliClientTest, EmptyValueInTheListGivesEmptyText) {

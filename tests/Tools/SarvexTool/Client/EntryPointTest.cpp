@@ -110,6 +110,8 @@ TEST_F(EntryPointTest, TestFilePairLeavesTheList) {
         {{"-remoteDaemon", "-wifi-test-by-file", "-a", "-b"}, "CLI -1 -vemo  -b"},
         {{"-a", "-wifi-test-by-file"}, "CLI -1 -vemo  -a -wifi-test-by-file"},
         {{"-wifi-test-by-File", "f"}, "CLI -1 -vemo  -wifi-test-by-File f"},
+        // The list holds the literal's value, which is not the text of the file name.
+        {{"-wifi-test-by-file", "{string:foo}", "-x"}, "CLI -1 -vemo  foo -x"},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(testing::PrintToString(row.arguments));
@@ -141,6 +143,28 @@ TEST_F(EntryPointTest, SuccessOfTheTestReplacesTheCommandsCode) {
     WriteFile("test.csv", "");
     EXPECT_EQ(Run({"-wifi-test-by-file", "test.csv"}), 0);
     EXPECT_THAT(console.Out(), testing::StartsWith("answer\n")) << "whose code is 3";
+}
+
+TEST_F(EntryPointTest, FileNameIsNoOptionOfTheClientAnyMore) {
+    const WorkingDirectory ownDirectory("sarvex-entrypoint-test");
+    for (const std::string option : {"-help", "-open_local_daemon"}) {
+        SCOPED_TRACE(option);
+        const ConsoleCapture own;
+        EXPECT_EQ(Run({"-wifi-test-by-file", option}), 1);
+        EXPECT_THAT(own.Out(), testing::Not(testing::HasSubstr("-remoteDaemon")));
+        EXPECT_EQ(own.Err(), "Failed to open test file '" + option + "' or result file.");
+    }
+    EXPECT_EQ(CountCalls("CreateChildProcess"), 0);
+}
+
+TEST_F(EntryPointTest, TestTalksToThisHostWhateverDaemonTheCommandWentTo) {
+    const WorkingDirectory ownDirectory("sarvex-entrypoint-test");
+    ProgramDirectory::Write("Socket.cfg", "8738");
+    WriteFile("test.csv", "");
+    Run({"-remoteDaemon", "bench", "-x", "-wifi-test-by-file", "test.csv"});
+    EXPECT_EQ(CountCalls("ResolveAddress [bench]"), 1);
+    EXPECT_EQ(CountCalls("ResolveAddress"), 3);
+    EXPECT_EQ(CountCalls("ResolveAddress [127.0.0.1]"), 2);
 }
 
 TEST_F(EntryPointTest, LastTestFileCountsAndIsTrimmedAsLastArgument) {
@@ -337,6 +361,12 @@ TEST_F(EntryPointTest, LocalDaemonThatRunsIsNotStarted) {
     EXPECT_EQ(SentCommandLine(), "CLI -1 -vemo  -x");
     EXPECT_EQ(CountCalls("CreateChildProcess"), 0);
     EXPECT_EQ(CountCalls("Sleep"), 0);
+}
+
+TEST_F(EntryPointTest, OnlyTheFirstOrderToStartTheDaemonLeavesTheList) {
+    TheWorld().pipeOutput = "vemo.exe";
+    Run({"-open_local_daemon", "-open_local_daemon", "x"});
+    EXPECT_EQ(SentCommandLine(), "CLI -1 -vemo  -open_local_daemon x");
 }
 
 TEST_F(EntryPointTest, LocalDaemonIsStartedBeforeTheConnection) {

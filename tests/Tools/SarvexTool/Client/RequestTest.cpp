@@ -84,19 +84,34 @@ TEST(RequestTest, PlaceholderInTheCommandOrTheAddressIsAnErrorAndNoHang) {
     }
 }
 
-void ExpandAnswer(std::string& text) {
-    const std::string reference = "$(answer)";
-    const std::size_t hit = text.find(reference);
-    if (hit != std::string::npos)
-        text.replace(hit, reference.size(), "42");
+/// Replaces the first reference: "$(answer)" by 42, "$(question)" by a reference to the answer.
+void ExpandOnce(std::string& text) {
+    for (const auto& [reference, value] :
+         {std::pair<std::string, std::string>{"$(answer)", "42"}, {"$(question)", "$(answer)?"}}) {
+        const std::size_t hit = text.find(reference);
+        if (hit != std::string::npos) {
+            text.replace(hit, reference.size(), value);
+            return;
+        }
+    }
 }
 
-TEST(RequestTest, LengthIsThatOfTheExpandedBody) {
-    auto& providers = Utilities::FormatProviders::Instance();
-    providers.AddStringProvider(ExpandAnswer);
-    const std::string request = BuildRequest("h", "CLI -1 $(answer)");
-    providers.RemoveStringProvider(ExpandAnswer);
-    EXPECT_EQ(request, ExpectedRequest("h", "9", "CLI -1 42"));
+class ExpandedRequestTest : public testing::Test {
+protected:
+    ExpandedRequestTest() { Utilities::FormatProviders::Instance().AddStringProvider(ExpandOnce); }
+    ~ExpandedRequestTest() override {
+        Utilities::FormatProviders::Instance().RemoveStringProvider(ExpandOnce);
+    }
+};
+
+TEST_F(ExpandedRequestTest, LengthIsThatOfTheExpandedBody) {
+    EXPECT_EQ(BuildRequest("h", "CLI -1 $(answer)"), ExpectedRequest("h", "9", "CLI -1 42"));
+}
+
+TEST_F(ExpandedRequestTest, WhatAVariableStandsForIsNotExpandedAgain) {
+    EXPECT_EQ(BuildRequest("h", "CLI -1 $(question)"),
+              ExpectedRequest("h", "17", "CLI -1 $(answer)?"));
+    EXPECT_EQ(BuildRequest("$(question)", "x"), ExpectedRequest("$(answer)?", "1", "x"));
 }
 
 } // namespace

@@ -70,8 +70,10 @@ bool CreateChildProcess(const std::string& executablePath, const std::string& /*
 }
 
 std::string TaskListCommand(const std::string& name) {
-    // A process that has ended and only waits for its parent does not count as running.
-    return "sed -n 's/^[0-9]* (\\(" + name + "\\)) [^Z].*/\\1/p' /proc/[0-9]*/stat 2>/dev/null";
+    // A process that has ended and only waits for its parent does not count as running. One that
+    // ends meanwhile makes sed stop at its file, but not cat.
+    return "cat /proc/[0-9]*/stat 2>/dev/null | sed -n 's/^[0-9]* (\\(" + name +
+           "\\)) [^Z].*/\\1/p'";
 }
 
 Pipe* OpenPipe(const std::string& command) {

@@ -71,7 +71,7 @@ TEST(PosixProcess, EndsWith255ForACodeThatEightBitsCannotHold) {
 
 TEST(PosixTaskList, AsksTheProcessListForTheName) {
     EXPECT_EQ(TaskListCommand("vemo"),
-              "sed -n 's/^[0-9]* (\\(vemo\\)) [^Z].*/\\1/p' /proc/[0-9]*/stat 2>/dev/null");
+              "cat /proc/[0-9]*/stat 2>/dev/null | sed -n 's/^[0-9]* (\\(vemo\\)) [^Z].*/\\1/p'");
 }
 
 TEST(PosixTaskList, ShowsThisProcessByItsWholeName) {
