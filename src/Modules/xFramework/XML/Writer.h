@@ -10,7 +10,8 @@
 namespace XML {
 
 /// Writes the events of a document as indented XML text: one tab a level below the top-level
-/// elements, one element a line. Every end of line is the stream's and flushes it.
+/// elements, one element a line. Every end of line but the declaration's is the stream's and
+/// flushes it.
 ///
 /// Nothing is escaped; names, values and texts come out as they are. Each event is in the stream's
 /// buffer when it returns. The writer reports nothing: a failure to write shows in the state of the

@@ -1,5 +1,7 @@
 #include "Modules/xFramework/Streams/CDebugPrint.h"
 
+#include "tests/Support/VirtualSlot.h"
+
 #include <gmock/gmock.h>
 
 #include <array>
@@ -269,6 +271,17 @@ TEST_F(DebugPrint, PassesALineThroughItsFormatter) {
 TEST(DebugPrintInstance, IsOneForTheWholeProcess) {
     EXPECT_EQ(&CDebugPrint::Instance(), &CDebugPrint::Instance());
     EXPECT_FALSE(CDebugPrint::Instance().IsEnabled());
+}
+
+TEST_F(DebugPrint, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
+    using TestSupport::VirtualSlot;
+    EXPECT_THAT(
+        (std::vector<std::size_t>{
+            VirtualSlot(&IDebugPrint::PrintText), VirtualSlot(&IDebugPrint::Print),
+            VirtualSlot(&IDebugPrint::SetThreshold), VirtualSlot(&IDebugPrint::GetThreshold),
+            VirtualSlot(&IDebugPrint::SetSink), VirtualSlot(&IDebugPrint::SetFormatter),
+            VirtualSlot(&IDebugPrint::FormatLine), VirtualSlot(&IDebugPrint::IsEnabled)}),
+        ElementsAre(0, 1, 2, 3, 4, 5, 6, 7));
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "Modules/xFramework/XML/Node.h"
 
+#include "tests/Support/VirtualSlot.h"
+
 #include <gtest/gtest.h>
 
 #include <map>
@@ -266,6 +268,17 @@ TEST(NodeTest, FirstResolverIsKeptAndTakesTheOthers) {
     EXPECT_STREQ(node.ExpandValue(out, "$(a)", false), "first");
     EXPECT_EQ(first.m_offered, std::vector<IResolver*>{&second});
     EXPECT_TRUE(second.m_offered.empty());
+}
+
+TEST(NodeTest, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
+    using TestSupport::VirtualSlot;
+    EXPECT_EQ((std::vector<std::size_t>{
+                  VirtualSlot(&Node::HasAttribute), VirtualSlot(&Node::FindAttribute),
+                  VirtualSlot(&Node::GetAttribute), VirtualSlot(&Node::SetAttribute),
+                  VirtualSlot(&Node::EnumerateAttributes), VirtualSlot(&Node::ExpandValue),
+                  VirtualSlot(&Node::GetExpandedValue), VirtualSlot(&Node::GetNumericValue),
+                  VirtualSlot(&Node::SetResolver)}),
+              (std::vector<std::size_t>{0, 1, 2, 3, 4, 5, 6, 7, 8}));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "Modules/xFramework/XML/Writer.h"
 
 #include "Modules/xFramework/XML/Base.h"
+#include "tests/Support/VirtualSlot.h"
 
 #include <gtest/gtest.h>
 
@@ -348,6 +349,17 @@ TEST(WriterTest, WriterWithOpenElementsCanBeDestroyed) {
         stream.str("");
     }
     EXPECT_EQ(stream.str(), "");
+}
+
+TEST(WriterTest, EventsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
+    using TestSupport::VirtualSlot;
+    // The destructor stands first.
+    EXPECT_EQ((std::vector<std::size_t>{
+                  VirtualSlot(&IListener::StartDocument), VirtualSlot(&IListener::EndDocument),
+                  VirtualSlot(&IListener::Abort), VirtualSlot(&IListener::StartElement),
+                  VirtualSlot(&IListener::EndElement), VirtualSlot(&IListener::Attribute),
+                  VirtualSlot(&IListener::Text)}),
+              (std::vector<std::size_t>{2, 3, 4, 5, 6, 7, 8}));
 }
 
 } // namespace

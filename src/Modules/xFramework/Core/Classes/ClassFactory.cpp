@@ -5,7 +5,10 @@
 namespace Core {
 
 void ClassFactory::Register(const std::string& name, std::unique_ptr<AClassCreator> creator) {
-    m_creators[name] = std::move(creator);
+    if (creator != nullptr)
+        m_creators[name] = std::move(creator);
+    else
+        m_creators.erase(name);
 }
 
 bool ClassFactory::IsRegistered(const std::string& name) const {

@@ -13,7 +13,7 @@ namespace Core {
 class IClassFactory : public virtual IService {
 public:
     /// Enters a creator under a name. When the name is taken, the new creator replaces the old one,
-    /// which is deleted as soon as it is not at work any more.
+    /// which is deleted as soon as it is not at work any more. Null takes the name out.
     virtual void Register(const std::string& name, std::unique_ptr<AClassCreator> creator) = 0;
 
     virtual bool IsRegistered(const std::string& name) const = 0;

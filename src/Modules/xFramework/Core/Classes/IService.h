@@ -13,15 +13,29 @@ class IServiceDomain;
 /// What a service domain creates on request and owns. A service is attached to one domain at a
 /// time, as often as it likes.
 class IService : public virtual IInterface {
+    // The virtual operations stand in the order that other modules are built against.
 public:
     virtual bool IsAttached() const = 0;
 
-    /// Counts an attach and, on the first, attaches the service; returns the domain that it is
-    /// attached to. The domain stays the caller's and must outlive the attachment.
+protected:
+    /// Called once, on the first attach, when the domain is known; gives what OnAttach returns. A
+    /// service requests here the others that it needs. When the hook throws, the attach counts all
+    /// the same.
+    virtual IServiceDomain* AttachHook() = 0;
+
+    /// Called once, on the last detach, while the domain is still known; gives what OnDetach
+    /// returns. The service is detached afterwards even when the hook throws.
+    virtual IServiceDomain* DetachHook() = 0;
+
+public:
+    /// Counts an attach and, on the first, attaches the service and returns what the hook gives,
+    /// the domain unless a service has other plans; returns the domain on each further attach. The
+    /// domain is another object than the service, stays the caller's and outlives the attachment.
     virtual IServiceDomain* OnAttach(IServiceDomain* pDomain) = 0;
 
-    /// Counts a detach and, on the last, detaches the service and returns the domain that it has
-    /// left; returns null while it stays attached.
+    /// Counts a detach and, on the last, detaches the service and returns what the hook gives, the
+    /// domain that it leaves unless a service has other plans; returns null while it stays
+    /// attached.
     virtual IServiceDomain* OnDetach() = 0;
 
     /// The domain; raises "A service is not attached to any domain" when there is none.

@@ -17,19 +17,6 @@ public:
 
     bool IsAttached() const override { return m_domain != nullptr; }
 
-protected:
-    /// Called once, on the first attach, when the domain is known; gives what OnAttach returns. A
-    /// service requests here the others that it needs.
-    virtual IServiceDomain* AttachHook() { return m_domain; }
-
-    /// Called once, on the last detach, while the domain is still known; gives what OnDetach
-    /// returns. The service is detached afterwards even when the hook throws.
-    virtual IServiceDomain* DetachHook() { return m_domain; }
-
-    /// Notes the name and asks the domain for the service, see IServiceDomain::GetService.
-    IService* RequestService(const std::string& name);
-
-public:
     /// Attaching to a second domain while attached fails an assertion.
     IServiceDomain* OnAttach(IServiceDomain* pDomain) override;
 
@@ -41,6 +28,13 @@ public:
     /// The names of the services that this one has requested through RequestService, each once, in
     /// the order of the first requests: what to look at when a circular dependence is reported.
     const std::list<std::string>& GetRequestedNames() const { return m_requestedNames; }
+
+protected:
+    IServiceDomain* AttachHook() override { return m_domain; }
+    IServiceDomain* DetachHook() override { return m_domain; }
+
+    /// Notes the name and asks the domain for the service, see IServiceDomain::GetService.
+    IService* RequestService(const std::string& name);
 
 private:
     class DetachedAtEnd;

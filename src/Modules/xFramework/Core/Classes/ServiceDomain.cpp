@@ -80,6 +80,13 @@ ServiceDomain::ServiceHolder* ServiceDomain::CreateHolder(const std::string& nam
     return holder;
 }
 
+IServiceDomain* ServiceDomain::AttachHook() {
+    m_isEnding = false;
+    for (const auto& holder : m_holders)
+        holder->AttachService();
+    return Service::AttachHook();
+}
+
 IServiceDomain* ServiceDomain::DetachHook() {
     DetachServices();
     return Service::DetachHook();

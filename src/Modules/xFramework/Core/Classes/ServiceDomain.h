@@ -17,8 +17,8 @@ namespace Core {
 /// With the domain the services end: first every one of them is detached, the youngest first and as
 /// often as it has been attached, then they are deleted in the same order. A nested domain passes
 /// its own detach on to its services, so that those of all depths are detached before the first one
-/// is deleted. From then on a domain still answers for the services that exist, and creates none;
-/// one that has been detached is not to be attached again.
+/// is deleted. A domain that is detached, or at its end, still answers for the services that exist,
+/// and creates none. Attached again, it attaches them again, the oldest first.
 class ServiceDomain : public virtual Service, public DynamicDomain, public ANamespace {
 public:
     class ServiceHolder;
@@ -38,7 +38,7 @@ public:
     ///
     /// Raises "Circular dependance detected! Please check …" when meanwhile a nested request for
     /// the same name has been completed. A cycle whose nested requests never complete is not
-    /// detected: it ends with the stack.
+    /// detected: it ends with the stack. The name holds no message placeholder.
     ServiceHolder* CreateHolder(const std::string& name);
 
     /// As a namespace, a domain gives its services: like GetService and GetServiceByPath.
@@ -49,6 +49,9 @@ public:
     std::unique_ptr<IEnumerator> CreateEnumerator() override;
 
 protected:
+    /// Attaches the services that a detach has detached. A subclass that overrides this calls it.
+    IServiceDomain* AttachHook() override;
+
     /// Detaches the services. A subclass that overrides this calls it.
     IServiceDomain* DetachHook() override;
 
@@ -76,11 +79,15 @@ public:
     /// The service, the holder's own; null in an empty holder.
     IService* GetService() const { return m_pService.get(); }
 
-    /// How often the holder is in use: once for its creation, once for each look-up by path that
-    /// has led through it to a service.
+    /// How often the holder is in use: once for its creation, which may be that of a look-up by
+    /// path, and once for each later look-up by path that has led through it to a service. A
+    /// look-up that created the holder and then failed has given that use back.
     std::uint32_t GetUseCount() const { return m_useCount; }
     void AddUse() { ++m_useCount; }
     void ReleaseUse() { --m_useCount; }
+
+    /// Attaches the service to the domain unless it is attached.
+    void AttachService();
 
     /// Detaches the service as often as it has been attached. What the service throws is logged,
     /// and ends the attempt.

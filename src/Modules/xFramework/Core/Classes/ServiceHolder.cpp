@@ -26,6 +26,11 @@ ServiceDomain::ServiceHolder::ServiceHolder(ServiceDomain* pDomain, const std::s
         CreateService();
 }
 
+void ServiceDomain::ServiceHolder::AttachService() {
+    if (!m_pService->IsAttached())
+        m_pService->OnAttach(m_domain);
+}
+
 void ServiceDomain::ServiceHolder::DetachService() noexcept {
     try {
         while (m_pService != nullptr && m_pService->IsAttached())

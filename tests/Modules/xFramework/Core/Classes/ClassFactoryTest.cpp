@@ -54,6 +54,15 @@ public:
     std::unique_ptr<IInterface> Create() override { return nullptr; }
 };
 
+TEST(ClassFactory, NullTakesTheNameOut) {
+    ClassFactory factory;
+    factory.Register("name", std::make_unique<ClassCreator<LiveObject, IInterface>>());
+    factory.Register("name", nullptr);
+    EXPECT_FALSE(factory.IsRegistered("name"));
+    EXPECT_EQ(factory.GetCreator("name"), nullptr);
+    EXPECT_EQ(factory.CreateInstance("name"), nullptr);
+}
+
 TEST(ClassFactory, ReplacedCreatorIsDeleted) {
     ClassFactory factory;
     factory.Register("name", std::make_unique<CountedCreator>());

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace {
 
 using namespace Core;
@@ -169,6 +171,30 @@ TEST(Namespace, TakesItselfOutOfWhatItReleases) {
     EXPECT_EQ(object.GetOwner(), &second);
     second.Add("a", new LiveObject);
     EXPECT_EQ(object.GetOwner(), nullptr);
+}
+
+/// Notes the namespace that it is in when it is destroyed.
+class LastOwnerNoter : public AttachableObject {
+public:
+    explicit LastOwnerNoter(std::vector<INamespace*>& owners) : m_owners(owners) {}
+    ~LastOwnerNoter() override { m_owners.push_back(GetOwner()); }
+    LastOwnerNoter(const LastOwnerNoter&) = delete;
+    LastOwnerNoter& operator=(const LastOwnerNoter&) = delete;
+
+private:
+    std::vector<INamespace*>& m_owners;
+};
+
+TEST(Namespace, TakesItselfOutOfWhatItDeletes) {
+    std::vector<INamespace*> owners;
+    {
+        Namespace names;
+        for (const char* const name : {"removed", "replaced", "left"})
+            names.Add(name, new LastOwnerNoter(owners));
+        names.Remove("removed");
+        names.Add("replaced", new LiveObject);
+    }
+    EXPECT_EQ(owners, (std::vector<INamespace*>{nullptr, nullptr, nullptr}));
 }
 
 /// Asks the namespace that it is in, while it is destroyed.

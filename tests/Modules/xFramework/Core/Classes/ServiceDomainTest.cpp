@@ -264,6 +264,19 @@ TEST_F(ServiceDomainTest, NamespacesGiveItsServicesByPath) {
     EXPECT_EQ(domain->Find("a"), static_cast<IInterface*>(service));
 }
 
+TEST_F(ServiceDomainTest, PathOfANamespaceCountsUsesAndLeadsOutOfNestedDomains) {
+    Namespace root;
+    m_domain->RegisterServiceClass<InnerDomain>("inner");
+    Register("outside");
+    ServiceDomain* const domain = m_domain.get();
+    EXPECT_NE(domain->FindByPath("inner.outside"), nullptr);
+    EXPECT_NE(domain->FindByPath("outside"), nullptr);
+    EXPECT_EQ(UsesOf("inner"), 1U);
+    EXPECT_EQ(UsesOf("outside"), 2U);
+    root.Add("Services", m_domain.release());
+    EXPECT_NE(root.FindByPath("Services.inner.outside"), nullptr);
+}
+
 TEST_F(ServiceDomainTest, FindCreatesOnRequest) {
     Register("a");
     IInterface* const found = m_domain->Find("a");
@@ -324,6 +337,48 @@ TEST_F(ServiceDomainTest, DetachOfADomainDetachesItsServicesAndEndsIt) {
     EXPECT_FALSE(service->IsAttached());
     EXPECT_EQ(m_domain->GetService("a"), service);
     EXPECT_EQ(m_domain->GetService("late"), nullptr);
+}
+
+TEST_F(ServiceDomainTest, DomainThatIsDetachedAnswersByPathForServicesThatExist) {
+    ServiceDomain around;
+    Register("a");
+    IService* const service = m_domain->GetService("a");
+    m_domain->OnAttach(&around);
+    m_domain->OnDetach();
+    // As at its end: the name stays its own although it creates none any more.
+    m_domain->RegisterService("a", nullptr);
+    EXPECT_EQ(m_domain->GetServiceByPath("a"), service);
+}
+
+TEST_F(ServiceDomainTest, DomainThatIsAttachedAgainAttachesItsServicesAgain) {
+    ServiceDomain first;
+    ServiceDomain second;
+    Register("a");
+    Register("b");
+    Register("late");
+    IService* const service = m_domain->GetService("a");
+    m_domain->GetService("b");
+    m_domain->OnAttach(&first);
+    m_domain->OnDetach();
+    m_journal.clear();
+    EXPECT_EQ(m_domain->OnAttach(&second), &second);
+    EXPECT_EQ(m_journal, (Journal{"a attaching", "a attached", "b attaching", "b attached"}));
+    EXPECT_EQ(service->GetDomain(), m_domain.get());
+    EXPECT_EQ(m_domain->GetService("a"), service);
+    EXPECT_NE(m_domain->GetService("late"), nullptr);
+    m_domain->OnDetach();
+}
+
+TEST_F(ServiceDomainTest, FirstAttachOfADomainLeavesItsServicesAsTheyAre) {
+    ServiceDomain around;
+    Register("a");
+    IService* const service = m_domain->GetService("a");
+    m_journal.clear();
+    m_domain->OnAttach(&around);
+    EXPECT_EQ(m_journal, Journal());
+    service->OnDetach();
+    EXPECT_FALSE(service->IsAttached()) << "attached more than once";
+    m_domain->OnDetach();
 }
 
 TEST_F(ServiceDomainTest, ServiceThatIsBeingDetachedFindsTheOthersButCreatesNone) {

@@ -2,6 +2,7 @@
 
 #include "Modules/xFramework/Core/Classes/ServiceDomain.h"
 #include "tests/Modules/xFramework/Utilities/RaisedBy.h"
+#include "tests/Support/VirtualSlot.h"
 
 #include <gtest/gtest.h>
 
@@ -21,6 +22,19 @@ public:
     ServiceDomain attachResult;
     ServiceDomain detachResult;
     std::vector<std::string> calls;
+
+    /// The places of the operations, counted from that of the first one.
+    static std::vector<std::size_t> Slots() {
+        using TestSupport::VirtualSlot;
+        std::vector<std::size_t> slots{
+            VirtualSlot(&Service::IsAttached),       VirtualSlot(&HookedService::AttachHook),
+            VirtualSlot(&HookedService::DetachHook), VirtualSlot(&Service::OnAttach),
+            VirtualSlot(&Service::OnDetach),         VirtualSlot(&Service::GetDomain)};
+        const std::size_t first = slots.front();
+        for (std::size_t& slot : slots)
+            slot -= first;
+        return slots;
+    }
 
 protected:
     IServiceDomain* AttachHook() override {
@@ -96,6 +110,36 @@ TEST(Service, FailedAttachIsCountedAllTheSame) {
     EXPECT_TRUE(service.IsAttached());
     service.OnDetach();
     EXPECT_FALSE(service.IsAttached());
+}
+
+/// Throws when it is attached.
+class Shy : public Service {
+protected:
+    IServiceDomain* AttachHook() override { throw std::runtime_error("shy"); }
+};
+
+TEST(Service, IsAttachedEvenWhenItsHookThrows) {
+    ServiceDomain domain;
+    Shy service;
+    EXPECT_THROW(service.OnAttach(&domain), std::runtime_error);
+    EXPECT_EQ(service.GetDomain(), &domain);
+    EXPECT_EQ(service.OnDetach(), &domain);
+    EXPECT_FALSE(service.IsAttached());
+}
+
+TEST(Service, AttachToNoDomainCallsTheHookAndCounts) {
+    ServiceDomain domain;
+    HookedService service;
+    EXPECT_EQ(service.OnAttach(nullptr), &service.attachResult);
+    EXPECT_FALSE(service.IsAttached());
+    EXPECT_EQ(service.OnAttach(&domain), &service.attachResult);
+    EXPECT_EQ(service.calls, (std::vector<std::string>{"attach, detached", "attach, attached"}));
+    EXPECT_EQ(service.OnDetach(), nullptr);
+    EXPECT_EQ(service.OnDetach(), &service.detachResult);
+}
+
+TEST(Service, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
+    EXPECT_EQ(HookedService::Slots(), (std::vector<std::size_t>{0, 1, 2, 3, 4, 5}));
 }
 
 TEST(Service, DetachWhileDetachedFailsAnAssertion) {

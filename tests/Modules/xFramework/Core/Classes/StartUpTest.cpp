@@ -62,6 +62,8 @@ TEST(StartUp, NoOtherTypeNameExists) {
         SCOPED_TRACE(name);
         EXPECT_FALSE(Factory().IsRegistered(name));
         EXPECT_EQ(Factory().GetTypeDescriptor(name), nullptr);
+        const std::string literal = "{" + std::string(name) + ":1}";
+        EXPECT_EQ(Value(literal).GetRef<std::string>(), literal);
     }
 }
 

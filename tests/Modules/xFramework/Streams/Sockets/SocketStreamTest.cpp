@@ -1,7 +1,9 @@
 #include "Modules/xFramework/Streams/Sockets/SocketStream.h"
 
+#include "Modules/xFramework/Streams/Sockets/SocketClientStream.h"
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
 #include "tests/Modules/xFramework/Utilities/RaisedBy.h"
+#include "tests/Support/VirtualSlot.h"
 
 #include <gmock/gmock.h>
 
@@ -57,6 +59,18 @@ TEST_F(SocketStreamTest, PortIsTheFirstFourBytesUpToANul) {
         TheWorld().files[portFile].content = row.content;
         EXPECT_EQ(ReadPort(), row.port);
     }
+}
+
+TEST_F(SocketStreamTest, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
+    using TestSupport::VirtualSlot;
+    // The destructor stands between the two groups.
+    EXPECT_THAT(
+        (std::vector<std::size_t>{
+            VirtualSlot(&SocketStream::ReadPort), VirtualSlot(&SocketStream::SendBuffer),
+            VirtualSlot(&SocketStream::ReceiveBuffer), VirtualSlot(&SocketStream::Reserved),
+            VirtualSlot(&SocketStream::CloseSocket), VirtualSlot(&SocketStream::IsMessageComplete),
+            VirtualSlot(&SocketClientStream::Send), VirtualSlot(&SocketClientStream::Receive)}),
+        ElementsAre(0, 1, 2, 3, 4, 5, 8, 9));
 }
 
 TEST_F(SocketStreamTest, PortFileIsReadOnceWithFiveBytesAndClosed) {
