@@ -159,6 +159,15 @@ TEST_F(TestRunTest, CrLfTestFileFollowsThePlatformsTextMode) {
     EXPECT_THAT(commands[3], HasSubstr(" -wifi-band 5 -wifi-tx-chains-from-file A -wifi-cal"));
 }
 
+TEST_F(TestRunTest, EndOfFileByteFollowsThePlatformsTextMode) {
+    const ProcessResult result = RunTest("Band,Rate\n5,R\x1A,x\n6,S\n", AnswerAll);
+    EXPECT_EQ(result.exitCode, 0);
+    const std::string rows =
+        TextMode("\n") == "\n" ? "5,R\x1A,x,17.5,18\n6,S,17.5,18\n" : "5,R,17.5,18\n";
+    EXPECT_EQ(bench.Read("result.csv"),
+              TextMode("Band,Rate,Chain-A Power, Chain B Power\n" + rows));
+}
+
 TEST_F(TestRunTest, PlaceholderInACellEndsTheRunAndKeepsTheRows) {
     for (const std::string cell : {"${1}", "a${2}b"}) {
         SCOPED_TRACE(cell);

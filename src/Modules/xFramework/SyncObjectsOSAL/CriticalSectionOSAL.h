@@ -20,8 +20,9 @@ int ReleaseHandle(OSAL::CriticalSection*& handle) noexcept;
 
 /// A recursive lock of the operating system. It must outlive every thread that uses it.
 ///
-/// Neither construction nor destruction throws: a failure is told to the debug printer, when that
-/// is switched on, and leaves an object that exists but must not be entered.
+/// Neither construction nor destruction throws by itself: a failure is told to the debug printer,
+/// when that is switched on (its sinks are a host's and do not throw), and leaves an object that
+/// exists but must not be entered.
 class CriticalSectionOSAL : public ICriticalSection {
 public:
     CriticalSectionOSAL();

@@ -15,8 +15,9 @@ public:
     virtual Value CreateValue() = 0;
 
     /// From a value that holds a std::set<Core::Value>, one that holds a std::set<T>: elements of
-    /// another type are read from their text, and those that cannot be read become the default
-    /// element. The given set stays as it is. Raises "Incompatible value type" for any other value.
+    /// another type are read from their text, for numbers with the $(name) in it expanded, and
+    /// those that cannot be read become the default element. The given set stays as it is. Raises
+    /// "Incompatible value type" for any other value.
     virtual Value ConvertSet(const Value& set) const = 0;
 
     /// The process-wide meta type of the element type.

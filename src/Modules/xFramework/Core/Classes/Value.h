@@ -25,7 +25,8 @@ public:
     /// text 5 stays the object and the type that it was. An empty other empties this value.
     Value& operator=(const Value& other);
 
-    /// A held object that can read the text takes it and keeps its type. Otherwise the value
+    /// A held object that can read the text takes it and keeps its type; a string takes every text,
+    /// with the $(name) in it expanded. Otherwise the value
     /// becomes what a typed literal such as {uint16:0x10} names, or the text itself, unchanged, as
     /// string.
     Value& operator=(const std::string& text);

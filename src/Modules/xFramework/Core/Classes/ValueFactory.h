@@ -8,7 +8,8 @@ namespace Core {
 
 /// Makes value objects by the names of their element types, and from typed literals. The one that
 /// text assignment asks is Utilities::Singleton<Core::ValueFactory>. New objects are the caller's,
-/// with a count of 0.
+/// with a count of 0. The names that any factory gives stay with the meta types, which are the
+/// process's, when that factory ends.
 class ValueFactory : public DynamicFactory<IValue, GenericFactory<IValue, ClassFactory>>,
                      public virtual Service {
 public:

@@ -7,7 +7,8 @@
 namespace Utilities::xFrameworkStreams::Sockets {
 
 /// A blocking TCP connection to the daemon. It is built connected or not at all. After the daemon
-/// has closed, the object holds a closed handle, which the destructor closes once more, harmlessly.
+/// has closed, the object holds a closed handle, which the destructor closes once more: see
+/// OSAL::SocketHandle for what that handle may be by then.
 class SocketClientStream : public SocketStream {
 public:
     /// Connects to the host (a name or a numeric address) and the port that ReadPort gives, with up

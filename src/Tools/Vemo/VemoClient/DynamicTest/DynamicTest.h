@@ -29,13 +29,13 @@ public:
     DynamicTest(const DynamicTest&) = delete;
     DynamicTest& operator=(const DynamicTest&) = delete;
 
-    /// Runs the test; to be called once. Returns 0 when every line was processed and result.xml was
-    /// written, 1 otherwise. When a line fails, the rest of the file is skipped: the rows written
-    /// so far stay in result.csv, and result.xml stays empty.
+    /// Runs the test; to be called once. Returns 0 when the test file was read to its end, every
+    /// line was processed and result.xml was written, 1 otherwise. When a line fails, the rest of
+    /// the file is skipped: the rows written so far stay in result.csv, and result.xml stays empty.
     ///
     /// A cell or file name that holds a message placeholder (Placeholders.h) ends the run with an
-    /// error before anything of its line is sent. A result.csv or test file that failed on the way
-    /// is reported at the end and does not change the result.
+    /// error before anything of its line is sent. A result.csv that could not be written to its end
+    /// is reported and does not change the result.
     int Run();
 
     // The steps of a run.

@@ -2,6 +2,7 @@
 #include "tests/Modules/xFramework/Utilities/LogRecorder.h"
 #include "tests/Tools/Vemo/VemoClient/DynamicTest/DynamicTestFixture.h"
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <streambuf>
@@ -276,22 +277,32 @@ TEST_F(DynamicTestLineTest, CellThatOnlyLooksLikeAPlaceholderIsSent) {
                 ElementsAre("-wifi-band ${6} -wifi-tx-chains-from-file $1 " + start, stop));
 }
 
+bool IsOfFiling(const std::string& record) {
+    return record.find("DynamicTest::SaveResultsToXml") != std::string::npos;
+}
+
 TEST_F(DynamicTestLineTest, RowIsFlushedBeforeTheTreeIsFilled) {
+    const Utilities::LogRecorder log(Utilities::LogLevel::Info);
+    /// Notes at each flush whether the filing has begun.
     class Flushes : public std::stringbuf {
     public:
-        int count = 0;
+        explicit Flushes(const std::vector<std::string>& trace) : m_trace(trace) {}
+        std::vector<bool> isFiling;
 
     protected:
         int sync() override {
-            ++count;
+            isFiling.push_back(std::any_of(m_trace.begin(), m_trace.end(), IsOfFiling));
             return 0;
         }
-    } buffer;
+
+    private:
+        const std::vector<std::string>& m_trace;
+    } buffer(log.records);
     std::ostream stream(&buffer);
     test.ProcessHeaderTestFile(stream, "Band");
-    EXPECT_EQ(buffer.count, 1);
     test.ProcessLineTestFile(stream, "5");
-    EXPECT_EQ(buffer.count, 2);
+    EXPECT_THAT(buffer.isFiling, ElementsAre(false, false));
+    EXPECT_TRUE(std::any_of(log.records.begin(), log.records.end(), IsOfFiling));
 }
 
 TEST_F(DynamicTestLineTest, LineIsTraced) {

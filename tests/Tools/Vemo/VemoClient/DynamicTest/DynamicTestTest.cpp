@@ -187,6 +187,28 @@ TEST_F(DynamicTestTest, CellsFollowTheRulesOfValuesAndOfTheRemoteOption) {
     EXPECT_EQ(CountCalls("ResolveAddress [-wifi-rate]"), 2);
 }
 
+TEST_F(DynamicTestTest, AddressFromACellStaysForTheRestOfTheRun) {
+    AnswerQueries();
+    AnswerLine("");
+    AnswerLine("");
+    AnswerLine("");
+    EXPECT_EQ(Run("Band,Rate\n-remoteDaemon,x\n5,y\n6,z\n"), 0);
+    // The queries before it, and from then on every command of the three lines.
+    EXPECT_EQ(CountCalls("ResolveAddress [127.0.0.1]"), 2);
+    EXPECT_EQ(CountCalls("ResolveAddress [-wifi-rate]"), 6);
+}
+
+TEST_F(DynamicTestTest, ResultFileGivenAsTestFileIsEmptiedAndGivesAnEmptyTest) {
+    for (const std::string name : {"result.csv", "result.xml"}) {
+        SCOPED_TRACE(name);
+        WriteFile(name, "Band\n5\n");
+        TheWorld().calls.clear();
+        AnswerQueries();
+        EXPECT_EQ(DynamicTest(name).Run(), 0);
+        EXPECT_EQ(CountCalls("Sleep"), 0);
+    }
+}
+
 TEST_F(DynamicTestTest, FailedSendEndsTheRun) {
     AnswerQueries();
     AnswerLine(PowerA("1"));
