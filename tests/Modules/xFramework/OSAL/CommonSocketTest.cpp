@@ -88,6 +88,11 @@ TEST_F(RealSocket, IsClosedOnce) {
     EXPECT_EQ(peer.ReceiveAll(), "");
 }
 
+TEST(SocketConstants, AreThoseOfWindows) {
+    EXPECT_EQ(InvalidSocket + 1, 0u);
+    EXPECT_EQ(SocketError, -1);
+}
+
 TEST_F(RealSocket, ThatIsInvalidFailsInEveryCall) {
     EXPECT_EQ(Send("x"), SocketError);
     EXPECT_EQ(Receive(64), "error");
