@@ -43,6 +43,12 @@ TEST(CaughtException, TakesFrameworkExceptionsAndDeletesThem) {
     EXPECT_TRUE(isDeleted);
 }
 
+TEST(CaughtException, TakesFrameworkExceptionsByValue) {
+    const CaughtException caught = Take([] { throw Exception("by value"); });
+    EXPECT_EQ(caught.kind, Kind::Framework);
+    EXPECT_EQ(caught.text, "by value");
+}
+
 TEST(CaughtException, TakesOtherPointersToStandardExceptions) {
     const CaughtException caught =
         Take([] { throw static_cast<std::exception*>(new std::runtime_error("by pointer")); });

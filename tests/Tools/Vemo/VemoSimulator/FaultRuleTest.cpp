@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdio>
 #include <fstream>
 #include <stdexcept>
@@ -83,6 +84,13 @@ TEST(FaultRuleTest, AWrongRuleSaysWhatIsWrong) {
         SCOPED_TRACE(row.rule);
         EXPECT_EQ(ErrorOf(row.rule), row.error);
     }
+}
+
+TEST(FaultRuleTest, ANumberThatMayBeLeftOutHasADefault) {
+    EXPECT_EQ(PlanOf("*:drip").pause, std::chrono::milliseconds(1));
+    EXPECT_EQ(PlanOf("*:drip=20").pause, std::chrono::milliseconds(20));
+    EXPECT_EQ(PlanOf("*:split-mark").pause, std::chrono::milliseconds(100));
+    EXPECT_EQ(PlanOf("*:split-mark=0").pause, std::chrono::milliseconds(0));
 }
 
 TEST(FaultRuleTest, ARawAnswerIsReadFromItsFile) {
