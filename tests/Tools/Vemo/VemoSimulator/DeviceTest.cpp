@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace VemoSimulator {
 
 using testing::ElementsAre;
@@ -72,10 +74,24 @@ TEST_F(DeviceTest, AStartWithoutCalibrationIsUncalibrated) {
 }
 
 TEST_F(DeviceTest, ASettingOfTheRadioMakesTheCalibrationVoid) {
-    Execute({"-wifi-calibrate-tx"});
-    Execute({"-wifi-rate", "MCS1"});
-    EXPECT_THAT(Execute({"-wifi-start"}).information,
-                ElementsAre("Started in mode tx_modulated.", "The transmitter is uncalibrated."));
+    const std::pair<const char*, const char*> settings[] = {{"-wifi-band", "5"},
+                                                            {"-wifi-tx-chains-from-file", "A"},
+                                                            {"-wifi-bandwidth", "40"},
+                                                            {"-wifi-channel", "100"},
+                                                            {"-wifi-bw-mode", "HT"},
+                                                            {"-wifi-rate", "MCS1"},
+                                                            {"-wifi-tx-transm-mode", "MIMO"},
+                                                            {"-wifi-resource-unit", "26"},
+                                                            {"-wifi-specific-resource-unit", "1"},
+                                                            {"-wifi-large-ru", "none"}};
+    for (const auto& [option, value] : settings) {
+        SCOPED_TRACE(option);
+        Execute({"-wifi-calibrate-tx"});
+        Execute({option, value});
+        EXPECT_THAT(
+            Execute({"-wifi-start"}).information,
+            ElementsAre("Started in mode tx_modulated.", "The transmitter is uncalibrated."));
+    }
 }
 
 TEST_F(DeviceTest, AChangeOfTheModeLeavesTheCalibration) {

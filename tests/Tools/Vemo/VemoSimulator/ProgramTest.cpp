@@ -77,6 +77,19 @@ TEST(ProgramTest, APortInUseFails) {
     EXPECT_EQ(simulator.End().exitCode, 0);
 }
 
+TEST(ProgramTest, ItsPortIsFreeAgainAtOnce) {
+    std::string port;
+    {
+        // The side that closes first keeps the connection's address for a while.
+        RunningSimulator simulator({"--fault", "*:no-mark"});
+        port = std::to_string(simulator.Port());
+        Exchange(simulator.Port(), "CLI -1 ");
+    }
+    RunningSimulator again({"--port", port});
+    EXPECT_EQ(std::to_string(again.Port()), port);
+    EXPECT_EQ(again.End().exitCode, 0);
+}
+
 TEST(ProgramTest, ARequestLogThatCannotBeWrittenFails) {
     const ProcessResult result = RunToEnd({"--port", "0", "--request-log", "no/such/folder"});
     EXPECT_EQ(result.exitCode, 1);

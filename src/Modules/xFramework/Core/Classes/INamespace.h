@@ -17,8 +17,8 @@ public:
     /// The object at the end of a path: names, each looked up in the object found before, which
     /// must be a namespace itself. Null when a step finds nothing. Names are separated by any one
     /// character that a name in a path cannot hold, see ANamespace::IsNameChar. Each step is a call
-    /// within the call before it, with a copy of the rest: paths are a programmer's, of a few names,
-    /// and never come from a user.
+    /// within the call before it, with a copy of the rest: paths are a programmer's, of a few
+    /// names, and never come from a user.
     virtual IInterface* FindByPath(const std::string& path) = 0;
 
     /// Walks the entries.

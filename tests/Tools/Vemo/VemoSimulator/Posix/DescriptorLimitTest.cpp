@@ -7,12 +7,37 @@
 
 namespace VemoSimulator {
 
+namespace {
+
+/// The real program with so few descriptors that it can hold ten connections or so.
+class LimitedSimulator {
+public:
+    std::uint16_t Port() const { return m_port; }
+    EndToEnd::ProcessResult End() {
+        Exchange(m_port, "CLI -1 -vemo -exit");
+        return m_process.Wait();
+    }
+
+private:
+    TestSupport::TemporaryDirectory m_directory;
+    EndToEnd::Process m_process{"/bin/sh",
+                                {"-c", "ulimit -n 16 && exec \"$0\" --port 0", SimulatorPath()},
+                                m_directory.Path()};
+    std::uint16_t m_port = PortIn(WaitForLine(m_process));
+};
+
+} // namespace
+
+TEST(DescriptorLimitTest, DescriptorsComeBackWhenClientsClose) {
+    LimitedSimulator simulator;
+    for (int number = 0; number < 50; ++number)
+        EXPECT_THAT(Exchange(simulator.Port(), "CLI -1 "), testing::EndsWith("Done"));
+    EXPECT_EQ(simulator.End().err, "");
+}
+
 TEST(DescriptorLimitTest, ConnectionsBeyondTheLimitWaitUntilOthersClose) {
-    const TestSupport::TemporaryDirectory directory;
-    EndToEnd::Process limited("/bin/sh",
-                              {"-c", "ulimit -n 16 && exec \"$0\" --port 0", SimulatorPath()},
-                              directory.Path());
-    const std::uint16_t port = PortIn(WaitForLine(limited));
+    LimitedSimulator simulator;
+    const std::uint16_t port = simulator.Port();
     {
         std::vector<Peer> peers;
         for (int number = 0; number < 20; ++number)
@@ -23,8 +48,7 @@ TEST(DescriptorLimitTest, ConnectionsBeyondTheLimitWaitUntilOthersClose) {
         EXPECT_FALSE(peers.back().HasBytes());
     }
     EXPECT_THAT(Exchange(port, "CLI -1 "), testing::EndsWith("Done"));
-    Exchange(port, "CLI -1 -vemo -exit");
-    const EndToEnd::ProcessResult result = limited.Wait();
+    const EndToEnd::ProcessResult result = simulator.End();
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_THAT(result.err, testing::HasSubstr("A connection cannot be accepted: Too many open"));
 }
