@@ -250,7 +250,8 @@ TEST_F(DebugPrint, IgnoresSinksThatItDoesNotHave) {
     EXPECT_THAT(sink.lines, ElementsAre("Place|[ OEM_ERROR   ] |once"));
 }
 
-TEST_F(DebugPrint, EmptiesABufferWithRoomForThatOnly) {
+TEST(DebugPrintWithoutFormatter, EmptiesABufferWithRoomForThatOnly) {
+    CDebugPrint printer;
     std::array<char, 2> line{"x"};
     printer.FormatLine("Place", "[tag]", "text", line.data(), 0);
     EXPECT_STREQ(line.data(), "x");
@@ -273,7 +274,7 @@ TEST(DebugPrintInstance, IsOneForTheWholeProcess) {
     EXPECT_FALSE(CDebugPrint::Instance().IsEnabled());
 }
 
-TEST_F(DebugPrint, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
+TEST(DebugPrintInterface, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
     using TestSupport::VirtualSlot;
     EXPECT_THAT(
         (std::vector<std::size_t>{
