@@ -74,6 +74,7 @@ TEST(FaultsTest, NoAnswerLeavesTheClientWaiting) {
     waiting.SendCommand(stopCommand);
     EXPECT_EQ(Exchange(simulator.Port(), stopCommand), stopBody);
     EXPECT_FALSE(waiting.HasBytes());
+    EXPECT_TRUE(waiting.IsOpen());
     waiting.FinishSending();
     EXPECT_EQ(waiting.ReadToEnd(), "");
 }

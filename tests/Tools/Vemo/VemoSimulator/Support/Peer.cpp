@@ -68,6 +68,15 @@ bool Peer::HasBytes() const {
     return m_pSocket->socket.available() > 0;
 }
 
+bool Peer::IsOpen() {
+    char byte = 0;
+    boost::system::error_code error;
+    m_pSocket->socket.non_blocking(true);
+    m_pSocket->socket.receive(asio::buffer(&byte, 1), tcp::socket::message_peek, error);
+    m_pSocket->socket.non_blocking(false);
+    return !error || error == asio::error::would_block;
+}
+
 std::string CommandRequest(const std::string& command) {
     return "POST /api/oemtools/command HTTP/1.1\r\nHost: 127.0.0.1:8738\r\n"
            "Connection: keep-alive\r\nContent-Length: " +

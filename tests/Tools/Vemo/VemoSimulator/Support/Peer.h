@@ -34,6 +34,9 @@ public:
     /// Whether bytes can be read without waiting.
     bool HasBytes() const;
 
+    /// Whether the simulator has neither ended its side of the connection nor broken it off.
+    bool IsOpen();
+
 private:
     struct Socket;
     std::unique_ptr<Socket> m_pSocket;
