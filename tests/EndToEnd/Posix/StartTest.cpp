@@ -11,21 +11,24 @@ namespace EndToEnd {
 namespace {
 
 TEST(StartTest, ClosedStandardStreamsAreNotTakenForTheConnection) {
-    std::string behindTheAnswer;
-    {
-        ScriptedPeer peer([&](Connection& connection, int) {
-            connection.ReadRequest();
-            connection.Send("helloDone");
-            behindTheAnswer = connection.Read(1);
-        });
-        const Bench bench;
-        bench.SetPort(peer.Port());
-        const ProcessResult result =
-            EndToEnd::Run("/bin/sh", {"-c", "exec \"$0\" -x <&- >&- 2>&-", bench.ClientPath()},
-                          bench.Directory());
-        EXPECT_EQ(result.exitCode, 0);
+    for (const std::string closing : {"<&- >&- 2>&-", ">&-", "2>&-"}) {
+        SCOPED_TRACE(closing);
+        std::string behindTheAnswer;
+        {
+            ScriptedPeer peer([&](Connection& connection, int) {
+                connection.ReadRequest();
+                connection.Send("hello\nSarvex tool ERROR\nproblem\nDone");
+                behindTheAnswer = connection.Read(1);
+            });
+            const Bench bench;
+            bench.SetPort(peer.Port());
+            const ProcessResult result =
+                EndToEnd::Run("/bin/sh", {"-c", "exec \"$0\" -x " + closing, bench.ClientPath()},
+                              bench.Directory());
+            EXPECT_EQ(result.exitCode, 0);
+        }
+        EXPECT_EQ(behindTheAnswer, "");
     }
-    EXPECT_EQ(behindTheAnswer, "");
 }
 
 TEST(StartTest, PipesInPlaceOfTheFilesDoNotHang) {

@@ -1,5 +1,6 @@
 #include "Tools/SarvexTool/Client/EntryPoint.h"
 
+#include "Modules/xFramework/Utilities/Exception.h"
 #include "Modules/xFramework/Utilities/FormatProviders.h"
 #include "Tools/SarvexTool/Client/Request.h"
 #include "Tools/SarvexTool/Client/UsageText.h"
@@ -122,11 +123,17 @@ TEST_F(EntryPointTest, TestFilePairLeavesTheList) {
     }
 }
 
-/// Throws when it meets the word a second time.
+/// Throws when it meets the word a second time, and from then on each second time: first a value,
+/// then a pointer.
 void ThrowOnSecondBoom(std::string& text) {
     static int meetings = 0;
-    if (text == "boom" && ++meetings == 2)
+    if (text != "boom")
+        return;
+    ++meetings;
+    if (meetings == 2)
         throw std::runtime_error("met twice");
+    if (meetings == 4)
+        throw new Utilities::Exception("met twice more");
 }
 
 TEST_F(EntryPointTest, TestRunFollowsTheCommandAndItsResultIsTheExitCode) {
@@ -185,10 +192,14 @@ TEST_F(EntryPointTest, FailureWhileRemovingTheTestPairEndsWith256) {
     // the list and once more to be compared with the first argument.
     auto& providers = Utilities::FormatProviders::Instance();
     providers.AddStringProvider(ThrowOnSecondBoom);
-    const int code = Run({"{int:5}", "-wifi-test-by-file", "{string:boom}"});
+    const std::vector<std::string> arguments{"{int:5}", "-wifi-test-by-file", "{string:boom}"};
+    const int codeOfAValue = Run(arguments);
+    const int codeOfAPointer = Run(arguments);
     providers.RemoveStringProvider(ThrowOnSecondBoom);
-    EXPECT_EQ(code, 256);
-    EXPECT_EQ(console.Err(), "Failed to move 'test-by-file arg.\n");
+    EXPECT_EQ(codeOfAValue, 256);
+    EXPECT_EQ(codeOfAPointer, 256);
+    const std::string message = "Failed to move 'test-by-file arg.\n";
+    EXPECT_EQ(console.Err(), message + message);
     EXPECT_EQ(CountCalls("StartSockets"), 0);
 }
 
