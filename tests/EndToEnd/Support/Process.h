@@ -61,6 +61,9 @@ public:
     /// What the program has written on standard output so far.
     std::string OutSoFar() const;
 
+    /// What the program has written on standard error so far.
+    std::string ErrSoFar() const;
+
 private:
     struct System;
     std::unique_ptr<System> m_system;

@@ -100,7 +100,7 @@ ProcessResult Process::Wait(double timeoutSeconds) {
     m_system->child = -1;
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     result.out = OutSoFar();
-    result.err = TestSupport::ReadBytes(m_system->output.Path("err"));
+    result.err = ErrSoFar();
     result.seconds = SecondsSince(m_system->start);
     result.peakBytes = static_cast<std::uint64_t>(usage.ru_maxrss) * 1024;
     return result;
@@ -137,6 +137,10 @@ std::vector<Interruption> Interruptions() {
 
 std::string Process::OutSoFar() const {
     return TestSupport::ReadBytes(m_system->output.Path("out"));
+}
+
+std::string Process::ErrSoFar() const {
+    return TestSupport::ReadBytes(m_system->output.Path("err"));
 }
 
 void KeepFromChildren(std::uint64_t nativeSocket) {

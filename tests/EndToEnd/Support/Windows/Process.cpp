@@ -137,7 +137,7 @@ ProcessResult Process::Wait(double timeoutSeconds) {
         ::WaitForSingleObject(child, INFINITE);
     }
     result.out = OutSoFar();
-    result.err = TestSupport::ReadBytes(m_system->output.Path("err"));
+    result.err = ErrSoFar();
     result.seconds = std::chrono::duration<double>(Clock::now() - m_system->start).count();
     return result;
 }
@@ -164,6 +164,10 @@ std::vector<Interruption> Interruptions() {
 
 std::string Process::OutSoFar() const {
     return TestSupport::ReadBytes(m_system->output.Path("out"));
+}
+
+std::string Process::ErrSoFar() const {
+    return TestSupport::ReadBytes(m_system->output.Path("err"));
 }
 
 void KeepFromChildren(std::uint64_t nativeSocket) {
