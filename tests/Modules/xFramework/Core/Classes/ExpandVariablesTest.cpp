@@ -38,6 +38,11 @@ protected:
             GlobalVariables().Remove(name);
     }
 
+    static std::string Expanded(std::string text) {
+        ExpandVariables(text);
+        return text;
+    }
+
 private:
     void Define(const std::string& name, const Value& value) { Enter(name, new Value(value)); }
 
@@ -62,21 +67,13 @@ TEST_F(ExpandVariablesTest, LongTextOfUnknownReferencesTakesNoLongerThanItsLengt
 }
 
 TEST_F(ExpandVariablesTest, TextThatBeginsWithAParenthesisClosesTheReferenceBeforeIt) {
-    std::string text = "$(B$(close)";
-    ExpandVariables(text);
-    EXPECT_EQ(text, "1");
-    text = "$(B$(close))";
-    ExpandVariables(text);
-    EXPECT_EQ(text, "1)");
+    EXPECT_EQ(Expanded("$(B$(close)"), "1");
+    EXPECT_EQ(Expanded("$(B$(close))"), "1)");
 }
 
 TEST_F(ExpandVariablesTest, ParenthesisBehindAReplacementClosesTheNextReference) {
-    std::string text = "$(B$(open)$(B))";
-    ExpandVariables(text);
-    EXPECT_EQ(text, "$(B(1)");
-    text = "$(A$(B)";
-    ExpandVariables(text);
-    EXPECT_EQ(text, "inner first");
+    EXPECT_EQ(Expanded("$(B$(open)$(B))"), "$(B(1)");
+    EXPECT_EQ(Expanded("$(A$(B)"), "inner first");
 }
 
 TEST_F(ExpandVariablesTest, ReferencesAreReplacedFromTheEndToTheFront) {
@@ -100,34 +97,24 @@ TEST_F(ExpandVariablesTest, ReferencesAreReplacedFromTheEndToTheFront) {
                        {"$(byte)", "A"}};
     for (const auto& row : cases) {
         SCOPED_TRACE(row.text);
-        std::string text = row.text;
-        ExpandVariables(text);
-        EXPECT_EQ(text, row.expanded);
+        EXPECT_EQ(Expanded(row.text), row.expanded);
     }
 }
 
 TEST_F(ExpandVariablesTest, ValueWithoutMetaTypeIsReplacedByNothing) {
-    std::string text = "[$(set)][$(nothing)]";
-    ExpandVariables(text);
-    EXPECT_EQ(text, "[][]");
+    EXPECT_EQ(Expanded("[$(set)][$(nothing)]"), "[][]");
 }
 
 TEST_F(ExpandVariablesTest, MemberThatIsNoValueLeavesTheReference) {
-    std::string text = "$(object)";
-    ExpandVariables(text);
-    EXPECT_EQ(text, "$(object)");
+    EXPECT_EQ(Expanded("$(object)"), "$(object)");
 }
 
 TEST_F(ExpandVariablesTest, InsertedReferencesAreNotExpanded) {
-    std::string text = "x$(reference)";
-    ExpandVariables(text);
-    EXPECT_EQ(text, "x$(B)");
+    EXPECT_EQ(Expanded("x$(reference)"), "x$(B)");
 }
 
 TEST_F(ExpandVariablesTest, DollarBeforeAnInsertedParenthesisBeginsAReference) {
-    std::string text = "$$(open)B)";
-    ExpandVariables(text);
-    EXPECT_EQ(text, "1");
+    EXPECT_EQ(Expanded("$$(open)B)"), "1");
 }
 
 TEST_F(ExpandVariablesTest, MessagesExpandTemplatesAndTextsButNotLiterals) {

@@ -451,6 +451,17 @@ TEST_F(ServiceDomainTest, ServiceThatIsBeingDeletedFindsNoneThatIsGone) {
     EXPECT_EQ(answers, (std::vector<IService*>{nullptr, nullptr}));
 }
 
+TEST_F(ServiceDomainTest, NameStaysThatOfTheServiceThatHadItFirst) {
+    std::vector<IService*> answers;
+    m_domain->RegisterService("younger", std::make_unique<AskingCreator>(answers));
+    IService* const first = m_domain->GetService("younger");
+    RaisedBy([this] { m_domain->CreateHolder("younger"); });
+    ServiceDomain* const domain = m_domain.release();
+    delete domain;
+    // The second service is deleted while the first one lives, and then the first one.
+    EXPECT_EQ(answers, (std::vector<IService*>{first, first, nullptr, nullptr}));
+}
+
 TEST_F(ServiceDomainTest, ServiceThatThrowsAtTheEndIsLoggedAndTheOthersAreStillDetached) {
     Register("a");
     Register("b", {.onDetach = [](ScriptedService&) { throw std::runtime_error("stuck"); }});
