@@ -1,6 +1,6 @@
 #include "Modules/xFramework/Streams/CDebugPrint.h"
 
-#include "tests/Support/VirtualSlot.h"
+#include "tests/Support/VirtualSlots.h"
 
 #include <gmock/gmock.h>
 
@@ -275,14 +275,11 @@ TEST(DebugPrintInstance, IsOneForTheWholeProcess) {
 }
 
 TEST(DebugPrintInterface, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
-    using TestSupport::VirtualSlot;
-    EXPECT_THAT(
-        (std::vector<std::size_t>{
-            VirtualSlot(&IDebugPrint::PrintText), VirtualSlot(&IDebugPrint::Print),
-            VirtualSlot(&IDebugPrint::SetThreshold), VirtualSlot(&IDebugPrint::GetThreshold),
-            VirtualSlot(&IDebugPrint::SetSink), VirtualSlot(&IDebugPrint::SetFormatter),
-            VirtualSlot(&IDebugPrint::FormatLine), VirtualSlot(&IDebugPrint::IsEnabled)}),
-        ElementsAre(0, 1, 2, 3, 4, 5, 6, 7));
+    EXPECT_THAT(TestSupport::VirtualSlots(&IDebugPrint::PrintText, &IDebugPrint::Print,
+                                          &IDebugPrint::SetThreshold, &IDebugPrint::GetThreshold,
+                                          &IDebugPrint::SetSink, &IDebugPrint::SetFormatter,
+                                          &IDebugPrint::FormatLine, &IDebugPrint::IsEnabled),
+                ElementsAre(0, 1, 2, 3, 4, 5, 6, 7));
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "Modules/xFramework/XML/Node.h"
 
-#include "tests/Support/VirtualSlot.h"
+#include "tests/Support/VirtualSlots.h"
 
 #include <gtest/gtest.h>
 
@@ -271,13 +271,10 @@ TEST(NodeTest, FirstResolverIsKeptAndTakesTheOthers) {
 }
 
 TEST(NodeTest, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
-    using TestSupport::VirtualSlot;
-    EXPECT_EQ((std::vector<std::size_t>{
-                  VirtualSlot(&Node::HasAttribute), VirtualSlot(&Node::FindAttribute),
-                  VirtualSlot(&Node::GetAttribute), VirtualSlot(&Node::SetAttribute),
-                  VirtualSlot(&Node::EnumerateAttributes), VirtualSlot(&Node::ExpandValue),
-                  VirtualSlot(&Node::GetExpandedValue), VirtualSlot(&Node::GetNumericValue),
-                  VirtualSlot(&Node::SetResolver)}),
+    EXPECT_EQ(TestSupport::VirtualSlots(
+                  &Node::HasAttribute, &Node::FindAttribute, &Node::GetAttribute,
+                  &Node::SetAttribute, &Node::EnumerateAttributes, &Node::ExpandValue,
+                  &Node::GetExpandedValue, &Node::GetNumericValue, &Node::SetResolver),
               (std::vector<std::size_t>{0, 1, 2, 3, 4, 5, 6, 7, 8}));
 }
 

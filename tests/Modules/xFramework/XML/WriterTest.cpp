@@ -1,7 +1,7 @@
 #include "Modules/xFramework/XML/Writer.h"
 
 #include "Modules/xFramework/XML/Base.h"
-#include "tests/Support/VirtualSlot.h"
+#include "tests/Support/VirtualSlots.h"
 
 #include <gtest/gtest.h>
 
@@ -352,13 +352,11 @@ TEST(WriterTest, WriterWithOpenElementsCanBeDestroyed) {
 }
 
 TEST(WriterTest, EventsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
-    using TestSupport::VirtualSlot;
     // The destructor stands first.
-    EXPECT_EQ((std::vector<std::size_t>{
-                  VirtualSlot(&IListener::StartDocument), VirtualSlot(&IListener::EndDocument),
-                  VirtualSlot(&IListener::Abort), VirtualSlot(&IListener::StartElement),
-                  VirtualSlot(&IListener::EndElement), VirtualSlot(&IListener::Attribute),
-                  VirtualSlot(&IListener::Text)}),
+    EXPECT_EQ(TestSupport::VirtualSlots(&IListener::StartDocument, &IListener::EndDocument,
+                                        &IListener::Abort, &IListener::StartElement,
+                                        &IListener::EndElement, &IListener::Attribute,
+                                        &IListener::Text),
               (std::vector<std::size_t>{2, 3, 4, 5, 6, 7, 8}));
 }
 

@@ -2,7 +2,7 @@
 
 #include "Modules/xFramework/Core/Classes/ServiceDomain.h"
 #include "tests/Modules/xFramework/Utilities/RaisedBy.h"
-#include "tests/Support/VirtualSlot.h"
+#include "tests/Support/VirtualSlots.h"
 
 #include <gtest/gtest.h>
 
@@ -23,17 +23,11 @@ public:
     ServiceDomain detachResult;
     std::vector<std::string> calls;
 
-    /// The places of the operations, counted from that of the first one.
+    /// The places of the operations.
     static std::vector<std::size_t> Slots() {
-        using TestSupport::VirtualSlot;
-        std::vector<std::size_t> slots{
-            VirtualSlot(&Service::IsAttached),       VirtualSlot(&HookedService::AttachHook),
-            VirtualSlot(&HookedService::DetachHook), VirtualSlot(&Service::OnAttach),
-            VirtualSlot(&Service::OnDetach),         VirtualSlot(&Service::GetDomain)};
-        const std::size_t first = slots.front();
-        for (std::size_t& slot : slots)
-            slot -= first;
-        return slots;
+        return TestSupport::VirtualSlots(&Service::IsAttached, &HookedService::AttachHook,
+                                         &HookedService::DetachHook, &Service::OnAttach,
+                                         &Service::OnDetach, &Service::GetDomain);
     }
 
 protected:
@@ -139,7 +133,8 @@ TEST(Service, AttachToNoDomainCallsTheHookAndCounts) {
 }
 
 TEST(Service, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
-    EXPECT_EQ(HookedService::Slots(), (std::vector<std::size_t>{0, 1, 2, 3, 4, 5}));
+    // The destructor stands first.
+    EXPECT_EQ(HookedService::Slots(), (std::vector<std::size_t>{2, 3, 4, 5, 6, 7}));
 }
 
 TEST(Service, DetachWhileDetachedFailsAnAssertion) {

@@ -3,7 +3,7 @@
 #include "Modules/xFramework/Streams/Sockets/SocketClientStream.h"
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
 #include "tests/Modules/xFramework/Utilities/RaisedBy.h"
-#include "tests/Support/VirtualSlot.h"
+#include "tests/Support/VirtualSlots.h"
 
 #include <gmock/gmock.h>
 
@@ -62,15 +62,13 @@ TEST_F(SocketStreamTest, PortIsTheFirstFourBytesUpToANul) {
 }
 
 TEST_F(SocketStreamTest, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
-    using TestSupport::VirtualSlot;
     // The destructor stands between the two groups.
-    EXPECT_THAT(
-        (std::vector<std::size_t>{
-            VirtualSlot(&SocketStream::ReadPort), VirtualSlot(&SocketStream::SendBuffer),
-            VirtualSlot(&SocketStream::ReceiveBuffer), VirtualSlot(&SocketStream::Reserved),
-            VirtualSlot(&SocketStream::CloseSocket), VirtualSlot(&SocketStream::IsMessageComplete),
-            VirtualSlot(&SocketClientStream::Send), VirtualSlot(&SocketClientStream::Receive)}),
-        ElementsAre(0, 1, 2, 3, 4, 5, 8, 9));
+    EXPECT_THAT(TestSupport::VirtualSlots(&SocketStream::ReadPort, &SocketStream::SendBuffer,
+                                          &SocketStream::ReceiveBuffer, &SocketStream::Reserved,
+                                          &SocketStream::CloseSocket,
+                                          &SocketStream::IsMessageComplete,
+                                          &SocketClientStream::Send, &SocketClientStream::Receive),
+                ElementsAre(0, 1, 2, 3, 4, 5, 8, 9));
 }
 
 TEST_F(SocketStreamTest, PortFileIsReadOnceWithFiveBytesAndClosed) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <vector>
 
 namespace TestSupport {
 
@@ -14,6 +15,12 @@ std::size_t VirtualSlot(Member member) {
     static_assert(sizeof member == sizeof words);
     std::memcpy(words, &member, sizeof words);
     return static_cast<std::size_t>(words[0] - 1) / sizeof(void*);
+}
+
+/// The places of several operations.
+template <typename... Members>
+std::vector<std::size_t> VirtualSlots(Members... members) {
+    return {VirtualSlot(members)...};
 }
 
 } // namespace TestSupport
