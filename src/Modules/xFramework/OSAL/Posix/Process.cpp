@@ -19,14 +19,23 @@ struct Pipe {
     FILE* stream;
 };
 
+namespace {
+
+/// Where a symbolic link leads; empty when it cannot be read.
+std::string ReadLinkTarget(const char* path) {
+    std::array<char, PATH_MAX> buffer;
+    const ssize_t length = ::readlink(path, buffer.data(), buffer.size());
+    return length <= 0 ? std::string() : std::string(buffer.data(), buffer.data() + length);
+}
+
+} // namespace
+
 void PrepareStandardStreams() {
-    // The system hands out the lowest free descriptor, so each open fills the lowest gap.
-    int descriptor = 0;
-    do {
-        descriptor = ::open("/dev/null", O_RDWR);
-    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
-    if (descriptor >= 0)
-        ::close(descriptor);
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // The system hands out the lowest free descriptor, which is this one: those below are open.
+        if (::fcntl(descriptor, F_GETFD) < 0)
+            ::open("/dev/null", O_RDWR);
+    }
 }
 
 int Sleep(std::uint32_t milliseconds) {
@@ -43,11 +52,11 @@ std::uint32_t GetLastError() {
 }
 
 bool ReadModulePath(std::string& path) {
-    std::array<char, PATH_MAX> buffer{};
-    const ssize_t length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
-    if (length <= 0)
+    // Asked once: it costs as much as opening a file, and each exchange needs it.
+    static const std::string modulePath = ReadLinkTarget("/proc/self/exe");
+    if (modulePath.empty())
         return false;
-    path.assign(buffer.data(), static_cast<std::size_t>(length));
+    path = modulePath;
     return true;
 }
 
