@@ -6,7 +6,8 @@ function(add_layer name)
     cmake_parse_arguments(layer "" "" "SOURCES;USES" ${ARGN})
     add_library(${name} STATIC ${layer_SOURCES})
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
-    target_link_libraries(${name} PUBLIC ${layer_USES} PRIVATE project_warnings project_hardening)
+    target_link_libraries(${name} PUBLIC ${layer_USES} PRIVATE project_warnings project_hardening
+        fast_start_objects)
 endfunction()
 
 # add_program(NAME SOURCES ... [USES library ...]): a program on the real operating system.

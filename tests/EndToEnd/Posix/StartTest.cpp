@@ -31,6 +31,35 @@ TEST(StartTest, ClosedStandardStreamsAreNotTakenForTheConnection) {
     }
 }
 
+TEST(StartTest, FindsThePortBesideTheProgramHoweverItIsStarted) {
+    ScriptedPeer peer([](Connection& connection, int) {
+        connection.ReadRequest();
+        connection.Send("hello\nDone");
+    });
+    const Bench bench;
+    bench.SetPort(peer.Port());
+    const Bench elsewhere;
+    const std::string program = std::filesystem::path(bench.ClientPath()).filename().string();
+    std::filesystem::create_symlink(bench.ClientPath(), elsewhere.Path("link"));
+    std::filesystem::create_directory_symlink(bench.Directory(), elsewhere.Path("links"));
+    for (const std::string& start : std::vector<std::string>{
+             "exec \"$0\"",
+             "cd \"${0%/*}\" && exec ./" + program,
+             "PATH=\"${0%/*}\" && exec " + program,
+             "exec ./link",
+             "exec \"$PWD/link\"",
+             "exec links/" + program,
+             "exec \"$PWD/./links//" + program + "\"",
+             "exec 9<\"$0\" && exec /dev/fd/9",
+         }) {
+        SCOPED_TRACE(start);
+        const ProcessResult result = EndToEnd::Run(
+            "/bin/sh", {"-c", start + " -x", bench.ClientPath()}, elsewhere.Directory());
+        EXPECT_EQ(result.exitCode, 0);
+        EXPECT_EQ(result.err, "");
+    }
+}
+
 TEST(StartTest, PipesInPlaceOfTheFilesDoNotHang) {
     const Bench bench;
     ASSERT_EQ(::mkfifo(bench.Path("SarvexToolCmds.txt").c_str(), 0600), 0);

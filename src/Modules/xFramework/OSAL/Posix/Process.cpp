@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/auxv.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -21,11 +23,29 @@ struct Pipe {
 
 namespace {
 
-/// Where a symbolic link leads; empty when it cannot be read.
-std::string ReadLinkTarget(const char* path) {
+/// The path that this program was started by, when it is absolute and not a link to the program.
+/// Empty otherwise.
+std::string StartedPath() {
+    const auto* const path = reinterpret_cast<const char*>(::getauxval(AT_EXECFN));
+    struct stat status;
+    const bool isModule =
+        path != nullptr && path[0] == '/' && ::lstat(path, &status) == 0 && S_ISREG(status.st_mode);
+    return isModule ? path : std::string();
+}
+
+/// The path of this program as the system knows it; empty when it cannot be read.
+std::string LinkedPath() {
     std::array<char, PATH_MAX> buffer;
-    const ssize_t length = ::readlink(path, buffer.data(), buffer.size());
+    const ssize_t length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
     return length <= 0 ? std::string() : std::string(buffer.data(), buffer.data() + length);
+}
+
+std::string FindModulePath() {
+    // Asked first because every exchange needs the path: the directory below /proc that the other
+    // way leads through is made when it is first looked at, and that takes longer than all else
+    // that reading the port takes.
+    std::string path = StartedPath();
+    return path.empty() ? LinkedPath() : path;
 }
 
 } // namespace
@@ -33,8 +53,8 @@ std::string ReadLinkTarget(const char* path) {
 void PrepareStandardStreams() {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         // The system hands out the lowest free descriptor, which is this one: those below are open.
-        if (::fcntl(descriptor, F_GETFD) < 0)
-            ::open("/dev/null", O_RDWR);
+        if (::fcntl(descriptor, F_GETFD) < 0 && ::open("/dev/null", O_RDWR) < 0)
+            return;
     }
 }
 
@@ -52,8 +72,7 @@ std::uint32_t GetLastError() {
 }
 
 bool ReadModulePath(std::string& path) {
-    // Asked once: it costs as much as opening a file, and each exchange needs it.
-    static const std::string modulePath = ReadLinkTarget("/proc/self/exe");
+    static const std::string modulePath = FindModulePath();
     if (modulePath.empty())
         return false;
     path = modulePath;
