@@ -19,7 +19,9 @@ namespace {
 using OSAL::Fake::TheWorld;
 
 struct Sorted {
-    Reply reply;
+    std::string information;
+    std::string error;
+    int returnCode = 0;
     std::string allLines;
     std::string problem;
 };
@@ -28,7 +30,10 @@ Sorted Sort(const std::string& message) {
     Sorted sorted;
     sorted.allLines = CutHttpHead(message);
     try {
-        sorted.reply = SortReply(sorted.allLines);
+        const Reply reply = SortReply(sorted.allLines);
+        sorted.information = reply.information.View();
+        sorted.error = reply.error.View();
+        sorted.returnCode = reply.returnCode;
     } catch (const std::exception& problem) {
         sorted.problem = problem.what();
     }
@@ -49,9 +54,9 @@ void CheckSorting(const std::string& message) {
     CheckEqual(sorted.problem, expected.problem, "a return code that is no number is told");
     if (!expected.problem.empty())
         return;
-    CheckEqual(sorted.reply.information, expected.information, "the information is sorted");
-    CheckEqual(sorted.reply.error, expected.error, "the errors are sorted");
-    CheckEqual(sorted.reply.returnCode, expected.returnCode, "the return code is the last one's");
+    CheckEqual(sorted.information, expected.information, "the information is sorted");
+    CheckEqual(sorted.error, expected.error, "the errors are sorted");
+    CheckEqual(sorted.returnCode, expected.returnCode, "the return code is the last one's");
 }
 
 } // namespace

@@ -34,8 +34,8 @@ auto FindArgument(List& arguments, const std::string& name) {
 }
 
 void Print(const Reply& reply) {
-    std::cout << reply.information << std::flush;
-    std::cerr << reply.error << std::flush;
+    std::cout << reply.information.View() << std::flush;
+    std::cerr << reply.error.View() << std::flush;
 }
 
 } // namespace

@@ -25,19 +25,16 @@ const Marker* FindMarker(std::string_view line) {
     return found == markers.end() ? nullptr : found;
 }
 
-/// Sorts lines that each end in a line feed. Neighbouring lines of one section are copied in one
+/// Sorts lines that each end in a line feed. Neighbouring lines of one section are taken in one
 /// piece: an answer may have a million of them.
 class LineSorter {
 public:
-    explicit LineSorter(std::string& lines) : m_lines(lines) {
-        // Room that nothing is written to costs nothing.
-        m_reply.information.reserve(lines.size());
-    }
+    explicit LineSorter(std::string& lines) : m_lines(lines) {}
 
     Reply Sort() {
         while (m_lineStart < m_lines.size())
             TakeLine();
-        CopySection();
+        TakeSection();
         return std::move(m_reply);
     }
 
@@ -47,7 +44,7 @@ private:
         const auto line = std::string_view(m_lines).substr(m_lineStart, lineEnd - m_lineStart);
         const Marker* const marker = FindMarker(line);
         if (marker != nullptr)
-            CopySection();
+            TakeSection();
         m_lineStart = lineEnd + 1;
         if (marker != nullptr)
             OpenSection(marker->section);
@@ -71,14 +68,14 @@ private:
         OpenSection(Section::Ignored);
     }
 
-    /// Copies the lines of the open section, up to the one at hand, to the section's text.
-    void CopySection() {
+    /// Adds the lines of the open section, up to the one at hand, to the section's text.
+    void TakeSection() {
         const auto lines =
             std::string_view(m_lines).substr(m_sectionStart, m_lineStart - m_sectionStart);
         if (m_section == Section::Information)
-            m_reply.information += lines;
+            m_reply.information.Append(lines);
         else if (m_section == Section::Error)
-            m_reply.error += lines;
+            m_reply.error.Append(lines);
     }
 
     std::string& m_lines;
@@ -91,8 +88,8 @@ private:
 
 bool SaysUncalibrated(const Reply& reply) {
     constexpr std::string_view word = "uncalibrated";
-    return reply.information.find(word) != std::string::npos ||
-           reply.error.find(word) != std::string::npos;
+    return reply.information.View().find(word) != std::string_view::npos ||
+           reply.error.View().find(word) != std::string_view::npos;
 }
 
 } // namespace

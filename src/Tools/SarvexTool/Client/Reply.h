@@ -1,14 +1,16 @@
 #pragma once
 
+#include "Tools/SarvexTool/Client/SectionText.h"
+
 #include <cstdint>
 #include <string>
 
 /// What one answer of the daemon says.
 struct Reply {
     /// For standard output; each line ends in a line feed.
-    std::string information;
+    SectionText information;
     /// For standard error; each line ends in a line feed.
-    std::string error;
+    SectionText error;
     /// 0 when the answer gives none; 10 when it says "uncalibrated".
     std::int32_t returnCode = 0;
 };
@@ -19,7 +21,7 @@ std::string CutHttpHead(std::string answer);
 
 /// Sorts the lines of an answer's body into the sections that its marker lines open, and reads the
 /// return code. Makes a list of lines of the body itself, which may be long: every line, markers
-/// and an empty last one included, followed by a line feed. Throws what Utilities::StringToInt
-/// throws when the line after the return-code marker holds no number; the list then ends with that
-/// line.
+/// and an empty last one included, followed by a line feed. The sections refer to it. Throws what
+/// Utilities::StringToInt throws when the line after the return-code marker holds no number; the
+/// list then ends with that line.
 Reply SortReply(std::string& body);

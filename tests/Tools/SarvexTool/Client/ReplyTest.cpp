@@ -47,6 +47,12 @@ TEST(ReplyTest, LinesAreSortedByTheMarkersBeforeThem) {
         {"all sections", "Sarvex tool INFO\ni\nSarvex tool ERROR\ne\nSarvex tool RETURN CODE\n7",
          "i\n", "e\n", 7,
          "Sarvex tool INFO\ni\nSarvex tool ERROR\ne\nSarvex tool RETURN CODE\n7\n"},
+        {"sections in several places",
+         "a\nSarvex tool ERROR\nb\nSarvex tool INFO\nc\nSarvex tool ERROR\nd\nSarvex tool INFO\n"
+         "Sarvex tool INFO\ne",
+         "a\nc\ne\n", "b\nd\n", 0,
+         "a\nSarvex tool ERROR\nb\nSarvex tool INFO\nc\nSarvex tool ERROR\nd\nSarvex tool INFO\n"
+         "Sarvex tool INFO\ne\n"},
         {"error section ends the body", "Sarvex tool ERROR\ne\n", "", "e\n\n", 0,
          "Sarvex tool ERROR\ne\n\n"},
         {"lines behind the code are ignored", "Sarvex tool RETURN CODE\n3\n4\nx\n", "", "", 3,
@@ -79,8 +85,8 @@ TEST(ReplyTest, LinesAreSortedByTheMarkersBeforeThem) {
         SCOPED_TRACE(row.name);
         std::string allLines = row.body;
         const Reply reply = SortReply(allLines);
-        EXPECT_EQ(reply.information, row.information);
-        EXPECT_EQ(reply.error, row.error);
+        EXPECT_EQ(reply.information.View(), row.information);
+        EXPECT_EQ(reply.error.View(), row.error);
         EXPECT_EQ(reply.returnCode, row.returnCode);
         EXPECT_EQ(allLines, row.allLines);
     }
@@ -90,9 +96,9 @@ TEST(ReplyTest, AnswerWithCrLfLinesIsAllInformation) {
     std::string allLines =
         "Sarvex tool INFO\r\ni\r\nSarvex tool ERROR\r\ne\r\nSarvex tool RETURN CODE\r\n3\r\n";
     const Reply reply = SortReply(allLines);
-    EXPECT_EQ(reply.information, "Sarvex tool INFO\r\ni\r\nSarvex tool ERROR\r\ne\r\n"
-                                 "Sarvex tool RETURN CODE\r\n3\r\n\n");
-    EXPECT_EQ(reply.error, "");
+    EXPECT_EQ(reply.information.View(), "Sarvex tool INFO\r\ni\r\nSarvex tool ERROR\r\ne\r\n"
+                                        "Sarvex tool RETURN CODE\r\n3\r\n\n");
+    EXPECT_EQ(reply.error.View(), "");
     EXPECT_EQ(reply.returnCode, 0);
 }
 
