@@ -3,12 +3,13 @@
 // body's length, or none where something is refused or fails before; both outputs hold what the
 // answer's sections say; the exit code is 0 for the bare call, 1 without a connection, 258 without
 // the wanted daemon, 256 for an error on the client's side and otherwise the answer's, or the
-// test's.
+// test's. No exception is left undeleted.
 //
 // Input: a character whose low bits choose what fails, then groups with the arguments and with the
 // pieces of the answer, one record each, and one with the command table.
 
 #include "Modules/xFramework/Core/Classes/Value.h"
+#include "Modules/xFramework/Utilities/Exception.h"
 #include "Tools/SarvexTool/Client/CommandTable.h"
 #include "Tools/SarvexTool/Client/EntryPoint.h"
 #include "Tools/SarvexTool/Client/UsageText.h"
@@ -285,5 +286,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Scene scene(ToText(data, size));
     Script(scene);
     CheckRun(scene, PlainRun(scene).Run());
+    Check(Utilities::Exception::GetLiveCount() == 0, "every exception is deleted");
     return 0;
 }

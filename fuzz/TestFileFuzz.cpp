@@ -2,10 +2,11 @@
 // the pauses, ends with the result and writes the rows of result.csv, byte for byte, that a plain
 // run by the rules gives. result.xml is empty after a failed run and otherwise holds one
 // measurement for each row; where no text holds markup, a reader of XML finds exactly the
-// measurements of the plain run.
+// measurements of the plain run. No exception is left undeleted.
 //
 // Input: a group with the test file, then one with the pieces of the answers, one record each.
 
+#include "Modules/xFramework/Utilities/Exception.h"
 #include "Modules/xFramework/Utilities/Log.h"
 #include "Modules/xFramework/Utilities/LogPrinter.h"
 #include "Modules/xFramework/Utilities/SingletonWrapper.h"
@@ -163,5 +164,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CheckCommands(expected);
     CheckEqual(ReadFile("result.csv"), expected.csv, "result.csv holds a row for each line");
     CheckXml(expected);
+    Check(Utilities::Exception::GetLiveCount() == 0, "every exception is deleted");
     return 0;
 }

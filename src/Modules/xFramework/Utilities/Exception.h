@@ -2,6 +2,8 @@
 
 #include "Modules/xFramework/Utilities/ErrorLocation.h"
 
+#include <atomic>
+#include <cstdint>
 #include <exception>
 #include <string>
 
@@ -13,14 +15,20 @@ namespace Utilities {
 class Exception : public std::exception {
 public:
     /// Copies the message; there is no location yet.
-    explicit Exception(const std::string& message) : m_message(message) {}
+    explicit Exception(const std::string& message) : m_message(message) { ++s_liveCount; }
 
     /// Shallow on purpose: the copy points at the location that the source still owns. Exceptions
     /// travel by pointer and are not copied on any road that destroys both.
-    Exception(const Exception& other) = default;
+    Exception(const Exception& other)
+        : std::exception(other), m_message(other.m_message), m_pLocation(other.m_pLocation) {
+        ++s_liveCount;
+    }
     Exception& operator=(const Exception&) = delete;
 
-    ~Exception() override { delete m_pLocation; }
+    ~Exception() override {
+        delete m_pLocation;
+        --s_liveCount;
+    }
 
     const char* what() const noexcept override { return m_message.c_str(); }
 
@@ -33,7 +41,13 @@ public:
     /// The location, null when none was set; the exception owns it.
     const ErrorLocation* GetLocation() const { return m_pLocation; }
 
+    /// How many exceptions there are in the process. While none is on its way there is none, or a
+    /// handler forgot to delete one.
+    static std::int64_t GetLiveCount() { return s_liveCount; }
+
 private:
+    inline static std::atomic<std::int64_t> s_liveCount = 0;
+
     std::string m_message;
     ErrorLocation* m_pLocation = nullptr;
 };

@@ -69,16 +69,22 @@ TEST(Exception, IsDeletedThroughItsStandardBase) {
     EXPECT_EQ(alive, 0);
 }
 
+/// Outlives those that delete it, so that two can.
+class LastingLocation : public ErrorLocation {
+public:
+    using ErrorLocation::ErrorLocation;
+
+    void operator delete(LastingLocation* /*location*/, std::destroying_delete_t) {}
+};
+
 TEST(Exception, CopyPointsAtTheLocationOfItsSource) {
-    int alive = 0;
+    LastingLocation location("file", 1, "function");
     Exception source("message");
-    source.SetLocation(new CountedLocation(alive, 1));
-    // Never destroyed: a second owner would delete the location once more.
-    alignas(Exception) std::byte place[sizeof(Exception)];
-    const Exception* const copy = new (place) Exception(source);
-    EXPECT_EQ(copy->GetLocation(), source.GetLocation());
-    EXPECT_STREQ(copy->what(), "message");
-    EXPECT_EQ(alive, 1);
+    source.SetLocation(&location);
+    const Exception copy(source);
+    EXPECT_EQ(copy.GetLocation(), &location);
+    EXPECT_EQ(source.GetLocation(), &location);
+    EXPECT_STREQ(copy.what(), "message");
 }
 
 /// How a handler of the given type sees a framework exception.
@@ -100,6 +106,16 @@ TEST(Exception, IsCaughtAsAPointerToEachOfItsBases) {
     EXPECT_TRUE(IsCaughtAs<std::exception>());
     EXPECT_TRUE(IsCaughtAs<void>());
     EXPECT_FALSE(IsCaughtAs<ErrorLocation>());
+}
+
+TEST(Exception, CountsThoseThatLive) {
+    const std::int64_t before = Exception::GetLiveCount();
+    {
+        const Exception first("first");
+        const Exception copy(first);
+        EXPECT_EQ(Exception::GetLiveCount(), before + 2);
+    }
+    EXPECT_EQ(Exception::GetLiveCount(), before);
 }
 
 } // namespace
