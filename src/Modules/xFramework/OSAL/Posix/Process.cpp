@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <bit>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
@@ -26,7 +27,7 @@ namespace {
 /// The path that this program was started by, when it is absolute and not a link to the program.
 /// Empty otherwise.
 std::string StartedPath() {
-    const auto* const path = reinterpret_cast<const char*>(::getauxval(AT_EXECFN));
+    const auto* const path = std::bit_cast<const char*>(::getauxval(AT_EXECFN));
     struct stat status;
     const bool isModule =
         path != nullptr && path[0] == '/' && ::lstat(path, &status) == 0 && S_ISREG(status.st_mode);
