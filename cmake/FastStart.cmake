@@ -4,7 +4,8 @@
 #   tables that only the construction of values would need: half of the addresses that have to be
 #   corrected at every start. Each function and table gets a section of its own for that, or the linker
 #   could not drop it;
-# - has its constants in the same segment as its code, which is two mappings less.
+# - has its constants in the same segment as its code, which is two mappings less; the price is that
+#   the system would let them be executed.
 #
 # The objects of the layers hold machine code besides, which all other programs link as ever.
 add_library(fast_start_objects INTERFACE)

@@ -200,14 +200,17 @@ TEST_F(ExchangeTest, AnswerOfAHundredMebibytesIsProcessedWithinFiveTimesItsSize)
 #endif
     struct Case {
         const char* section;
+        const char* before;
         char filler;
         std::size_t size;
         std::string ProcessResult::*printed;
     };
-    for (const Case& row : {Case{"Sarvex tool INFO\n", 'x', full, &ProcessResult::out},
-                            Case{"Sarvex tool INFO\n", '\n', others, &ProcessResult::out},
-                            Case{"Sarvex tool ERROR\n", 'x', others, &ProcessResult::err},
-                            Case{"Sarvex tool ERROR\n", '\n', others, &ProcessResult::err}}) {
+    // The last answer has its section in two places, which are joined.
+    const std::string twice = "Sarvex tool ERROR\nfirst\nSarvex tool ERROR\n";
+    for (const Case& row : {Case{"Sarvex tool INFO\n", "", 'x', full, &ProcessResult::out},
+                            Case{"Sarvex tool INFO\n", "", '\n', others, &ProcessResult::out},
+                            Case{"Sarvex tool ERROR\n", "", 'x', others, &ProcessResult::err},
+                            Case{twice.c_str(), "first\n", '\n', others, &ProcessResult::err}}) {
         SCOPED_TRACE(row.section + testing::PrintToString(row.filler));
         const std::size_t size = row.size;
         const ProcessResult result = Exchange({"-x"}, [&](Connection& connection) {
@@ -216,7 +219,8 @@ TEST_F(ExchangeTest, AnswerOfAHundredMebibytesIsProcessedWithinFiveTimesItsSize)
         });
         EXPECT_EQ(result.exitCode, 0);
         // Too long for a message.
-        EXPECT_TRUE(result.*row.printed == TextMode(std::string(size, row.filler) + "\n"));
+        EXPECT_TRUE(result.*row.printed ==
+                    TextMode(row.before + std::string(size, row.filler) + "\n"));
         EXPECT_EQ(result.out.size() + result.err.size(), (result.*row.printed).size());
         EXPECT_GT(result.peakBytes, size);
         EXPECT_LT(result.peakBytes, PEAK_LIMIT_FACTOR * size);

@@ -42,6 +42,8 @@ TEST(StartTest, FindsThePortBesideTheProgramHoweverItIsStarted) {
     const std::string program = std::filesystem::path(bench.ClientPath()).filename().string();
     std::filesystem::create_symlink(bench.ClientPath(), elsewhere.Path("link"));
     std::filesystem::create_directory_symlink(bench.Directory(), elsewhere.Path("links"));
+    elsewhere.Write("script", "#!" + bench.ClientPath() + "\n");
+    std::filesystem::permissions(elsewhere.Path("script"), std::filesystem::perms::owner_all);
     for (const std::string& start : std::vector<std::string>{
              "exec \"$0\"",
              "cd \"${0%/*}\" && exec ./" + program,
@@ -51,6 +53,7 @@ TEST(StartTest, FindsThePortBesideTheProgramHoweverItIsStarted) {
              "exec links/" + program,
              "exec \"$PWD/./links//" + program + "\"",
              "exec 9<\"$0\" && exec /dev/fd/9",
+             "exec \"$PWD/script\"",
          }) {
         SCOPED_TRACE(start);
         const ProcessResult result = EndToEnd::Run(

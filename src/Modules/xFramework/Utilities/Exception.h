@@ -41,8 +41,8 @@ public:
     /// The location, null when none was set; the exception owns it.
     const ErrorLocation* GetLocation() const { return m_pLocation; }
 
-    /// How many exceptions there are in the process. While none is on its way there is none, or a
-    /// handler forgot to delete one.
+    /// How many exceptions there are in the process: 0 outside the handling of one, unless a
+    /// handler forgot to delete its own.
     static std::int64_t GetLiveCount() { return s_liveCount; }
 
 private:

@@ -21,7 +21,7 @@ std::string CutHttpHead(std::string answer);
 
 /// Sorts the lines of an answer's body into the sections that its marker lines open, and reads the
 /// return code. Makes a list of lines of the body itself, which may be long: every line, markers
-/// and an empty last one included, followed by a line feed. The sections refer to it. Throws what
-/// Utilities::StringToInt throws when the line after the return-code marker holds no number; the
-/// list then ends with that line.
+/// and an empty last one included, followed by a line feed. The sections look at it: it has to
+/// outlive the reply as it is. Throws what Utilities::StringToInt throws when the line after the
+/// return-code marker holds no number; the list then ends with that line.
 Reply SortReply(std::string& body);

@@ -9,18 +9,21 @@
 class SectionText {
 public:
     void Append(std::string_view lines) {
-        if (View().empty()) {
+        if (View().empty())
             m_onlyPiece = lines;
-            return;
-        }
-        if (m_joinedPieces.empty())
-            m_joinedPieces = m_onlyPiece;
-        m_joinedPieces += lines;
+        else if (!lines.empty())
+            Join(lines);
     }
 
     std::string_view View() const { return m_joinedPieces.empty() ? m_onlyPiece : m_joinedPieces; }
 
 private:
+    void Join(std::string_view lines) {
+        if (m_joinedPieces.empty())
+            m_joinedPieces = m_onlyPiece;
+        m_joinedPieces += lines;
+    }
+
     std::string_view m_onlyPiece;
     std::string m_joinedPieces;
 };

@@ -31,8 +31,8 @@ TEST(CommandTableTest, LinesHoldANameAndACount) {
 }
 
 TEST(CommandTableTest, NamesBecomeLowerCaseAndTheFirstOfANameWins) {
-    EXPECT_THAT(Read("-ExIT 1\n-exit 2\n-EXIT 3\n\xC4z 4\n"),
-                ElementsAre(Pair("-exit", 1), Pair("\xC4z", 4)));
+    EXPECT_THAT(Read("-ExIT 1\n-exit 2\n-EXIT 3\n@AZ[ 4\n\xC4z 5\n"),
+                ElementsAre(Pair("-exit", 1), Pair("@az[", 4), Pair("\xC4z", 5)));
 }
 
 TEST(CommandTableTest, OneMalformedLineEmptiesTheTable) {

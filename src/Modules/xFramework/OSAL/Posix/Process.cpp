@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 
 namespace OSAL {
@@ -24,14 +25,15 @@ struct Pipe {
 
 namespace {
 
-/// The path that this program was started by, when it is absolute and not a link to the program.
-/// Empty otherwise.
+/// The path that this program was started by, when that is absolute and leads to the program
+/// itself. Empty otherwise: also for a link, and for a script whose interpreter this program is,
+/// which then has another name than the script.
 std::string StartedPath() {
     const auto* const path = std::bit_cast<const char*>(::getauxval(AT_EXECFN));
+    if (path == nullptr || path[0] != '/' || std::strcmp(path, program_invocation_name) != 0)
+        return {};
     struct stat status;
-    const bool isModule =
-        path != nullptr && path[0] == '/' && ::lstat(path, &status) == 0 && S_ISREG(status.st_mode);
-    return isModule ? path : std::string();
+    return ::lstat(path, &status) == 0 && S_ISREG(status.st_mode) ? path : std::string();
 }
 
 /// The path of this program as the system knows it; empty when it cannot be read.
@@ -42,9 +44,8 @@ std::string LinkedPath() {
 }
 
 std::string FindModulePath() {
-    // Asked first because every exchange needs the path: the directory below /proc that the other
-    // way leads through is made when it is first looked at, and that takes longer than all else
-    // that reading the port takes.
+    // Looking below /proc/self for the first time makes the system build that directory, which
+    // takes longer than reading the port does. Every exchange would pay for it.
     std::string path = StartedPath();
     return path.empty() ? LinkedPath() : path;
 }
