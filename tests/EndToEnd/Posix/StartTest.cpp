@@ -11,7 +11,8 @@ namespace EndToEnd {
 namespace {
 
 TEST(StartTest, ClosedStandardStreamsAreNotTakenForTheConnection) {
-    for (const std::string closing : {"<&- >&- 2>&-", ">&-", "2>&-"}) {
+    for (const std::string closing :
+         {"<&- >&- 2>&-", "<&- >&-", "<&- 2>&-", ">&- 2>&-", "<&-", ">&-", "2>&-"}) {
         SCOPED_TRACE(closing);
         std::string behindTheAnswer;
         {

@@ -198,6 +198,16 @@ TEST_F(Printer, RemovesTheChannelOfTheNameOnly) {
     EXPECT_THAT(lines, ElementsAre("first: x", "third: x"));
 }
 
+TEST_F(Printer, ForgetsTheNameOfARemovedChannel) {
+    AddChannel("a", &first);
+    printer.RemoveDevice("a");
+    printer.SetLevelMask("a", 0);
+    printer.RemoveDevice("a");
+    AddChannel("b", &second);
+    Send("x");
+    EXPECT_THAT(lines, ElementsAre("second: x"));
+}
+
 TEST_F(Printer, IgnoresNamesThatItDoesNotKnow) {
     BarredFormatter barred;
     MessageFilter filter("never");

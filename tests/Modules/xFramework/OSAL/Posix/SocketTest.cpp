@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <set>
 #include <string>
 
 namespace OSAL {
@@ -49,6 +50,20 @@ TEST(PosixSocket, HandleIsNeverThatOfAnEarlierSocket) {
     EXPECT_EQ(CloseSocket(first), SocketError);
     EXPECT_EQ(AllowAddressReuse(second), 0);
     EXPECT_EQ(CloseSocket(second), 0);
+    FreeAddress(address);
+}
+
+TEST(PosixSocket, ManyAreOpenAtOnceAndTheNextHandleIsNobodys) {
+    AddressInfo* const address = ResolveAddress("127.0.0.1", "1");
+    std::set<SocketHandle> sockets;
+    for (int count = 0; count < 40; ++count)
+        sockets.insert(CreateSocket(address));
+    EXPECT_EQ(sockets.size(), 40U);
+    EXPECT_EQ(CloseSocket(*sockets.rbegin() + 1), SocketError);
+    for (const SocketHandle socket : sockets) {
+        EXPECT_EQ(AllowAddressReuse(socket), 0);
+        EXPECT_EQ(CloseSocket(socket), 0);
+    }
     FreeAddress(address);
 }
 
