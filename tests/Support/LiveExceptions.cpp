@@ -21,9 +21,9 @@ class LiveExceptionCheck : public testing::EmptyTestEventListener {
 };
 
 [[maybe_unused]] const bool added = [] {
-    // Before the framework's own listener, which tells how a test has ended.
-    testing::TestEventListeners& listeners = testing::UnitTest::GetInstance()->listeners();
-    listeners.Append(new LiveExceptionCheck);
+    // At the end of a test the listener that was added last is asked first: the framework's own,
+    // which tells how the test has ended, knows of a failure here.
+    testing::UnitTest::GetInstance()->listeners().Append(new LiveExceptionCheck);
     return true;
 }();
 
