@@ -15,7 +15,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 PROGRAMS = pathlib.Path(sys.argv[1])
 PAGES = [ROOT / "README.md", *sorted((ROOT / "docs").glob("*.md"))]
 SOURCE_FOLDERS = ("Modules/", "Tools/")
-TREE_FOLDERS = ("src/", "tests/", "bench/", "fuzz/", "docs/", "examples/", "scripts/", "cmake/")
+TREE_FOLDERS = ("src/", "tests/", "benchmarks/", "fuzz/", "docs/", "examples/", "scripts/", "cmake/")
 
 
 def links(page):

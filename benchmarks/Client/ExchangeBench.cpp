@@ -3,8 +3,8 @@
 //
 // usage: exchange_bench CLIENT BARE [ROUNDS]
 
-#include "bench/Client/AnsweringPeer.h"
-#include "bench/Client/TimedProcess.h"
+#include "benchmarks/Client/AnsweringPeer.h"
+#include "benchmarks/Client/TimedProcess.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "bench/Client/TimedProcess.h"
+#include "benchmarks/Client/TimedProcess.h"
 
 #include <fcntl.h>
 #include <spawn.h>

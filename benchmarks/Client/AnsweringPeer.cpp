@@ -1,4 +1,4 @@
-#include "bench/Client/AnsweringPeer.h"
+#include "benchmarks/Client/AnsweringPeer.h"
 
 #include "Tools/SarvexTool/Client/Request.h"
 #include "tests/EndToEnd/Support/ScriptedPeer.h"
