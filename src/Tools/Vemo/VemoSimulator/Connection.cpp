@@ -62,7 +62,9 @@ struct Connection::Outgoing {
 Connection::Connection(asio::ip::tcp::socket socket, ConnectionContext& context)
     : m_socket(std::move(socket)), m_context(context), m_pIncoming(std::make_unique<Incoming>()) {}
 
-Connection::~Connection() = default;
+Connection::~Connection() {
+    Close();
+}
 
 void Connection::Start() {
     error_code ignored;
@@ -145,13 +147,18 @@ void Connection::EndAnswer() {
 }
 
 void Connection::ApplyEnding(Ending ending) {
-    error_code ignored;
     if (ending == Ending::Reset)
         Reset();
     else if (ending == Ending::Close || m_hasClientClosed)
         Close();
     else if (ending == Ending::HalfClose)
-        m_socket.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
+        HalfClose();
+}
+
+void Connection::HalfClose() {
+    error_code ignored;
+    m_socket.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
+    m_placeInAnswered = m_context.answered.insert(m_context.answered.end(), this);
 }
 
 void Connection::WatchClient() {
@@ -174,7 +181,17 @@ void Connection::OnClientClosed(const error_code& error) {
     Close();
 }
 
+bool Connection::CloseOldestAnswered(ConnectionContext& context) {
+    if (context.answered.empty())
+        return false;
+    context.answered.front()->Close();
+    return true;
+}
+
 void Connection::Close() {
+    if (m_placeInAnswered)
+        m_context.answered.erase(*m_placeInAnswered);
+    m_placeInAnswered.reset();
     error_code ignored;
     m_socket.close(ignored);
 }

@@ -7,10 +7,14 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <list>
 #include <memory>
+#include <optional>
 #include <ostream>
 
 namespace VemoSimulator {
+
+class Connection;
 
 /// What all connections of a server share.
 struct ConnectionContext {
@@ -19,7 +23,10 @@ struct ConnectionContext {
     std::uint64_t bodyLimit;
     /// Called when an answer that ends the program has been sent.
     std::function<void()> endProgram;
-    /// Takes what clients send behind their request; nobody reads it.
+    /// Those whose answer is sent and whose sending side is closed, the oldest first: they only
+    /// wait for their clients to close.
+    std::list<Connection*> answered;
+    /// Takes what clients send after their request; nobody reads it.
     std::array<char, 65536> scratch;
 };
 
@@ -33,6 +40,11 @@ public:
 
     void Start();
 
+    /// Closes the connection that was answered first, so that its descriptor is free at once; false
+    /// when there is none. Its client has been told that no more bytes come, still gets those that
+    /// are on their way, and sees nothing of it.
+    static bool CloseOldestAnswered(ConnectionContext& context);
+
 private:
     struct Incoming;
     struct Outgoing;
@@ -45,6 +57,7 @@ private:
     void OnPieceSent(const boost::system::error_code& error, std::size_t size);
     void EndAnswer();
     void ApplyEnding(Ending ending);
+    void HalfClose();
     void WatchClient();
     void OnClientClosed(const boost::system::error_code& error);
     void Close();
@@ -57,6 +70,7 @@ private:
     std::unique_ptr<Incoming> m_pIncoming;
     std::unique_ptr<Outgoing> m_pOutgoing;
     bool m_hasClientClosed = false;
+    std::optional<std::list<Connection*>::iterator> m_placeInAnswered;
 };
 
 } // namespace VemoSimulator

@@ -43,6 +43,12 @@ bool IsPortTaken(const error_code& error) {
     return error == asio::error::address_in_use || error == asio::error::access_denied;
 }
 
+bool IsOutOfDescriptors(const error_code& error) {
+    using namespace boost::system::errc;
+    return error == too_many_files_open || error == too_many_files_open_in_system ||
+           error == no_buffer_space;
+}
+
 /// Tries each port once, from one chosen by chance: programs started together seldom meet.
 error_code ListenAtFreePort(tcp::acceptor& acceptor, const asio::ip::address& address) {
     constexpr unsigned count = highestFourDigitPort - lowestFourDigitPort + 1;
@@ -68,7 +74,7 @@ asio::ip::address ParseAddress(const std::string& text) {
 class Server::Implementation {
 public:
     Implementation(const ServerSettings& settings, IRequestHandler& handler, std::ostream& log)
-        : m_context{handler, log, settings.bodyLimit, [this] { m_ioContext.stop(); }, {}},
+        : m_context{handler, log, settings.bodyLimit, [this] { m_ioContext.stop(); }, {}, {}},
           m_acceptor(m_ioContext),
           m_retryTimer(m_ioContext),
           m_signals(m_ioContext, SIGINT, SIGTERM, VEMO_CONSOLE_CLOSE_SIGNAL) {
@@ -92,13 +98,20 @@ private:
     void Accept() {
         m_acceptor.async_accept([this](const error_code& error, tcp::socket socket) {
             if (error)
-                return AcceptLater(error);
+                return OnAcceptFailure(error);
             std::make_shared<Connection>(std::move(socket), m_context)->Start();
             Accept();
         });
     }
 
-    /// Out of descriptors, for one: that may pass when clients close.
+    void OnAcceptFailure(const error_code& error) {
+        // Clients may keep thousands of connections until they end.
+        if (IsOutOfDescriptors(error) && Connection::CloseOldestAnswered(m_context))
+            return Accept();
+        AcceptLater(error);
+    }
+
+    /// That may pass: when all connections are at work, an answer is sent some time.
     void AcceptLater(const error_code& error) {
         constexpr std::chrono::milliseconds pause(100);
         m_context.log << "A connection cannot be accepted: " << error.message() << std::endl;

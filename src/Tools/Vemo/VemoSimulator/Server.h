@@ -20,7 +20,8 @@ struct ServerSettings {
 };
 
 /// Takes requests over TCP connections, one each, and sends what the handler answers. A connection
-/// stays open until its client closes it; thousands may be open at once.
+/// stays open until its client closes it; thousands may be open at once. When the system has no
+/// descriptor for a new one, the connection that was answered first is closed for it.
 class Server {
 public:
     /// Listens from now on. The handler and the log, which gets a line for each problem, outlive

@@ -1,3 +1,4 @@
+#include "tests/EndToEnd/Support/Bench.h"
 #include "tests/Tools/Vemo/VemoSimulator/Support/Peer.h"
 #include "tests/Tools/Vemo/VemoSimulator/Support/RunningSimulator.h"
 
@@ -14,6 +15,9 @@ namespace {
 /// The real program with so few descriptors that it can hold ten connections or so.
 class LimitedSimulator {
 public:
+    explicit LimitedSimulator(const std::vector<std::string>& options = {})
+        : m_process("/bin/sh", ShellCommand(options), m_directory.Path()) {}
+
     std::uint16_t Port() const { return m_port; }
 
     /// Whether the program tells within some seconds that it cannot accept a connection.
@@ -33,12 +37,45 @@ public:
     }
 
 private:
+    static std::vector<std::string> ShellCommand(const std::vector<std::string>& options) {
+        std::vector<std::string> command = {"-c", "ulimit -n 16 && exec \"$0\" \"$@\"",
+                                            SimulatorPath(), "--port", "0"};
+        command.insert(command.end(), options.begin(), options.end());
+        return command;
+    }
+
     TestSupport::TemporaryDirectory m_directory;
-    EndToEnd::Process m_process{"/bin/sh",
-                                {"-c", "ulimit -n 16 && exec \"$0\" --port 0", SimulatorPath()},
-                                m_directory.Path()};
+    EndToEnd::Process m_process;
     std::uint16_t m_port = PortIn(WaitForLine(m_process));
 };
+
+/// Peers that have their answers and keep their connections, more than the program can hold.
+std::vector<Peer> ExchangeAndStay(std::uint16_t port) {
+    std::vector<Peer> peers;
+    for (int number = 0; number < 100; ++number) {
+        Peer& peer = peers.emplace_back(port);
+        peer.SendCommand("CLI -1 ");
+        EXPECT_THAT(peer.ReadToEnd(), testing::EndsWith("Done"));
+    }
+    return peers;
+}
+
+/// What a client leaves that runs the power test of 60 lines, with all of its sockets open to the
+/// end.
+std::string RunPowerTest(std::uint16_t port) {
+    constexpr int lines = 60;
+    EndToEnd::Bench bench;
+    bench.AddProgram("SarvexToolClientWithoutPauses", "client");
+    bench.SetPort(std::to_string(port));
+    std::string testFile = "Band,Channel\n";
+    for (int line = 0; line < lines; ++line)
+        testFile += "5," + std::to_string(40 + line) + "\n";
+    bench.Write("test.csv", testFile);
+    const EndToEnd::ProcessResult run =
+        EndToEnd::Run(bench.Path("client"), {"-wifi-test-by-file", "test.csv"}, bench.Directory());
+    EXPECT_EQ(run.exitCode, 0);
+    return run.out + run.err + bench.Read("result.csv") + bench.Read("result.xml");
+}
 
 } // namespace
 
@@ -68,6 +105,49 @@ TEST(DescriptorLimitTest, ConnectionsBeyondTheLimitWaitUntilOthersClose) {
     }
     EXPECT_THAT(Exchange(port, "CLI -1 "), testing::EndsWith("Done"));
     EXPECT_EQ(simulator.End().exitCode, 0);
+}
+
+TEST(DescriptorLimitTest, AnsweredConnectionsGiveWayToNewOnesAndTheirClientsSeeNothingOfIt) {
+    LimitedSimulator simulator;
+    std::vector<Peer> peers = ExchangeAndStay(simulator.Port());
+    for (Peer& peer : peers) {
+        EXPECT_EQ(peer.ReadToEnd(), "");
+        EXPECT_FALSE(peer.WasReset());
+    }
+    EXPECT_EQ(simulator.End().err, "");
+}
+
+TEST(DescriptorLimitTest, ALongPowerTestHasTheResultsThatItHasWithoutALimit) {
+    RunningSimulator unlimited;
+    const std::string expected = RunPowerTest(unlimited.Port());
+    EXPECT_THAT(expected, testing::HasSubstr("\n5,99,1"));
+    LimitedSimulator limited;
+    EXPECT_EQ(RunPowerTest(limited.Port()), expected);
+    EXPECT_EQ(limited.End().err, "");
+}
+
+TEST(DescriptorLimitTest, AConnectionThatGetsNoAnswerDoesNotGiveWay) {
+    LimitedSimulator simulator({"--fault", "1:no-answer"});
+    Peer waiting(simulator.Port());
+    waiting.SendCommand("CLI -1 ");
+    const std::vector<Peer> peers = ExchangeAndStay(simulator.Port());
+    EXPECT_TRUE(waiting.IsOpen());
+    EXPECT_EQ(simulator.End().err, "");
+}
+
+TEST(DescriptorLimitTest, AClientThatReadsLateGetsItsWholeAnswer) {
+    // The first fits into the system's buffers, the second does not.
+    for (const std::size_t size : {200'000U, 30'000'000U}) {
+        SCOPED_TRACE(size);
+        LimitedSimulator simulator({"--fault", "1:big=" + std::to_string(size)});
+        Peer late(simulator.Port());
+        late.SendCommand("CLI -1 ");
+        const std::vector<Peer> peers = ExchangeAndStay(simulator.Port());
+        const std::string answer = late.ReadToEnd();
+        EXPECT_GT(answer.size(), size);
+        EXPECT_THAT(answer, testing::EndsWith("Done"));
+        EXPECT_EQ(simulator.End().err, "");
+    }
 }
 
 } // namespace VemoSimulator
