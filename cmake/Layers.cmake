@@ -1,9 +1,15 @@
 # One library a layer. A layer links just the layers that it may use, so that an include from above
 # does not even link; scripts/check-layers checks the include lines themselves.
 
-# add_layer(NAME SOURCES ... [USES layer ...])
+# add_layer(NAME [SOURCES ...] [USES layer ...]): a layer without sources is its headers alone.
 function(add_layer name)
     cmake_parse_arguments(layer "" "" "SOURCES;USES" ${ARGN})
+    if(NOT layer_SOURCES)
+        add_library(${name} INTERFACE)
+        target_include_directories(${name} INTERFACE ${PROJECT_SOURCE_DIR}/src)
+        target_link_libraries(${name} INTERFACE ${layer_USES})
+        return()
+    endif()
     add_library(${name} STATIC ${layer_SOURCES})
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
     target_link_libraries(${name} PUBLIC ${layer_USES} PRIVATE project_warnings project_hardening

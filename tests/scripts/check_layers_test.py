@@ -15,6 +15,7 @@ DYNAMIC_TEST = "Tools/Vemo/VemoClient/DynamicTest/"
 HEADERS = [
     FRAMEWORK + "OSAL/File.h",
     FRAMEWORK + "OSAL/Windows/WideText.h",
+    FRAMEWORK + "DebugPrint/CDebugPrint.h",
     FRAMEWORK + "Streams/DebugStream.h",
     FRAMEWORK + "Streams/Sockets/SocketStream.h",
     FRAMEWORK + "SyncObjectsOSAL/ICriticalSection.h",
@@ -69,7 +70,7 @@ class CheckLayersTest(unittest.TestCase):
     def test_each_layer_may_use_those_below(self):
         for path, included in [
             (FRAMEWORK + "Streams/A.cpp", FRAMEWORK + "OSAL/File.h"),
-            (FRAMEWORK + "SyncObjectsOSAL/A.cpp", FRAMEWORK + "Streams/DebugStream.h"),
+            (FRAMEWORK + "SyncObjectsOSAL/A.cpp", FRAMEWORK + "DebugPrint/CDebugPrint.h"),
             (FRAMEWORK + "Utilities/A.cpp", FRAMEWORK + "SyncObjectsOSAL/ICriticalSection.h"),
             (FRAMEWORK + "Streams/Sockets/A.cpp", FRAMEWORK + "Utilities/Format.h"),
             (FRAMEWORK + "XML/A.cpp", FRAMEWORK + "XML/Node.h"),
@@ -86,6 +87,9 @@ class CheckLayersTest(unittest.TestCase):
     def test_no_layer_may_use_those_above_or_beside(self):
         for layer, name, included in [
             (FRAMEWORK + "OSAL/", "A.h", FRAMEWORK + "Streams/DebugStream.h"),
+            (FRAMEWORK + "DebugPrint/", "A.h", FRAMEWORK + "OSAL/File.h"),
+            (FRAMEWORK + "SyncObjectsOSAL/", "A.h", FRAMEWORK + "Streams/DebugStream.h"),
+            (FRAMEWORK + "Utilities/", "A.h", FRAMEWORK + "Streams/DebugStream.h"),
             (FRAMEWORK + "Streams/", "A.h", FRAMEWORK + "SyncObjectsOSAL/ICriticalSection.h"),
             (FRAMEWORK + "Streams/", "A.h", FRAMEWORK + "Streams/Sockets/SocketStream.h"),
             (FRAMEWORK + "SyncObjectsOSAL/", "A.h", FRAMEWORK + "Utilities/Format.h"),

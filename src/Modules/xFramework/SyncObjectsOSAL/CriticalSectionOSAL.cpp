@@ -1,6 +1,6 @@
 #include "Modules/xFramework/SyncObjectsOSAL/CriticalSectionOSAL.h"
 
-#include "Modules/xFramework/Streams/CDebugPrint.h"
+#include "Modules/xFramework/DebugPrint/CDebugPrint.h"
 
 namespace SyncObjectsOSAL {
 

@@ -1,6 +1,6 @@
 #include "Modules/xFramework/SyncObjectsOSAL/CriticalSectionOSAL.h"
 
-#include "Modules/xFramework/Streams/CDebugPrint.h"
+#include "Modules/xFramework/DebugPrint/CDebugPrint.h"
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "Modules/xFramework/Streams/CDebugPrint.h"
+#include "Modules/xFramework/DebugPrint/CDebugPrint.h"
 
 #include "tests/Support/VirtualSlots.h"
 
