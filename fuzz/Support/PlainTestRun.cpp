@@ -39,14 +39,6 @@ Cells SplitCells(const std::string& line) {
     return cells;
 }
 
-bool HoldsPlaceholder(const std::string& text) {
-    for (const char* placeholder : {"${1}", "${2}", "${3}", "${4}", "${5}"}) {
-        if (text.find(placeholder) != std::string::npos)
-            return true;
-    }
-    return false;
-}
-
 /// What stands behind the first label that has a value, which is what Read takes off a text;
 /// nothing when Read gives an empty text for every label.
 template <typename Read>
@@ -168,8 +160,6 @@ private:
         for (std::size_t position = 0; position < titles.size(); ++position) {
             if (IsColumn(titles[position]))
                 positions[titles[position]] = position;
-            else if (HoldsPlaceholder(titles[position]))
-                throw RunFailure();
             else
                 return;
         }
@@ -208,8 +198,6 @@ private:
             const std::string cell = Cell(cells, column);
             if (cell == "-")
                 continue;
-            if (HoldsPlaceholder(cell))
-                throw RunFailure();
             // A cell such as {int:07} is a value of that type and travels as its text.
             const std::string text = Core::Value(cell).ToString();
             const std::string quote = text.find(' ') == std::string::npos ? "" : "\"";

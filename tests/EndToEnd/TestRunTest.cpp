@@ -168,30 +168,39 @@ TEST_F(TestRunTest, EndOfFileByteFollowsThePlatformsTextMode) {
               TextMode("Band,Rate,Chain-A Power, Chain B Power\n" + rows));
 }
 
-TEST_F(TestRunTest, PlaceholderInACellEndsTheRunAndKeepsTheRows) {
-    for (const std::string cell : {"${1}", "a${2}b"}) {
-        SCOPED_TRACE(cell);
-        const ProcessResult result = RunTest("Band,Rate\n5,R1\n6," + cell + "\n7,R1\n", AnswerAll);
-        EXPECT_EQ(result.exitCode, 1);
-        EXPECT_THAT(result.err, testing::StartsWith("Failed to calcualte Tx Power limit: "));
-        EXPECT_EQ(bench.Read("result.csv"),
-                  TextMode("Band,Rate,Chain-A Power, Chain B Power\n5,R1,17.5,18\n"));
-        EXPECT_EQ(bench.Read("result.xml"), "");
-    }
+TEST_F(TestRunTest, CellsThatLookLikePlaceholdersAreSentShownAndRecorded) {
+    const ProcessResult result = RunTest("Band,Rate\n${1},a${2}b\n${5},R1\n", AnswerAll);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_THAT(result.out, HasSubstr(TextMode("\nBand = ${1}, Rate = a${2}b, \n")));
+    ASSERT_EQ(commands.size(), 7u);
+    EXPECT_THAT(commands[3], HasSubstr(" -wifi-band ${1} -wifi-rate a${2}b -wifi-calibrate-tx"));
+    EXPECT_THAT(commands[5], HasSubstr(" -wifi-band ${5} -wifi-rate R1 -wifi-calibrate-tx"));
+    EXPECT_EQ(bench.Read("result.csv"), TextMode("Band,Rate,Chain-A Power, Chain B Power\n"
+                                                 "${1},a${2}b,17.5,18\n${5},R1,17.5,18\n"));
+    EXPECT_THAT(bench.Read("result.xml"), HasSubstr("<Band value=\"${1}\">"));
 }
 
-TEST_F(TestRunTest, FileNameWithAPlaceholderEndsWithAnErrorAndSendsNothingOfTheRun) {
-    int connections = 0;
-    ScriptedPeer peer([&](Connection& connection, int) {
-        ++connections;
+TEST_F(TestRunTest, ColumnNameThatLooksLikeAPlaceholderIsOneThatIsNotKnown) {
+    const ProcessResult result = RunTest("Band,${2}\n5,A\n", AnswerAll);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.err, "Invalid On-demand Colunm: '${2}'.");
+    EXPECT_EQ(bench.Read("result.csv"), TextMode("5,A,17.5,18\n"));
+}
+
+TEST_F(TestRunTest, FileNameThatLooksLikeAPlaceholderIsOneLikeAnyOther) {
+    ScriptedPeer peer([](Connection& connection, int) {
         connection.ReadRequest();
         connection.Send("okDone");
     });
     bench.SetPort(peer.Port());
-    const ProcessResult result = bench.RunClient({"-wifi-test-by-file", "a${1}.csv"});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_NE(result.err, "");
-    EXPECT_EQ(connections, 1);
+    const ProcessResult missing = bench.RunClient({"-wifi-test-by-file", "x${1}.csv"});
+    EXPECT_EQ(missing.exitCode, 1);
+    EXPECT_EQ(missing.err, "Failed to open test file 'x${1}.csv' or result file.");
+    bench.Write("x${1}.csv", "Band\n5\n");
+    const ProcessResult result = bench.RunClient({"-wifi-test-by-file", "x${1}.csv"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(bench.Read("result.csv"), TextMode("Band,Chain-A Power, Chain B Power\n5,NA,NA\n"));
 }
 
 TEST_F(TestRunTest, FilesThatCannotBeOpenedEndTheRunBeforeItSends) {

@@ -2,7 +2,6 @@
 
 #include "Modules/xFramework/OSAL/File.h"
 #include "Modules/xFramework/Utilities/Format.h"
-#include "Modules/xFramework/Utilities/Placeholders.h"
 
 namespace Utilities {
 
@@ -16,10 +15,7 @@ bool IsLink(const std::string& path) {
 }
 
 std::string LinkMessage(const std::string& path) {
-    // Such a path cannot pass through the formatter.
-    if (HasPlaceholder(path))
-        return "File " + path + " is a link";
-    return Format("File ${1} is a link", path);
+    return FillTemplate("File ${1} is a link", {path});
 }
 
 } // namespace Utilities

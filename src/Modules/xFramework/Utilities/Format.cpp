@@ -4,6 +4,14 @@
 
 namespace Utilities {
 
+namespace {
+
+std::string Placeholder(std::int32_t number) {
+    return "${" + std::to_string(number) + "}";
+}
+
+} // namespace
+
 Format::Format(const std::string& templateText) : m_text(templateText) {
     FormatProviders::Instance().ProcessString(m_text);
 }
@@ -22,7 +30,7 @@ Format& Format::operator%(const char* argument) {
 }
 
 void Format::ReplaceNextPlaceholder(const std::string& argument) {
-    const std::string placeholder = "${" + std::to_string(++m_argumentIndex) + "}";
+    const std::string placeholder = Placeholder(++m_argumentIndex);
     std::size_t position = m_text.find(placeholder);
     while (position != std::string::npos) {
         m_text.replace(position, placeholder.size(), argument);
@@ -30,6 +38,23 @@ void Format::ReplaceNextPlaceholder(const std::string& argument) {
         // form a placeholder together.
         position = m_text.find(placeholder);
     }
+}
+
+std::string FillTemplate(std::string templateText, const std::vector<std::string>& arguments) {
+    const FormatProviders& providers = FormatProviders::Instance();
+    providers.ProcessString(templateText);
+    std::size_t searchStart = 0;
+    std::int32_t number = 0;
+    for (std::string argument : arguments) {
+        providers.ProcessString(argument);
+        const std::string placeholder = Placeholder(++number);
+        const std::size_t position = templateText.find(placeholder, searchStart);
+        if (position == std::string::npos)
+            break;
+        templateText.replace(position, placeholder.size(), argument);
+        searchStart = position + argument.size();
+    }
+    return templateText;
 }
 
 } // namespace Utilities

@@ -3,6 +3,7 @@
 #include <concepts>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace Utilities {
 
@@ -12,9 +13,8 @@ namespace Utilities {
 /// an error.
 ///
 /// An argument must not contain its own placeholder, nor form one with the text around it: the
-/// search starts at the front again after each replacement and would never end. Who formats text
-/// that comes from a user checks it first (Placeholders.h) and keeps "${" out of what stands
-/// before it.
+/// search starts at the front again after each replacement and would never end. Texts that come
+/// from a user or from outside the program go through FillTemplate instead.
 class Format {
 public:
     /// Takes the template, after the string providers have rewritten it.
@@ -46,5 +46,11 @@ private:
     std::string m_text;
     std::int32_t m_argumentIndex = 0;
 };
+
+/// The message that Format builds from the same texts, for arguments that may hold anything: what
+/// is inserted is not searched, so that a placeholder in an argument stays as it is. The template
+/// holds each placeholder once, in the order of the numbers. The string providers rewrite the
+/// template and each argument.
+std::string FillTemplate(std::string templateText, const std::vector<std::string>& arguments);
 
 } // namespace Utilities

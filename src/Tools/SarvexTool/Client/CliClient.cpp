@@ -4,7 +4,6 @@
 #include "Modules/xFramework/Utilities/FileLink.h"
 #include "Modules/xFramework/Utilities/FileText.h"
 #include "Modules/xFramework/Utilities/ModuleDirectory.h"
-#include "Modules/xFramework/Utilities/Placeholders.h"
 #include "Modules/xFramework/Utilities/Raise.h"
 #include "Tools/SarvexTool/Client/Reply.h"
 #include "Tools/SarvexTool/Client/Request.h"
@@ -65,9 +64,7 @@ void CliClient::ApplyRemoteDaemonOption() {
         m_arguments.erase(option);
         return;
     }
-    const std::string addressText = address->ToString();
-    Utilities::RejectPlaceholders(addressText, "The daemon's address");
-    m_remoteAddress = addressText;
+    m_remoteAddress = address->ToString();
     m_arguments.erase(option, std::next(address));
 }
 

@@ -16,8 +16,7 @@ public:
     /// Address "127.0.0.1", no connection, no arguments, no answer.
     CliClient() = default;
 
-    /// Takes the arguments behind the program path, then applies the "-remoteDaemon" option; raises
-    /// what that raises.
+    /// Takes the arguments after the program path, then applies the "-remoteDaemon" option.
     CliClient(int argc, const char* const argv[]);
 
     /// Closes the connection made last.
@@ -31,7 +30,7 @@ public:
 
     /// Takes "-remoteDaemon" and the argument after it out of the list; that argument becomes the
     /// daemon's address, whatever its form. An option without an argument is taken out and changes
-    /// nothing. Raises an Utilities::Exception* when the address contains a message placeholder.
+    /// nothing.
     void ApplyRemoteDaemonOption();
 
     /// Whether some argument equals the name.

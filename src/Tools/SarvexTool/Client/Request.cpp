@@ -2,7 +2,6 @@
 
 #include "Modules/xFramework/Utilities/Format.h"
 #include "Modules/xFramework/Utilities/FormatProviders.h"
-#include "Modules/xFramework/Utilities/Placeholders.h"
 
 namespace {
 
@@ -39,11 +38,9 @@ std::string BuildCommandLine(const std::string& prefix, const std::string& argum
 }
 
 std::string BuildRequest(const std::string& address, const std::string& commandLine) {
-    // Behind the formatted head, not an argument of it: what a variable stands for is sent as it is
-    // and not searched for variables again, and its length is the one that the head tells.
+    // After the head, not an argument of it: what a variable stands for is sent as it is and not
+    // searched for variables again, and its length is the one that the head tells.
     const std::string body = Expand(commandLine);
-    Utilities::RejectPlaceholders(Expand(address), "The daemon's address");
-    Utilities::RejectPlaceholders(body, "The command");
     const std::string length = std::to_string(body.size());
-    return Utilities::Format(headTemplate, address, length, address, address).Text() + body;
+    return Utilities::FillTemplate(headTemplate, {address, length, address, address}) + body;
 }

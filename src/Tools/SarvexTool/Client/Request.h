@@ -8,6 +8,5 @@
 std::string BuildCommandLine(const std::string& prefix, const std::string& argumentText);
 
 /// The HTTP request that carries a command line to the daemon at the address (a host name or
-/// numeric address, without port). The body is the command line as it stands. Raises an
-/// Utilities::Exception* when either text contains a message placeholder (${1} to ${5}).
+/// numeric address, without port). The body is the command line as it stands.
 std::string BuildRequest(const std::string& address, const std::string& commandLine);

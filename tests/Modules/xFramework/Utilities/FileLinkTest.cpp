@@ -73,7 +73,7 @@ TEST(FileLink, MessageExpandsThePathLikeAnyText) {
     EXPECT_EQ(LinkMessage("/x"), "File /x! is a link!");
 }
 
-TEST(FileLink, MessageNamesAPathThatTheFormatterCouldNotTake) {
+TEST(FileLink, MessageNamesAPathThatLooksLikeAPlaceholder) {
     EXPECT_EQ(LinkMessage("/${1}/Socket.cfg"), "File /${1}/Socket.cfg is a link");
 }
 

@@ -178,5 +178,24 @@ TEST_F(FormatWithProvider, DoesNotExpandWhatArgumentAndTemplateFormTogether) {
     EXPECT_EQ((Format("$${1}") % std::string("(v)")).Text(), "$(v)");
 }
 
+TEST(FillTemplateTest, BuildsWhatFormatBuilds) {
+    EXPECT_EQ(FillTemplate("${1} = ${2}, ", {"Rate", "-"}), "Rate = -, ");
+    EXPECT_EQ(FillTemplate("[${1}]", {""}), "[]");
+    EXPECT_EQ(FillTemplate("${1}${2}", {"a"}), "a${2}");
+    EXPECT_EQ(FillTemplate("plain", {"a", "b"}), "plain");
+    EXPECT_EQ(FillTemplate("", {"a"}), "");
+}
+
+TEST(FillTemplateTest, WhatIsInsertedIsNotSearched) {
+    EXPECT_EQ(FillTemplate("<${1}><${2}>", {"${1}", "b"}), "<${1}><b>");
+    EXPECT_EQ(FillTemplate("<${1}><${2}>", {"${2}", "b"}), "<${2}><b>");
+    EXPECT_EQ(FillTemplate("<${1}><${2}>", {"${", "1}"}), "<${><1}>");
+    EXPECT_EQ(FillTemplate("$${1}{1}", {""}), "${1}");
+}
+
+TEST_F(FormatWithProvider, ExpandsTheTemplateToFillAndItsArguments) {
+    EXPECT_EQ(FillTemplate("$(v) ${1}", {"[$(v)]"}), "<${2}> [<${2}>]");
+}
+
 } // namespace
 } // namespace Utilities

@@ -252,16 +252,12 @@ TEST_F(CliClientTest, InformationIsPrintedBeforeTheErrors) {
     EXPECT_EQ(both.str(), "i\ne\n");
 }
 
-TEST_F(CliClientTest, AddressWithAPlaceholderIsRaisedAndChangesNothing) {
-    try {
-        Client({"-remoteDaemon", "a${3}"});
-        ADD_FAILURE() << "nothing was thrown";
-    } catch (Utilities::Exception* pException) {
-        const std::unique_ptr<Utilities::Exception> owner(pException);
-        EXPECT_STREQ(owner->what(),
-                     "The daemon's address contains a message placeholder (a dollar sign and a "
-                     "digit from 1 to 5 in braces), which cannot be sent");
-    }
+TEST_F(CliClientTest, AddressThatLooksLikeAPlaceholderIsResolved) {
+    const auto client = Client({"-remoteDaemon", "a${3}"});
+    ASSERT_TRUE(client->Connect(""));
+    client->SendCommand(true, "");
+    EXPECT_EQ(CountCalls("ResolveAddress [a${3}]"), 1);
+    EXPECT_THAT(TheWorld().sent, testing::HasSubstr("\r\nHost: a${3}:8738\r\n"));
 }
 
 TEST_F(CliClientTest, WithoutWaitingNothingIsReceivedNorPrinted) {

@@ -352,17 +352,18 @@ TEST_F(EntryPointTest, UncalibratedAnswerEndsWithTen) {
     EXPECT_EQ(Run({"-x"}), 10);
 }
 
-TEST_F(EntryPointTest, PlaceholderInAnArgumentOrAddressEndsWith256AndSendsNothing) {
-    const std::string reason = " contains a message placeholder (a dollar sign and a digit from 1 "
-                               "to 5 in braces), which cannot be sent\n";
-    {
-        const ConsoleCapture own;
-        EXPECT_EQ(Run({"-x", "${5}"}), 256);
-        EXPECT_EQ(own.Err(), "The command" + reason);
-    }
-    EXPECT_EQ(Run({"-remoteDaemon", "${1}", "-x"}), 256);
-    EXPECT_EQ(CountCalls("ResolveAddress [${1}]"), 0);
-    EXPECT_EQ(console.Err(), "The daemon's address" + reason);
+TEST_F(EntryPointTest, ArgumentThatLooksLikeAPlaceholderIsSentAsItIs) {
+    Run({"-x", "${1}", "a${5}b", "${2}${3}${4}"});
+    EXPECT_EQ(SentCommandLine(), "CLI -1 -vemo  -x ${1} a${5}b ${2}${3}${4}");
+}
+
+TEST_F(EntryPointTest, AddressThatLooksLikeAPlaceholderIsResolvedAfterTheUsage) {
+    TheWorld().resolveSucceeds = [](int) { return false; };
+    EXPECT_EQ(Run({"-remoteDaemon", "${1}", "-help"}), 1);
+    EXPECT_EQ(CountCalls("ResolveAddress [${1}] [8738]"), 20);
+    EXPECT_EQ(console.Out(), usageText);
+    EXPECT_EQ(console.Err(),
+              "Failed to connect to daemon. Please ensure that daemon was started.\n");
     EXPECT_EQ(CountCalls("send"), 0);
 }
 

@@ -3,7 +3,6 @@
 #include "Modules/xFramework/OSAL/Process.h"
 #include "Modules/xFramework/Utilities/Format.h"
 #include "Modules/xFramework/Utilities/FunctionTrace.h"
-#include "Modules/xFramework/Utilities/Placeholders.h"
 #include "Modules/xFramework/Utilities/StringToInt.h"
 #include "Modules/xFramework/XML/Writer.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/Columns.h"
@@ -51,11 +50,6 @@ DynamicTest::DynamicTest(const std::string& fileName)
     : testFileName(fileName), powerTableNode(resultDocument.GetTopNode()) {}
 
 int DynamicTest::Run() {
-    if (Utilities::HasPlaceholder(testFileName)) {
-        std::cerr << "Failed to open the test file: its name contains a message placeholder (a "
-                     "dollar sign and a digit from 1 to 5 in braces).";
-        return failed;
-    }
     TestFiles files(testFileName, csvFileName, xmlFileName);
     if (!files.AreOpen()) {
         PrintError("Failed to open test file '${1}' or result file.", testFileName);
@@ -130,7 +124,6 @@ bool DynamicTest::ValidateHeader(const Fields& fields) const {
     const auto unknown = std::find_if_not(fields.begin(), fields.end(), IsColumnName);
     if (unknown == fields.end())
         return true;
-    Utilities::RejectPlaceholders(*unknown, "A column name");
     PrintError("Invalid On-demand Colunm: '${1}'.", *unknown);
     return false;
 }
@@ -157,8 +150,7 @@ DynamicTest::Configuration DynamicTest::ReadConfiguration(const Fields& fields) 
         if (!IsColumnSet(column, fields))
             continue;
         const std::string& value = fields[columnIndex.at(column)];
-        Utilities::RejectPlaceholders(value, "The cell of column '" + std::string(column) + "'");
-        configuration.description += Format("${1} = ${2}, ", std::string(column), value).Text();
+        configuration.description += Utilities::FillTemplate("${1} = ${2}, ", {column, value});
         configuration.arguments.emplace_back(std::string(option));
         configuration.arguments.emplace_back(value);
     }

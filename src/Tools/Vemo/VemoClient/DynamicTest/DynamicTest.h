@@ -33,9 +33,8 @@ public:
     /// line was processed and result.xml was written, 1 otherwise. When a line fails, the rest of
     /// the file is skipped: the rows written so far stay in result.csv, and result.xml stays empty.
     ///
-    /// A cell or file name that holds a message placeholder (Placeholders.h) ends the run with an
-    /// error before anything of its line is sent. A result.csv that could not be written to its end
-    /// is reported and does not change the result.
+    /// A result.csv that could not be written to its end is reported and does not change the
+    /// result.
     int Run();
 
     // The steps of a run.
@@ -44,15 +43,14 @@ public:
     /// column is reported and leaves no column to be set, which does not end the run.
     void ProcessHeaderTestFile(std::ostream& csv, const std::string& header);
 
-    /// Whether every field is the name of a column; reports the first that is none. Raises when
-    /// that one holds a message placeholder.
+    /// Whether every field is the name of a column; reports the first that is none.
     bool ValidateHeader(const Fields& fields) const;
 
     /// Takes the position of each column; of a name given twice, the later one.
     void BuildColumnIndex(const Fields& fields);
 
-    /// Commits one line, runs its transmission and records the powers. Raises before it sends when
-    /// a cell holds a message placeholder; throws what the exchange throws.
+    /// Commits one line, runs its transmission and records the powers. Throws what the
+    /// exchange throws.
     void ProcessLineTestFile(std::ostream& csv, std::string line);
 
     /// Whether the line sets the column: the header has it, the line reaches it, and the cell is

@@ -7,8 +7,7 @@
 #include <string>
 
 /// Writes the message on standard error: the template with the text in place of ${1}. No line end
-/// follows; that messages run together on one line is how the bench's scripts know them. A text
-/// that holds a placeholder itself is shown with a blank behind its dollar signs.
+/// follows; that messages run together on one line is how the bench's scripts know them.
 void PrintError(const std::string& messageTemplate, const std::string& text);
 
 /// Runs the step and returns the message of the standard exception that ended it, if one did,

@@ -1,10 +1,7 @@
-#include "Modules/xFramework/Utilities/Exception.h"
 #include "tests/Modules/xFramework/Utilities/LogRecorder.h"
 #include "tests/Tools/Vemo/VemoClient/DynamicTest/DynamicTestFixture.h"
 
 #include <algorithm>
-#include <memory>
-#include <optional>
 #include <streambuf>
 
 // The header and one line on its way to the daemon and into result.csv.
@@ -14,6 +11,7 @@ namespace {
 using OSAL::Fake::CountCalls;
 using OSAL::Fake::TheWorld;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 class DynamicTestLineTest : public DynamicTestFixture {
@@ -97,17 +95,9 @@ TEST_F(DynamicTestLineTest, ColumnNamesAreMatchedExactly) {
     EXPECT_TRUE(test.ValidateHeader({}));
 }
 
-TEST_F(DynamicTestLineTest, ColumnNameWithAPlaceholderRaises) {
-    std::unique_ptr<Utilities::Exception> raised;
-    try {
-        test.ValidateHeader({"Band", "${1}"});
-    } catch (Utilities::Exception* pException) {
-        raised.reset(pException);
-    }
-    ASSERT_NE(raised, nullptr);
-    EXPECT_STREQ(raised->what(),
-                 "A column name contains a message placeholder (a dollar sign and a "
-                 "digit from 1 to 5 in braces), which cannot be sent");
+TEST_F(DynamicTestLineTest, ColumnNameThatLooksLikeAPlaceholderIsNamedAsItIs) {
+    EXPECT_FALSE(test.ValidateHeader({"Band", "${1}"}));
+    EXPECT_EQ(console.Err(), "Invalid On-demand Colunm: '${1}'.");
 }
 
 TEST_F(DynamicTestLineTest, NameGivenTwiceKeepsTheLaterPosition) {
@@ -248,31 +238,11 @@ TEST_F(DynamicTestLineTest, SuffixHoldsThePowersOfBothChainsOrNa) {
     }
 }
 
-/// The message of the exception that the line raises.
-std::optional<std::string> Raised(DynamicTest& test, std::ostream& csv, const std::string& line) {
-    try {
-        test.ProcessLineTestFile(csv, line);
-        return std::nullopt;
-    } catch (const Utilities::Exception* pException) {
-        const std::unique_ptr<const Utilities::Exception> owner(pException);
-        return pException->what();
-    }
-}
-
-TEST_F(DynamicTestLineTest, CellWithAPlaceholderRaisesBeforeAnythingIsSent) {
-    ProcessHeader("Band,Chains");
-    for (const char* cell : {"${1}", "${2}", "a${5}b"}) {
-        SCOPED_TRACE(cell);
-        EXPECT_EQ(Raised(test, csv, std::string("5,") + cell),
-                  "The cell of column 'Chains' contains a message placeholder (a dollar sign and a "
-                  "digit from 1 to 5 in braces), which cannot be sent");
-    }
-    EXPECT_THAT(Commands(), IsEmpty());
-    EXPECT_EQ(csv.str(), "");
-    EXPECT_EQ(console.Out(), "");
-}
-
-TEST_F(DynamicTestLineTest, CellThatOnlyLooksLikeAPlaceholderIsSent) {
+TEST_F(DynamicTestLineTest, CellThatLooksLikeAPlaceholderIsSentShownAndRecorded) {
+    EXPECT_THAT(Process("Band,Chains", "${1},a${2}b"),
+                ElementsAre("-wifi-band ${1} -wifi-tx-chains-from-file a${2}b " + start, stop));
+    EXPECT_THAT(console.Out(), HasSubstr("\nBand = ${1}, Chains = a${2}b, \n"));
+    EXPECT_EQ(csv.str(), "${1},a${2}b,NA,NA\n");
     EXPECT_THAT(Process("Band,Chains", "${6},$1"),
                 ElementsAre("-wifi-band ${6} -wifi-tx-chains-from-file $1 " + start, stop));
 }

@@ -18,6 +18,7 @@ using namespace std::string_literals;
 using OSAL::Fake::CountCalls;
 using OSAL::Fake::TheWorld;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 class DynamicTestTest : public DynamicTestFixture {
@@ -218,37 +219,37 @@ TEST_F(DynamicTestTest, FailedSendEndsTheRun) {
     EXPECT_EQ(console.Err(), "Failed to calcualte Tx Power limit: Failed Sending message.");
 }
 
-TEST_F(DynamicTestTest, CellWithAPlaceholderEndsTheRunAndKeepsTheRowsBeforeIt) {
+TEST_F(DynamicTestTest, CellThatLooksLikeAPlaceholderIsFiledAndTheRunGoesOn) {
     AnswerQueries();
-    AnswerLine(PowerA("1"));
-    EXPECT_EQ(Run("Band,Chains\n5,A\n5,${2}\n6,A\n"), 1);
-    EXPECT_EQ(ReadFile("result.csv"), "Band,Chains,Chain-A Power, Chain B Power\n5,A,1,NA\n");
-    EXPECT_EQ(ReadFile("result.xml"), "");
+    EXPECT_EQ(Run("Band,Chains\n${1},${2}\n6,A\n"), 0);
+    EXPECT_EQ(ReadFile("result.csv"),
+              "Band,Chains,Chain-A Power, Chain B Power\n${1},${2},NA,NA\n6,A,NA,NA\n");
+    EXPECT_THAT(ReadFile("result.xml"), HasSubstr("<Band value=\"${1}\">"));
+    EXPECT_THAT(ReadFile("result.xml"), HasSubstr("<chain${2} BandwidthMode=\"-\""));
+    EXPECT_EQ(Commands().size(), 6u);
+    EXPECT_EQ(console.Err(), "");
+}
+
+TEST_F(DynamicTestTest, ColumnNameThatLooksLikeAPlaceholderIsOneThatIsNotKnown) {
+    EXPECT_EQ(Run("Band,${2}\n5,A\n"), 0);
+    EXPECT_EQ(ReadFile("result.csv"), "5,A,NA,NA\n");
     EXPECT_EQ(Commands().size(), 4u);
-    EXPECT_EQ(
-        console.Err(),
-        "Failed to calcualte Tx Power limit: The cell of column 'Chains' contains a message "
-        "placeholder (a dollar sign and a digit from 1 to 5 in braces), which cannot be sent.");
+    EXPECT_EQ(console.Err(), "Invalid On-demand Colunm: '${2}'.");
 }
 
-TEST_F(DynamicTestTest, ColumnNameWithAPlaceholderEndsTheRun) {
-    EXPECT_EQ(Run("Band,${1}\n5,A\n"), 1);
-    EXPECT_EQ(ReadFile("result.csv"), "");
-    EXPECT_EQ(Commands().size(), 2u);
-    EXPECT_EQ(console.Err(),
-              "Failed to calcualte Tx Power limit: A column name contains a message placeholder (a "
-              "dollar sign and a digit from 1 to 5 in braces), which cannot be sent.");
-}
-
-TEST_F(DynamicTestTest, FileNameWithAPlaceholderEndsTheRunBeforeAnythingIsOpened) {
-    WriteFile("result.csv", "old");
-    EXPECT_EQ(DynamicTest("${1}.csv").Run(), 1);
-    EXPECT_EQ(ReadFile("result.csv"), "old");
+TEST_F(DynamicTestTest, FileNameThatLooksLikeAPlaceholderIsOneLikeAnyOther) {
+    EXPECT_EQ(DynamicTest("x${1}.csv").Run(), 1);
     EXPECT_THAT(TheWorld().calls, IsEmpty());
-    EXPECT_EQ(
-        console.Err(),
-        "Failed to open the test file: its name contains a message placeholder (a dollar sign "
-        "and a digit from 1 to 5 in braces).");
+    EXPECT_EQ(console.Err(), "Failed to open test file 'x${1}.csv' or result file.");
+    WriteFile("x${1}.csv", "Band\n5\n");
+    EXPECT_EQ(DynamicTest("x${1}.csv").Run(), 0);
+    EXPECT_EQ(ReadFile("result.csv"), "Band,Chain-A Power, Chain B Power\n5,NA,NA\n");
+}
+
+TEST_F(DynamicTestTest, ExceptionThatNamesAPlaceholderIsReportedAsItIs) {
+    TheWorld().onSleep = [] { throw std::runtime_error("no ${1}"); };
+    EXPECT_EQ(Run("Band\n5\n"), 1);
+    EXPECT_EQ(console.Err(), "Failed to calcualte Tx Power limit: no ${1}.");
 }
 
 TEST_F(DynamicTestTest, ByteOrderMarkBelongsToTheFirstColumnName) {

@@ -28,8 +28,9 @@ TEST(FailureTest, MessagesRunTogether) {
     EXPECT_EQ(console.Err(), "First a.Second b.");
 }
 
-TEST(FailureTest, TextWithAPlaceholderIsPrintedWithABlankInIt) {
-    EXPECT_EQ(Printed("[${1}]", "a ${1} and ${2}"), "[a $ {1} and $ {2}]");
+TEST(FailureTest, TextThatLooksLikeAPlaceholderIsPrintedAsItIs) {
+    EXPECT_EQ(Printed("[${1}]", "${1}"), "[${1}]");
+    EXPECT_EQ(Printed("[${1}]", "a ${1} and ${2}"), "[a ${1} and ${2}]");
     EXPECT_EQ(Printed("[${1}]", "${x}"), "[${x}]");
 }
 
