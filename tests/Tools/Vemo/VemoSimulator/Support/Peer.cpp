@@ -56,12 +56,19 @@ std::string Peer::Read(std::size_t size) {
             asio::buffer(bytes.data() + start, bytes.size() - start), error);
         bytes.resize(start + count);
     }
-    m_wasReset = error && error != asio::error::eof;
     return bytes;
 }
 
 std::string Peer::ReadToEnd() {
     return Read(std::string::npos);
+}
+
+bool Peer::WasReset() {
+    // The error of the read would not do: wine's server takes a socket's error off the system as
+    // soon as the reset arrives. A read that begins after that finds none and tells an orderly end.
+    boost::system::error_code error;
+    asio::write(m_pSocket->socket, asio::buffer("x", 1), error);
+    return error.failed();
 }
 
 bool Peer::HasBytes() const {

@@ -28,8 +28,9 @@ public:
     /// Everything up to the end of the connection.
     std::string ReadToEnd();
 
-    /// Whether the last read ended with a reset.
-    bool WasReset() const { return m_wasReset; }
+    /// Whether the simulator broke the connection off. To be asked after ReadToEnd and before
+    /// FinishSending: it sends a byte, which fails on a broken connection only.
+    bool WasReset();
 
     /// Whether bytes can be read without waiting.
     bool HasBytes() const;
@@ -40,7 +41,6 @@ public:
 private:
     struct Socket;
     std::unique_ptr<Socket> m_pSocket;
-    bool m_wasReset = false;
 };
 
 /// The request that carries a command.
