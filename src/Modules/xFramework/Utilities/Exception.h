@@ -1,13 +1,33 @@
 #pragma once
 
-#include "Modules/xFramework/Utilities/ErrorLocation.h"
-
 #include <atomic>
 #include <cstdint>
 #include <exception>
 #include <string>
 
 namespace Utilities {
+
+/// The place in the sources where an exception was raised.
+class ErrorLocation {
+public:
+    /// Copies both texts: the source file's path from src/ without extension, and the qualified
+    /// name of the function.
+    ErrorLocation(const char* file, std::uint32_t line, const char* function)
+        : m_line(line), m_file(file), m_function(function) {}
+    virtual ~ErrorLocation() = default;
+
+    ErrorLocation(const ErrorLocation&) = delete;
+    ErrorLocation& operator=(const ErrorLocation&) = delete;
+
+    virtual std::uint32_t GetLine() const { return m_line; }
+    virtual const std::string& GetFile() const { return m_file; }
+    virtual const std::string& GetFunction() const { return m_function; }
+
+private:
+    std::uint32_t m_line;
+    std::string m_file;
+    std::string m_function;
+};
 
 /// The one exception class of the system: a finished message and, optionally, the place where it
 /// was raised. It is thrown as a pointer to a heap object (see Raise.h), so that handlers catch
@@ -51,5 +71,46 @@ private:
     std::string m_message;
     ErrorLocation* m_pLocation = nullptr;
 };
+
+/// Where in the sources an error is raised. The figures are literals, so that they stay what logs
+/// and handlers of other versions know.
+struct ErrorSite {
+    /// Path of the source file from src/, src/ included, without extension.
+    const char* file;
+    std::uint32_t line;
+    /// Qualified name of the function.
+    const char* function;
+};
+
+/// Logs the message at the error level, then throws it as a new Utilities::Exception* that carries
+/// the site as its location.
+[[noreturn]] void Raise(const std::string& message, const ErrorSite& site);
+
+/// Raises "Assertion (…) failed at …" when the condition is false; conditionText is its source
+/// text. Always active.
+void Assert(bool condition, const char* conditionText, const ErrorSite& site);
+
+/// What a catch point needs to know of the exception that it caught, whether that travelled as a
+/// value or as a pointer.
+struct CaughtException {
+    enum class Kind {
+        /// An Utilities::Exception (or another standard exception that travelled as a pointer).
+        Framework,
+        /// A std::ios_base::failure.
+        StreamFailure,
+        /// Any other standard exception.
+        Standard,
+        /// Not a standard exception; text is empty.
+        Unknown
+    };
+
+    Kind kind;
+    /// The exception's own message.
+    std::string text;
+};
+
+/// Takes the exception that is being handled: to be called in a catch block only. One that travels
+/// as a pointer is deleted.
+CaughtException TakeCaughtException();
 
 } // namespace Utilities

@@ -1,10 +1,9 @@
 #include "Tools/SarvexTool/Client/CliClient.h"
 
-#include "Modules/xFramework/Utilities/CaughtException.h"
+#include "Modules/xFramework/Utilities/Exception.h"
 #include "Modules/xFramework/Utilities/FileLink.h"
 #include "Modules/xFramework/Utilities/FileText.h"
 #include "Modules/xFramework/Utilities/ModuleDirectory.h"
-#include "Modules/xFramework/Utilities/Raise.h"
 #include "Tools/SarvexTool/Client/Reply.h"
 #include "Tools/SarvexTool/Client/Request.h"
 

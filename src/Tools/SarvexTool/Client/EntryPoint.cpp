@@ -1,6 +1,6 @@
 #include "Tools/SarvexTool/Client/EntryPoint.h"
 
-#include "Modules/xFramework/Utilities/CaughtException.h"
+#include "Modules/xFramework/Utilities/Exception.h"
 #include "Tools/SarvexTool/Client/ArgumentCopies.h"
 #include "Tools/SarvexTool/Client/CliClient.h"
 #include "Tools/SarvexTool/Client/Launcher.h"

@@ -1,6 +1,6 @@
 #include "Tools/SarvexTool/Client/Launcher.h"
 
-#include "Modules/xFramework/Utilities/CaughtException.h"
+#include "Modules/xFramework/Utilities/Exception.h"
 #include "Modules/xFramework/Utilities/ModuleDirectory.h"
 
 #include <array>

@@ -1,7 +1,7 @@
 #include "Modules/xFramework/Core/Classes/Namespace.h"
 
 #include "Modules/xFramework/Core/Classes/IReferenceableObject.h"
-#include "Modules/xFramework/Utilities/Raise.h"
+#include "Modules/xFramework/Utilities/Exception.h"
 
 namespace Core {
 

@@ -1,6 +1,6 @@
 #include "Modules/xFramework/Core/Classes/Service.h"
 
-#include "Modules/xFramework/Utilities/Raise.h"
+#include "Modules/xFramework/Utilities/Exception.h"
 
 #include <algorithm>
 

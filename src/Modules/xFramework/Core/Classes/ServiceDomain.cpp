@@ -1,8 +1,8 @@
 #include "Modules/xFramework/Core/Classes/ServiceDomain.h"
 
 #include "Modules/xFramework/Core/Classes/AppendWithinLimit.h"
+#include "Modules/xFramework/Utilities/Exception.h"
 #include "Modules/xFramework/Utilities/Format.h"
-#include "Modules/xFramework/Utilities/Raise.h"
 
 #include <algorithm>
 

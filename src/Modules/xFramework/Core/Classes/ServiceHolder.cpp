@@ -1,7 +1,6 @@
 #include "Modules/xFramework/Core/Classes/ServiceDomain.h"
-#include "Modules/xFramework/Utilities/CaughtException.h"
+#include "Modules/xFramework/Utilities/Exception.h"
 #include "Modules/xFramework/Utilities/Log.h"
-#include "Modules/xFramework/Utilities/Raise.h"
 
 namespace Core {
 

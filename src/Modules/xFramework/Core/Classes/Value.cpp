@@ -1,7 +1,7 @@
 #include "Modules/xFramework/Core/Classes/Value.h"
 
 #include "Modules/xFramework/Core/Classes/ValueFactory.h"
-#include "Modules/xFramework/Utilities/Raise.h"
+#include "Modules/xFramework/Utilities/Exception.h"
 #include "Modules/xFramework/Utilities/Singleton.h"
 
 namespace Core {

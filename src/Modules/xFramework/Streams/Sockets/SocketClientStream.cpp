@@ -2,7 +2,7 @@
 
 #include "Modules/xFramework/OSAL/Process.h"
 #include "Modules/xFramework/Streams/Sockets/SocketConnect.h"
-#include "Modules/xFramework/Utilities/Raise.h"
+#include "Modules/xFramework/Utilities/Exception.h"
 
 #include <exception>
 

@@ -1,9 +1,9 @@
 #include "Modules/xFramework/Streams/Sockets/SocketStream.h"
 
 #include "Modules/xFramework/OSAL/File.h"
+#include "Modules/xFramework/Utilities/Exception.h"
 #include "Modules/xFramework/Utilities/FileLink.h"
 #include "Modules/xFramework/Utilities/ModuleDirectory.h"
-#include "Modules/xFramework/Utilities/Raise.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Modules/xFramework/Utilities/CaughtException.h"
+#include "Modules/xFramework/Utilities/Exception.h"
 
 #include <exception>
 #include <optional>

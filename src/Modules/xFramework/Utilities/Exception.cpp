@@ -1,9 +1,9 @@
-#include "Modules/xFramework/Utilities/Raise.h"
-
 #include "Modules/xFramework/Utilities/Exception.h"
+
 #include "Modules/xFramework/Utilities/Format.h"
 #include "Modules/xFramework/Utilities/Log.h"
 
+#include <ios>
 #include <memory>
 #include <new>
 
@@ -32,6 +32,24 @@ void Raise(const std::string& message, const ErrorSite& site) {
 void Assert(bool condition, const char* conditionText, const ErrorSite& site) {
     if (!condition)
         Raise(Format("Assertion (${1}) failed at ${2}") % conditionText % site.function, site);
+}
+
+CaughtException TakeCaughtException() {
+    using Kind = CaughtException::Kind;
+    try {
+        throw;
+    } catch (std::exception* pException) {
+        const std::unique_ptr<std::exception> owner(pException);
+        return {Kind::Framework, owner->what()};
+    } catch (const Exception& exception) {
+        return {Kind::Framework, exception.what()};
+    } catch (const std::ios_base::failure& failure) {
+        return {Kind::StreamFailure, failure.what()};
+    } catch (const std::exception& exception) {
+        return {Kind::Standard, exception.what()};
+    } catch (...) {
+        return {Kind::Unknown, ""};
+    }
 }
 
 } // namespace Utilities
