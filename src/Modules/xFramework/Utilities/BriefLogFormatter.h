@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Modules/xFramework/Utilities/LogInterfaces.h"
+#include "Modules/xFramework/Utilities/LogPrinter.h"
 
 namespace Utilities {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Modules/xFramework/SyncObjectsOSAL/ICriticalSection.h"
-#include "Modules/xFramework/Utilities/LogInterfaces.h"
+#include "Modules/xFramework/Utilities/LogPrinter.h"
 
 #include <memory>
 #include <ostream>

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Modules/xFramework/Utilities/Log.h"
-#include "Modules/xFramework/Utilities/LogInterfaces.h"
 #include "Modules/xFramework/Utilities/LogPrinter.h"
 #include "Modules/xFramework/Utilities/SingletonWrapper.h"
 
