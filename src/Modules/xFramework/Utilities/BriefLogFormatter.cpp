@@ -27,6 +27,20 @@ const char* FindTag(std::uint32_t level) {
     return "";
 }
 
+/// Leaves the section on every road out of a block.
+class Entry {
+public:
+    explicit Entry(SyncObjectsOSAL::ICriticalSection& section) : m_section(section) {
+        m_section.Enter();
+    }
+    ~Entry() { m_section.Leave(); }
+    Entry(const Entry&) = delete;
+    Entry& operator=(const Entry&) = delete;
+
+private:
+    SyncObjectsOSAL::ICriticalSection& m_section;
+};
+
 } // namespace
 
 void BriefLogFormatter::Format(std::uint32_t level, const char* /*file*/, const char* function,
@@ -35,6 +49,14 @@ void BriefLogFormatter::Format(std::uint32_t level, const char* /*file*/, const 
     constexpr int functionWidth = 40;
     out << std::left << std::setw(tagWidth) << FindTag(level) << "| " << std::setw(functionWidth)
         << function << " | " << message;
+}
+
+StreamLogDevice::StreamLogDevice(std::ostream* stream, SyncObjectsOSAL::ICriticalSection* pLock)
+    : m_stream(stream), m_pLock(pLock) {}
+
+void StreamLogDevice::Write(const std::string& line) {
+    const Entry entry(*m_pLock);
+    *m_stream << line << std::endl;
 }
 
 } // namespace Utilities

@@ -1,6 +1,6 @@
 #include "Modules/xFramework/OSAL/CriticalSection.h"
 #include "Modules/xFramework/SyncObjectsOSAL/CriticalSectionOSAL.h"
-#include "Modules/xFramework/Utilities/StreamLogDevice.h"
+#include "Modules/xFramework/Utilities/BriefLogFormatter.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,6 @@
 #include "Modules/xFramework/Utilities/Format.h"
 #include "Modules/xFramework/Utilities/LogPrinter.h"
 #include "Modules/xFramework/Utilities/SingletonWrapper.h"
-#include "Modules/xFramework/Utilities/StreamLogDevice.h"
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
 #include "tests/Modules/xFramework/Utilities/LogRecorder.h"
 

@@ -11,7 +11,6 @@
 #include "Modules/xFramework/Utilities/LogPrinter.h"
 #include "Modules/xFramework/Utilities/Singleton.h"
 #include "Modules/xFramework/Utilities/SingletonWrapper.h"
-#include "Modules/xFramework/Utilities/StreamLogDevice.h"
 
 namespace Core {
 
