@@ -2,11 +2,19 @@
 
 #include "Modules/xFramework/Utilities/Format.h"
 #include "Modules/xFramework/Utilities/Log.h"
-#include "Modules/xFramework/Utilities/SourceName.h"
 
 #include <exception>
 
 namespace Utilities {
+
+std::string SourceName(const std::string& path) {
+    const std::string rooted = "/" + path;
+    const std::size_t root = rooted.rfind("/src/");
+    const std::string name = path.substr(root == std::string::npos ? 0 : root);
+    const std::size_t fileName = name.rfind('/') + 1;
+    const std::size_t extension = name.find('.', fileName);
+    return name.substr(0, extension);
+}
 
 FunctionTrace::FunctionTrace(const char* function, const char* file, std::uint32_t line)
     : m_function(function),

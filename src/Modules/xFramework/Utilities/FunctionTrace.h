@@ -5,6 +5,10 @@
 
 namespace Utilities {
 
+/// What the log calls a source file: its path from src/ (included), without extension. The compiler
+/// names files as the build does; a path outside such a tree only loses its extension.
+std::string SourceName(const std::string& path);
+
 /// Logs at the info level that a function was entered, and that it was left when the scope ends
 /// normally. A scope that an exception ends logs no exit. Both records name the source file by its
 /// path from src/ without extension, and both bear the line of the trace.

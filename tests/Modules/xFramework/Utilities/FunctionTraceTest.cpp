@@ -1,6 +1,5 @@
 #include "Modules/xFramework/Utilities/FunctionTrace.h"
 
-#include "Modules/xFramework/Utilities/SourceName.h"
 #include "tests/Modules/xFramework/Utilities/LogRecorder.h"
 
 #include <gmock/gmock.h>
@@ -8,11 +7,34 @@
 #include <exception>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace Utilities {
 namespace {
 
 using testing::ElementsAre;
+
+struct NameCase {
+    std::string path;
+    std::string name;
+};
+
+TEST(SourceName, IsThePathFromTheTreeOfSourcesWithoutExtension) {
+    const std::vector<NameCase> cases{
+        {"/home/bench.new/client/src/Tools/Vemo/DynamicTest.cpp", "src/Tools/Vemo/DynamicTest"},
+        {"src/Tools/Vemo/DynamicTest.cpp", "src/Tools/Vemo/DynamicTest"},
+        {"../../src/main.cpp", "src/main"},
+        {"/usr/src/client/src/main.cpp", "src/main"},
+        {"/home/mysrc/client/main.cpp", "/home/mysrc/client/main"},
+        {"/home/bench.new/main", "/home/bench.new/main"},
+        {"src/Tools/Makefile", "src/Tools/Makefile"},
+        {"main.cpp", "main"},
+        {"", ""}};
+    for (const NameCase& each : cases) {
+        SCOPED_TRACE(each.path);
+        EXPECT_EQ(SourceName(each.path), each.name);
+    }
+}
 
 /// The record as the recorder lists it, for a trace in this file.
 std::string Enter(const std::string& function) {
