@@ -1,9 +1,7 @@
 #include "Tools/SarvexTool/Client/CliClient.h"
 
 #include "Modules/xFramework/Utilities/Exception.h"
-#include "Modules/xFramework/Utilities/FileLink.h"
-#include "Modules/xFramework/Utilities/FileText.h"
-#include "Modules/xFramework/Utilities/ModuleDirectory.h"
+#include "Modules/xFramework/Utilities/ProgramFiles.h"
 #include "Tools/SarvexTool/Client/Reply.h"
 #include "Tools/SarvexTool/Client/Request.h"
 

@@ -1,7 +1,7 @@
 #include "Tools/SarvexTool/Client/Launcher.h"
 
 #include "Modules/xFramework/Utilities/Exception.h"
-#include "Modules/xFramework/Utilities/ModuleDirectory.h"
+#include "Modules/xFramework/Utilities/ProgramFiles.h"
 
 #include <array>
 #include <iostream>

@@ -1,6 +1,6 @@
 #include "Modules/xFramework/OSAL/Process.h"
 
-#include "Modules/xFramework/Utilities/ModuleDirectory.h"
+#include "Modules/xFramework/Utilities/ProgramFiles.h"
 #include "tests/Modules/xFramework/OSAL/LoopbackPeer.h"
 #include "tests/Support/Files.h"
 

@@ -2,8 +2,7 @@
 
 #include "Modules/xFramework/OSAL/File.h"
 #include "Modules/xFramework/Utilities/Exception.h"
-#include "Modules/xFramework/Utilities/FileLink.h"
-#include "Modules/xFramework/Utilities/ModuleDirectory.h"
+#include "Modules/xFramework/Utilities/ProgramFiles.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include "Modules/xFramework/OSAL/Socket.h"
 
 #include "Modules/xFramework/OSAL/Process.h"
-#include "Modules/xFramework/Utilities/ModuleDirectory.h"
+#include "Modules/xFramework/Utilities/ProgramFiles.h"
 
 #include <fcntl.h>
 #include <sys/socket.h>

@@ -1,6 +1,6 @@
 #include "Modules/xFramework/OSAL/File.h"
 
-#include "Modules/xFramework/Utilities/FileLink.h"
+#include "Modules/xFramework/Utilities/ProgramFiles.h"
 #include "tests/Support/Files.h"
 
 #include <windows.h>

@@ -1,6 +1,6 @@
 #include "Modules/xFramework/OSAL/Process.h"
 
-#include "Modules/xFramework/Utilities/ModuleDirectory.h"
+#include "Modules/xFramework/Utilities/ProgramFiles.h"
 
 #include <windows.h>
 

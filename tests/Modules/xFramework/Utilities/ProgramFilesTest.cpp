@@ -1,4 +1,4 @@
-#include "Modules/xFramework/Utilities/FileLink.h"
+#include "Modules/xFramework/Utilities/ProgramFiles.h"
 
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
 #include "tests/Modules/xFramework/Utilities/ProviderGuard.h"
@@ -12,6 +12,45 @@ namespace Utilities {
 namespace {
 
 using OSAL::Fake::TheWorld;
+
+class ModuleDirectory : public testing::Test {
+protected:
+    ModuleDirectory() { OSAL::Fake::Reset(); }
+    std::string directory = "as it was";
+};
+
+struct PathCase {
+    std::string modulePath;
+    std::string directory;
+};
+
+TEST_F(ModuleDirectory, ReachesUpToTheLastSeparator) {
+    for (const PathCase& each : std::vector<PathCase>{{"/bench/SarvexToolClient", "/bench/"},
+                                                      {"/a/b.c/d/client", "/a/b.c/d/"},
+                                                      {"/client", "/"},
+                                                      {"/a b/client tool", "/a b/"},
+                                                      {"a//client", "a//"}}) {
+        SCOPED_TRACE(each.modulePath);
+        TheWorld().modulePath = each.modulePath;
+        EXPECT_EQ(GetModuleDirectory(directory), 0);
+        EXPECT_EQ(directory, each.directory);
+        EXPECT_EQ(PathBesideProgram("Socket.cfg"), each.directory + "Socket.cfg");
+    }
+}
+
+TEST_F(ModuleDirectory, SucceedsWithoutSeparatorAndLeavesTheTextAlone) {
+    TheWorld().modulePath = "client";
+    EXPECT_EQ(GetModuleDirectory(directory), 0);
+    EXPECT_EQ(directory, "as it was");
+    EXPECT_EQ(PathBesideProgram("Socket.cfg"), "Socket.cfg");
+}
+
+TEST_F(ModuleDirectory, FailsWith13WhenThePathCannotBeRead) {
+    TheWorld().modulePathReadable = false;
+    EXPECT_EQ(GetModuleDirectory(directory), 13);
+    EXPECT_EQ(directory, "as it was");
+    EXPECT_EQ(PathBesideProgram("Socket.cfg"), "Socket.cfg");
+}
 
 constexpr std::uint32_t archive = 0x20;
 constexpr std::uint32_t reparse = 0x400;
@@ -75,6 +114,24 @@ TEST(FileLink, MessageExpandsThePathLikeAnyText) {
 
 TEST(FileLink, MessageNamesAPathThatLooksLikeAPlaceholder) {
     EXPECT_EQ(LinkMessage("/${1}/Socket.cfg"), "File /${1}/Socket.cfg is a link");
+}
+
+TEST(FileText, IsAllBytesOfTheFile) {
+    for (const std::size_t size : {0u, 1u, 4095u, 4096u, 4097u, 20000u}) {
+        SCOPED_TRACE(size);
+        OSAL::Fake::Reset();
+        std::string content(size, 'x');
+        for (std::size_t index = 0; index < size; ++index)
+            content[index] = static_cast<char>(index);
+        OSAL::Fake::TheWorld().files["/bench/file"].content = content;
+        EXPECT_EQ(ReadFileText("/bench/file"), content);
+        EXPECT_EQ(OSAL::Fake::CountCalls("CloseHandle 7"), 1);
+    }
+}
+
+TEST(FileText, IsEmptyWithoutAFile) {
+    OSAL::Fake::Reset();
+    EXPECT_EQ(ReadFileText("/bench/file"), "");
 }
 
 } // namespace

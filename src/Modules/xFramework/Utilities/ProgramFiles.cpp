@@ -1,0 +1,69 @@
+#include "Modules/xFramework/Utilities/ProgramFiles.h"
+
+#include "Modules/xFramework/OSAL/File.h"
+#include "Modules/xFramework/OSAL/Process.h"
+#include "Modules/xFramework/Utilities/Format.h"
+
+#include <array>
+
+namespace Utilities {
+
+namespace {
+
+class OpenFile {
+public:
+    explicit OpenFile(const std::string& path) : m_handle(OSAL::OpenFileForReading(path)) {}
+    ~OpenFile() { OSAL::CloseHandle(m_handle); }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    std::size_t Read(char* buffer, std::size_t size) {
+        return OSAL::ReadFile(m_handle, buffer, size);
+    }
+
+private:
+    OSAL::Handle m_handle;
+};
+
+} // namespace
+
+int GetModuleDirectory(std::string& directory) {
+    constexpr int pathUnreadable = 13;
+    std::string path;
+    if (!OSAL::ReadModulePath(path))
+        return pathUnreadable;
+    const std::size_t separator = path.rfind(OSAL::PathSeparator);
+    if (separator != std::string::npos)
+        directory = path.substr(0, separator + 1);
+    return 0;
+}
+
+std::string PathBesideProgram(const std::string& fileName) {
+    std::string directory;
+    GetModuleDirectory(directory);
+    return directory + fileName;
+}
+
+bool IsLink(const std::string& path) {
+    const std::uint32_t attributes = OSAL::ReadFileAttributes(path);
+    if (attributes == OSAL::InvalidFileAttributes || (attributes & OSAL::ArchiveAttribute) == 0)
+        return false;
+    const bool isSymbolicLink = (attributes & OSAL::ReparsePointAttribute) != 0 &&
+                                OSAL::ReadReparseTag(path) == OSAL::SymbolicLinkTag;
+    return isSymbolicLink || OSAL::CountHardLinks(path) > 1;
+}
+
+std::string LinkMessage(const std::string& path) {
+    return FillTemplate("File ${1} is a link", {path});
+}
+
+std::string ReadFileText(const std::string& path) {
+    std::array<char, 4096> piece;
+    std::string text;
+    OpenFile file(path);
+    while (const std::size_t count = file.Read(piece.data(), piece.size()))
+        text.append(piece.data(), count);
+    return text;
+}
+
+} // namespace Utilities
