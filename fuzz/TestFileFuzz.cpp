@@ -9,7 +9,7 @@
 #include "Modules/xFramework/Utilities/Exception.h"
 #include "Modules/xFramework/Utilities/Log.h"
 #include "Modules/xFramework/Utilities/LogPrinter.h"
-#include "Modules/xFramework/Utilities/SingletonWrapper.h"
+#include "Modules/xFramework/Utilities/Singleton.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/Columns.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/DynamicTest.h"
 #include "fuzz/Support/Check.h"

@@ -1,7 +1,7 @@
 #include "Modules/xFramework/Utilities/Log.h"
 
 #include "Modules/xFramework/Utilities/LogPrinter.h"
-#include "Modules/xFramework/Utilities/SingletonWrapper.h"
+#include "Modules/xFramework/Utilities/Singleton.h"
 
 namespace Utilities {
 

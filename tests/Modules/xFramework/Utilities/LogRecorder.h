@@ -2,7 +2,7 @@
 
 #include "Modules/xFramework/Utilities/Log.h"
 #include "Modules/xFramework/Utilities/LogPrinter.h"
-#include "Modules/xFramework/Utilities/SingletonWrapper.h"
+#include "Modules/xFramework/Utilities/Singleton.h"
 
 #include <cstdint>
 #include <ostream>

@@ -5,7 +5,7 @@
 #include "Modules/xFramework/Utilities/BriefLogFormatter.h"
 #include "Modules/xFramework/Utilities/Format.h"
 #include "Modules/xFramework/Utilities/LogPrinter.h"
-#include "Modules/xFramework/Utilities/SingletonWrapper.h"
+#include "Modules/xFramework/Utilities/Singleton.h"
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
 #include "tests/Modules/xFramework/Utilities/LogRecorder.h"
 

@@ -1,7 +1,5 @@
 #include "Modules/xFramework/Utilities/Singleton.h"
 
-#include "Modules/xFramework/Utilities/SingletonWrapper.h"
-
 #include <gtest/gtest.h>
 
 #include <array>

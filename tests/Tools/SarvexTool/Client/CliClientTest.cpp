@@ -2,7 +2,7 @@
 
 #include "Modules/xFramework/Utilities/Exception.h"
 #include "Modules/xFramework/Utilities/LogPrinter.h"
-#include "Modules/xFramework/Utilities/SingletonWrapper.h"
+#include "Modules/xFramework/Utilities/Singleton.h"
 #include "Tools/SarvexTool/Client/Request.h"
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
 #include "tests/Tools/SarvexTool/Client/ConsoleCapture.h"

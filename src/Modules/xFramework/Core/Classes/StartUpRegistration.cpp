@@ -10,7 +10,6 @@
 #include "Modules/xFramework/Utilities/Log.h"
 #include "Modules/xFramework/Utilities/LogPrinter.h"
 #include "Modules/xFramework/Utilities/Singleton.h"
-#include "Modules/xFramework/Utilities/SingletonWrapper.h"
 
 namespace Core {
 
