@@ -1,11 +1,14 @@
 #pragma once
 
-#include "Modules/xFramework/Streams/advanced_streambuf.h"
-
 #include <ostream>
+#include <streambuf>
 #include <string>
 
 namespace Streams {
+
+/// Common base of the stream buffers that do something with their text.
+template <typename Char = char, typename Traits = std::char_traits<Char>>
+class advanced_streambuf : public std::basic_streambuf<Char, Traits> {};
 
 /// Holds a buffer as a base class, so that it exists before the stream that is built on it.
 template <typename Buffer>

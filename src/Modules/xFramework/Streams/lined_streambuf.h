@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Modules/xFramework/Streams/advanced_streambuf.h"
+#include "Modules/xFramework/Streams/advanced_stream.h"
 
 #include <string>
 

@@ -1,11 +1,16 @@
 #pragma once
 
 #include "Modules/xFramework/Streams/advanced_stream.h"
-#include "Modules/xFramework/Streams/nullbuf.h"
 
+#include <streambuf>
 #include <string>
 
 namespace Streams {
+
+/// Swallows nothing and holds nothing: the standard buffer as it is, whose overflow reports the end
+/// of file, so that the first character written puts its stream into the bad state.
+template <typename Char = char, typename Traits = std::char_traits<Char>>
+class nullbuf : public std::basic_streambuf<Char, Traits> {};
 
 /// An output stream that puts out nothing. The first character written leaves it in the bad state,
 /// so that all further output is skipped before any formatting is done.
