@@ -1,6 +1,7 @@
 #include "Modules/xFramework/Utilities/Exception.h"
 
 #include "Modules/xFramework/Utilities/Format.h"
+#include "Modules/xFramework/Utilities/FunctionTrace.h"
 #include "Modules/xFramework/Utilities/Log.h"
 
 #include <ios>
@@ -29,9 +30,19 @@ void Raise(const std::string& message, const ErrorSite& site) {
     throw exception.release();
 }
 
+void Raise(const std::string& message, const char* function, const char* file, std::uint32_t line) {
+    Raise(message, {SourceName(file).c_str(), line, function});
+}
+
 void Assert(bool condition, const char* conditionText, const ErrorSite& site) {
     if (!condition)
         Raise(Format("Assertion (${1}) failed at ${2}") % conditionText % site.function, site);
+}
+
+void Assert(bool condition, const char* conditionText, const char* function, const char* file,
+            std::uint32_t line) {
+    if (!condition)
+        Assert(false, conditionText, {SourceName(file).c_str(), line, function});
 }
 
 CaughtException TakeCaughtException() {

@@ -72,10 +72,10 @@ private:
     ErrorLocation* m_pLocation = nullptr;
 };
 
-/// Where in the sources an error is raised. The figures are literals, so that they stay what logs
-/// and handlers of other versions know.
+/// Where in the sources an error is raised, where the figures are fixed: logs and handlers of other
+/// versions know them, so they stay when the source around them changes.
 struct ErrorSite {
-    /// Path of the source file from src/, src/ included, without extension.
+    /// Path of the source file from src/ (included), without extension.
     const char* file;
     std::uint32_t line;
     /// Qualified name of the function.
@@ -86,9 +86,17 @@ struct ErrorSite {
 /// the site as its location.
 [[noreturn]] void Raise(const std::string& message, const ErrorSite& site);
 
+/// The same with the place of the call itself as the location: the way for every error whose
+/// figures are not fixed. function is the qualified name; file and line are left to the compiler,
+/// and the location names the file as SourceName does.
+[[noreturn]] void Raise(const std::string& message, const char* function,
+                        const char* file = __builtin_FILE(), std::uint32_t line = __builtin_LINE());
+
 /// Raises "Assertion (…) failed at …" when the condition is false; conditionText is its source
-/// text. Always active.
+/// text. Always active. The two forms differ as those of Raise do.
 void Assert(bool condition, const char* conditionText, const ErrorSite& site);
+void Assert(bool condition, const char* conditionText, const char* function,
+            const char* file = __builtin_FILE(), std::uint32_t line = __builtin_LINE());
 
 /// What a catch point needs to know of the exception that it caught, whether that travelled as a
 /// value or as a pointer.

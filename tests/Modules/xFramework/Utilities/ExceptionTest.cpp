@@ -1,5 +1,6 @@
 #include "Modules/xFramework/Utilities/Exception.h"
 
+#include "Modules/xFramework/Utilities/FunctionTrace.h"
 #include "tests/Modules/xFramework/Utilities/FailingMemory.h"
 #include "tests/Modules/xFramework/Utilities/LogRecorder.h"
 #include "tests/Modules/xFramework/Utilities/ProviderGuard.h"
@@ -215,6 +216,32 @@ TEST_F(Raising, GoesWithoutALocationWhenThereIsNoMemoryForItsTexts) {
     }
     ASSERT_NE(exception, nullptr);
     EXPECT_EQ(exception->GetLocation(), nullptr);
+}
+
+TEST_F(Raising, TellsThePlaceOfTheCallWhenNoSiteIsGiven) {
+    constexpr std::uint32_t lineOfTheCall = __LINE__ + 1;
+    const auto exception = Catch([] { Raise("message", "Utilities::Caller"); });
+    ASSERT_NE(exception, nullptr);
+    EXPECT_STREQ(exception->what(), "message");
+    ASSERT_NE(exception->GetLocation(), nullptr);
+    EXPECT_EQ(exception->GetLocation()->GetFile(), SourceName(__FILE__));
+    EXPECT_EQ(exception->GetLocation()->GetLine(), lineOfTheCall);
+    EXPECT_EQ(exception->GetLocation()->GetFunction(), "Utilities::Caller");
+    EXPECT_THAT(log.records,
+                ElementsAre("1|" + SourceName(__FILE__) + "|Utilities::Caller|message"));
+}
+
+TEST_F(Raising, AssertionTellsThePlaceOfTheCallWhenNoSiteIsGiven) {
+    Assert(true, "pCreator", "Utilities::Caller");
+    EXPECT_THAT(log.records, IsEmpty());
+    constexpr std::uint32_t lineOfTheCall = __LINE__ + 1;
+    const auto exception = Catch([] { Assert(false, "pCreator", "Utilities::Caller"); });
+    ASSERT_NE(exception, nullptr);
+    EXPECT_STREQ(exception->what(), "Assertion (pCreator) failed at Utilities::Caller");
+    ASSERT_NE(exception->GetLocation(), nullptr);
+    EXPECT_EQ(exception->GetLocation()->GetFile(), SourceName(__FILE__));
+    EXPECT_EQ(exception->GetLocation()->GetLine(), lineOfTheCall);
+    EXPECT_EQ(exception->GetLocation()->GetFunction(), "Utilities::Caller");
 }
 
 TEST_F(Raising, AssertionThatHoldsDoesNothing) {
