@@ -40,12 +40,15 @@ Node* Children::FindFirst(std::string_view name) const {
 
 Node* Children::Add(const char* name) {
     auto node = std::make_shared<Node>();
-    Groups& groups = OwnGroups();
-    auto group = groups.find(std::string_view(name));
+    std::shared_ptr<Family> family = OwnFamily();
+    Groups& groups = family->groups;
+    const auto group = groups.find(std::string_view(name));
     if (group == groups.end())
-        group = groups.emplace(name, Nodes()).first;
-    group->second.push_back(std::move(node));
-    return group->second.back().get();
+        groups.emplace(name, Nodes(1, node));
+    else
+        group->second.push_back(node);
+    m_pFamily = std::move(family);
+    return node.get();
 }
 
 const Children::Groups& Children::SharedGroups() const {
@@ -53,15 +56,13 @@ const Children::Groups& Children::SharedGroups() const {
     return m_pFamily == nullptr ? none : m_pFamily->groups;
 }
 
-Children::Groups& Children::OwnGroups() {
-    if (m_pFamily == nullptr) {
-        m_pFamily = std::make_shared<Family>();
-    } else if (m_pFamily.use_count() > 1) {
-        auto own = std::make_shared<Family>();
-        own->groups = m_pFamily->groups;
-        m_pFamily = std::move(own);
-    }
-    return m_pFamily->groups;
+/// The family that an entry can be added to: this list's, or a copy of it when others share that.
+std::shared_ptr<Children::Family> Children::OwnFamily() const {
+    if (m_pFamily != nullptr && m_pFamily.use_count() == 1)
+        return m_pFamily;
+    auto own = std::make_shared<Family>();
+    own->groups = SharedGroups();
+    return own;
 }
 
 /// Takes the families below out of their nodes before the nodes go, and chains them up through

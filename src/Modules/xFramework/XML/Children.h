@@ -41,9 +41,9 @@ public:
     /// The first child of that name; null when there is none.
     Node* FindFirst(std::string_view name) const;
 
-    /// Creates an empty node behind the children of the same name. The node belongs to this list
-    /// and to later copies of it. Iterators of this list become invalid, those of its copies do
-    /// not.
+    /// Creates an empty node after the children of the same name. The node belongs to this list and
+    /// to later copies of it. Iterators of this list become invalid, those of its copies do not.
+    /// When there is no memory for it, std::bad_alloc is thrown and the list stays as it was.
     Node* Add(const char* name);
 
 private:
@@ -54,7 +54,7 @@ private:
     struct Family;
 
     const Groups& SharedGroups() const;
-    Groups& OwnGroups();
+    std::shared_ptr<Family> OwnFamily() const;
     static void Release(std::shared_ptr<Family> doomed);
 
     /// Null as long as there are no children.

@@ -1,10 +1,14 @@
 #include "Modules/xFramework/XML/Children.h"
 
-#include "Modules/xFramework/XML/Node.h"
+#include "Modules/xFramework/XML/Base.h"
+#include "Modules/xFramework/XML/Writer.h"
+#include "tests/Support/FailingAllocation.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <new>
+#include <sstream>
 #include <string>
 
 namespace XML {
@@ -141,6 +145,78 @@ TEST(ChildrenTest, DeepTreeIsDeletedWithoutRecursion) {
     children = Children();
 
     EXPECT_TRUE(last.expired());
+}
+
+/// Adds a child while each of the requests for memory that this takes fails in turn, and expects
+/// that nothing shows of the failures.
+void ExpectUnchangedByFailures(Children& children, const char* name) {
+    const std::string before = Describe(children);
+    const bool wasEmpty = children.IsEmpty();
+    std::size_t requests = 0;
+    for (bool isAdded = false; !isAdded; ++requests) {
+        SCOPED_TRACE(std::to_string(requests));
+        {
+            const TestSupport::FailingAllocation failing(requests);
+            try {
+                children.Add(name);
+                isAdded = true;
+            } catch (const std::bad_alloc&) {
+                EXPECT_TRUE(failing.HasFailed());
+            }
+        }
+        if (!isAdded) {
+            EXPECT_EQ(Describe(children), before);
+            EXPECT_EQ(children.IsEmpty(), wasEmpty);
+        }
+    }
+    EXPECT_GT(requests, 1U) << "no request for memory has failed";
+}
+
+TEST(ChildrenTest, AddThatFindsNoMemoryLeavesTheListAsItWas) {
+    const char* const longName = "a name that is too long to be stored in the string object itself";
+    for (const char* const name : {"a", longName}) {
+        SCOPED_TRACE(name);
+        Children children;
+        ExpectUnchangedByFailures(children, name);
+        ExpectUnchangedByFailures(children, name);
+        ExpectUnchangedByFailures(children, "b");
+        EXPECT_EQ(Describe(children), std::string(name) + " " + name + " b ");
+    }
+}
+
+TEST(ChildrenTest, AddThatFindsNoMemoryLeavesASharedListAsItWas) {
+    Children children;
+    AddWithText(children, "a", "1");
+    const Children snapshot = children;
+    const std::weak_ptr<Node> shared = (*children.begin()).node;
+    for (const char* const name : {"a", "b"}) {
+        ExpectUnchangedByFailures(children, name);
+        EXPECT_EQ(shared.use_count(), 2) << "one for each of the two lists";
+    }
+    EXPECT_EQ(Describe(children), "a1 a b ");
+    EXPECT_EQ(Describe(snapshot), "a1 ");
+}
+
+TEST(ChildrenTest, TreeIsWrittenAfterAnAddThatFoundNoMemory) {
+    for (std::size_t requests = 0; requests < 10; ++requests) {
+        SCOPED_TRACE(requests);
+        Base document;
+        Node* const root = document.GetTopNode()->AddChild("root");
+        {
+            const TestSupport::FailingAllocation failing(requests);
+            try {
+                root->AddChild("a");
+            } catch (const std::bad_alloc&) {
+                EXPECT_TRUE(root->GetChildren().IsEmpty());
+            }
+        }
+        std::ostringstream stream;
+        Writer writer(stream);
+        document.Save(writer);
+        const std::string inside =
+            root->GetChildren().IsEmpty() ? "<root/>" : "<root>\n\t<a/>\n</root>";
+        EXPECT_EQ(stream.str(), "<?xml version=\"1.0\" ?>\n" + inside + "\n");
+    }
 }
 
 } // namespace
