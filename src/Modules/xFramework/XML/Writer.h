@@ -14,12 +14,16 @@ namespace XML {
 /// flushes it.
 ///
 /// Nothing is escaped; names, values and texts come out as they are. Each event is in the stream's
-/// buffer when it returns. The writer reports nothing: a failure to write shows in the state of the
-/// stream, which the caller checks afterwards.
+/// buffer when it returns.
 ///
-/// The events are written as they come: an attribute behind the text or the first child of its
-/// element lands in the content, and the first child behind a text stands on the text's line, the
-/// next ones on lines of their own. An EndElement without an open element is ignored.
+/// The writer reports nothing and throws nothing, not even for a stream that is set to throw
+/// (std::ios::exceptions): a failure, whatever the stream's buffer throws and a lack of memory
+/// included, shows in the state of the stream, which the caller checks afterwards. What an event
+/// that failed has not put out is dropped.
+///
+/// The events are written as they come: an attribute after the text or the first child of its
+/// element is written into the content, and the first child after a text follows on the text's
+/// line, the next ones on lines of their own. An EndElement without an open element is ignored.
 class Writer : public IListener {
 public:
     /// The stream stays the caller's and outlives the writer.
@@ -47,12 +51,15 @@ private:
         bool startTagClosed = false;
     };
 
+    template <typename Build>
+    void WriteEvent(Build build);
     bool CloseStartTag(Level& element);
     void EndLine(std::size_t depth);
     void PutOut();
+    void MakeStreamBad();
 
     std::ostream& m_stream;
-    /// The document and, behind it, the open elements from the outside in. A list instead of
+    /// The document and, after it, the open elements from the outside in. A list instead of
     /// writers that own each other: an event reaches the innermost one at once, and no depth
     /// overflows the stack.
     std::vector<Level> m_levels;
