@@ -17,8 +17,8 @@ public:
     /// A copy of the names, in their order.
     virtual std::set<std::string> GetNames() const = 0;
 
-    /// The value factory's registration keeps the names: it adds a name to the type that it is
-    /// registered for, and takes it from the type that it stood for before.
+    /// The registration in the process's value factory keeps the names: it adds a name to the type
+    /// that it is registered for, and takes it from the type that it stood for before.
     virtual void AddName(const std::string& name) = 0;
     virtual void RemoveName(const std::string& name) = 0;
 

@@ -1,6 +1,7 @@
 #include "Modules/xFramework/Core/Classes/ValueFactory.h"
 
 #include "Modules/xFramework/Core/Classes/TypedLiteral.h"
+#include "Modules/xFramework/Utilities/Singleton.h"
 
 #include <utility>
 
@@ -33,15 +34,21 @@ void ValueFactory::Register(const std::string& name, std::unique_ptr<AClassCreat
     ClassFactory::Register(name, std::move(creator));
 }
 
+bool ValueFactory::IsOfTheProcess() const {
+    return this == &Utilities::Singleton<ValueFactory>::Instance();
+}
+
 void ValueFactory::RemoveDescriptor(const std::string& name) {
-    if (const ITypeDescriptor* const earlier = GetTypeDescriptor(name))
+    const ITypeDescriptor* const earlier = GetTypeDescriptor(name);
+    if (earlier != nullptr && IsOfTheProcess())
         earlier->GetMetaType().RemoveName(name);
     m_descriptors.Remove(name);
 }
 
 void ValueFactory::RegisterDescriptor(const std::string& name,
                                       std::unique_ptr<ITypeDescriptor> descriptor) {
-    descriptor->GetMetaType().AddName(name);
+    if (IsOfTheProcess())
+        descriptor->GetMetaType().AddName(name);
     m_descriptors.Add(name, descriptor.release());
 }
 

@@ -8,18 +8,18 @@ namespace Core {
 
 /// Makes value objects by the names of their element types, and from typed literals. The one that
 /// text assignment asks is Utilities::Singleton<Core::ValueFactory>. New objects are the caller's,
-/// with a count of 0. The names that any factory gives stay with the meta types, which are the
-/// process's, when that factory ends.
+/// with a count of 0. The meta types, which are the process's, know the names that this one factory
+/// gives; those of any other factory stay its own.
 class ValueFactory : public DynamicFactory<IValue, GenericFactory<IValue, ClassFactory>>,
                      public virtual Service {
 public:
-    /// Gives the element type T a name: registers a creator and a descriptor, and tells the meta
-    /// type. A name that is taken stands for T from now on.
+    /// Gives the element type T a name: registers a creator and a descriptor, and the process's
+    /// factory tells the meta type. A name that is taken stands for T from now on.
     template <typename T>
     void Register(const std::string& name);
 
     /// See IClassFactory. A name that stood for an element type does so no longer: its descriptor
-    /// goes with the replaced creator, and its meta type forgets the name.
+    /// goes with the replaced creator, and its meta type forgets a name of the process's factory.
     void Register(const std::string& name, std::unique_ptr<AClassCreator> creator) override;
 
     /// A value of the named type, read from text; an unreadable text leaves the default element.
@@ -39,6 +39,7 @@ public:
     ITypeDescriptor* GetTypeDescriptor(const std::string& name);
 
 private:
+    bool IsOfTheProcess() const;
     void RemoveDescriptor(const std::string& name);
     void RegisterDescriptor(const std::string& name, std::unique_ptr<ITypeDescriptor> descriptor);
 

@@ -10,7 +10,6 @@ namespace {
 
 using namespace Core;
 
-/// The names are the tests' own: the meta types belong to the whole process.
 class ValueFactoryTest : public testing::Test {
 protected:
     ValueFactoryTest() {
@@ -18,11 +17,6 @@ protected:
         m_factory.Register<std::string>("text");
         m_factory.Register("object", std::make_unique<ClassCreator<LiveObject, IInterface>>());
     }
-    ~ValueFactoryTest() override {
-        for (const char* const name : {"number", "text"})
-            m_factory.GetTypeDescriptor(name)->GetMetaType().RemoveName(name);
-    }
-
     ValueFactory m_factory;
 };
 
@@ -83,10 +77,15 @@ TEST_F(ValueFactoryTest, ExpressionWithoutValueTextNamesATypeAsAWhole) {
     EXPECT_EQ(m_factory.CreateFromExpression(""), nullptr);
 }
 
-TEST_F(ValueFactoryTest, RegistrationAddsADescriptorAndTellsTheMetaType) {
+template <typename T>
+CoreTypes::IMetaType& MetaTypeOf() {
+    return Utilities::Singleton<CoreTypes::MetaType<T>>::Instance();
+}
+
+TEST_F(ValueFactoryTest, RegistrationAddsADescriptor) {
     ITypeDescriptor* const descriptor = m_factory.GetTypeDescriptor("number");
     ASSERT_NE(descriptor, nullptr);
-    EXPECT_TRUE(descriptor->GetMetaType().HasName("number"));
+    EXPECT_EQ(&descriptor->GetMetaType(), &MetaTypeOf<Int>());
     EXPECT_EQ(m_factory.GetTypeDescriptor("object"), nullptr);
     EXPECT_EQ(m_factory.GetTypeDescriptor("nosuchtype"), nullptr);
 }
@@ -95,13 +94,39 @@ TEST_F(ValueFactoryTest, NameRegisteredAgainStandsForTheLaterType) {
     m_factory.Register<Int>("again");
     m_factory.Register<bool>("again");
     EXPECT_EQ(ElementOf<bool>(m_factory.Create("again", "1")), true);
-    EXPECT_FALSE(Utilities::Singleton<CoreTypes::MetaType<Int>>::Instance().HasName("again"));
-    auto& metaType = m_factory.GetTypeDescriptor("again")->GetMetaType();
-    EXPECT_TRUE(metaType.HasName("again"));
-    metaType.RemoveName("again");
+    EXPECT_EQ(&m_factory.GetTypeDescriptor("again")->GetMetaType(), &MetaTypeOf<bool>());
 }
 
-TEST_F(ValueFactoryTest, NameRegisteredAgainWithACreatorStandsForNoElementType) {
+TEST_F(ValueFactoryTest, NamesOfAFactoryOfOnesOwnDoNotReachTheMetaTypes) {
+    const std::set<std::string> names = MetaTypeOf<Int>().GetNames();
+    EXPECT_EQ(names.count("number"), 0U);
+    m_factory.Register<Int>("more");
+    EXPECT_EQ(MetaTypeOf<Int>().GetNames(), names);
+    // Names that the process's factory gives as well.
+    m_factory.Register<Int>("int");
+    m_factory.Register<bool>("int");
+    m_factory.Register("int", nullptr);
+    EXPECT_EQ(MetaTypeOf<Int>().GetNames(), names);
+    EXPECT_FALSE(MetaTypeOf<bool>().HasName("int"));
+}
+
+/// The process's factory; takes the name out in the end.
+class ProcessFactoryTest : public testing::Test {
+protected:
+    ~ProcessFactoryTest() override { m_factory.Register("again", nullptr); }
+
+    ValueFactory& m_factory = Utilities::Singleton<ValueFactory>::Instance();
+};
+
+TEST_F(ProcessFactoryTest, TellsTheMetaTypesItsNames) {
+    m_factory.Register<Int>("again");
+    EXPECT_TRUE(MetaTypeOf<Int>().HasName("again"));
+    m_factory.Register<bool>("again");
+    EXPECT_FALSE(MetaTypeOf<Int>().HasName("again"));
+    EXPECT_TRUE(MetaTypeOf<bool>().HasName("again"));
+}
+
+TEST_F(ProcessFactoryTest, NameRegisteredAgainWithACreatorStandsForNoElementType) {
     using Creator = ClassCreator<TypedValue<bool>, IValue>;
     struct {
         const char* entry;
@@ -122,7 +147,7 @@ TEST_F(ValueFactoryTest, NameRegisteredAgainWithACreatorStandsForNoElementType) 
         row.registerAgain();
         EXPECT_EQ(ElementOf<bool>(m_factory.Create("again", "1")), true);
         EXPECT_EQ(m_factory.GetTypeDescriptor("again"), nullptr);
-        EXPECT_FALSE(Utilities::Singleton<CoreTypes::MetaType<Int>>::Instance().HasName("again"));
+        EXPECT_FALSE(MetaTypeOf<Int>().HasName("again"));
     }
 }
 
