@@ -86,7 +86,8 @@ public:
     void AddUse() { ++m_useCount; }
     void ReleaseUse() { --m_useCount; }
 
-    /// Attaches the service to the domain unless it is attached.
+    /// Attaches the service to the domain as often as DetachService has detached it since; at least
+    /// once unless it is attached. A service that has gone to another domain meanwhile stays there.
     void AttachService();
 
     /// Detaches the service as often as it has been attached. What the service throws is logged,
@@ -100,6 +101,8 @@ private:
     std::uint32_t m_useCount = 0;
     std::unique_ptr<IService> m_pService;
     ServiceDomain* m_domain;
+    /// How many attaches DetachService has taken back: the domain's own and those of clients.
+    std::uint32_t m_detachCount = 0;
 };
 
 /// Walks the holders of a domain in the order of their creation, those of services that are created

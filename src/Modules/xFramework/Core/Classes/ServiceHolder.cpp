@@ -26,14 +26,23 @@ ServiceDomain::ServiceHolder::ServiceHolder(ServiceDomain* pDomain, const std::s
 }
 
 void ServiceDomain::ServiceHolder::AttachService() {
-    if (!m_pService->IsAttached())
+    if (m_pService->IsAttached() && m_pService->GetDomain() != m_domain)
+        return;
+    if (!m_pService->IsAttached() && m_detachCount == 0)
+        m_detachCount = 1;
+    while (m_detachCount != 0) {
+        --m_detachCount;
         m_pService->OnAttach(m_domain);
+    }
 }
 
 void ServiceDomain::ServiceHolder::DetachService() noexcept {
     try {
-        while (m_pService != nullptr && m_pService->IsAttached())
+        while (m_pService != nullptr && m_pService->IsAttached()) {
+            // First, for a detach counts even when the service's hook throws.
+            ++m_detachCount;
             m_pService->OnDetach();
+        }
     } catch (...) {
         LogCaughtException();
     }

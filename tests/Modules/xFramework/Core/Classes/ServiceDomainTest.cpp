@@ -369,6 +369,66 @@ TEST_F(ServiceDomainTest, DomainThatIsAttachedAgainAttachesItsServicesAgain) {
     m_domain->OnDetach();
 }
 
+TEST_F(ServiceDomainTest, DomainThatIsAttachedAgainGivesEachServiceAllItsAttachesBack) {
+    ServiceDomain around;
+    Register("a");
+    Register("b", {.onDetach = [](ScriptedService&) { throw std::runtime_error("stuck"); }});
+    for (const char* const name : {"a", "b"}) {
+        SCOPED_TRACE(name);
+        IService* const service = m_domain->GetService(name);
+        service->OnAttach(m_domain.get());
+        service->OnAttach(m_domain.get());
+        for (int round = 0; round < 2; ++round) {
+            m_domain->OnAttach(&around);
+            m_domain->OnDetach();
+            EXPECT_FALSE(service->IsAttached());
+        }
+        m_domain->OnAttach(&around);
+        EXPECT_EQ(service->OnDetach(), nullptr);
+        EXPECT_EQ(service->OnDetach(), nullptr);
+        EXPECT_TRUE(service->IsAttached()) << "the domain's own attach";
+        m_domain->OnDetach();
+    }
+}
+
+TEST_F(ServiceDomainTest, ClientsAttachWhileTheDomainIsDetachedIsCountedBesideTheOthers) {
+    ServiceDomain around;
+    Register("a");
+    IService* const service = m_domain->GetService("a");
+    m_domain->OnAttach(&around);
+    m_domain->OnDetach();
+    service->OnAttach(m_domain.get());
+    m_domain->OnAttach(&around);
+    EXPECT_EQ(service->OnDetach(), nullptr);
+    EXPECT_TRUE(service->IsAttached());
+    m_domain->OnDetach();
+}
+
+TEST_F(ServiceDomainTest, ServiceThatHasGoneToAnotherDomainStaysThere) {
+    ServiceDomain around;
+    ServiceDomain other;
+    Register("a");
+    IService* const service = m_domain->GetService("a");
+    m_domain->OnAttach(&around);
+    m_domain->OnDetach();
+    service->OnAttach(&other);
+    m_domain->OnAttach(&around);
+    EXPECT_EQ(service->GetDomain(), &other);
+    EXPECT_EQ(service->OnDetach(), &other);
+    EXPECT_FALSE(service->IsAttached());
+    m_domain->OnDetach();
+}
+
+TEST_F(ServiceDomainTest, ServiceThatItsClientHasDetachedIsAttachedWithTheDomain) {
+    ServiceDomain around;
+    Register("a");
+    IService* const service = m_domain->GetService("a");
+    service->OnDetach();
+    m_domain->OnAttach(&around);
+    EXPECT_EQ(service->GetDomain(), m_domain.get());
+    m_domain->OnDetach();
+}
+
 TEST_F(ServiceDomainTest, FirstAttachOfADomainLeavesItsServicesAsTheyAre) {
     ServiceDomain around;
     Register("a");
