@@ -26,6 +26,9 @@ IService* FindInside(IService* service, const std::string& path) {
 } // namespace
 
 ServiceDomain::~ServiceDomain() {
+    // What a service requests while it is detached must exist already: a service created now would
+    // outlive those that it needs, and nobody would detach it.
+    m_isEnding = true;
     DetachServices();
     while (!m_holders.empty()) {
         const std::unique_ptr<ServiceHolder> last = std::move(m_holders.back());
@@ -81,7 +84,6 @@ ServiceDomain::ServiceHolder* ServiceDomain::CreateHolder(const std::string& nam
 }
 
 IServiceDomain* ServiceDomain::AttachHook() {
-    m_isEnding = false;
     for (const auto& holder : m_holders)
         holder->AttachService();
     return Service::AttachHook();
@@ -93,9 +95,6 @@ IServiceDomain* ServiceDomain::DetachHook() {
 }
 
 void ServiceDomain::DetachServices() noexcept {
-    // What a service requests while it is detached must exist already: a service created now would
-    // outlive those that it needs, and nobody would detach it.
-    m_isEnding = true;
     std::for_each(m_holders.rbegin(), m_holders.rend(),
                   [](const auto& holder) { holder->DetachService(); });
 }

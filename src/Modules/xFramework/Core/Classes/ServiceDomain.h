@@ -17,8 +17,11 @@ namespace Core {
 /// With the domain the services end: first every one of them is detached, the youngest first and as
 /// often as it has been attached, then they are deleted in the same order. A nested domain passes
 /// its own detach on to its services, so that those of all depths are detached before the first one
-/// is deleted. A domain that is detached, or at its end, still answers for the services that exist,
-/// and creates none. Attached again, it attaches them again, the oldest first.
+/// is deleted. A domain at its end still answers for the services that exist, and creates none.
+///
+/// A domain that is detached goes on like one that has never been attached: it answers for the
+/// services that exist, detached as they are, and creates others. Attached again, it attaches its
+/// services again, the oldest first and as often as they had been.
 class ServiceDomain : public virtual Service, public DynamicDomain, public ANamespace {
 public:
     class ServiceHolder;
@@ -64,6 +67,7 @@ private:
     void DetachServices() noexcept;
 
     HolderList m_holders;
+    /// Set by the destructor.
     bool m_isEnding = false;
 };
 
