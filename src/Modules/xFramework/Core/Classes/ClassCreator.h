@@ -6,24 +6,33 @@
 
 namespace Core {
 
-/// Makes objects of one class, seen without their type. What it makes is the caller's.
-class AClassCreator : public virtual IInterface {
+/// Makes objects of one class, all of which offer TBase; IClassCreator<> is any creator, seen
+/// without that type. What it makes is the caller's.
+template <typename TBase = void>
+class IClassCreator;
+
+template <>
+class IClassCreator<void> : public virtual IInterface {
 public:
     virtual std::unique_ptr<IInterface> CreateObject() = 0;
 };
 
-/// Makes objects that offer TBase.
 template <typename TBase>
-class IClassCreator : public virtual AClassCreator {
+class IClassCreator : public virtual IClassCreator<> {
 public:
     virtual std::unique_ptr<TBase> Create() = 0;
+};
 
-    std::unique_ptr<IInterface> CreateObject() override { return Create(); }
+/// What all creators share.
+template <typename TBase>
+class AClassCreator : public virtual IClassCreator<TBase> {
+public:
+    std::unique_ptr<IInterface> CreateObject() override { return this->Create(); }
 };
 
 /// Makes default objects of TObject.
 template <typename TObject, typename TBase>
-class ClassCreator : public virtual IClassCreator<TBase> {
+class ClassCreator : public virtual AClassCreator<TBase> {
 public:
     std::unique_ptr<TBase> Create() override { return std::make_unique<TObject>(); }
 };

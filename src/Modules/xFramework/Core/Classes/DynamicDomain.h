@@ -9,7 +9,8 @@ namespace Core {
 /// The domain form of a dynamic factory: the kinds of service are the classes of the factory.
 class DynamicDomain : public ClassFactory, public virtual IDynamicDomain {
 public:
-    void RegisterService(const std::string& name, std::unique_ptr<AClassCreator> creator) override {
+    void RegisterService(const std::string& name,
+                         std::unique_ptr<IClassCreator<>> creator) override {
         Register(name, std::move(creator));
     }
 

@@ -68,7 +68,7 @@ public:
     /// Registers what creates the service of that name; to be done before the first request. A
     /// later creator replaces an earlier one and leaves a service that exists as it is.
     virtual void RegisterService(const std::string& name,
-                                 std::unique_ptr<AClassCreator> creator) = 0;
+                                 std::unique_ptr<IClassCreator<>> creator) = 0;
 };
 
 } // namespace Core

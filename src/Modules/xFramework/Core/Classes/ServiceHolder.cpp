@@ -49,7 +49,7 @@ void ServiceDomain::ServiceHolder::DetachService() noexcept {
 }
 
 void ServiceDomain::ServiceHolder::CreateService() {
-    const std::shared_ptr<AClassCreator> pCreator = m_domain->GetCreator(m_name);
+    const std::shared_ptr<IClassCreator<>> pCreator = m_domain->GetCreator(m_name);
     Utilities::Assert(pCreator != nullptr, "pCreator", {sourceFile, 91, constructor});
     m_pService = TakeAs<IService>(pCreator->CreateObject());
     Utilities::Assert(m_pService != nullptr, "m_pService", {sourceFile, 94, constructor});

@@ -9,7 +9,7 @@
 namespace Core {
 
 /// Creates values of one element type and describes it.
-class ITypeDescriptor : public virtual IClassCreator<IValue> {
+class ITypeDescriptor : public virtual AClassCreator<IValue> {
 public:
     /// A value that holds a new default element.
     virtual Value CreateValue() = 0;

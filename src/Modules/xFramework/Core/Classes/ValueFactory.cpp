@@ -29,7 +29,7 @@ ITypeDescriptor* ValueFactory::GetTypeDescriptor(const std::string& name) {
     return dynamic_cast<ITypeDescriptor*>(m_descriptors.Find(name));
 }
 
-void ValueFactory::Register(const std::string& name, std::unique_ptr<AClassCreator> creator) {
+void ValueFactory::Register(const std::string& name, std::unique_ptr<IClassCreator<>> creator) {
     RemoveDescriptor(name);
     ClassFactory::Register(name, std::move(creator));
 }

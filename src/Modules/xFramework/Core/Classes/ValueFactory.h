@@ -20,7 +20,7 @@ public:
 
     /// See IClassFactory. A name that stood for an element type does so no longer: its descriptor
     /// goes with the replaced creator, and its meta type forgets a name of the process's factory.
-    void Register(const std::string& name, std::unique_ptr<AClassCreator> creator) override;
+    void Register(const std::string& name, std::unique_ptr<IClassCreator<>> creator) override;
 
     /// A value of the named type, read from text; an unreadable text leaves the default element.
     /// Null when the name is unknown or does not stand for a value.

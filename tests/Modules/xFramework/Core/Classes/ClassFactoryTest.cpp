@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <type_traits>
+
 namespace {
 
 using namespace Core;
@@ -12,7 +14,7 @@ using namespace Core;
 class OtherObject : public LiveObject {};
 
 template <typename T>
-std::unique_ptr<AClassCreator> Creator() {
+std::unique_ptr<IClassCreator<>> Creator() {
     return std::make_unique<ClassCreator<T, IInterface>>();
 }
 
@@ -37,7 +39,7 @@ TEST(ClassFactory, UnknownNameGivesNothing) {
 TEST(ClassFactory, GivesTheCreatorThatWasRegistered) {
     ClassFactory factory;
     auto creator = Creator<LiveObject>();
-    const AClassCreator* const registered = creator.get();
+    const IClassCreator<>* const registered = creator.get();
     factory.Register("live", std::move(creator));
     EXPECT_EQ(factory.GetCreator("live").get(), registered);
 }
@@ -49,7 +51,7 @@ TEST(ClassFactory, LaterCreatorReplacesTheEarlier) {
     EXPECT_NE(dynamic_cast<OtherObject*>(factory.CreateInstance("name").get()), nullptr);
 }
 
-class CountedCreator : public IClassCreator<IInterface>, public LiveObject {
+class CountedCreator : public AClassCreator<IInterface>, public LiveObject {
 public:
     std::unique_ptr<IInterface> Create() override { return nullptr; }
 };
@@ -96,6 +98,25 @@ TEST(ClassFactory, IsOneService) {
     EXPECT_EQ(static_cast<IService*>(static_cast<Service*>(&factory)),
               static_cast<IService*>(static_cast<IClassFactory*>(&factory)));
     EXPECT_FALSE(factory.IsAttached());
+}
+
+template <typename Base, typename Derived>
+constexpr bool isAbstractBase = std::is_base_of_v<Base, Derived>&& std::is_abstract_v<Base>;
+
+TEST(ClassCreator, AbstractBaseDerivesFromTheInterface) {
+    using Interface = IClassCreator<LiveObject>;
+    using Base = AClassCreator<LiveObject>;
+    EXPECT_TRUE((isAbstractBase<IClassCreator<>, Interface>));
+    EXPECT_TRUE((isAbstractBase<Interface, Base>));
+    EXPECT_TRUE((isAbstractBase<Base, ClassCreator<OtherObject, LiveObject>>));
+}
+
+TEST(ClassCreator, MakesTheSameWhetherOrNotItsTypeIsSeen) {
+    ClassCreator<OtherObject, LiveObject> creator;
+    IClassCreator<LiveObject>& typed = creator;
+    IClassCreator<>& untyped = creator;
+    EXPECT_NE(dynamic_cast<OtherObject*>(typed.Create().get()), nullptr);
+    EXPECT_NE(dynamic_cast<OtherObject*>(untyped.CreateObject().get()), nullptr);
 }
 
 using LiveFactory = DynamicFactory<LiveObject, GenericFactory<LiveObject, ClassFactory>>;

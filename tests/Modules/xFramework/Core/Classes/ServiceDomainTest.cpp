@@ -527,7 +527,7 @@ private:
     IServiceDomain* m_kept = nullptr;
 };
 
-class AskingCreator : public IClassCreator<IService> {
+class AskingCreator : public AClassCreator<IService> {
 public:
     explicit AskingCreator(std::vector<IService*>& answers) : m_answers(answers) {}
     std::unique_ptr<IService> Create() override {

@@ -47,7 +47,7 @@ private:
 };
 
 /// Creates scripted services.
-class ScriptedCreator : public Core::IClassCreator<Core::IService> {
+class ScriptedCreator : public Core::AClassCreator<Core::IService> {
 public:
     ScriptedCreator(std::string name, Journal& journal, ScriptedService::Script script)
         : m_name(std::move(name)), m_journal(journal), m_script(std::move(script)) {}

@@ -39,7 +39,7 @@ TEST(TypeDescriptor, SharesItsCreatorAndItsRootWithOtherBases) {
     ClassCreator<TypedValue<Int>, IValue>* const creator = &object;
     EXPECT_EQ(static_cast<IClassCreator<IValue>*>(descriptor),
               static_cast<IClassCreator<IValue>*>(creator));
-    EXPECT_EQ(static_cast<AClassCreator*>(descriptor), static_cast<AClassCreator*>(creator));
+    EXPECT_EQ(static_cast<IClassCreator<>*>(descriptor), static_cast<IClassCreator<>*>(creator));
     EXPECT_EQ(static_cast<IInterface*>(descriptor), static_cast<IInterface*>(creator));
 }
 
