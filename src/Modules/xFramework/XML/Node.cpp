@@ -43,7 +43,8 @@ const char* Node::GetAttribute(const char* name) const {
 }
 
 void Node::SetAttribute(const char* name, const char* value) {
-    // An element that has attributes has two as a rule: room for both at once halves its cost.
+    // Room for two at once: most elements of a large result have two attributes or more, and a list
+    // that grows one by one would ask for memory for each of the two.
     if (m_attributes.capacity() == 0)
         m_attributes.reserve(2);
     const std::string_view key = name;
