@@ -90,16 +90,12 @@ public:
     explicit TypedRefValue(T* element) : RefValueBase<T>::Type(element) {}
 };
 
-/// A value object that owns its element: the class that is created for values. Its bases are
-/// constructed and destroyed in place: called as functions of their own they would need a table of
-/// virtual operations for each base of each element type, and correcting the addresses in those
-/// took a tenth of the client's start.
+/// A value object that owns its element: the class that is created for values.
 template <ValueElement T>
 class TypedValue : public TypedRefValue<T> {
 public:
-    [[gnu::flatten]] explicit TypedValue(T element = T{})
+    explicit TypedValue(T element = T{})
         : TypedRefValue<T>(&m_ownElement), m_ownElement(std::move(element)) {}
-    [[gnu::flatten]] ~TypedValue() override = default;
 
 private:
     T m_ownElement;
