@@ -4,6 +4,7 @@ usage: install_test.py BUILD_DIRECTORY [EMULATOR]
 """
 import pathlib
 import re
+import struct
 import subprocess
 import sys
 import tempfile
@@ -28,6 +29,23 @@ def run(*command):
 def needed_libraries(program):
     text = run("objdump", "-p", program).stdout.decode(errors="replace")
     return set(re.findall(r"^\s*(?:NEEDED|DLL Name:)\s+(\S+)$", text, re.MULTILINE))
+
+
+def project_version():
+    text = pathlib.Path("CMakeLists.txt").read_text()
+    return re.search(r"^project\(SarvexTool VERSION (\d+\.\d+\.\d+) ", text, re.MULTILINE)[1]
+
+
+def version_resource(program):
+    """The file version of a Windows program in numbers, and the resource's texts by name."""
+    data = program.read_bytes()
+    fixed = data.index(struct.pack("<II", 0xFEEF04BD, 0x00010000))
+    high, low = struct.unpack_from("<II", data, fixed + 8)
+    fields = f"{high >> 16}.{high & 0xFFFF}.{low >> 16}.{low & 0xFFFF}"
+    start = data.index("StringFileInfo\0".encode("utf-16le"), fixed)
+    text = data[start:data.index("VarFileInfo\0".encode("utf-16le"), start)].decode("utf-16le")
+    # The type 1, the name, one NUL or two, the value, a NUL.
+    return fields, dict(re.findall("\1(\\w+)\0{1,2}([^\0\1]+)\0", text))
 
 
 class InstallTest(unittest.TestCase):
@@ -71,6 +89,22 @@ class InstallTest(unittest.TestCase):
         done = self.run_program(self.simulator, "--help")
         self.assertEqual((0, b""), (done.returncode, done.stderr))
         self.assertIn(b"--port", done.stdout)
+
+    def test_the_simulator_tells_the_version_of_the_project(self):
+        done = self.run_program(self.simulator, "--version")
+        self.assertEqual((0, b""), (done.returncode, done.stderr))
+        self.assertEqual(b"vemo " + project_version().encode() + LINE_END, done.stdout)
+
+    @unittest.skipUnless(EMULATOR, "only Windows programs have properties")
+    def test_the_programs_properties_show_the_version_of_the_project(self):
+        version = project_version()
+        for program in [self.client, self.simulator]:
+            with self.subTest(program=program):
+                fields, texts = version_resource(program)
+                self.assertEqual(version + ".0", fields)
+                self.assertEqual(version, texts["FileVersion"])
+                self.assertEqual(version, texts["ProductVersion"])
+                self.assertEqual(program.name, texts["OriginalFilename"])
 
     def test_the_programs_need_nothing_that_a_fresh_system_lacks(self):
         for program in [self.client, self.simulator]:

@@ -125,6 +125,7 @@ std::variant<Options, EarlyEnd> ParseOptions(const std::vector<std::string>& arg
                  "answers as a simulated device would.",
                  "vemo");
     app.set_help_flag("--help", "Print this text and end");
+    app.set_version_flag("--version", "vemo " VEMO_VERSION, "Print the version and end");
     AddServerOptions(app, options);
     AddDeviceOptions(app, options.simulator);
     AddBehaviourOptions(app, raw);
@@ -137,6 +138,8 @@ std::variant<Options, EarlyEnd> ParseOptions(const std::vector<std::string>& arg
         return options;
     } catch (const CLI::CallForHelp&) {
         return EarlyEnd{app.help(), "", 0};
+    } catch (const CLI::CallForVersion&) {
+        return EarlyEnd{app.version() + "\n", "", 0};
     } catch (const std::exception& error) {
         return Complain(error.what());
     }

@@ -90,6 +90,13 @@ TEST(OptionsTest, HelpNamesEveryFault) {
     EXPECT_THAT(end.output, HasSubstr("Faults:\n" + DescribeFaults()));
 }
 
+TEST(OptionsTest, TheVersionIsTold) {
+    const EarlyEnd end = Refused({"--version"});
+    EXPECT_EQ(end.exitCode, 0);
+    EXPECT_EQ(end.error, "");
+    EXPECT_THAT(end.output, testing::MatchesRegex("vemo [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
 TEST(OptionsTest, AWrongCommandLineIsExplained) {
     const struct {
         std::vector<std::string> arguments;
