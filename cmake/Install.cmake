@@ -17,5 +17,7 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION . FILES_MATCHING PA
 # The simulator bears the name of the real daemon's executable, so it keeps to a folder of its own:
 # an install over a bench's directory must never replace the real one. The folder is not called vemo,
 # so that the program can be copied beside the client on Linux too.
-install(TARGETS vemo RUNTIME DESTINATION simulator)
-install(FILES ${port_file} DESTINATION simulator)
+if(SARVEX_BUILD_SIMULATOR)
+    install(TARGETS vemo RUNTIME DESTINATION simulator)
+    install(FILES ${port_file} DESTINATION simulator)
+endif()
