@@ -1,4 +1,4 @@
-# What protects the programs at run time, and what makes them self-contained.
+# What protects the programs at run time. On Windows also what makes them self-contained.
 add_library(project_hardening INTERFACE)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
@@ -10,8 +10,7 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
             -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
     else()
         target_link_options(project_hardening INTERFACE
-            -static-libstdc++ -static-libgcc -pie -s -Wl,-z,relro -Wl,-z,now -Wl,--as-needed
-            -Wl,--gc-sections)
+            -s -Wl,-z,relro -Wl,-z,now -Wl,--gc-sections)
     endif()
     target_compile_options(project_hardening INTERFACE -ffunction-sections -fdata-sections)
 endif()

@@ -12,13 +12,13 @@ function(add_layer name)
     endif()
     add_library(${name} STATIC ${layer_SOURCES})
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
-    target_link_libraries(${name} PUBLIC ${layer_USES} PRIVATE project_warnings project_hardening
-        fast_start_objects)
+    target_link_libraries(${name} PUBLIC ${layer_USES} PRIVATE project_warnings project_hardening)
 endfunction()
 
 # add_program(NAME SOURCES ... [USES library ...]): a program on the real operating system.
 function(add_program name)
     cmake_parse_arguments(program "" "" "SOURCES;USES" ${ARGN})
     add_executable(${name} ${program_SOURCES})
-    target_link_libraries(${name} PRIVATE OSAL ${program_USES} project_warnings project_hardening)
+    target_link_libraries(${name} PRIVATE OSAL ${program_USES} project_warnings project_hardening
+        static_program)
 endfunction()

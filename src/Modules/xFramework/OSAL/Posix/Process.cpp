@@ -2,16 +2,12 @@
 
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/auxv.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
-#include <bit>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
-#include <cstring>
 #include <ctime>
 
 namespace OSAL {
@@ -25,29 +21,11 @@ struct Pipe {
 
 namespace {
 
-/// The path that this program was started by, when that is absolute and leads to the program
-/// itself. Empty otherwise: also for a link, and for a script whose interpreter this program is,
-/// which then has another name than the script.
-std::string StartedPath() {
-    const auto* const path = std::bit_cast<const char*>(::getauxval(AT_EXECFN));
-    if (path == nullptr || path[0] != '/' || std::strcmp(path, program_invocation_name) != 0)
-        return {};
-    struct stat status;
-    return ::lstat(path, &status) == 0 && S_ISREG(status.st_mode) ? path : std::string();
-}
-
 /// The path of this program as the system knows it; empty when it cannot be read.
-std::string LinkedPath() {
+std::string FindModulePath() {
     std::array<char, PATH_MAX> buffer;
     const ssize_t length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
     return length <= 0 ? std::string() : std::string(buffer.data(), buffer.data() + length);
-}
-
-std::string FindModulePath() {
-    // Looking below /proc/self for the first time makes the system build that directory, which
-    // takes longer than reading the port does. Every exchange would pay for it.
-    std::string path = StartedPath();
-    return path.empty() ? LinkedPath() : path;
 }
 
 } // namespace

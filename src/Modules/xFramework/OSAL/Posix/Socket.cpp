@@ -2,6 +2,7 @@
 
 #include <netdb.h>
 #include <netinet/in.h>
+#include <nss.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -80,6 +81,14 @@ void RaiseDescriptorLimit() {
     }
 }
 
+/// The program holds the C library, and with it what looks names up in files and asks DNS. Any
+/// other service that the system's configuration may name, for hosts or for a port given by its
+/// name, would be loaded from the system and would need the very C library that the program holds.
+void UseFilesAndDnsOnly() {
+    ::__nss_configure_lookup("hosts", "files dns");
+    ::__nss_configure_lookup("services", "files");
+}
+
 } // namespace
 
 int StartSockets() {
@@ -93,6 +102,8 @@ int CleanupSockets() {
 }
 
 AddressInfo* ResolveAddress(const std::string& host, const std::string& port) {
+    static std::once_flag configured;
+    std::call_once(configured, UseFilesAndDnsOnly);
     addrinfo hints{};
     hints.ai_family = AF_UNSPEC;
     hints.ai_socktype = SOCK_STREAM;
