@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 namespace Utilities {
 
 /// Root of all framework objects: whoever owns one can delete it through this base.
@@ -21,5 +23,15 @@ namespace Core {
 /// an object that offers several has one IInterface. What an object offers is asked with
 /// dynamic_cast.
 class IInterface : public virtual Utilities::IObject {};
+
+/// An object that counts its holders, for what may be entered in several containers at once.
+class IReferenceableObject : public virtual IInterface {
+public:
+    /// Adds a holder; returns the new count.
+    virtual std::int32_t AddRef() = 0;
+
+    /// Takes a holder off; returns the new count. Never deletes: who gets 0 deletes the object.
+    virtual std::int32_t Release() = 0;
+};
 
 } // namespace Core

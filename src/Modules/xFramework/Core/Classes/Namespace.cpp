@@ -1,6 +1,6 @@
 #include "Modules/xFramework/Core/Classes/Namespace.h"
 
-#include "Modules/xFramework/Core/Classes/IReferenceableObject.h"
+#include "Modules/xFramework/Core/Classes/IInterface.h"
 #include "Modules/xFramework/Utilities/Exception.h"
 
 namespace Core {

@@ -1,6 +1,6 @@
 #include "Modules/xFramework/Core/Classes/Namespace.h"
 
-#include "Modules/xFramework/Core/Classes/IReferenceableObject.h"
+#include "Modules/xFramework/Core/Classes/IInterface.h"
 #include "Modules/xFramework/Utilities/Singleton.h"
 #include "tests/Modules/xFramework/Core/Classes/LiveObject.h"
 #include "tests/Modules/xFramework/Utilities/RaisedBy.h"
