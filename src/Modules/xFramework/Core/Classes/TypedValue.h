@@ -2,7 +2,7 @@
 
 #include "Modules/xFramework/Core/Classes/ElementText.h"
 #include "Modules/xFramework/Core/Classes/ElementTypes.h"
-#include "Modules/xFramework/Core/Classes/ITypedValue.h"
+#include "Modules/xFramework/Core/Classes/IValue.h"
 
 #include <type_traits>
 #include <utility>
