@@ -7,7 +7,6 @@
 //
 // Input: texts, one record each.
 
-#include "Modules/xFramework/Core/Classes/TypedLiteral.h"
 #include "Modules/xFramework/Core/Classes/Value.h"
 #include "Modules/xFramework/Core/Classes/ValueFactory.h"
 #include "Modules/xFramework/Utilities/Singleton.h"

@@ -1,11 +1,20 @@
 #include "Modules/xFramework/Core/Classes/ValueFactory.h"
 
-#include "Modules/xFramework/Core/Classes/TypedLiteral.h"
 #include "Modules/xFramework/Utilities/Singleton.h"
 
 #include <utility>
 
 namespace Core {
+
+TypedLiteral SplitTypedLiteral(const std::string& text) {
+    if (!text.starts_with('{') || !text.ends_with('}'))
+        return {text, ""};
+    const std::string inside = text.substr(1, text.size() - 2);
+    const std::size_t colon = inside.find(':');
+    if (colon == std::string::npos)
+        return {inside, ""};
+    return {inside.substr(0, colon), inside.substr(colon + 1)};
+}
 
 std::unique_ptr<IValue> ValueFactory::Create(const std::string& typeName, const std::string& text) {
     std::unique_ptr<IValue> object = CreateTyped(typeName);

@@ -4,7 +4,19 @@
 #include "Modules/xFramework/Core/Classes/Namespace.h"
 #include "Modules/xFramework/Core/Classes/TypeDescriptor.h"
 
+#include <string>
+
 namespace Core {
+
+/// A text such as {uint16:0x10}, taken apart.
+struct TypedLiteral {
+    std::string typeName;
+    std::string valueText;
+};
+
+/// Splits a text in braces at its first colon; without a colon there is no value text, and a text
+/// that is not in braces is a type name as a whole. Whether the type exists is not asked.
+TypedLiteral SplitTypedLiteral(const std::string& text);
 
 /// Makes value objects by the names of their element types, and from typed literals. The one that
 /// text assignment asks is Utilities::Singleton<Core::ValueFactory>. New objects are the caller's,
