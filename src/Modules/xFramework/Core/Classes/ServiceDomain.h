@@ -1,14 +1,46 @@
 #pragma once
 
 #include "Modules/xFramework/Core/Classes/ANamespace.h"
-#include "Modules/xFramework/Core/Classes/DynamicDomain.h"
+#include "Modules/xFramework/Core/Classes/ClassFactory.h"
 
 #include <cstdint>
 #include <list>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace Core {
+
+/// The names that a domain answers for itself.
+class IServiceSpace : public virtual INamespace {
+public:
+    /// Whether the path's first name belongs here: a service of that name exists or can be created.
+    virtual bool HoldsPath(const std::string& path) const = 0;
+};
+
+/// A domain whose kinds of service are registered while the program runs.
+class IDynamicDomain : public virtual IServiceDomain, public virtual IServiceSpace {
+public:
+    /// Registers what creates the service of that name; to be done before the first request. A
+    /// later creator replaces an earlier one and leaves a service that exists as it is.
+    virtual void RegisterService(const std::string& name,
+                                 std::unique_ptr<IClassCreator<>> creator) = 0;
+};
+
+/// The domain form of a dynamic factory: the kinds of service are the classes of the factory.
+class DynamicDomain : public ClassFactory, public virtual IDynamicDomain {
+public:
+    void RegisterService(const std::string& name,
+                         std::unique_ptr<IClassCreator<>> creator) override {
+        Register(name, std::move(creator));
+    }
+
+    /// Registers the default constructor of TService.
+    template <typename TService>
+    void RegisterServiceClass(const std::string& name) {
+        RegisterService(name, std::make_unique<ClassCreator<TService, IService>>());
+    }
+};
 
 /// Owns a set of named services: creates each on the first request by the creator registered under
 /// its name, attaches it to itself and remembers it under that name. A domain is a service and can
