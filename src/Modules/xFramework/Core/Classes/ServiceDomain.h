@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <list>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -41,6 +42,15 @@ public:
         RegisterService(name, std::make_unique<ClassCreator<TService, IService>>());
     }
 };
+
+/// Appends to a list; throws std::length_error "list too long", as some run-time libraries do of
+/// themselves, when the list has its maximum length.
+template <typename List>
+void AppendWithinLimit(List& list, typename List::value_type&& item) {
+    if (list.size() >= list.max_size())
+        throw std::length_error("list too long");
+    list.push_back(std::move(item));
+}
 
 /// Owns a set of named services: creates each on the first request by the creator registered under
 /// its name, attaches it to itself and remembers it under that name. A domain is a service and can

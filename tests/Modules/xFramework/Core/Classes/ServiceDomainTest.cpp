@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <list>
 #include <stdexcept>
 
 namespace {
@@ -586,6 +587,23 @@ TEST_F(ServiceDomainTest, IsOneServiceOneNamespaceAndOneRoot) {
               static_cast<INamespace*>(static_cast<IServiceSpace*>(&domain)));
     EXPECT_EQ(static_cast<IInterface*>(static_cast<ANamespace*>(&domain)),
               static_cast<IInterface*>(static_cast<IDynamicDomain*>(&domain)));
+}
+
+struct ShortList : std::list<int> {
+    static std::size_t max_size() { return 2; }
+};
+
+TEST(AppendWithinLimit, RefusesWhatExceedsTheMaximumLength) {
+    ShortList list;
+    AppendWithinLimit(list, 1);
+    AppendWithinLimit(list, 2);
+    try {
+        AppendWithinLimit(list, 3);
+        FAIL() << "nothing thrown";
+    } catch (const std::length_error& error) {
+        EXPECT_STREQ(error.what(), "list too long");
+    }
+    EXPECT_EQ(list, (std::list<int>{1, 2}));
 }
 
 } // namespace
