@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Modules/xFramework/Core/Classes/ClassCreator.h"
+#include "Modules/xFramework/Core/Classes/ClassFactory.h"
 #include "Modules/xFramework/Core/Classes/MetaType.h"
 #include "Modules/xFramework/Utilities/Singleton.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Modules/xFramework/Core/Classes/DynamicFactory.h"
+#include "Modules/xFramework/Core/Classes/ClassFactory.h"
 #include "Modules/xFramework/Core/Classes/Namespace.h"
 #include "Modules/xFramework/Core/Classes/TypeDescriptor.h"
 

@@ -1,6 +1,5 @@
 #include "Modules/xFramework/Core/Classes/ClassFactory.h"
 
-#include "Modules/xFramework/Core/Classes/DynamicFactory.h"
 #include "tests/Modules/xFramework/Core/Classes/LiveObject.h"
 
 #include <gtest/gtest.h>
