@@ -1,14 +1,44 @@
 #pragma once
 
 #include "Modules/xFramework/XML/Children.h"
-#include "Modules/xFramework/XML/IAttributeVisitor.h"
-#include "Modules/xFramework/XML/IResolver.h"
 
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace XML {
+
+/// Is shown the attributes of a node, one call each.
+class IAttributeVisitor {
+public:
+    virtual ~IAttributeVisitor() = default;
+
+    /// Both texts are zero-terminated and belong to the node.
+    virtual void Visit(const char* name, const char* value) = 0;
+
+protected:
+    IAttributeVisitor() = default;
+    IAttributeVisitor(const IAttributeVisitor&) = default;
+    IAttributeVisitor& operator=(const IAttributeVisitor&) = default;
+};
+
+/// Gives the values behind the '$(name)' references in the texts of a node.
+class IResolver {
+public:
+    virtual ~IResolver() = default;
+
+    /// The value of that name, zero-terminated and valid until the next call; null when unknown.
+    virtual const char* Resolve(const char* name) = 0;
+
+    /// Takes a further resolver that was offered to a node which has this one already. What becomes
+    /// of it is this resolver's business.
+    virtual void SetResolver(IResolver* pResolver) = 0;
+
+protected:
+    IResolver() = default;
+    IResolver(const IResolver&) = default;
+    IResolver& operator=(const IResolver&) = default;
+};
 
 /// An element of a document: attributes, a text and child elements. Its name is the key under which
 /// its parent holds it. Names, values and texts are zero-terminated 8-bit texts; no operation takes
