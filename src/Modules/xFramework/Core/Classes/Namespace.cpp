@@ -43,9 +43,7 @@ Namespace::~Namespace() {
 }
 
 void Namespace::Add(const std::string& name, IInterface* pObject) {
-    Utilities::Assert(
-        pObject != nullptr, "pObject",
-        {"src/Modules/xFramework/Core/Classes/Namespace", 47, "Core::Namespace::Add"});
+    Utilities::Assert(pObject != nullptr, "pObject", "Core::Namespace::Add");
     if (FindEntry(name) == pObject)
         return;
     HeldObject held = Hold(pObject);

@@ -13,13 +13,6 @@ namespace {
 constexpr const char* sourceFile = "src/Modules/xFramework/Core/Classes/ServiceDomain";
 constexpr const char* constructor = "Core::ServiceDomain::ServiceHolder::ServiceHolder";
 
-void LogCaughtException() {
-    constexpr std::uint32_t line = 112;
-    Utilities::Log(Utilities::LogLevel::Error, sourceFile, line,
-                   "Core::ServiceDomain::ServiceHolder::DetachService",
-                   Utilities::TakeCaughtException().text);
-}
-
 struct UseReturner {
     void operator()(ServiceDomain::ServiceHolder* holder) const { holder->ReleaseUse(); }
 };
@@ -162,7 +155,9 @@ void ServiceDomain::ServiceHolder::DetachService() noexcept {
             m_pService->OnDetach();
         }
     } catch (...) {
-        LogCaughtException();
+        Utilities::Log(Utilities::LogLevel::Error, sourceFile, __builtin_LINE(),
+                       "Core::ServiceDomain::ServiceHolder::DetachService",
+                       Utilities::TakeCaughtException().text);
     }
 }
 

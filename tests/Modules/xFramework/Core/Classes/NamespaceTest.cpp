@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <string>
 #include <vector>
 
 namespace {
@@ -74,12 +76,20 @@ TEST(Namespace, RemoveReleasesAndTellsWhetherThereWasAnEntry) {
     EXPECT_FALSE(names.Remove("name"));
 }
 
-TEST(Namespace, NoObjectIsAnAssertionFailure) {
+TEST(Namespace, NoObjectIsAnAssertionFailureAtItsTruePlace) {
     Namespace names;
-    EXPECT_EQ(RaisedBy([&names] { names.Add("name", nullptr); }),
-              "Assertion (pObject) failed at Core::Namespace::Add | "
-              "src/Modules/xFramework/Core/Classes/Namespace:47 | Core::Namespace::Add");
+    const std::string raised = RaisedBy([&names] { names.Add("name", nullptr); });
+    const std::string before = "Assertion (pObject) failed at Core::Namespace::Add | "
+                               "src/Modules/xFramework/Core/Classes/Namespace:";
+    ASSERT_TRUE(raised.starts_with(before)) << raised;
+    EXPECT_TRUE(raised.ends_with(" | Core::Namespace::Add")) << raised;
     EXPECT_EQ(NamesIn(*names.CreateEnumerator()), "");
+
+    std::ifstream source(NAMESPACE_SOURCE);
+    std::string line;
+    for (int number = std::stoi(raised.substr(before.size())); number > 0; --number)
+        ASSERT_TRUE(std::getline(source, line));
+    EXPECT_NE(line.find("\"pObject\""), std::string::npos) << line;
 }
 
 TEST(Namespace, CountedObjectLivesUntilItsLastNamespaceReleasesIt) {
