@@ -35,7 +35,7 @@ void ReplayStart(const std::string& name, const Node& node, IListener& listener)
         listener.Text(node.GetText().c_str());
 }
 
-/// visits holds the open elements, the innermost last; the first one stands for the top node, which
+/// visits holds the open elements, the innermost last; the first one is for the top node, which
 /// has no events of its own.
 void ReplayChildren(const Node& top, IListener& listener) {
     std::vector<Visit> visits;

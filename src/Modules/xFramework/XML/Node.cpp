@@ -66,7 +66,7 @@ void Node::EnumerateAttributes(IAttributeVisitor& visitor) const {
         visitor.Visit(attribute.name.c_str(), attribute.value.c_str());
 }
 
-/// Where the attribute of that name stands or would stand.
+/// Where the attribute of that name is or would be.
 std::vector<Node::NamedValue>::const_iterator Node::FindPlace(std::string_view name) const {
     return std::lower_bound(
         m_attributes.begin(), m_attributes.end(), name,

@@ -22,7 +22,7 @@ protected:
     IAttributeVisitor& operator=(const IAttributeVisitor&) = default;
 };
 
-/// Gives the values behind the '$(name)' references in the texts of a node.
+/// Gives the values of the '$(name)' references in the texts of a node.
 class IResolver {
 public:
     virtual ~IResolver() = default;
@@ -50,7 +50,7 @@ public:
     Node(const Node&) = delete;
     Node& operator=(const Node&) = delete;
 
-    // The virtual operations stand in the order that other modules are built against, the
+    // The virtual operations are in the order that other modules are built against, the
     // destructor last.
 
     /// Whether FindAttribute finds something.
@@ -72,7 +72,7 @@ public:
 
     /// Puts text into out, with the '$(name)' references that the resolver knows replaced by their
     /// values. A reference that it does not know, or every one when there is no resolver, stays as
-    /// it stands, or is left out if removeUnknown is set. Values are not searched for references
+    /// it is, or is left out if removeUnknown is set. Values are not searched for references
     /// again. Returns out's text.
     virtual const char* ExpandValue(std::string& out, const std::string& text,
                                     bool removeUnknown) const;
@@ -92,7 +92,7 @@ public:
     /// Deletes the nodes below too, except those that a copy of a children list shares.
     virtual ~Node() = default;
 
-    /// Adds an empty element behind the children of the same name. The node is this one's.
+    /// Adds an empty element after the children of the same name. The node is this one's.
     Node* AddChild(const char* name) { return m_children.Add(name); }
 
     /// The list itself, not a copy; iterating over it allows no AddChild on this node meanwhile.

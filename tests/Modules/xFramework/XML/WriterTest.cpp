@@ -20,7 +20,7 @@ namespace {
 
 const std::string declaration = "<?xml version=\"1.0\" ?>\n";
 
-/// What the events write behind the declaration.
+/// What the events write after the declaration.
 std::string Write(const std::function<void(Writer&)>& events) {
     std::ostringstream stream;
     Writer writer(stream);
@@ -478,7 +478,7 @@ TEST(WriterTest, WriterWithOpenElementsCanBeDestroyed) {
 }
 
 TEST(WriterTest, EventsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
-    // The destructor stands first.
+    // The destructor comes first.
     EXPECT_EQ(TestSupport::VirtualSlots(&IListener::StartDocument, &IListener::EndDocument,
                                         &IListener::Abort, &IListener::StartElement,
                                         &IListener::EndElement, &IListener::Attribute,

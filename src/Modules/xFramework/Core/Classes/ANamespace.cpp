@@ -5,7 +5,7 @@
 
 namespace Core {
 
-/// Remembers the name where it stands, not the entry: entries may come and go meanwhile.
+/// Remembers the name that it has reached, not the entry: entries may come and go meanwhile.
 class ANamespace::Enumerator : public AGenericEnumerator<IInterface> {
 public:
     explicit Enumerator(const Entries& entries) : m_entries(entries) {}

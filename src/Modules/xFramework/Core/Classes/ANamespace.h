@@ -15,7 +15,7 @@ public:
     /// Letters a to z and A to Z, digits and the underscore.
     static bool IsNameChar(char character);
 
-    /// Takes the first name off a path, together with the one separator behind it, if any. A path
+    /// Takes the first name off a path, together with the one separator after it, if any. A path
     /// that begins with a separator yields an empty name.
     static std::string SplitFirstName(std::string& path);
 
@@ -32,7 +32,7 @@ protected:
     /// holders of its services.
     IInterface* FindEntry(std::string_view name) const;
 
-    /// Puts an object under a name, or takes the name out when pObject is null. Returns what stood
+    /// Puts an object under a name, or takes the name out when pObject is null. Returns what was
     /// there before, or null. Changes nothing when it throws.
     IInterface* ExchangeEntry(const std::string& name, IInterface* pObject);
 

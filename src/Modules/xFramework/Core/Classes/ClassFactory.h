@@ -45,6 +45,7 @@ public:
 template <typename T>
 std::unique_ptr<T> TakeAs(std::unique_ptr<IInterface> object) {
     std::unique_ptr<T> offered(dynamic_cast<T*>(object.get()));
+    // One object has one owner: the pointer of its offered type.
     if (offered != nullptr)
         static_cast<void>(object.release());
     // cppcheck-suppress returnDanglingLifetime ; the object was released to it

@@ -21,15 +21,15 @@ const Value* FindVariable(std::string_view name) {
     return dynamic_cast<const Value*>(GlobalVariables().FindEntry(name));
 }
 
-/// The references of a text, from its end to its front. The first closing parenthesis behind the
+/// The references of a text, from its end to its front. The first closing parenthesis after the
 /// place at hand is carried along, so that a text whose references all stay is searched for one
-/// once. A replacement moves what follows it and searches again, to the next one behind it.
+/// once. A replacement moves what follows it and searches again, to the next one after it.
 class ReferenceExpander {
 public:
     explicit ReferenceExpander(std::string& text) : m_text(text), m_searchedFrom(text.size()) {}
 
     /// Replaces the reference that begins at hit, if its name is that of a variable. Each call's
-    /// hit stands before that of the call before.
+    /// hit is before that of the call before.
     void Expand(std::size_t hit) {
         FindClosing(hit);
         const std::size_t nameStart = hit + opening.size();

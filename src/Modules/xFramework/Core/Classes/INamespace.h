@@ -34,7 +34,7 @@ public:
 /// Maps names to objects. What it returns stays its own (or its entries').
 class INamespace : public virtual IInterface {
 public:
-    /// The object under the name, null when there is none. The name is taken as it stands, whatever
+    /// The object under the name, null when there is none. The name is taken as it is, whatever
     /// its characters.
     virtual IInterface* Find(const std::string& name) = 0;
 

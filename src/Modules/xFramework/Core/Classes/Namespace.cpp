@@ -48,6 +48,7 @@ void Namespace::Add(const std::string& name, IInterface* pObject) {
         return;
     HeldObject held = Hold(pObject);
     const HeldObject earlier(ExchangeEntry(name, held.get()));
+    // The entry holds it from now on.
     static_cast<void>(held.release());
     DetachFrom(this, earlier.get());
     AttachTo(this, pObject);

@@ -13,7 +13,7 @@ class IServiceDomain;
 /// What a service domain creates on request and owns. A service is attached to one domain at a
 /// time, as often as it likes.
 class IService : public virtual IInterface {
-    // The virtual operations stand in the order that other modules are built against.
+    // The virtual operations are in the order that other modules are built against.
 public:
     virtual bool IsAttached() const = 0;
 

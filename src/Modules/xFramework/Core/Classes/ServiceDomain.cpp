@@ -57,6 +57,7 @@ IService* ServiceDomain::GetServiceByPath(const std::string& path) {
         return nullptr;
     IService* const service = use->GetService();
     IService* const found = rest.empty() ? service : FindInside(service, rest);
+    // What was found stays in use: only a look-up that failed gives its use back.
     if (found != nullptr)
         static_cast<void>(use.release());
     return found;
@@ -75,8 +76,9 @@ ServiceDomain::ServiceHolder* ServiceDomain::CreateHolder(const std::string& nam
     ServiceHolder* const holder = newHolder.get();
     AppendWithinLimit(m_holders, std::move(newHolder));
     holder->AddUse();
-    // Asked only now, and of the finished services only: a name under construction counts as
-    // absent. The holder stays in the list, for others may know its service by now.
+    // The spelling of the message is what logs of other versions hold. Asked only now, and of the
+    // finished services only: a name under construction counts as absent. The holder stays in the
+    // list, for others may know its service by now.
     if (FindHolder(name) != nullptr)
         Utilities::Raise(Utilities::Format("Circular dependance detected! Please check ${1}") %
                              name,

@@ -51,6 +51,7 @@ public:
 private:
     /// The element by value: bringing it to another type must not touch the set that it is in.
     T Convert(Value element) const {
+        // A text that cannot be read leaves the default element.
         if (!GetMetaType().Describes(element.Get()))
             GetMetaType().FromText(element.ToString(), element);
         return element.GetMutableRef<T>();

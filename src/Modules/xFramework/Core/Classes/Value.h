@@ -15,7 +15,7 @@ class Value : public virtual IInterface {
 public:
     Value() = default;
     /// The value that assigning the text to an empty value gives. Implicit, so that a text can
-    /// stand where a value is expected.
+    /// be given where a value is expected.
     // cppcheck-suppress noExplicitConstructor ; meant to be implicit, see above
     Value(const std::string& text);
     Value(const Value& other);

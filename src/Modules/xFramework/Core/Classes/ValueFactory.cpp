@@ -18,6 +18,7 @@ TypedLiteral SplitTypedLiteral(const std::string& text) {
 
 std::unique_ptr<IValue> ValueFactory::Create(const std::string& typeName, const std::string& text) {
     std::unique_ptr<IValue> object = CreateTyped(typeName);
+    // A text that cannot be read leaves the default element, on purpose.
     if (object != nullptr)
         object->FromString(text);
     return object;

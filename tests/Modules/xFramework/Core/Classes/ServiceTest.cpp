@@ -133,7 +133,7 @@ TEST(Service, AttachToNoDomainCallsTheHookAndCounts) {
 }
 
 TEST(Service, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
-    // The destructor stands first.
+    // The destructor comes first.
     EXPECT_EQ(HookedService::Slots(), (std::vector<std::size_t>{2, 3, 4, 5, 6, 7}));
 }
 
