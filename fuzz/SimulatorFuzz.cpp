@@ -82,7 +82,7 @@ private:
     std::ostringstream m_problems;
     VemoSimulator::Simulator m_simulator{{}, &m_requestLog, m_problems};
     VemoSimulator::ConnectionContext m_shared{
-        m_simulator, m_problems, bodyLimit, [this] { m_hasEnded = true; }, {}};
+        m_simulator, m_problems, bodyLimit, [this] { m_hasEnded = true; }, {}, {}};
 };
 
 Answer Parse(const std::string& bytes) {

@@ -159,7 +159,7 @@ TEST(ReplySearchTest, FindsWhatTheLibraryFinds) {
 }
 
 TEST(ReplySearchTest, LineOfMegabytesIsSearched) {
-    const std::string filler(5'000'000 / SIZE_DIVISOR, 'x');
+    const std::string filler(5'000'000, 'x');
     EXPECT_EQ(FindInReply(filler + power, powerPattern), "17.5");
     EXPECT_EQ(FindInReply(power + filler, powerPattern), "17.5");
     EXPECT_EQ(FindInReply("Target Power: " + filler + "Chain A (1) 17.5 dBm", powerPattern),
@@ -168,7 +168,7 @@ TEST(ReplySearchTest, LineOfMegabytesIsSearched) {
 
 std::string Megabyte(const std::string& text) {
     std::string repeated;
-    while (repeated.size() < 1'000'000 / SIZE_DIVISOR)
+    while (repeated.size() < 1'000'000)
         repeated += text;
     return repeated;
 }
