@@ -19,8 +19,7 @@ SocketClientStream::SocketClientStream(const std::string& host) {
         OSAL::Sleep(pauseMilliseconds);
     }
     Raise("Failed Creating socket",
-          {"src/Modules/xFramework/Streams/Sockets/SocketClientStream", 22,
-           "Utilities::xFrameworkStreams::Sockets::SocketClientStream::SocketClientStream"});
+          "Utilities::xFrameworkStreams::Sockets::SocketClientStream::SocketClientStream");
 }
 
 SocketClientStream::~SocketClientStream() {

@@ -13,8 +13,7 @@ namespace Utilities::xFrameworkStreams::Sockets {
 void SocketStream::ReadPort(std::string& port) {
     const std::string path = PathBesideProgram("Socket.cfg");
     if (IsLink(path))
-        Raise(LinkMessage(path), {"src/Modules/xFramework/Streams/Sockets/SocketStream", 19,
-                                  "Utilities::xFrameworkStreams::Sockets::SocketStream::ReadPort"});
+        Raise(LinkMessage(path), "Utilities::xFrameworkStreams::Sockets::SocketStream::ReadPort");
     // Five bytes are read and the fifth is dropped: a port of five digits cannot be expressed.
     std::array<char, 5> text{};
     const OSAL::Handle file = OSAL::OpenFileForReading(path);
@@ -35,8 +34,7 @@ bool SocketStream::SendBuffer(OSAL::SocketHandle socket, const std::string& mess
             CloseSocket(socket);
             OSAL::CleanupSockets();
             Raise("Failed Sending message",
-                  {"src/Modules/xFramework/Streams/Sockets/SocketStream", 41,
-                   "Utilities::xFrameworkStreams::Sockets::SocketStream::SendBuffer"});
+                  "Utilities::xFrameworkStreams::Sockets::SocketStream::SendBuffer");
         }
     }
     return true;

@@ -2,7 +2,7 @@
 
 #include "Modules/xFramework/Utilities/Exception.h"
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
-#include "tests/Modules/xFramework/Utilities/RaisedBy.h"
+#include "tests/Modules/xFramework/Utilities/RaisedInPlaceBy.h"
 
 #include <gmock/gmock.h>
 
@@ -42,9 +42,9 @@ TEST_F(SocketClientStreamTest, ConnectsToTheHostAndTheFilesPort) {
 
 TEST_F(SocketClientStreamTest, GivesUpAfterTwentyAttemptsAndTwentyPauses) {
     TheWorld().connectSucceeds = [](int) { return false; };
-    EXPECT_EQ(RaisedBy([] { const SocketClientStream stream("bench"); }),
+    EXPECT_EQ(RaisedInPlaceBy([] { const SocketClientStream stream("bench"); }),
               "Failed Creating socket | "
-              "src/Modules/xFramework/Streams/Sockets/SocketClientStream:22 | "
+              "src/Modules/xFramework/Streams/Sockets/SocketClientStream | Raise | "
               "Utilities::xFrameworkStreams::Sockets::SocketClientStream::SocketClientStream");
     EXPECT_EQ(CountCalls("ConnectSocket"), 20);
     EXPECT_EQ(CountCalls("Sleep 20"), 20);

@@ -2,12 +2,13 @@
 
 #include "Modules/xFramework/Streams/Sockets/SocketClientStream.h"
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
-#include "tests/Modules/xFramework/Utilities/RaisedBy.h"
+#include "tests/Modules/xFramework/Utilities/RaisedInPlaceBy.h"
 #include "tests/Support/VirtualSlots.h"
 
 #include <gmock/gmock.h>
 
 #include <numeric>
+#include <string>
 
 namespace Utilities::xFrameworkStreams::Sockets {
 namespace {
@@ -15,6 +16,11 @@ namespace {
 using OSAL::Fake::CountCalls;
 using OSAL::Fake::TheWorld;
 using testing::ElementsAre;
+
+/// Every error of this class is raised where Raise is called, in a function of the class.
+const std::string raisedInPlace =
+    " | src/Modules/xFramework/Streams/Sockets/SocketStream | Raise | "
+    "Utilities::xFrameworkStreams::Sockets::SocketStream::";
 
 constexpr const char* portFile = "/bench/Socket.cfg";
 constexpr OSAL::SocketHandle connected = 5;
@@ -90,20 +96,16 @@ TEST_F(SocketStreamTest, PortFileIsRelativeWhenTheProgramsPathCannotBeTold) {
 
 TEST_F(SocketStreamTest, LinkedPortFileIsRefused) {
     TheWorld().files[portFile] = {"8738", OSAL::ArchiveAttribute, 0, 2};
-    EXPECT_EQ(
-        RaisedBy([this] { ReadPort(); }),
-        "File /bench/Socket.cfg is a link | src/Modules/xFramework/Streams/Sockets/SocketStream:19 | "
-        "Utilities::xFrameworkStreams::Sockets::SocketStream::ReadPort");
+    EXPECT_EQ(RaisedInPlaceBy([this] { ReadPort(); }),
+              "File /bench/Socket.cfg is a link" + raisedInPlace + "ReadPort");
     EXPECT_EQ(CountCalls("OpenFile"), 0);
 }
 
 TEST_F(SocketStreamTest, LinkInAPathWithAPlaceholderIsRefusedWithoutAHang) {
     TheWorld().modulePath = "/${1}/SarvexToolClient";
     TheWorld().files["/${1}/Socket.cfg"] = {"8738", OSAL::ArchiveAttribute, 0, 2};
-    EXPECT_EQ(
-        RaisedBy([this] { ReadPort(); }),
-        "File /${1}/Socket.cfg is a link | src/Modules/xFramework/Streams/Sockets/SocketStream:19 | "
-        "Utilities::xFrameworkStreams::Sockets::SocketStream::ReadPort");
+    EXPECT_EQ(RaisedInPlaceBy([this] { ReadPort(); }),
+              "File /${1}/Socket.cfg is a link" + raisedInPlace + "ReadPort");
 }
 
 TEST_F(SocketStreamTest, TextIsSentInPiecesWithAnEmptyOneAtAMultiple) {
@@ -141,9 +143,8 @@ TEST_F(SocketStreamTest, ShortSendIsNotNoticed) {
 
 TEST_F(SocketStreamTest, FailedSendClosesCleansUpAndRaises) {
     TheWorld().failingSend = 1;
-    EXPECT_EQ(RaisedBy([this] { stream.SendBuffer(connected, std::string(2000, 'x')); }),
-              "Failed Sending message | src/Modules/xFramework/Streams/Sockets/SocketStream:41 | "
-              "Utilities::xFrameworkStreams::Sockets::SocketStream::SendBuffer");
+    EXPECT_EQ(RaisedInPlaceBy([this] { stream.SendBuffer(connected, std::string(2000, 'x')); }),
+              "Failed Sending message" + raisedInPlace + "SendBuffer");
     EXPECT_THAT(TheWorld().calls, ElementsAre("send 5 512", "send 5 512", "LastSocketErrorText",
                                               "CloseSocket 5", "CleanupSockets"));
 }
