@@ -22,11 +22,14 @@ void WriteToChannel(const LogChannel& channel, std::uint32_t level, const char* 
 } // namespace
 
 void LogPrinter::AddDevice(const std::string& name, ILogDevice* device) {
-    m_channels.push_back(std::make_unique<LogChannel>());
-    LogChannel* const channel = m_channels.back().get();
+    // What may run out of memory comes first; the last step cannot fail.
+    std::list<std::unique_ptr<LogChannel>> added;
+    added.push_back(std::make_unique<LogChannel>());
+    LogChannel* const channel = added.back().get();
     channel->name = name;
     channel->device = device;
     m_channelsByName[name] = channel;
+    m_channels.splice(m_channels.end(), added);
 }
 
 void LogPrinter::RemoveDevice(const std::string& name) {

@@ -52,6 +52,7 @@ class LogPrinter {
 public:
     /// Adds a channel at the end that accepts no level yet. When the name is taken, the new channel
     /// takes it over, yet the old one goes on receiving records: that asymmetry is kept as it is.
+    /// When memory runs out, everything is as it was.
     void AddDevice(const std::string& name, ILogDevice* device);
 
     /// Takes the channel that has the name out; nothing happens when there is none.

@@ -7,11 +7,29 @@
 namespace {
 
 std::atomic<std::size_t> failingSize{0};
+/// Requests that still succeed before one fails; below 0 when none is to fail.
+std::atomic<std::int64_t> requestsBeforeFailure{-1};
+std::atomic<std::int64_t> pieces{0};
+
+bool IsToFail(std::size_t size) noexcept {
+    if (size != 0 && size == failingSize.load())
+        return true;
+    return requestsBeforeFailure.load() >= 0 && requestsBeforeFailure-- == 0;
+}
 
 void* Allocate(std::size_t size) noexcept {
-    if (size != 0 && size == failingSize.load())
+    if (IsToFail(size))
         return nullptr;
-    return std::malloc(size != 0 ? size : 1);
+    void* const memory = std::malloc(size != 0 ? size : 1);
+    if (memory != nullptr)
+        ++pieces;
+    return memory;
+}
+
+void Free(void* memory) noexcept {
+    if (memory != nullptr)
+        --pieces;
+    std::free(memory);
 }
 
 } // namespace
@@ -24,6 +42,18 @@ FailingMemory::FailingMemory(std::size_t size) {
 
 FailingMemory::~FailingMemory() {
     failingSize = 0;
+}
+
+FailingRequest::FailingRequest(std::int64_t number) {
+    requestsBeforeFailure = number;
+}
+
+FailingRequest::~FailingRequest() {
+    requestsBeforeFailure = -1;
+}
+
+std::int64_t CountMemoryPieces() {
+    return pieces;
 }
 
 } // namespace Utilities
@@ -42,13 +72,13 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 }
 
 void operator delete(void* memory) noexcept {
-    std::free(memory);
+    Free(memory);
 }
 
 void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
+    Free(memory);
 }
 
 void operator delete(void* memory, const std::nothrow_t&) noexcept {
-    std::free(memory);
+    Free(memory);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace Utilities {
 
@@ -14,5 +15,18 @@ public:
     FailingMemory(const FailingMemory&) = delete;
     FailingMemory& operator=(const FailingMemory&) = delete;
 };
+
+/// For as long as it lives, one request for memory fails: the one with this number, from 0.
+class FailingRequest {
+public:
+    explicit FailingRequest(std::int64_t number);
+    ~FailingRequest();
+
+    FailingRequest(const FailingRequest&) = delete;
+    FailingRequest& operator=(const FailingRequest&) = delete;
+};
+
+/// How many pieces of memory the test program holds.
+std::int64_t CountMemoryPieces();
 
 } // namespace Utilities

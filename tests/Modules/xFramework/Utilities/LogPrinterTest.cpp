@@ -1,9 +1,11 @@
 #include "Modules/xFramework/Utilities/LogPrinter.h"
 
 #include "Modules/xFramework/Utilities/Log.h"
+#include "tests/Modules/xFramework/Utilities/FailingMemory.h"
 
 #include <gmock/gmock.h>
 
+#include <new>
 #include <string>
 #include <vector>
 
@@ -223,6 +225,46 @@ TEST_F(Printer, WritesAnEmptyLineForAnEmptyMessage) {
     AddChannel("a", &first);
     Send("");
     EXPECT_THAT(lines, ElementsAre("first: "));
+}
+
+/// Lets each request for memory of AddDevice fail in its turn; returns how many failed before it
+/// could finish.
+int AddWithEveryFailure(LogPrinter& printer, const std::string& name, ILogDevice* device) {
+    for (int request = 0;; ++request) {
+        const std::int64_t pieces = CountMemoryPieces();
+        const FailingRequest failure(request);
+        try {
+            printer.AddDevice(name, device);
+            return request;
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(CountMemoryPieces(), pieces) << "request " << request;
+        }
+    }
+}
+
+TEST_F(Printer, IsAsItWasWhenMemoryRunsOutWhileADeviceIsAdded) {
+    // Too long to be held without memory of its own.
+    const std::string name(100, 'n');
+    AddChannel("a", &first);
+    EXPECT_GE(AddWithEveryFailure(printer, name, &second), 4);
+    printer.SetFormatter(name, &plain);
+    printer.SetLevelMask(name, LogLevel::All);
+    Send("x");
+    EXPECT_THAT(lines, ElementsAre("first: x", "second: x"));
+}
+
+TEST_F(Printer, LeavesANameWithItsChannelWhenMemoryRunsOutWhileItIsTakenOver) {
+    const std::string name(100, 'n');
+    AddChannel(name, &first);
+    {
+        const FailingRequest failure(0);
+        EXPECT_THROW(printer.AddDevice(name, &second), std::bad_alloc);
+    }
+    Send("x");
+    printer.SetLevelMask(name, 0);
+    Send("y");
+    EXPECT_THAT(lines, ElementsAre("first: x"));
+    EXPECT_GE(AddWithEveryFailure(printer, name, &second), 3);
 }
 
 TEST_F(Printer, WithoutChannelsDropsEverything) {
