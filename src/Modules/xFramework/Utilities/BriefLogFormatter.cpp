@@ -2,8 +2,8 @@
 
 #include "Modules/xFramework/Utilities/Log.h"
 
+#include <algorithm>
 #include <array>
-#include <iomanip>
 
 namespace Utilities {
 
@@ -27,6 +27,12 @@ const char* FindTag(std::uint32_t level) {
     return "";
 }
 
+/// The text with blanks on its right up to the width; a longer text whole.
+std::string PadRight(std::string text, std::size_t width) {
+    text.resize(std::max(width, text.size()), ' ');
+    return text;
+}
+
 /// Leaves the section on every road out of a block.
 class Entry {
 public:
@@ -45,10 +51,12 @@ private:
 
 void BriefLogFormatter::Format(std::uint32_t level, const char* /*file*/, const char* function,
                                const std::string& message, std::ostream& out) {
-    constexpr int tagWidth = 10;
-    constexpr int functionWidth = 40;
-    out << std::left << std::setw(tagWidth) << FindTag(level) << "| " << std::setw(functionWidth)
-        << function << " | " << message;
+    constexpr std::size_t tagWidth = 10;
+    constexpr std::size_t functionWidth = 40;
+    const std::string line = PadRight(FindTag(level), tagWidth) + "| " +
+                             PadRight(function, functionWidth) + " | " + message;
+    // Unformatted: the stream's own width, fill and flags neither count nor change.
+    out.write(line.data(), static_cast<std::streamsize>(line.size()));
 }
 
 StreamLogDevice::StreamLogDevice(std::ostream* stream, SyncObjectsOSAL::ICriticalSection* pLock)

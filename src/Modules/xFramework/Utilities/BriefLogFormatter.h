@@ -8,7 +8,9 @@
 
 namespace Utilities {
 
-/// One line a record: the level's tag, the function, the message. No file, line or time.
+/// One line a record: the level's tag, the function, the message. No file, line or time. The
+/// columns are filled with blanks whatever the stream's fill, and the stream's settings stay as
+/// they are.
 class BriefLogFormatter : public ILogFormatter {
 public:
     void Format(std::uint32_t level, const char* file, const char* function,

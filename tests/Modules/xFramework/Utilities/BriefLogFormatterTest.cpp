@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <iomanip>
 #include <ostream>
 #include <sstream>
 #include <streambuf>
@@ -44,6 +45,24 @@ TEST(BriefLogFormatter, WritesTagFunctionAndMessageInColumns) {
         BriefLogFormatter().Format(each.level, "file", each.function.c_str(), each.message, out);
         EXPECT_EQ(out.str(), each.line);
     }
+}
+
+TEST(BriefLogFormatter, PadsWithBlanksWhateverTheStreamsSettings) {
+    std::ostringstream out;
+    out << std::right << std::hex << std::setfill('*') << std::setw(60);
+    BriefLogFormatter().Format(4, "file", "f", "message", out);
+    EXPECT_EQ(out.str(), "[OEMINFO] | f" + std::string(39, ' ') + " | message");
+}
+
+TEST(BriefLogFormatter, LeavesTheStreamsSettingsAsTheyWere) {
+    std::ostringstream out;
+    out << std::right << std::hex << std::setfill('*') << std::setw(60);
+    const std::ios_base::fmtflags flags = out.flags();
+    BriefLogFormatter().Format(4, "file", "f", "message", out);
+    EXPECT_EQ(out.flags(), flags);
+    EXPECT_EQ(out.fill(), '*');
+    EXPECT_EQ(out.width(), 60);
+    EXPECT_TRUE(out.good());
 }
 
 /// Notes what is written between two flushes as one event.
