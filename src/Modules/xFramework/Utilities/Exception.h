@@ -10,8 +10,8 @@ namespace Utilities {
 /// The place in the sources where an exception was raised.
 class ErrorLocation {
 public:
-    /// Copies both texts: the source file's path from src/ without extension, and the qualified
-    /// name of the function.
+    /// Copies both texts: the source file's path from src/ (included), without extension, and the
+    /// qualified name of the function.
     ErrorLocation(const char* file, std::uint32_t line, const char* function)
         : m_line(line), m_file(file), m_function(function) {}
     virtual ~ErrorLocation() = default;
@@ -30,7 +30,7 @@ private:
 };
 
 /// The one exception class of the system: a finished message and, optionally, the place where it
-/// was raised. It is thrown as a pointer to a heap object (see Raise.h), so that handlers catch
+/// was raised. It is thrown as a pointer to a heap object (see Raise), so that handlers catch
 /// Utilities::Exception* or std::exception*; a handler that goes on running deletes the object.
 class Exception : public std::exception {
 public:
