@@ -35,7 +35,17 @@ def section(name):
     return int(line[1], 16)
 
 
-class WindowsExecutableTest(unittest.TestCase):
+class ExecutableTest(unittest.TestCase):
+    def test_it_holds_the_process_wide_null_streams(self):
+        # Nothing in the client names their types but the two objects, which are made before main.
+        with open(client, "rb") as file:
+            content = file.read()
+        for character in (b"c", b"w"):
+            name = b"N7Streams12null_ostreamI%bSt11char_traitsI%bEEE" % (character, character)
+            self.assertIn(name, content)
+
+
+class WindowsExecutableTest(ExecutableTest):
     def test_it_imports_only_what_every_windows_has(self):
         imported = set(re.findall(r"DLL Name: (\S+)", headers("-p")))
         self.assertEqual({"KERNEL32.dll", "msvcrt.dll", "WS2_32.dll"}, imported)
@@ -50,7 +60,7 @@ class WindowsExecutableTest(unittest.TestCase):
         self.assertRegex(headers("-h"), r"\.reloc")
 
 
-class LinuxExecutableTest(unittest.TestCase):
+class LinuxExecutableTest(ExecutableTest):
     def test_it_needs_no_library_and_no_loader(self):
         program_headers = headers("-p")
         self.assertIn("Dynamic Section", program_headers)

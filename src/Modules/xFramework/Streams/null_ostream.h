@@ -18,7 +18,8 @@ template <typename Char = char, typename Traits = std::char_traits<Char>>
 class null_ostream : public advanced_ostream<Char, Traits, nullbuf<Char, Traits>> {};
 
 /// The process-wide null streams. Defined here rather than in a source file, so that they exist
-/// before any static object of a file that includes this one.
+/// before any static object of a file that includes this one; programs that link StartUp have them
+/// before main in any case.
 inline null_ostream<char> null_stream;
 inline null_ostream<wchar_t> wide_null_stream;
 
