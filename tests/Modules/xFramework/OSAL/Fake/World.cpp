@@ -13,10 +13,10 @@ void Reset() {
     TheWorld() = World{};
 }
 
-int CountCalls(const std::string& beginning) {
+int CountCalls(const std::string& call) {
     const auto& calls = TheWorld().calls;
-    return static_cast<int>(std::count_if(calls.begin(), calls.end(), [&](const auto& call) {
-        return call.compare(0, beginning.size(), beginning) == 0;
+    return static_cast<int>(std::count_if(calls.begin(), calls.end(), [&](const auto& recorded) {
+        return recorded == call || recorded.starts_with(call + ' ');
     }));
 }
 

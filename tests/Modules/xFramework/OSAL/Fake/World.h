@@ -79,7 +79,8 @@ World& TheWorld();
 /// A world as new.
 void Reset();
 
-/// How many recorded calls begin with the text.
-int CountCalls(const std::string& beginning);
+/// How many recorded calls are this one: its name whole, and as many of its arguments as are given,
+/// each whole. "Close" counts no "CloseHandle 7", and "Sleep 20" no "Sleep 2000".
+int CountCalls(const std::string& call);
 
 } // namespace OSAL::Fake

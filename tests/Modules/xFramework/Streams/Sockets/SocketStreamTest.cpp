@@ -98,7 +98,7 @@ TEST_F(SocketStreamTest, LinkedPortFileIsRefused) {
     TheWorld().files[portFile] = {"8738", OSAL::ArchiveAttribute, 0, 2};
     EXPECT_EQ(RaisedInPlaceBy([this] { ReadPort(); }),
               "File /bench/Socket.cfg is a link" + raisedInPlace + "ReadPort");
-    EXPECT_EQ(CountCalls("OpenFile"), 0);
+    EXPECT_EQ(CountCalls("OpenFileForReading"), 0);
 }
 
 TEST_F(SocketStreamTest, LinkInAPathWithAPlaceholderIsRefusedWithoutAHang) {
