@@ -40,7 +40,7 @@ int GetModuleDirectory(std::string& directory) {
 
 std::string PathBesideProgram(const std::string& fileName) {
     std::string directory;
-    GetModuleDirectory(directory);
+    GetModuleDirectory(directory); // A failure leaves it empty: the working directory has to do.
     return directory + fileName;
 }
 

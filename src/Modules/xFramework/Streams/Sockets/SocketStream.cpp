@@ -15,6 +15,8 @@ void SocketStream::ReadPort(std::string& port) {
     if (IsLink(path))
         Raise(LinkMessage(path), "Utilities::xFrameworkStreams::Sockets::SocketStream::ReadPort");
     // Five bytes are read and the fifth is dropped: a port of five digits cannot be expressed.
+    // Whether the file opens and is read is not asked: the port is then short, and no attempt
+    // connects.
     std::array<char, 5> text{};
     const OSAL::Handle file = OSAL::OpenFileForReading(path);
     OSAL::ReadFile(file, text.data(), text.size());
@@ -29,6 +31,7 @@ bool SocketStream::SendBuffer(OSAL::SocketHandle socket, const std::string& mess
     for (std::size_t piece = 0; piece < pieces; ++piece) {
         const std::size_t start = piece * PieceSize;
         const std::size_t size = std::min(PieceSize, message.size() - start);
+        // How much of the piece the system took is not looked at: the daemon lives with that.
         if (OSAL::SendSocket(socket, message.data() + start, size) == OSAL::SocketError) {
             OSAL::LastSocketErrorText(); // Fetched for whoever debugs this; the user gets our text.
             CloseSocket(socket);
