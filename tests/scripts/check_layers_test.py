@@ -5,11 +5,28 @@ import sys
 import tempfile
 import unittest
 
-SCRIPT = pathlib.Path(__file__).resolve().parents[2] / "scripts" / "check-layers"
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+SCRIPT = ROOT / "scripts" / "check-layers"
+# The layers of the project itself are what the trees below are checked against.
+LAYERS = {file.relative_to(ROOT / "src").as_posix(): file.read_text()
+          for file in (ROOT / "src").rglob("CMakeLists.txt")}
 FRAMEWORK = "Modules/xFramework/"
 CLIENT = "Tools/SarvexTool/Client/"
 SIMULATOR = "Tools/Vemo/VemoSimulator/"
 DYNAMIC_TEST = "Tools/Vemo/VemoClient/DynamicTest/"
+NAMES = {
+    FRAMEWORK + "OSAL/": "OSALInterface",
+    FRAMEWORK + "DebugPrint/": "DebugPrint",
+    FRAMEWORK + "Streams/": "Streams",
+    FRAMEWORK + "SyncObjectsOSAL/": "SyncObjectsOSAL",
+    FRAMEWORK + "Utilities/": "Utilities",
+    FRAMEWORK + "Streams/Sockets/": "Sockets",
+    FRAMEWORK + "XML/": "XML",
+    FRAMEWORK + "Core/Classes/": "Core",
+    CLIENT: "Client",
+    DYNAMIC_TEST: "DynamicTest",
+    SIMULATOR: "VemoSimulatorLib",
+}
 
 # Every layer has a header that others may try to include.
 HEADERS = [
@@ -30,7 +47,7 @@ HEADERS = [
 
 
 def not_for(layer, included):
-    return f'"{included}" is not in a layer that {layer}* may use'
+    return f'"{included}" is not in a layer that {NAMES[layer]} may use'
 
 
 def quoted(path):
@@ -38,14 +55,14 @@ def quoted(path):
 
 
 def make_tree(root, files):
-    for path, text in {**dict.fromkeys(HEADERS, "#pragma once\n"), **files}.items():
+    for path, text in {**LAYERS, **dict.fromkeys(HEADERS, "#pragma once\n"), **files}.items():
         (root / path).parent.mkdir(parents=True, exist_ok=True)
         (root / path).write_text(text)
 
 
-def check(root):
+def check(root, *options):
     run = subprocess.run(
-        [sys.executable, SCRIPT, root], capture_output=True, text=True, check=False)
+        [sys.executable, SCRIPT, *options, root], capture_output=True, text=True, check=False)
     return run.returncode, run.stdout.replace(f"{root}/", ""), run.stderr.replace(f"{root}", "ROOT")
 
 
@@ -178,6 +195,56 @@ class CheckLayersTest(unittest.TestCase):
             f"{second}:1: an include through a macro cannot be checked: X\n"
             f"{second}:2: {not_for(FRAMEWORK + 'XML/', included)}\n"
             f"{first}:1: {not_for(CLIENT, included)}\n")
+
+    def test_the_layers_are_what_the_build_says(self):
+        lists = FRAMEWORK + "XML/CMakeLists.txt"
+        for build, is_clean in [
+            ("add_layer(XML SOURCES Node.cpp)", False),
+            ("add_layer(XML SOURCES Node.cpp USES SyncObjectsOSAL)", False),
+            ("add_layer(XML SOURCES Node.cpp USES Utilities)", True),
+            # Sockets uses Utilities.
+            ("# USES Core\nadd_layer(XML\n  SOURCES Node.cpp\n  USES Sockets)", True),
+            ("add_layer(XML SOURCES Node.cpp) # USES Utilities", False),
+        ]:
+            with self.subTest(build=build), tempfile.TemporaryDirectory() as folder:
+                make_tree(pathlib.Path(folder), {
+                    lists: build, FRAMEWORK + "XML/A.h": quoted(FRAMEWORK + "Utilities/Format.h")})
+                self.assertEqual(0 if is_clean else 1, check(folder)[0])
+
+    def test_a_layer_of_single_files_shares_its_folder(self):
+        lists = FRAMEWORK + "XML/CMakeLists.txt"
+        build = "add_layer(XML SOURCES Node.cpp)\nadd_layer(Show SOURCES Show.cpp USES XML Utilities)\n"
+        included = quoted(FRAMEWORK + "Utilities/Format.h")
+        with tempfile.TemporaryDirectory() as folder:
+            make_tree(pathlib.Path(folder), {lists: build, FRAMEWORK + "XML/Show.h": included})
+            self.assertEqual(0, check(folder)[0])
+            make_tree(pathlib.Path(folder), {lists: build, FRAMEWORK + "XML/Other.h": included})
+            self.assertEqual(1, check(folder)[0])
+
+    def test_layers_that_use_each_other_are_an_offence(self):
+        with tempfile.TemporaryDirectory() as folder:
+            make_tree(pathlib.Path(folder), {
+                FRAMEWORK + "XML/CMakeLists.txt": "add_layer(XML USES Client)",
+                CLIENT + "CMakeLists.txt": "add_layer(Client USES XML)",
+                FRAMEWORK + "XML/A.h": ""})
+            self.assertIn(FRAMEWORK + "XML/CMakeLists.txt:1: XML uses itself\n", check(folder)[1])
+
+    def test_the_list_names_each_layer_with_what_it_uses(self):
+        lines = check(ROOT / "src", "--list")[1].splitlines()
+        self.assertIn(f"DebugPrint: {FRAMEWORK}DebugPrint/", lines)
+        self.assertIn(
+            f"SyncObjectsOSAL: {FRAMEWORK}SyncObjectsOSAL/, uses OSALInterface DebugPrint", lines)
+
+    def test_the_architecture_page_names_the_folder_of_every_layer(self):
+        page = (ROOT / "docs" / "architecture.md").read_text()
+        for line in check(ROOT / "src", "--list")[1].splitlines():
+            folder = line.split(": ")[1].split(", uses ")[0].removesuffix("/")
+            self.assertIn(f"`{folder}`", page)
+
+    def test_a_folder_without_layers_is_refused(self):
+        with tempfile.TemporaryDirectory() as folder:
+            pathlib.Path(folder, "A.h").write_text("")
+            self.assertEqual((2, "", "check-layers: ROOT holds no layers\n"), check(folder))
 
     def test_a_folder_without_sources_is_refused(self):
         with tempfile.TemporaryDirectory() as folder:
