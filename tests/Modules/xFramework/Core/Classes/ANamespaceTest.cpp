@@ -8,7 +8,7 @@ namespace {
 
 using Core::ANamespace;
 
-TEST(ANamespace, NamesHoldLettersDigitsAndTheUnderscore) {
+TEST(ANamespaceTest, NamesHoldLettersDigitsAndTheUnderscore) {
     std::string nameCharacters;
     for (int code = 0; code < 256; ++code) {
         if (ANamespace::IsNameChar(static_cast<char>(code)))
@@ -17,7 +17,7 @@ TEST(ANamespace, NamesHoldLettersDigitsAndTheUnderscore) {
     EXPECT_EQ(nameCharacters, "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ_abcdefghijklmnopqrstuvwxyz");
 }
 
-TEST(ANamespace, FirstNameIsSplitOffWithOneSeparator) {
+TEST(ANamespaceTest, FirstNameIsSplitOffWithOneSeparator) {
     struct {
         const char* path;
         const char* name;

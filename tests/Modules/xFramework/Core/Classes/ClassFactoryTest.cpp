@@ -17,7 +17,7 @@ std::unique_ptr<IClassCreator<>> Creator() {
     return std::make_unique<ClassCreator<T, IInterface>>();
 }
 
-TEST(ClassFactory, MakesANewObjectByName) {
+TEST(ClassFactoryTest, MakesANewObjectByName) {
     ClassFactory factory;
     factory.Register("live", Creator<LiveObject>());
     const auto first = factory.CreateInstance("live");
@@ -26,7 +26,7 @@ TEST(ClassFactory, MakesANewObjectByName) {
     EXPECT_NE(dynamic_cast<LiveObject*>(first.get()), nullptr);
 }
 
-TEST(ClassFactory, UnknownNameGivesNothing) {
+TEST(ClassFactoryTest, UnknownNameGivesNothing) {
     ClassFactory factory;
     factory.Register("live", Creator<LiveObject>());
     EXPECT_FALSE(factory.IsRegistered("Live"));
@@ -35,7 +35,7 @@ TEST(ClassFactory, UnknownNameGivesNothing) {
     EXPECT_TRUE(factory.IsRegistered("live"));
 }
 
-TEST(ClassFactory, GivesTheCreatorThatWasRegistered) {
+TEST(ClassFactoryTest, GivesTheCreatorThatWasRegistered) {
     ClassFactory factory;
     auto creator = Creator<LiveObject>();
     const IClassCreator<>* const registered = creator.get();
@@ -43,7 +43,7 @@ TEST(ClassFactory, GivesTheCreatorThatWasRegistered) {
     EXPECT_EQ(factory.GetCreator("live").get(), registered);
 }
 
-TEST(ClassFactory, LaterCreatorReplacesTheEarlier) {
+TEST(ClassFactoryTest, LaterCreatorReplacesTheEarlier) {
     ClassFactory factory;
     factory.Register("name", Creator<LiveObject>());
     factory.Register("name", Creator<OtherObject>());
@@ -55,7 +55,7 @@ public:
     std::unique_ptr<IInterface> Create() override { return nullptr; }
 };
 
-TEST(ClassFactory, NullTakesTheNameOut) {
+TEST(ClassFactoryTest, NullTakesTheNameOut) {
     ClassFactory factory;
     factory.Register("name", std::make_unique<ClassCreator<LiveObject, IInterface>>());
     factory.Register("name", nullptr);
@@ -64,7 +64,7 @@ TEST(ClassFactory, NullTakesTheNameOut) {
     EXPECT_EQ(factory.CreateInstance("name"), nullptr);
 }
 
-TEST(ClassFactory, ReplacedCreatorIsDeleted) {
+TEST(ClassFactoryTest, ReplacedCreatorIsDeleted) {
     ClassFactory factory;
     factory.Register("name", std::make_unique<CountedCreator>());
     factory.Register("name", Creator<LiveObject>());
@@ -85,14 +85,14 @@ private:
     ClassFactory& m_factory;
 };
 
-TEST(ClassFactory, CreatorAtWorkOutlivesItsReplacement) {
+TEST(ClassFactoryTest, CreatorAtWorkOutlivesItsReplacement) {
     ClassFactory factory;
     factory.Register("name", std::make_unique<Resigning>(factory));
     EXPECT_NE(dynamic_cast<OtherObject*>(factory.CreateInstance("name").get()), nullptr);
     EXPECT_EQ(LiveObject::Alive(), 0);
 }
 
-TEST(ClassFactory, IsOneService) {
+TEST(ClassFactoryTest, IsOneService) {
     ClassFactory factory;
     EXPECT_EQ(static_cast<IService*>(static_cast<Service*>(&factory)),
               static_cast<IService*>(static_cast<IClassFactory*>(&factory)));
@@ -102,7 +102,7 @@ TEST(ClassFactory, IsOneService) {
 template <typename Base, typename Derived>
 constexpr bool isAbstractBase = std::is_base_of_v<Base, Derived>&& std::is_abstract_v<Base>;
 
-TEST(ClassCreator, AbstractBaseDerivesFromTheInterface) {
+TEST(ClassCreatorTest, AbstractBaseDerivesFromTheInterface) {
     using Interface = IClassCreator<LiveObject>;
     using Base = AClassCreator<LiveObject>;
     EXPECT_TRUE((isAbstractBase<IClassCreator<>, Interface>));
@@ -110,7 +110,7 @@ TEST(ClassCreator, AbstractBaseDerivesFromTheInterface) {
     EXPECT_TRUE((isAbstractBase<Base, ClassCreator<OtherObject, LiveObject>>));
 }
 
-TEST(ClassCreator, MakesTheSameWhetherOrNotItsTypeIsSeen) {
+TEST(ClassCreatorTest, MakesTheSameWhetherOrNotItsTypeIsSeen) {
     ClassCreator<OtherObject, LiveObject> creator;
     IClassCreator<LiveObject>& typed = creator;
     IClassCreator<>& untyped = creator;
@@ -120,14 +120,14 @@ TEST(ClassCreator, MakesTheSameWhetherOrNotItsTypeIsSeen) {
 
 using LiveFactory = DynamicFactory<LiveObject, GenericFactory<LiveObject, ClassFactory>>;
 
-TEST(DynamicFactory, GivesObjectsInTheirOfferedType) {
+TEST(DynamicFactoryTest, GivesObjectsInTheirOfferedType) {
     LiveFactory factory;
     factory.RegisterCreator("name", std::make_unique<ClassCreator<OtherObject, LiveObject>>());
     const std::unique_ptr<LiveObject> object = factory.CreateTyped("name");
     EXPECT_NE(dynamic_cast<OtherObject*>(object.get()), nullptr);
 }
 
-TEST(DynamicFactory, ObjectOfAnotherTypeIsNotGivenButDeleted) {
+TEST(DynamicFactoryTest, ObjectOfAnotherTypeIsNotGivenButDeleted) {
     GenericFactory<Service, ClassFactory> factory;
     factory.Register("live", Creator<LiveObject>());
     EXPECT_EQ(factory.CreateTyped("live"), nullptr);

@@ -6,12 +6,12 @@ namespace {
 
 using namespace Core;
 
-TEST(ElementText, SignedByteIsWrittenAsItsCharacterAndUnsignedByteInDigits) {
+TEST(ElementTextTest, SignedByteIsWrittenAsItsCharacterAndUnsignedByteInDigits) {
     EXPECT_EQ(ElementText::Write(Int8{65}), "A");
     EXPECT_EQ(ElementText::Write(UInt8{65}), "65");
 }
 
-TEST(ElementText, NumbersAreWrittenAsStreamsWriteThem) {
+TEST(ElementTextTest, NumbersAreWrittenAsStreamsWriteThem) {
     EXPECT_EQ(ElementText::Write(Int{-7}), "-7");
     EXPECT_EQ(ElementText::Write(UInt64{18446744073709551615U}), "18446744073709551615");
     EXPECT_EQ(ElementText::Write(Long{5}), "5");
@@ -20,13 +20,13 @@ TEST(ElementText, NumbersAreWrittenAsStreamsWriteThem) {
     EXPECT_EQ(ElementText::Write(true), "1");
 }
 
-TEST(ElementText, SetIsWrittenAsItsElementsInOrder) {
+TEST(ElementTextTest, SetIsWrittenAsItsElementsInOrder) {
     EXPECT_EQ(ElementText::Write(std::set<Int>{3, 1, 2}), "1, 2, 3");
     EXPECT_EQ(ElementText::Write(std::set<std::string>{"", "a"}), ", a");
     EXPECT_EQ(ElementText::Write(std::set<Int>{}), "");
 }
 
-TEST(ElementText, SetIsNeverRead) {
+TEST(ElementTextTest, SetIsNeverRead) {
     std::set<Int> element{4};
     EXPECT_FALSE(ElementText::Read("1, 2", element));
     EXPECT_EQ(element, std::set<Int>{4});
@@ -49,14 +49,14 @@ void CheckReading(const ReadCase<T> (&cases)[Count], T untouched) {
     }
 }
 
-TEST(ElementText, NumberIsReadFromTheWholeTextOnly) {
+TEST(ElementTextTest, NumberIsReadFromTheWholeTextOnly) {
     const ReadCase<Int> cases[] = {{"12", true, 12},  {"-12", true, -12},       {"+3", true, 3},
                                    {" 12", true, 12}, {"12abc", false, 0},      {"12 ", false, 0},
                                    {"abc", false, 0}, {"2147483648", false, 0}, {"0x1F", false, 0}};
     CheckReading<Int>(cases, 99);
 }
 
-TEST(ElementText, DoubleAndBoolAreReadAsStreamsReadThem) {
+TEST(ElementTextTest, DoubleAndBoolAreReadAsStreamsReadThem) {
     const ReadCase<double> doubles[] = {
         {"0.5", true, 0.5}, {"1e3", true, 1000.0}, {"1.5x", false, 0.0}};
     CheckReading<double>(doubles, 99.0);
@@ -64,20 +64,20 @@ TEST(ElementText, DoubleAndBoolAreReadAsStreamsReadThem) {
     CheckReading<bool>(bools, true);
 }
 
-TEST(ElementText, UnsignedByteIsReadAsNumberFrom0To255) {
+TEST(ElementTextTest, UnsignedByteIsReadAsNumberFrom0To255) {
     const ReadCase<UInt8> cases[] = {
         {"0", true, 0}, {"255", true, 255}, {"256", false, 0}, {"-1", false, 0}, {"A", false, 0}};
     CheckReading<UInt8>(cases, 99);
 }
 
-TEST(ElementText, SignedByteIsReadAsNumberOrElseAsOneCharacter) {
+TEST(ElementTextTest, SignedByteIsReadAsNumberOrElseAsOneCharacter) {
     const ReadCase<Int8> cases[] = {{"-128", true, -128}, {"127", true, 127}, {"128", false, 0},
                                     {"A", true, 65},      {" ", true, 32},    {"5", true, 5},
                                     {"AB", false, 0}};
     CheckReading<Int8>(cases, 99);
 }
 
-TEST(ElementText, HexadecimalDigitsAreReadWithinTheRangeOfTheType) {
+TEST(ElementTextTest, HexadecimalDigitsAreReadWithinTheRangeOfTheType) {
     struct {
         const char* digits;
         bool fitsByte;

@@ -20,7 +20,7 @@ static_assert(AreDistinct<Core::Int8, Core::UInt8, Core::Int16, Core::UInt16, Co
 static_assert(!Core::IntegerElement<Core::Long>);
 static_assert(!Core::IntegerElement<bool>);
 
-TEST(ElementTypes, LongIsWrittenAndReadAsItsNumber) {
+TEST(ElementTypesTest, LongIsWrittenAndReadAsItsNumber) {
     std::stringstream stream;
     stream << Core::Long{-12};
     EXPECT_EQ(stream.str(), "-12");
@@ -29,14 +29,14 @@ TEST(ElementTypes, LongIsWrittenAndReadAsItsNumber) {
     EXPECT_EQ(read, Core::Long{-12});
 }
 
-TEST(ElementTypes, LongKeepsTheRangeOf32BitsOnEveryPlatform) {
+TEST(ElementTypesTest, LongKeepsTheRangeOf32BitsOnEveryPlatform) {
     std::istringstream stream("2147483648");
     Core::Long read;
     stream >> read;
     EXPECT_TRUE(stream.fail());
 }
 
-TEST(ElementTypes, LongsAreOrderedByTheirNumbers) {
+TEST(ElementTypesTest, LongsAreOrderedByTheirNumbers) {
     EXPECT_GT(Core::Long{2}, Core::Long{-3});
     EXPECT_FALSE(Core::Long{2} > Core::Long{2});
 }

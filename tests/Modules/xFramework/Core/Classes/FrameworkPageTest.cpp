@@ -45,7 +45,7 @@ const Example examples[] = {
     {"RequestServices", Examples::RequestServices, "12:00 started"},
 };
 
-TEST(FrameworkPage, ShowsTheExamplesAsTheyAreCompiled) {
+TEST(FrameworkPageTest, ShowsTheExamplesAsTheyAreCompiled) {
     const std::string page = ReadText(FRAMEWORK_PAGE);
     for (const Example& example : examples) {
         SCOPED_TRACE(example.name);
@@ -63,7 +63,7 @@ TEST(FrameworkPage, ShowsTheExamplesAsTheyAreCompiled) {
     EXPECT_EQ(blocks, std::size(examples)) << "a block on the page that no test compiles";
 }
 
-TEST(FrameworkPage, TellsWhatComesOutOfTheExamples) {
+TEST(FrameworkPageTest, TellsWhatComesOutOfTheExamples) {
     const std::string page = ReadText(FRAMEWORK_PAGE);
     for (const Example& example : examples) {
         SCOPED_TRACE(example.name);

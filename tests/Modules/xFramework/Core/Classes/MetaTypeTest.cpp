@@ -10,7 +10,7 @@ using namespace Core;
 using CoreTypes::FindMetaType;
 using CoreTypes::MetaType;
 
-TEST(MetaType, KnowsTheNamesThatItWasGiven) {
+TEST(MetaTypeTest, KnowsTheNamesThatItWasGiven) {
     MetaType<Int> metaType;
     for (const char* const name : {"b", "a", "b"})
         metaType.AddName(name);
@@ -22,7 +22,7 @@ TEST(MetaType, KnowsTheNamesThatItWasGiven) {
     EXPECT_FALSE(metaType.HasName("a"));
 }
 
-TEST(MetaType, DescribesObjectsOfItsElementTypeOnly) {
+TEST(MetaTypeTest, DescribesObjectsOfItsElementTypeOnly) {
     const MetaType<Int> metaType;
     const TypedValue<Int> number;
     const TypedValue<Long> other;
@@ -31,7 +31,7 @@ TEST(MetaType, DescribesObjectsOfItsElementTypeOnly) {
     EXPECT_FALSE(metaType.Describes(nullptr));
 }
 
-TEST(MetaType, EveryNamedElementTypeHasOne) {
+TEST(MetaTypeTest, EveryNamedElementTypeHasOne) {
     for (const Value& value :
          {Value("{int8:1}"), Value("{uint8:1}"), Value("{short:1}"), Value("{uint16:1}"),
           Value("{int:1}"), Value("{uint32:1}"), Value("{long:1}"), Value("{int64:1}"),
@@ -43,21 +43,21 @@ TEST(MetaType, EveryNamedElementTypeHasOne) {
     }
 }
 
-TEST(MetaType, SetOfValuesAndEmptyValueHaveNone) {
+TEST(MetaTypeTest, SetOfValuesAndEmptyValueHaveNone) {
     Value set;
     set.GetMutableRef<std::set<Value>>();
     EXPECT_EQ(FindMetaType(set.Get()), nullptr);
     EXPECT_EQ(FindMetaType(nullptr), nullptr);
 }
 
-TEST(MetaType, TextBecomesAValueOfTheType) {
+TEST(MetaTypeTest, TextBecomesAValueOfTheType) {
     const MetaType<UInt16> metaType;
     Value value("text");
     EXPECT_TRUE(metaType.FromText("0x10", value));
     EXPECT_EQ(value.GetRef<UInt16>(), 16);
 }
 
-TEST(MetaType, TextMayBelongToTheValue) {
+TEST(MetaTypeTest, TextMayBelongToTheValue) {
     Value value("17");
     EXPECT_TRUE(MetaType<Int>().FromText(value.GetRef<std::string>(), value));
     EXPECT_EQ(value.GetRef<Int>(), 17);
@@ -66,14 +66,14 @@ TEST(MetaType, TextMayBelongToTheValue) {
     EXPECT_EQ(text.ToString(), "a text that is too long to be stored in the string object itself");
 }
 
-TEST(MetaType, UnreadableTextBecomesTheDefaultElement) {
+TEST(MetaTypeTest, UnreadableTextBecomesTheDefaultElement) {
     const MetaType<Int> metaType;
     Value value("{int:5}");
     EXPECT_FALSE(metaType.FromText("x", value));
     EXPECT_EQ(value.GetRef<Int>(), 0);
 }
 
-TEST(MetaType, OtherHoldersKeepTheirElement) {
+TEST(MetaTypeTest, OtherHoldersKeepTheirElement) {
     Value value("{int:5}");
     const Value other(value);
     EXPECT_TRUE(MetaType<Int>().FromText("6", value));
@@ -84,7 +84,7 @@ void OneMore(std::string& text) {
     text += "1";
 }
 
-TEST(MetaType, StringProvidersRewriteATextOnceBeforeItIsRead) {
+TEST(MetaTypeTest, StringProvidersRewriteATextOnceBeforeItIsRead) {
     const Utilities::ProviderGuard provider(OneMore);
     Value value;
     EXPECT_TRUE(MetaType<Int>().FromText("2", value));

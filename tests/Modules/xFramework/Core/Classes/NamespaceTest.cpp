@@ -31,7 +31,7 @@ std::string NamesIn(IEnumerator& enumerator) {
     return names;
 }
 
-TEST(Namespace, GivesWhatWasEntered) {
+TEST(NamespaceTest, GivesWhatWasEntered) {
     Namespace names;
     auto* const object = new LiveObject;
     names.Add("name", object);
@@ -40,7 +40,7 @@ TEST(Namespace, GivesWhatWasEntered) {
     EXPECT_EQ(names.Find(""), nullptr);
 }
 
-TEST(Namespace, ReleasesItsEntriesWithItself) {
+TEST(NamespaceTest, ReleasesItsEntriesWithItself) {
     {
         Namespace names;
         names.Add("a", new LiveObject);
@@ -50,7 +50,7 @@ TEST(Namespace, ReleasesItsEntriesWithItself) {
     EXPECT_EQ(LiveObject::Alive(), 0);
 }
 
-TEST(Namespace, LaterObjectReplacesAndReleasesTheEarlier) {
+TEST(NamespaceTest, LaterObjectReplacesAndReleasesTheEarlier) {
     Namespace names;
     names.Add("name", new LiveObject);
     auto* const later = new LiveObject;
@@ -59,7 +59,7 @@ TEST(Namespace, LaterObjectReplacesAndReleasesTheEarlier) {
     EXPECT_EQ(names.Find("name"), later);
 }
 
-TEST(Namespace, ObjectEnteredAgainUnderItsNameStays) {
+TEST(NamespaceTest, ObjectEnteredAgainUnderItsNameStays) {
     Namespace names;
     auto* const object = new LiveObject;
     names.Add("name", object);
@@ -68,7 +68,7 @@ TEST(Namespace, ObjectEnteredAgainUnderItsNameStays) {
     EXPECT_EQ(names.Find("name"), object);
 }
 
-TEST(Namespace, RemoveReleasesAndTellsWhetherThereWasAnEntry) {
+TEST(NamespaceTest, RemoveReleasesAndTellsWhetherThereWasAnEntry) {
     Namespace names;
     names.Add("name", new LiveObject);
     EXPECT_TRUE(names.Remove("name"));
@@ -76,7 +76,7 @@ TEST(Namespace, RemoveReleasesAndTellsWhetherThereWasAnEntry) {
     EXPECT_FALSE(names.Remove("name"));
 }
 
-TEST(Namespace, NoObjectIsAnAssertionFailureAtItsTruePlace) {
+TEST(NamespaceTest, NoObjectIsAnAssertionFailureAtItsTruePlace) {
     Namespace names;
     const std::string raised = RaisedBy([&names] { names.Add("name", nullptr); });
     const std::string before = "Assertion (pObject) failed at Core::Namespace::Add | "
@@ -92,7 +92,7 @@ TEST(Namespace, NoObjectIsAnAssertionFailureAtItsTruePlace) {
     EXPECT_NE(line.find("\"pObject\""), std::string::npos) << line;
 }
 
-TEST(Namespace, CountedObjectLivesUntilItsLastNamespaceReleasesIt) {
+TEST(NamespaceTest, CountedObjectLivesUntilItsLastNamespaceReleasesIt) {
     Namespace first;
     {
         Namespace second;
@@ -108,7 +108,7 @@ TEST(Namespace, CountedObjectLivesUntilItsLastNamespaceReleasesIt) {
     EXPECT_EQ(LiveObject::Alive(), 0);
 }
 
-TEST(Namespace, PathLeadsThroughNestedNamespaces) {
+TEST(NamespaceTest, PathLeadsThroughNestedNamespaces) {
     Namespace root;
     auto* const inner = new Namespace;
     auto* const innermost = new Namespace;
@@ -128,7 +128,7 @@ TEST(Namespace, PathLeadsThroughNestedNamespaces) {
     }
 }
 
-TEST(Namespace, NameIsTakenAsItStandsOutsidePaths) {
+TEST(NamespaceTest, NameIsTakenAsItStandsOutsidePaths) {
     Namespace names;
     auto* const object = new LiveObject;
     names.Add("a.b", object);
@@ -136,7 +136,7 @@ TEST(Namespace, NameIsTakenAsItStandsOutsidePaths) {
     EXPECT_EQ(names.FindByPath("a.b"), nullptr);
 }
 
-TEST(Namespace, EnumeratorWalksInTheOrderOfNames) {
+TEST(NamespaceTest, EnumeratorWalksInTheOrderOfNames) {
     Namespace names;
     for (const char* const name : {"b", "", "c", "a"})
         names.Add(name, new LiveObject);
@@ -148,7 +148,7 @@ TEST(Namespace, EnumeratorWalksInTheOrderOfNames) {
     EXPECT_EQ(NamesIn(*enumerator), "[][a][b][c]");
 }
 
-TEST(Namespace, EnumeratorSurvivesChangesOfTheNamespace) {
+TEST(NamespaceTest, EnumeratorSurvivesChangesOfTheNamespace) {
     Namespace names;
     names.Add("a", new LiveObject);
     names.Add("c", new LiveObject);
@@ -159,7 +159,7 @@ TEST(Namespace, EnumeratorSurvivesChangesOfTheNamespace) {
     EXPECT_EQ(NamesIn(*enumerator), "[b][c]");
 }
 
-TEST(Namespace, KnowsTheNamespaceThatItIsIn) {
+TEST(NamespaceTest, KnowsTheNamespaceThatItIsIn) {
     Namespace root;
     auto* const inner = new Namespace;
     EXPECT_EQ(inner->GetOwner(), nullptr);
@@ -170,7 +170,7 @@ TEST(Namespace, KnowsTheNamespaceThatItIsIn) {
 /// An attachable object whose life does not depend on namespaces.
 class AttachableCounted : public CountedObject, public AttachableObject {};
 
-TEST(Namespace, TakesItselfOutOfWhatItReleases) {
+TEST(NamespaceTest, TakesItselfOutOfWhatItReleases) {
     AttachableCounted object;
     object.AddRef();
     Namespace first;
@@ -195,7 +195,7 @@ private:
     std::vector<INamespace*>& m_owners;
 };
 
-TEST(Namespace, TakesItselfOutOfWhatItDeletes) {
+TEST(NamespaceTest, TakesItselfOutOfWhatItDeletes) {
     std::vector<INamespace*> owners;
     {
         Namespace names;
@@ -217,13 +217,13 @@ private:
     Namespace& m_names;
 };
 
-TEST(Namespace, EntryThatIsBeingReleasedIsNotFoundAnyMore) {
+TEST(NamespaceTest, EntryThatIsBeingReleasedIsNotFoundAnyMore) {
     Namespace names;
     names.Add("a", new Asking(names));
     names.Add("b", new Asking(names));
 }
 
-TEST(Namespace, OneObjectHasOneRoot) {
+TEST(NamespaceTest, OneObjectHasOneRoot) {
     Namespace names;
     EXPECT_EQ(static_cast<IInterface*>(static_cast<IAttachableObject*>(&names)),
               static_cast<IInterface*>(static_cast<IDynamicNamespace*>(&names)));
@@ -231,7 +231,7 @@ TEST(Namespace, OneObjectHasOneRoot) {
               static_cast<INamespace*>(static_cast<IDynamicNamespace*>(&names)));
 }
 
-TEST(Namespace, RootAndGlobalVariablesAreTwo) {
+TEST(NamespaceTest, RootAndGlobalVariablesAreTwo) {
     EXPECT_EQ(&GlobalVariables(), &GlobalVariables());
     EXPECT_NE(&GlobalVariables(), &Utilities::Singleton<Namespace>::Instance());
 }

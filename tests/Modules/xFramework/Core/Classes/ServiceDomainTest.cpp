@@ -593,7 +593,7 @@ struct ShortList : std::list<int> {
     static std::size_t max_size() { return 2; }
 };
 
-TEST(AppendWithinLimit, RefusesWhatExceedsTheMaximumLength) {
+TEST(AppendWithinLimitTest, RefusesWhatExceedsTheMaximumLength) {
     ShortList list;
     AppendWithinLimit(list, 1);
     AppendWithinLimit(list, 2);

@@ -41,7 +41,7 @@ protected:
     }
 };
 
-TEST(Service, IsDetachedAtFirst) {
+TEST(ServiceTest, IsDetachedAtFirst) {
     const Service service;
     EXPECT_FALSE(service.IsAttached());
     EXPECT_EQ(RaisedBy([&service] { service.GetDomain(); }),
@@ -49,7 +49,7 @@ TEST(Service, IsDetachedAtFirst) {
                   ":47 | Core::Service::GetDomain");
 }
 
-TEST(Service, KnowsTheDomainThatItIsAttachedTo) {
+TEST(ServiceTest, KnowsTheDomainThatItIsAttachedTo) {
     ServiceDomain domain;
     Service service;
     EXPECT_EQ(service.OnAttach(&domain), &domain);
@@ -59,7 +59,7 @@ TEST(Service, KnowsTheDomainThatItIsAttachedTo) {
     EXPECT_FALSE(service.IsAttached());
 }
 
-TEST(Service, StaysAttachedUntilDetachedAsOftenAsAttached) {
+TEST(ServiceTest, StaysAttachedUntilDetachedAsOftenAsAttached) {
     ServiceDomain domain;
     HookedService service;
     EXPECT_EQ(service.OnAttach(&domain), &service.attachResult);
@@ -73,7 +73,7 @@ TEST(Service, StaysAttachedUntilDetachedAsOftenAsAttached) {
     EXPECT_EQ(service.calls, (std::vector<std::string>{"attach, attached", "detach, attached"}));
 }
 
-TEST(Service, CanBeAttachedAgainAfterItsLastDetach) {
+TEST(ServiceTest, CanBeAttachedAgainAfterItsLastDetach) {
     ServiceDomain first;
     ServiceDomain second;
     Service service;
@@ -82,7 +82,7 @@ TEST(Service, CanBeAttachedAgainAfterItsLastDetach) {
     EXPECT_EQ(service.OnAttach(&second), &second);
 }
 
-TEST(Service, AttachToASecondDomainFailsAnAssertion) {
+TEST(ServiceTest, AttachToASecondDomainFailsAnAssertion) {
     ServiceDomain domain;
     ServiceDomain other;
     Service service;
@@ -94,7 +94,7 @@ TEST(Service, AttachToASecondDomainFailsAnAssertion) {
     EXPECT_EQ(service.GetDomain(), &domain);
 }
 
-TEST(Service, FailedAttachIsCountedAllTheSame) {
+TEST(ServiceTest, FailedAttachIsCountedAllTheSame) {
     ServiceDomain domain;
     ServiceDomain other;
     Service service;
@@ -112,7 +112,7 @@ protected:
     IServiceDomain* AttachHook() override { throw std::runtime_error("shy"); }
 };
 
-TEST(Service, IsAttachedEvenWhenItsHookThrows) {
+TEST(ServiceTest, IsAttachedEvenWhenItsHookThrows) {
     ServiceDomain domain;
     Shy service;
     EXPECT_THROW(service.OnAttach(&domain), std::runtime_error);
@@ -121,7 +121,7 @@ TEST(Service, IsAttachedEvenWhenItsHookThrows) {
     EXPECT_FALSE(service.IsAttached());
 }
 
-TEST(Service, AttachToNoDomainCallsTheHookAndCounts) {
+TEST(ServiceTest, AttachToNoDomainCallsTheHookAndCounts) {
     ServiceDomain domain;
     HookedService service;
     EXPECT_EQ(service.OnAttach(nullptr), &service.attachResult);
@@ -132,12 +132,12 @@ TEST(Service, AttachToNoDomainCallsTheHookAndCounts) {
     EXPECT_EQ(service.OnDetach(), &service.detachResult);
 }
 
-TEST(Service, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
+TEST(ServiceTest, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
     // The destructor comes first.
     EXPECT_EQ(HookedService::Slots(), (std::vector<std::size_t>{2, 3, 4, 5, 6, 7}));
 }
 
-TEST(Service, DetachWhileDetachedFailsAnAssertion) {
+TEST(ServiceTest, DetachWhileDetachedFailsAnAssertion) {
     Service service;
     EXPECT_EQ(RaisedBy([&service] { service.OnDetach(); }),
               std::string("Assertion (IsAttached()) failed at Core::Service::OnDetach | ") +
@@ -150,7 +150,7 @@ protected:
     IServiceDomain* DetachHook() override { throw std::runtime_error("stuck"); }
 };
 
-TEST(Service, IsDetachedEvenWhenItsHookThrows) {
+TEST(ServiceTest, IsDetachedEvenWhenItsHookThrows) {
     ServiceDomain first;
     ServiceDomain second;
     Stuck service;
@@ -172,7 +172,7 @@ protected:
     }
 };
 
-TEST(Service, IsDetachedWhateverItsHookCounts) {
+TEST(ServiceTest, IsDetachedWhateverItsHookCounts) {
     ServiceDomain domain;
     Restless service;
     service.OnAttach(&domain);
@@ -188,7 +188,7 @@ public:
     using Service::RequestService;
 };
 
-TEST(Service, NotesOnceWhatItRequests) {
+TEST(ServiceTest, NotesOnceWhatItRequests) {
     ServiceDomain domain;
     domain.RegisterServiceClass<Service>("known");
     Requesting service;

@@ -39,7 +39,7 @@ constexpr TypeName NameOf(const char* name) {
     return {name, Creates<T>, Describes<T>};
 }
 
-TEST(StartUp, EveryTypeNameCreatesItsElementType) {
+TEST(StartUpTest, EveryTypeNameCreatesItsElementType) {
     const TypeName cases[] = {NameOf<Int>("int"),       NameOf<Long>("long"),
                               NameOf<Int16>("short"),   NameOf<std::string>("string"),
                               NameOf<double>("double"), NameOf<bool>("bool"),
@@ -57,7 +57,7 @@ TEST(StartUp, EveryTypeNameCreatesItsElementType) {
     }
 }
 
-TEST(StartUp, NoOtherTypeNameExists) {
+TEST(StartUpTest, NoOtherTypeNameExists) {
     for (const char* const name : {"float", "char", "set", "Int", ""}) {
         SCOPED_TRACE(name);
         EXPECT_FALSE(Factory().IsRegistered(name));
@@ -72,26 +72,26 @@ std::set<std::string> NamesOf() {
     return Utilities::Singleton<CoreTypes::MetaType<T>>::Instance().GetNames();
 }
 
-TEST(StartUp, MetaTypesKnowTheirNames) {
+TEST(StartUpTest, MetaTypesKnowTheirNames) {
     EXPECT_EQ(NamesOf<Int>(), (std::set<std::string>{"int", "int32"}));
     EXPECT_EQ(NamesOf<Int16>(), (std::set<std::string>{"int16", "short"}));
     EXPECT_EQ(NamesOf<Long>(), (std::set<std::string>{"long"}));
     EXPECT_EQ(NamesOf<std::string>(), (std::set<std::string>{"string"}));
 }
 
-TEST(StartUp, RootNamespaceHoldsTheServiceDomain) {
+TEST(StartUpTest, RootNamespaceHoldsTheServiceDomain) {
     EXPECT_NE(
         dynamic_cast<ServiceDomain*>(Utilities::Singleton<Namespace>::Instance().Find("Services")),
         nullptr);
 }
 
-TEST(StartUp, MessagesExpandVariables) {
+TEST(StartUpTest, MessagesExpandVariables) {
     GlobalVariables().Add("StartUpTest", new Value("expanded"));
     EXPECT_EQ(Utilities::Format("[$(StartUpTest)]").Text(), "[expanded]");
     GlobalVariables().Remove("StartUpTest");
 }
 
-TEST(StartUp, EveryLevelOfTheLogReachesTheDebuggerOutputInBriefLines) {
+TEST(StartUpTest, EveryLevelOfTheLogReachesTheDebuggerOutputInBriefLines) {
     OSAL::Fake::Reset();
     // 16 is no level of the channel's mask.
     for (const std::uint32_t level : {1U, 2U, 4U, 16U, 8U})

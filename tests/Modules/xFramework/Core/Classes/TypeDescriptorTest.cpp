@@ -14,12 +14,12 @@ Value SetOf(std::initializer_list<Value> elements) {
     return set;
 }
 
-TEST(TypeDescriptor, CreatesADefaultValueOfItsType) {
+TEST(TypeDescriptorTest, CreatesADefaultValueOfItsType) {
     EXPECT_EQ(TypeDescriptor<Int>().CreateValue().GetRef<Int>(), 0);
     EXPECT_EQ(TypeDescriptor<std::string>().CreateValue().GetRef<std::string>(), "");
 }
 
-TEST(TypeDescriptor, IsACreatorOfValues) {
+TEST(TypeDescriptorTest, IsACreatorOfValues) {
     TypeDescriptor<Int> descriptor;
     IClassCreator<IValue>& creator = descriptor;
     EXPECT_NE(dynamic_cast<TypedValue<Int>*>(creator.Create().get()), nullptr);
@@ -33,7 +33,7 @@ public:
     std::unique_ptr<IValue> Create() override { return TypeDescriptor<Int>::Create(); }
 };
 
-TEST(TypeDescriptor, SharesItsCreatorAndItsRootWithOtherBases) {
+TEST(TypeDescriptorTest, SharesItsCreatorAndItsRootWithOtherBases) {
     DescriptorAndCreator object;
     ITypeDescriptor* const descriptor = &object;
     ClassCreator<TypedValue<Int>, IValue>* const creator = &object;
@@ -43,19 +43,19 @@ TEST(TypeDescriptor, SharesItsCreatorAndItsRootWithOtherBases) {
     EXPECT_EQ(static_cast<IInterface*>(descriptor), static_cast<IInterface*>(creator));
 }
 
-TEST(TypeDescriptor, ConvertsASetByReadingTheTextsOfOtherElements) {
+TEST(TypeDescriptorTest, ConvertsASetByReadingTheTextsOfOtherElements) {
     const Value converted =
         TypeDescriptor<Int>().ConvertSet(SetOf({Value("{int:3}"), Value("4"), Value("{uint8:7}")}));
     EXPECT_EQ(converted.GetRef<std::set<Int>>(), (std::set<Int>{3, 4, 7}));
 }
 
-TEST(TypeDescriptor, UnreadableElementsOfASetBecomeTheDefault) {
+TEST(TypeDescriptorTest, UnreadableElementsOfASetBecomeTheDefault) {
     const Value converted =
         TypeDescriptor<Int>().ConvertSet(SetOf({Value("a"), Value("b"), Value("4")}));
     EXPECT_EQ(converted.GetRef<std::set<Int>>(), (std::set<Int>{0, 4}));
 }
 
-TEST(TypeDescriptor, ConvertedSetLeavesTheSourceAsItIs) {
+TEST(TypeDescriptorTest, ConvertedSetLeavesTheSourceAsItIs) {
     const Value source = SetOf({Value("4"), Value()});
     TypeDescriptor<Int>().ConvertSet(source);
     EXPECT_EQ(source.ToString(), ", 4");
@@ -64,7 +64,7 @@ TEST(TypeDescriptor, ConvertedSetLeavesTheSourceAsItIs) {
     EXPECT_EQ(elements.rbegin()->GetRef<std::string>(), "4");
 }
 
-TEST(TypeDescriptor, SetConversionOfAnythingElseRaises) {
+TEST(TypeDescriptorTest, SetConversionOfAnythingElseRaises) {
     EXPECT_EQ(RaisedBy([] { TypeDescriptor<Int>().ConvertSet(Value("4")); }),
               "Incompatible value type | src/Modules/xFramework/Core/Classes/Value:122 | "
               "Core::Value::GetRef");

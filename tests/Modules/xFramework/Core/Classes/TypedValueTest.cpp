@@ -33,7 +33,7 @@ bool OffersIntegerInterface() {
     return dynamic_cast<const IIntegerValue*>(static_cast<const IValue*>(&value)) != nullptr;
 }
 
-TEST(TypedValue, OneObjectHasOneValueInterfaceAndOneRoot) {
+TEST(TypedValueTest, OneObjectHasOneValueInterfaceAndOneRoot) {
     TypedValue<Int> object;
     ITypedValue<Int>* const typed = &object;
     IIntegerValue* const integer = &object;
@@ -42,7 +42,7 @@ TEST(TypedValue, OneObjectHasOneValueInterfaceAndOneRoot) {
     EXPECT_EQ(static_cast<Utilities::IObject*>(typed), static_cast<Utilities::IObject*>(integer));
 }
 
-TEST(TypedValue, TheEightIntegerTypesOfferTheIntegerInterface) {
+TEST(TypedValueTest, TheEightIntegerTypesOfferTheIntegerInterface) {
     EXPECT_TRUE(OffersIntegerInterface<Int8>());
     EXPECT_TRUE(OffersIntegerInterface<UInt8>());
     EXPECT_TRUE(OffersIntegerInterface<Int16>());
@@ -53,7 +53,7 @@ TEST(TypedValue, TheEightIntegerTypesOfferTheIntegerInterface) {
     EXPECT_TRUE(OffersIntegerInterface<UInt64>());
 }
 
-TEST(TypedValue, LongAndTheOthersDoNotOfferTheIntegerInterface) {
+TEST(TypedValueTest, LongAndTheOthersDoNotOfferTheIntegerInterface) {
     EXPECT_FALSE(OffersIntegerInterface<Long>());
     EXPECT_FALSE(OffersIntegerInterface<double>());
     EXPECT_FALSE(OffersIntegerInterface<bool>());
@@ -61,7 +61,7 @@ TEST(TypedValue, LongAndTheOthersDoNotOfferTheIntegerInterface) {
     EXPECT_FALSE(OffersIntegerInterface<std::set<Value>>());
 }
 
-TEST(TypedValue, IntegerReadsTheHexadecimalForm) {
+TEST(TypedValueTest, IntegerReadsTheHexadecimalForm) {
     TypedValue<Int> value;
     EXPECT_TRUE(value.FromString("0x1F"));
     EXPECT_EQ(value.GetRef(), 31);
@@ -76,7 +76,7 @@ TEST(TypedValue, IntegerReadsTheHexadecimalForm) {
 }
 
 // The stream operator's way: it negates within the type.
-TEST(TypedValue, UnsignedTypesReadANegativeNumberFromTheirUpperEnd) {
+TEST(TypedValueTest, UnsignedTypesReadANegativeNumberFromTheirUpperEnd) {
     TypedValue<UInt32> wide;
     EXPECT_TRUE(wide.FromString("-1"));
     EXPECT_EQ(wide.GetRef(), 4294967295U);
@@ -85,7 +85,7 @@ TEST(TypedValue, UnsignedTypesReadANegativeNumberFromTheirUpperEnd) {
     EXPECT_EQ(narrow.GetRef(), 65535U);
 }
 
-TEST(TypedValue, LongReadsNoHexadecimalForm) {
+TEST(TypedValueTest, LongReadsNoHexadecimalForm) {
     TypedValue<Long> value(Long{5});
     EXPECT_FALSE(value.FromString("0x1F"));
     EXPECT_EQ(value.GetRef(), Long{5});
@@ -93,7 +93,7 @@ TEST(TypedValue, LongReadsNoHexadecimalForm) {
     EXPECT_EQ(value.GetRef(), Long{31});
 }
 
-TEST(TypedValue, EmptyTextIsNeverReadNotEvenByAString) {
+TEST(TypedValueTest, EmptyTextIsNeverReadNotEvenByAString) {
     TypedValue<std::string> text("kept");
     EXPECT_FALSE(text.FromString(""));
     EXPECT_EQ(text.GetRef(), "kept");
@@ -102,13 +102,13 @@ TEST(TypedValue, EmptyTextIsNeverReadNotEvenByAString) {
     EXPECT_EQ(number.GetRef(), 4);
 }
 
-TEST(TypedValue, FailedReadingLeavesTheElement) {
+TEST(TypedValueTest, FailedReadingLeavesTheElement) {
     TypedValue<Int> value(8);
     EXPECT_FALSE(value.FromString("9abc"));
     EXPECT_EQ(value.GetRef(), 8);
 }
 
-TEST(TypedValue, CloneOwnsACopyThatNobodyHoldsYet) {
+TEST(TypedValueTest, CloneOwnsACopyThatNobodyHoldsYet) {
     std::string storage = "first";
     TypedRefValue<std::string> original(&storage);
     original.AddRef();
@@ -120,7 +120,7 @@ TEST(TypedValue, CloneOwnsACopyThatNobodyHoldsYet) {
     EXPECT_NE(dynamic_cast<TypedValue<std::string>*>(clone.get()), nullptr);
 }
 
-TEST(TypedValue, TheFurtherCloningEntriesGiveTheSameCopy) {
+TEST(TypedValueTest, TheFurtherCloningEntriesGiveTheSameCopy) {
     const TypedValue<Int> original(6);
     const std::unique_ptr<IInterface> asInterface = original.CloneInterface();
     const std::unique_ptr<Utilities::IObject> asObject = original.CloneObject();
@@ -128,7 +128,7 @@ TEST(TypedValue, TheFurtherCloningEntriesGiveTheSameCopy) {
     EXPECT_EQ(dynamic_cast<TypedValue<Int>&>(*asObject).GetRef(), 6);
 }
 
-TEST(TypedValue, ReferenceValueWorksOnStorageOwnedElsewhere) {
+TEST(TypedValueTest, ReferenceValueWorksOnStorageOwnedElsewhere) {
     Int storage = 1;
     TypedRefValue<Int> value(&storage);
     value.FromString("2");
@@ -137,7 +137,7 @@ TEST(TypedValue, ReferenceValueWorksOnStorageOwnedElsewhere) {
     EXPECT_EQ(storage, 3);
 }
 
-TEST(TypedValue, CountStartsAt0AndReleaseDeletesNothing) {
+TEST(TypedValueTest, CountStartsAt0AndReleaseDeletesNothing) {
     TypedValue<Int> value;
     EXPECT_EQ(value.GetRefCount(), 0);
     EXPECT_EQ(value.AddRef(), 1);
@@ -147,7 +147,7 @@ TEST(TypedValue, CountStartsAt0AndReleaseDeletesNothing) {
     EXPECT_EQ(value.GetRefCount(), 0);
 }
 
-TEST(TypedValue, SameTypeIsAskedOfTheElementType) {
+TEST(TypedValueTest, SameTypeIsAskedOfTheElementType) {
     Int storage = 0;
     const TypedValue<Int> value;
     const TypedRefValue<Int> reference(&storage);
@@ -157,7 +157,7 @@ TEST(TypedValue, SameTypeIsAskedOfTheElementType) {
     EXPECT_FALSE(value.IsSameType(nullptr));
 }
 
-TEST(TypedValue, EverythingIsGreaterThanNullAndNothingEqualsIt) {
+TEST(TypedValueTest, EverythingIsGreaterThanNullAndNothingEqualsIt) {
     const TypedValue<Int> value(-5);
     const IValue* const null = nullptr;
     EXPECT_TRUE(value.IsGreater(null));
@@ -185,13 +185,13 @@ void CheckComparisons(const CrossTypeCase (&cases)[Count]) {
     }
 }
 
-TEST(TypedValue, SameTypesAreComparedAsElements) {
+TEST(TypedValueTest, SameTypesAreComparedAsElements) {
     const CrossTypeCase cases[] = {
         {"9", "10", false, false}, {"10", "9", false, true}, {"9", "9", true, false}};
     CheckComparisons<Int, Int>(cases);
 }
 
-TEST(TypedValue, OtherTypesAreComparedAsElementsWhenTheirTextCanBeRead) {
+TEST(TypedValueTest, OtherTypesAreComparedAsElementsWhenTheirTextCanBeRead) {
     const CrossTypeCase cases[] = {{"9", "10", false, false},
                                    {"10", "9", false, true},
                                    {"31", "0x1F", true, false},
@@ -199,13 +199,13 @@ TEST(TypedValue, OtherTypesAreComparedAsElementsWhenTheirTextCanBeRead) {
     CheckComparisons<Int, std::string>(cases);
 }
 
-TEST(TypedValue, OtherTypesAreComparedAsTextsWhenTheirTextCannotBeRead) {
+TEST(TypedValueTest, OtherTypesAreComparedAsTextsWhenTheirTextCannotBeRead) {
     const CrossTypeCase cases[] = {
         {"9", "10x", false, true}, {"10", "9x", false, false}, {"5", "5 ", false, false}};
     CheckComparisons<Int, std::string>(cases);
 }
 
-TEST(TypedValue, EqualTextsThatCannotBeReadAreEqual) {
+TEST(TypedValueTest, EqualTextsThatCannotBeReadAreEqual) {
     TypedValue<std::set<Value>> set;
     set.GetMutableRef() = {Value("a"), Value("b")};
     struct {
@@ -223,17 +223,17 @@ TEST(TypedValue, EqualTextsThatCannotBeReadAreEqual) {
     }
 }
 
-TEST(TypedValue, AStringReadsEveryTextAndSoComparesTexts) {
+TEST(TypedValueTest, AStringReadsEveryTextAndSoComparesTexts) {
     const CrossTypeCase cases[] = {{"9", "10", false, true}, {"10", "10", true, false}};
     CheckComparisons<std::string, Int>(cases);
 }
 
-TEST(TypedValue, TextsAreComparedAsUnsignedBytes) {
+TEST(TypedValueTest, TextsAreComparedAsUnsignedBytes) {
     const CrossTypeCase cases[] = {{"\xE9", "z", false, true}, {"z", "\xE9", false, false}};
     CheckComparisons<std::string, std::string>(cases);
 }
 
-TEST(TypedValue, EmptyTextOfAnotherTypeIsComparedAsText) {
+TEST(TypedValueTest, EmptyTextOfAnotherTypeIsComparedAsText) {
     const TypedValue<Int> number(0);
     const TypedValue<std::string> empty;
     const IValue* const other = &empty;
@@ -241,14 +241,14 @@ TEST(TypedValue, EmptyTextOfAnotherTypeIsComparedAsText) {
     EXPECT_TRUE(number.IsGreater(other));
 }
 
-TEST(TypedValue, AssignCopiesTheElementOfTheSameTypeAndReturnsTheView) {
+TEST(TypedValueTest, AssignCopiesTheElementOfTheSameTypeAndReturnsTheView) {
     TypedValue<Int> target(1);
     const TypedValue<Int> source(2);
     EXPECT_EQ(target.Assign(source), static_cast<const IValue*>(&source));
     EXPECT_EQ(target.GetRef(), 2);
 }
 
-TEST(TypedValue, AssignNeverConverts) {
+TEST(TypedValueTest, AssignNeverConverts) {
     TypedValue<Int> target(1);
     const TypedValue<std::string> source("2");
     EXPECT_EQ(target.Assign(source), nullptr);
@@ -265,7 +265,7 @@ private:
     const ITypedValue<Int>* m_view;
 };
 
-TEST(TypedValue, AssignReadsThroughTheOthersOwnView) {
+TEST(TypedValueTest, AssignReadsThroughTheOthersOwnView) {
     TypedValue<Int> target(1);
     const TypedValue<Int> viewed(7);
     EXPECT_EQ(target.Assign(StandIn(&viewed)), static_cast<const IValue*>(&viewed));
@@ -274,7 +274,7 @@ TEST(TypedValue, AssignReadsThroughTheOthersOwnView) {
     EXPECT_EQ(target.GetRef(), 7);
 }
 
-TEST(TypedValue, SetOfValuesIsAFullValue) {
+TEST(TypedValueTest, SetOfValuesIsAFullValue) {
     TypedValue<std::set<Value>> set;
     set.GetMutableRef().insert({Value("b"), Value("a")});
     const std::unique_ptr<IValue> clone = set.Clone();

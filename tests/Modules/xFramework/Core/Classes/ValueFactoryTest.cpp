@@ -157,7 +157,7 @@ TEST_F(ValueFactoryTest, IsOneServiceAndOneFactory) {
     EXPECT_FALSE(m_factory.IsAttached());
 }
 
-TEST(TypedLiteral, IsSplitAtTheFirstColonInTheBraces) {
+TEST(TypedLiteralTest, IsSplitAtTheFirstColonInTheBraces) {
     struct {
         const char* text;
         const char* typeName;

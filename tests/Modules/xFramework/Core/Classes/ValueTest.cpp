@@ -24,13 +24,13 @@ Value Copy(const Value& value) {
     return value;
 }
 
-TEST(Value, EmptyValuePrintsAsNothingAndHoldsNoObject) {
+TEST(ValueTest, EmptyValuePrintsAsNothingAndHoldsNoObject) {
     const Value empty;
     EXPECT_EQ(empty.ToString(), "");
     EXPECT_EQ(empty.Get(), nullptr);
 }
 
-TEST(Value, EmptyValueOrdersBelowEveryOtherAndNotBelowItsLike) {
+TEST(ValueTest, EmptyValueOrdersBelowEveryOtherAndNotBelowItsLike) {
     const Value empty;
     for (const Value& other : {Value(""), Make<Int>(-1), Make(false), Make(std::set<Value>{})}) {
         SCOPED_TRACE(other.ToString());
@@ -40,31 +40,31 @@ TEST(Value, EmptyValueOrdersBelowEveryOtherAndNotBelowItsLike) {
     EXPECT_FALSE(empty < Value());
 }
 
-TEST(Value, TextBecomesAStringValueUnchanged) {
+TEST(ValueTest, TextBecomesAStringValueUnchanged) {
     const Value value("-wifi-band $(x) ${1}");
     EXPECT_EQ(value.ToString(), "-wifi-band $(x) ${1}");
     EXPECT_EQ(value.GetRef<std::string>(), "-wifi-band $(x) ${1}");
 }
 
-TEST(Value, EmptyTextIsAValueAndNotAnEmptyOne) {
+TEST(ValueTest, EmptyTextIsAValueAndNotAnEmptyOne) {
     const Value value("");
     EXPECT_NE(value.Get(), nullptr);
     EXPECT_FALSE(Value() == std::string());
     EXPECT_TRUE(value == std::string());
 }
 
-TEST(Value, CopySharesTheObject) {
+TEST(ValueTest, CopySharesTheObject) {
     const Value value("text");
     const Value copy(value);
     EXPECT_EQ(copy.Get(), value.Get());
     EXPECT_EQ(value.Get()->GetRefCount(), 2);
 }
 
-TEST(Value, CopyOfAnEmptyValueIsEmpty) {
+TEST(ValueTest, CopyOfAnEmptyValueIsEmpty) {
     EXPECT_EQ(Copy(Value()).Get(), nullptr);
 }
 
-TEST(Value, CopyAllocatesNothing) {
+TEST(ValueTest, CopyAllocatesNothing) {
     const Value value(std::string(100, 'x'));
     const std::size_t before = CountAllocations();
     const Value copy(value);
@@ -76,7 +76,7 @@ TEST(Value, CopyAllocatesNothing) {
     EXPECT_GT(CountAllocations(), before);
 }
 
-TEST(Value, AssignmentOfAnEqualValueKeepsTheObjectAndItsType) {
+TEST(ValueTest, AssignmentOfAnEqualValueKeepsTheObjectAndItsType) {
     Value number = Make<Int>(5);
     const IValue* const object = number.Get();
     number = Value("5");
@@ -84,7 +84,7 @@ TEST(Value, AssignmentOfAnEqualValueKeepsTheObjectAndItsType) {
     EXPECT_EQ(number.GetRef<Int>(), 5);
 }
 
-TEST(Value, AssignmentOfADifferentValueSharesItsObject) {
+TEST(ValueTest, AssignmentOfADifferentValueSharesItsObject) {
     struct {
         Value target;
         Value source;
@@ -100,7 +100,7 @@ TEST(Value, AssignmentOfADifferentValueSharesItsObject) {
     }
 }
 
-TEST(Value, AssignmentToItselfChangesNothing) {
+TEST(ValueTest, AssignmentToItselfChangesNothing) {
     Value value("text");
     const IValue* const object = value.Get();
     const Value& same = value;
@@ -109,38 +109,38 @@ TEST(Value, AssignmentToItselfChangesNothing) {
     EXPECT_EQ(object->GetRefCount(), 1);
 }
 
-TEST(Value, TextThatTheTypeCanReadKeepsTheType) {
+TEST(ValueTest, TextThatTheTypeCanReadKeepsTheType) {
     Value value = Make<Int>(5);
     value = "0x1F";
     EXPECT_EQ(value.GetRef<Int>(), 31);
 }
 
-TEST(Value, TextThatTheTypeCannotReadMakesAStringValue) {
+TEST(ValueTest, TextThatTheTypeCannotReadMakesAStringValue) {
     Value value = Make<Int>(5);
     value = "abc";
     EXPECT_EQ(value.GetRef<std::string>(), "abc");
 }
 
-TEST(Value, SameTextLeavesASharedObjectShared) {
+TEST(ValueTest, SameTextLeavesASharedObjectShared) {
     Value value("text");
     const Value other(value);
     value = "text";
     EXPECT_EQ(value.Get(), other.Get());
 }
 
-TEST(Value, EmptyTextReplacesTheObjectOfAStringValue) {
+TEST(ValueTest, EmptyTextReplacesTheObjectOfAStringValue) {
     Value value("text");
     value = "";
     EXPECT_EQ(value.GetRef<std::string>(), "");
 }
 
-TEST(Value, TextOfItsOwnElementCanBeAssigned) {
+TEST(ValueTest, TextOfItsOwnElementCanBeAssigned) {
     Value value("text");
     value = value.GetRef<std::string>();
     EXPECT_EQ(value.ToString(), "text");
 }
 
-TEST(Value, TypedLiteralMakesAValueOfTheNamedType) {
+TEST(ValueTest, TypedLiteralMakesAValueOfTheNamedType) {
     Value value;
     value = "{int:7}";
     EXPECT_EQ(value.GetRef<Int>(), 7);
@@ -149,12 +149,12 @@ TEST(Value, TypedLiteralMakesAValueOfTheNamedType) {
     EXPECT_EQ(Value("{long:5}").GetRef<Long>(), Long{5});
 }
 
-TEST(Value, UnreadableTypedLiteralMakesADefaultElement) {
+TEST(ValueTest, UnreadableTypedLiteralMakesADefaultElement) {
     EXPECT_EQ(Value("{int:x}").GetRef<Int>(), 0);
     EXPECT_EQ(Value("{long:0x10}").GetRef<Long>(), Long{0});
 }
 
-TEST(Value, TextInBracesThatIsNoTypedLiteralStaysAText) {
+TEST(ValueTest, TextInBracesThatIsNoTypedLiteralStaysAText) {
     for (const char* const text : {"{int:}", "{nosuchtype:1}", "{int}", "{}", "{:1}", "{float:1}",
                                    "{char:1}", "{set:1}", "{int:7", "int:7}", " {int:7}", "{"}) {
         SCOPED_TRACE(text);
@@ -162,19 +162,19 @@ TEST(Value, TextInBracesThatIsNoTypedLiteralStaysAText) {
     }
 }
 
-TEST(Value, TypedLiteralReplacesAnElementThatCannotReadIt) {
+TEST(ValueTest, TypedLiteralReplacesAnElementThatCannotReadIt) {
     Value value = Make<Int>(1);
     value = "{bool:1}";
     EXPECT_EQ(value.GetRef<bool>(), true);
 }
 
-TEST(Value, StringValueReadsATypedLiteralAsText) {
+TEST(ValueTest, StringValueReadsATypedLiteralAsText) {
     Value value("text");
     value = "{int:7}";
     EXPECT_EQ(value.GetRef<std::string>(), "{int:7}");
 }
 
-TEST(Value, EqualityOfAStringValueWithTextIsByteExact) {
+TEST(ValueTest, EqualityOfAStringValueWithTextIsByteExact) {
     const Value value("-remoteDaemon");
     EXPECT_TRUE(value == "-remoteDaemon");
     EXPECT_FALSE(value == "-remotedaemon");
@@ -182,7 +182,7 @@ TEST(Value, EqualityOfAStringValueWithTextIsByteExact) {
     EXPECT_TRUE(value != "");
 }
 
-TEST(Value, EqualityOfAStringValueWithATypedLiteralComparesTheTexts) {
+TEST(ValueTest, EqualityOfAStringValueWithATypedLiteralComparesTheTexts) {
     Value value("text");
     value = "{int:7}";
     EXPECT_TRUE(value == "{int:7}");
@@ -190,7 +190,7 @@ TEST(Value, EqualityOfAStringValueWithATypedLiteralComparesTheTexts) {
     EXPECT_TRUE(Make<Int>(7) == "{int:7}");
 }
 
-TEST(Value, EqualityOfOtherValuesWithTextIsThatOfNeitherOrderingBelow) {
+TEST(ValueTest, EqualityOfOtherValuesWithTextIsThatOfNeitherOrderingBelow) {
     const Value number = Make<Int>(5);
     EXPECT_TRUE(number == "5");
     EXPECT_FALSE(number == "6");
@@ -200,19 +200,19 @@ TEST(Value, EqualityOfOtherValuesWithTextIsThatOfNeitherOrderingBelow) {
     EXPECT_TRUE(Make(true) == "1");
 }
 
-TEST(Value, ValuesAreEqualWhenNeitherOrdersBelow) {
+TEST(ValueTest, ValuesAreEqualWhenNeitherOrdersBelow) {
     EXPECT_TRUE(Make<Int>(5) == Value("5"));
     EXPECT_FALSE(Make<Int>(5) == Value("6"));
     EXPECT_TRUE(Value() == Value());
 }
 
-TEST(Value, RightSideDecidesTheOrder) {
+TEST(ValueTest, RightSideDecidesTheOrder) {
     // As numbers 9 is below 10, as texts it is not.
     EXPECT_TRUE(Value("9") < Make<Int>(10));
     EXPECT_FALSE(Make<Int>(9) < Value("10"));
 }
 
-TEST(Value, SetOrdersItsValues) {
+TEST(ValueTest, SetOrdersItsValues) {
     const std::set<Value> values{Value("b"), Value(), Value("a"), Value("b")};
     std::ostringstream text;
     for (const Value& value : values)
@@ -220,7 +220,7 @@ TEST(Value, SetOrdersItsValues) {
     EXPECT_EQ(text.str(), "[][a][b]");
 }
 
-TEST(Value, MutableReferenceOfAnotherTypeDiscardsTheOldElement) {
+TEST(ValueTest, MutableReferenceOfAnotherTypeDiscardsTheOldElement) {
     Value value("7");
     EXPECT_EQ(value.GetMutableRef<Int>(), 0);
     EXPECT_EQ(value.ToString(), "0");
@@ -228,7 +228,7 @@ TEST(Value, MutableReferenceOfAnotherTypeDiscardsTheOldElement) {
     EXPECT_EQ(Value().GetMutableRef<bool>(), false);
 }
 
-TEST(Value, SharedObjectIsClonedByTheFirstMutation) {
+TEST(ValueTest, SharedObjectIsClonedByTheFirstMutation) {
     Value value = Make<Int>(1);
     const Value other(value);
     value.GetMutableRef<Int>() = 2;
@@ -238,7 +238,7 @@ TEST(Value, SharedObjectIsClonedByTheFirstMutation) {
     EXPECT_EQ(value.Get()->GetRefCount(), 1);
 }
 
-TEST(Value, SharedObjectIsClonedBeforeItReadsAText) {
+TEST(ValueTest, SharedObjectIsClonedBeforeItReadsAText) {
     Value value = Make<Int>(1);
     const Value other(value);
     value = "2";
@@ -246,7 +246,7 @@ TEST(Value, SharedObjectIsClonedBeforeItReadsAText) {
     EXPECT_EQ(other.GetRef<Int>(), 1);
 }
 
-TEST(Value, UnsharedObjectIsMutatedInPlace) {
+TEST(ValueTest, UnsharedObjectIsMutatedInPlace) {
     Value value = Make<Int>(1);
     const IValue* const object = value.Get();
     value.GetMutableRef<Int>() = 2;
@@ -257,7 +257,7 @@ TEST(Value, UnsharedObjectIsMutatedInPlace) {
     EXPECT_EQ(value.GetRef<Int>(), 3);
 }
 
-TEST(Value, ObjectLivesAsLongAsItsLastHolder) {
+TEST(ValueTest, ObjectLivesAsLongAsItsLastHolder) {
     {
         Value holder;
         {
@@ -273,7 +273,7 @@ TEST(Value, ObjectLivesAsLongAsItsLastHolder) {
     EXPECT_EQ(LiveObject::Alive(), 0);
 }
 
-TEST(Value, EveryWayOfReplacingTheObjectDeletesTheOldOne) {
+TEST(ValueTest, EveryWayOfReplacingTheObjectDeletesTheOldOne) {
     struct {
         const char* name;
         void (*replace)(Value&);
@@ -292,7 +292,7 @@ TEST(Value, EveryWayOfReplacingTheObjectDeletesTheOldOne) {
     }
 }
 
-TEST(Value, ReferenceOfAnotherTypeRaisesWithItsPlace) {
+TEST(ValueTest, ReferenceOfAnotherTypeRaisesWithItsPlace) {
     const char* const raised = "Incompatible value type | "
                                "src/Modules/xFramework/Core/Classes/Value:122 | "
                                "Core::Value::GetRef";
@@ -309,7 +309,7 @@ public:
     }
 };
 
-TEST(Value, MutableReferenceThatCannotBeHadRaisesWithItsPlace) {
+TEST(ValueTest, MutableReferenceThatCannotBeHadRaisesWithItsPlace) {
     Value value;
     value.Set(new Shapeless);
     const Value other(value);
