@@ -103,6 +103,14 @@ TEST_F(ExchangeTest, KnownCommandsGoOutBare) {
     EXPECT_EQ(request, BuildRequest("127.0.0.1", "CLI -1  -remote 10.1.1.1 -exit"));
 }
 
+TEST_F(ExchangeTest, CommandWithANegativeCountIsUnknownAndTheOthersStayKnown) {
+    bench.Write("SarvexToolCmds.txt", "-less -1\n-exit 0\n");
+    ExchangeAtOnce({"-exit"}, "xDone");
+    EXPECT_EQ(request, BuildRequest("127.0.0.1", "CLI -1  -exit"));
+    ExchangeAtOnce({"-exit", "-less", "-exit"}, "xDone");
+    EXPECT_EQ(request, BuildRequest("127.0.0.1", "CLI -1 -vemo  -exit -less -exit"));
+}
+
 TEST_F(ExchangeTest, AnswerInOneSegmentEndsAtTheMarkWhileTheConnectionIsOpen) {
     const ProcessResult result = ExchangeAtOnce({"-x"}, std::string(head) + "hello\nDone");
     EXPECT_EQ(result.out, TextMode("hello\n\n"));

@@ -81,11 +81,5 @@ TEST_F(PortFileTest, LinkedCommandTableEndsWith256) {
     EXPECT_EQ(result.err, TextMode("File " + bench.Path("SarvexToolCmds.txt") + " is a link\n"));
 }
 
-TEST_F(PortFileTest, NegativeCountInTheCommandTableDoesNotHang) {
-    bench.SetPort(peer.Port());
-    bench.Write("SarvexToolCmds.txt", "-x -1\n");
-    EXPECT_EQ(bench.RunClient({"-x"}).exitCode, 0);
-}
-
 } // namespace
 } // namespace EndToEnd

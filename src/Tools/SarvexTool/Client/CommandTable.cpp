@@ -16,8 +16,7 @@ bool AddCommand(const std::string& line, CommandTable& table) {
     std::istringstream fields(line);
     std::string name;
     std::int32_t parameterCount = 0;
-    // A negative count would lead the walk over the arguments backwards.
-    if (!(fields >> name >> parameterCount) || parameterCount < 0)
+    if (!(fields >> name >> parameterCount))
         return false;
     std::transform(name.begin(), name.end(), name.begin(), ToLower);
     table.emplace(name, parameterCount);
@@ -41,7 +40,8 @@ bool AreAllKnown(const std::list<Core::Value>& arguments, const CommandTable& ta
     auto remaining = static_cast<std::int64_t>(arguments.size());
     while (remaining > 0) {
         const auto command = table.find(argument->ToString());
-        if (command == table.end())
+        // A negative count would lead this walk backwards.
+        if (command == table.end() || command->second < 0)
             return false;
         const std::int64_t taken = std::int64_t{1} + command->second;
         if (remaining < taken)

@@ -27,6 +27,7 @@ TEST(CommandTableTest, LinesHoldANameAndACount) {
     EXPECT_THAT(Read("-exit 0\n-remote 1"), ElementsAre(Pair("-exit", 0), Pair("-remote", 1)));
     EXPECT_THAT(Read(" \t-exit\t 2 and a remark\r\n"), ElementsAre(Pair("-exit", 2)));
     EXPECT_THAT(Read("-exit 1x\n"), ElementsAre(Pair("-exit", 1)));
+    EXPECT_THAT(Read("-less -1\n-exit 0\n"), ElementsAre(Pair("-exit", 0), Pair("-less", -1)));
     EXPECT_THAT(Read(""), IsEmpty());
 }
 
@@ -36,8 +37,8 @@ TEST(CommandTableTest, NamesBecomeLowerCaseAndTheFirstOfANameWins) {
 }
 
 TEST(CommandTableTest, OneMalformedLineEmptiesTheTable) {
-    for (const std::string line : {"", " ", "\r", "-name", "-name x", "7", "-name 99999999999",
-                                   "-name -1", "-name -2147483648"}) {
+    for (const std::string line :
+         {"", " ", "\r", "-name", "-name x", "7", "-name 99999999999", "-name -99999999999"}) {
         SCOPED_TRACE(line);
         EXPECT_THAT(Read("-exit 0\n" + line + "\n-remote 1\n"), IsEmpty());
         EXPECT_THAT(Read(line + "\n-exit 0\n"), IsEmpty());
@@ -50,7 +51,8 @@ TEST(CommandTableTest, EmptyLastLineIsNoLine) {
 }
 
 TEST(CommandTableTest, ArgumentsAreKnownWhenTheTableAccountsForAllOfThem) {
-    const CommandTable table = Read("-exit 0\n-remote 1\n-three 3\n-huge 2147483647\n");
+    const CommandTable table = Read("-exit 0\n-remote 1\n-three 3\n-huge 2147483647\n-less -1\n"
+                                    "-least -2147483648\n-less 0\n");
     struct Case {
         std::vector<std::string> arguments;
         bool known;
@@ -69,6 +71,10 @@ TEST(CommandTableTest, ArgumentsAreKnownWhenTheTableAccountsForAllOfThem) {
         {{"-three", "a", "b", "c"}, true},
         {{"-three", "a", "b", "c", "d"}, false},
         {{"-huge", "a"}, true},
+        {{"-less"}, false},
+        {{"-least"}, false},
+        {{"-exit", "-less", "-exit"}, false},
+        {{"-remote", "-less", "-exit"}, true},
         {{"-unknown"}, false},
         {{"-exit", "-unknown"}, false},
         {{"-exit "}, false},
