@@ -6,6 +6,8 @@
 
 #include <gmock/gmock.h>
 
+#include <fstream>
+
 namespace EndToEnd {
 namespace {
 
@@ -109,6 +111,21 @@ TEST_F(ExchangeTest, CommandWithANegativeCountIsUnknownAndTheOthersStayKnown) {
     EXPECT_EQ(request, BuildRequest("127.0.0.1", "CLI -1  -exit"));
     ExchangeAtOnce({"-exit", "-less", "-exit"}, "xDone");
     EXPECT_EQ(request, BuildRequest("127.0.0.1", "CLI -1 -vemo  -exit -less -exit"));
+}
+
+TEST_F(ExchangeTest, CommandTableIsReadWhileSomeoneWritesIt) {
+    std::ofstream writer(bench.Path("SarvexToolCmds.txt"));
+    writer << "-exit 0\n" << std::flush;
+    ExchangeAtOnce({"-exit"}, "xDone");
+    EXPECT_EQ(request, BuildRequest("127.0.0.1", "CLI -1  -exit"));
+}
+
+TEST_F(ExchangeTest, EndOfFileByteInTheCommandTableFollowsThePlatformsTextMode) {
+    bench.Write("SarvexToolCmds.txt", "-exit 0\n\x1A\n");
+    ExchangeAtOnce({"-exit"}, "xDone");
+    // Elsewhere the byte is a malformed line.
+    const std::string prefix = TextMode("\n") == "\n" ? "-vemo " : "";
+    EXPECT_EQ(request, BuildRequest("127.0.0.1", "CLI -1 " + prefix + " -exit"));
 }
 
 TEST_F(ExchangeTest, AnswerInOneSegmentEndsAtTheMarkWhileTheConnectionIsOpen) {

@@ -32,4 +32,10 @@ Handle OpenFileForReading(const std::string& path);
 /// Reads up to size bytes; returns how many came, 0 at the end and on failure.
 std::size_t ReadFile(Handle file, char* buffer, std::size_t size);
 
+/// The whole text of a file as the platform's text mode reads it; empty when it cannot be opened.
+/// Where that mode has them, CR LF is one line end and Ctrl-Z ends the text. A file that is open
+/// for writing elsewhere can be read. Never waits: what is no file on disk, such as a directory or
+/// a pipe, gives an empty text.
+std::string ReadTextFile(const std::string& path);
+
 } // namespace OSAL

@@ -20,8 +20,4 @@ bool IsLink(const std::string& path);
 /// The message for a file beside the program that is refused because it is a link.
 std::string LinkMessage(const std::string& path);
 
-/// All bytes of a file; empty when it cannot be opened or read. Never waits: what is no file on
-/// disk (a directory, a pipe without a writer) gives an empty text.
-std::string ReadFileText(const std::string& path);
-
 } // namespace Utilities

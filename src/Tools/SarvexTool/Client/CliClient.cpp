@@ -1,5 +1,6 @@
 #include "Tools/SarvexTool/Client/CliClient.h"
 
+#include "Modules/xFramework/OSAL/File.h"
 #include "Modules/xFramework/Utilities/Exception.h"
 #include "Modules/xFramework/Utilities/ProgramFiles.h"
 #include "Tools/SarvexTool/Client/Reply.h"
@@ -100,7 +101,7 @@ CommandTable CliClient::ReadSarvexToolCommands() const {
     if (Utilities::IsLink(path))
         Utilities::Raise(Utilities::LinkMessage(path), {"src/Tools/SarvexTool/Client/CliClient",
                                                         293, "CliClient::ReadSarvexToolCommands"});
-    std::istringstream file(Utilities::ReadFileText(path));
+    std::istringstream file(OSAL::ReadTextFile(path));
     return ReadCommandTable(file);
 }
 

@@ -1,5 +1,6 @@
 #include "Modules/xFramework/OSAL/File.h"
 
+#include "Modules/xFramework/OSAL/Process.h"
 #include "Modules/xFramework/Utilities/ProgramFiles.h"
 #include "tests/Support/Files.h"
 
@@ -7,6 +8,8 @@
 
 #include <array>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 namespace OSAL {
@@ -102,6 +105,30 @@ TEST_F(RealFile, ThatCannotBeOpenedGivesAnInvalidHandleThatIsHarmless) {
     const Handle next = OpenFileForReading(path);
     EXPECT_EQ(Read(next, 5), "87381");
     EXPECT_TRUE(CloseHandle(next));
+}
+
+TEST_F(RealFile, IsReadAsTextWhileSomeoneWritesIt) {
+    const std::string text(20000, 'x');
+    std::ofstream writer(directory.Path("written"));
+    writer << text << "\n" << std::flush;
+    EXPECT_EQ(ReadTextFile(directory.Path("written")), text + "\n");
+}
+
+TEST_F(RealFile, IsReadAsTextInTheTextModeOfThePlatform) {
+    const std::string content("a\r\n\0\xFF\n\x1A"
+                              "b\n",
+                              9);
+    const std::string bytes = directory.Create("bytes", content);
+    std::ifstream file(bytes);
+    const std::string expected{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_EQ(ReadTextFile(bytes), expected);
+    EXPECT_EQ(expected.size(), PathSeparator == '/' ? 9u : 5u);
+}
+
+TEST_F(RealFile, ThatIsNoneGivesAnEmptyText) {
+    EXPECT_EQ(ReadTextFile(missing), "");
+    EXPECT_EQ(ReadTextFile(directory.Path()), "");
+    EXPECT_EQ(ReadTextFile(directory.Create("empty", "")), "");
 }
 
 } // namespace

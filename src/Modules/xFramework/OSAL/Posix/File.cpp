@@ -4,6 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <fstream>
+#include <iterator>
+
 namespace OSAL {
 
 std::uint32_t ReadFileAttributes(const std::string& path) {
@@ -37,6 +40,15 @@ Handle OpenFileForReading(const std::string& path) {
 std::size_t ReadFile(Handle file, char* buffer, std::size_t size) {
     const ssize_t count = ::read(static_cast<int>(file), buffer, size);
     return count < 0 ? 0 : static_cast<std::size_t>(count);
+}
+
+std::string ReadTextFile(const std::string& path) {
+    // Opening a pipe would wait for its other end.
+    struct stat status;
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+        return {};
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 bool CloseHandle(Handle handle) {

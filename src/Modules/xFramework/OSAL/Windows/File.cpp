@@ -4,6 +4,9 @@
 
 #include <windows.h>
 
+#include <fstream>
+#include <iterator>
+
 namespace OSAL {
 
 namespace {
@@ -51,6 +54,11 @@ std::size_t ReadFile(Handle file, char* buffer, std::size_t size) {
     DWORD count = 0;
     const BOOL done = ::ReadFile(ToSystem(file), buffer, static_cast<DWORD>(size), &count, nullptr);
     return done ? count : 0;
+}
+
+std::string ReadTextFile(const std::string& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 bool CloseHandle(Handle handle) {

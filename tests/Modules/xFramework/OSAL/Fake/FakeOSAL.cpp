@@ -132,6 +132,12 @@ std::size_t ReadFile(Handle file, char* buffer, std::size_t size) {
     return count;
 }
 
+std::string ReadTextFile(const std::string& path) {
+    Record("ReadTextFile " + path);
+    const Fake::File* file = FindFile(path);
+    return file == nullptr ? "" : file->content;
+}
+
 // Sockets
 
 struct AddressInfo {

@@ -15,7 +15,7 @@
 /// asked of it. A test fixture calls Reset first.
 namespace OSAL::Fake {
 
-/// A file as the link rule and OpenFileForReading see it.
+/// A file as the link rule and the reading functions see it.
 struct File {
     std::string content;
     std::uint32_t attributes = ArchiveAttribute;
