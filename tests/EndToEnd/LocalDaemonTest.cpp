@@ -1,4 +1,5 @@
 #include "Modules/xFramework/OSAL/Process.h"
+#include "Tools/SarvexTool/Client/UsageText.h"
 #include "tests/EndToEnd/Support/Bench.h"
 #include "tests/EndToEnd/Support/ScriptedPeer.h"
 #include "tests/EndToEnd/Support/TaskList.h"
@@ -40,6 +41,14 @@ TEST_F(LocalDaemonTest, MissingDaemonIsStartedAndAnswersTheCommand) {
     const ProcessResult second = bench.RunClient({"-open_local_daemon", "-wifi-get-mac-type"});
     EXPECT_EQ(second.exitCode, 0) << second.err;
     EXPECT_LT(second.seconds, 2.0);
+}
+
+TEST_F(LocalDaemonTest, UsageStandsBeforeWhatTheStartedDaemonPrints) {
+    bench.AddProgram("vemo", "vemo");
+    daemonMayRun = true;
+    const ProcessResult result = bench.RunClient({"-help", "-open_local_daemon"});
+    EXPECT_THAT(result.out, testing::StartsWith(TextMode(usageText)));
+    EXPECT_GT(result.out.size(), TextMode(usageText).size());
 }
 
 TEST_F(LocalDaemonTest, DaemonThatCannotBeStartedEndsWith258AfterThePause) {

@@ -58,7 +58,8 @@ std::optional<std::string> TakeTestFile(CliClient& client,
 
 void PrintUsageWhenAsked(const CliClient& client) {
     if (client.HasArgument("-?") || client.HasArgument("-help"))
-        std::cout << usageText;
+        // At once: a daemon that is started next writes to the same console.
+        std::cout << usageText << std::flush;
 }
 
 /// False when the local daemon was asked for and could not be started.

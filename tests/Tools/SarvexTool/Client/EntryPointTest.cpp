@@ -12,6 +12,8 @@
 #include <gmock/gmock.h>
 
 #include <ios>
+#include <iostream>
+#include <sstream>
 #include <stdexcept>
 #include <vector>
 
@@ -350,6 +352,28 @@ TEST_F(EntryPointTest, UnknownExceptionEndsWith256) {
 TEST_F(EntryPointTest, UncalibratedAnswerEndsWithTen) {
     TheWorld().received = {"device is uncalibrated\nSarvex tool RETURN CODE\n3\nDone"};
     EXPECT_EQ(Run({"-x"}), 10);
+}
+
+/// Keeps its text as the last flush found it.
+class FlushRecorder : public std::stringbuf {
+public:
+    std::string flushed;
+
+private:
+    int sync() override {
+        flushed = str();
+        return 0;
+    }
+};
+
+TEST_F(EntryPointTest, UsageIsFlushedBeforeTheDaemonIsLookedFor) {
+    FlushRecorder output;
+    std::streambuf* const previous = std::cout.rdbuf(&output);
+    std::string flushedBefore = "nothing was read";
+    TheWorld().onReadPipe = [&] { flushedBefore = output.flushed; };
+    Run({"-help", "-open_local_daemon"});
+    std::cout.rdbuf(previous);
+    EXPECT_EQ(flushedBefore, usageText);
 }
 
 TEST_F(EntryPointTest, ArgumentThatLooksLikeAPlaceholderIsSentAsItIs) {
