@@ -232,6 +232,22 @@ TEST_F(TestRunTest, FilesThatCannotBeOpenedEndTheRunBeforeItSends) {
     }
 }
 
+TEST_F(TestRunTest, OutputThatNobodyReadsAnyMoreDoesNotEndTheRun) {
+    ScriptedPeer peer([](Connection& connection, int number) {
+        AnswerAll(connection, connection.ReadRequest(), number);
+    });
+    bench.SetPort(peer.Port());
+    bench.Write("test.csv", "Band\n5\n6\n");
+    Process client(bench.ClientPath(), {"-wifi-test-by-file", "test.csv"}, bench.Directory(),
+                   Process::Output::BrokenPipe);
+    const ProcessResult result = client.Wait();
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(bench.Read("result.csv"),
+              TextMode("Band,Chain-A Power, Chain B Power\n5,17.5,18\n6,17.5,18\n"));
+    EXPECT_THAT(bench.Read("result.xml"), testing::EndsWith(TextMode("</PowerTable>\n")));
+}
+
 TEST_F(TestRunTest, PowerIsFoundInALineOfFiveMegabytes) {
     const std::string filler(5'000'000, 'x');
     const ProcessResult result =

@@ -36,9 +36,17 @@ std::vector<Interruption> Interruptions();
 /// nothing else that this program has open, so that several threads may start programs.
 class Process {
 public:
+    /// What standard output is.
+    enum class Output {
+        /// A file, which ProcessResult shows.
+        Kept,
+        /// A pipe that nobody reads any more.
+        BrokenPipe
+    };
+
     /// Starts the program; arguments arrive in it as they are given here.
     Process(const std::string& program, const std::vector<std::string>& arguments,
-            const std::string& workingDirectory);
+            const std::string& workingDirectory, Output output = Output::Kept);
     /// Kills the program if it still runs.
     ~Process();
     Process(const Process&) = delete;

@@ -24,7 +24,8 @@ struct ProcessInformation {
 struct Pipe;
 
 /// To be called once, before anything is opened: makes sure that no file or socket takes the place
-/// of a standard stream that the caller of the program has closed.
+/// of a standard stream that the caller of the program has closed, and that writing to one whose
+/// reader has gone fails and does not end the process. Children are started as without it.
 void PrepareStandardStreams();
 
 /// Blocks the calling thread; returns 0.

@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <chrono>
 #include <filesystem>
 #include <stdexcept>
@@ -37,6 +38,7 @@ public:
     DefaultSignals() {
         sigset_t signals;
         ::sigemptyset(&signals);
+        ::sigaddset(&signals, SIGPIPE);
         for (const Interruption& interruption : Interruptions())
             ::sigaddset(&signals, interruption.number);
         ::posix_spawnattr_init(&m_attributes);
@@ -53,10 +55,29 @@ private:
     posix_spawnattr_t m_attributes;
 };
 
+class BrokenPipe {
+public:
+    BrokenPipe() {
+        std::array<int, 2> ends{};
+        if (::pipe2(ends.data(), O_CLOEXEC) != 0)
+            throw std::runtime_error("cannot make a pipe");
+        ::close(ends[0]);
+        m_writeEnd = ends[1];
+    }
+    ~BrokenPipe() { ::close(m_writeEnd); }
+    BrokenPipe(const BrokenPipe&) = delete;
+    BrokenPipe& operator=(const BrokenPipe&) = delete;
+
+    int WriteEnd() const { return m_writeEnd; }
+
+private:
+    int m_writeEnd;
+};
+
 } // namespace
 
 Process::Process(const std::string& program, const std::vector<std::string>& arguments,
-                 const std::string& workingDirectory)
+                 const std::string& workingDirectory, Output output)
     : m_system(std::make_unique<System>()) {
     std::vector<char*> pointers{const_cast<char*>(program.c_str())};
     for (const std::string& argument : arguments)
@@ -68,7 +89,11 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
     ::posix_spawn_file_actions_init(&actions);
     ::posix_spawn_file_actions_addchdir_np(&actions, workingDirectory.c_str());
     ::posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-    ::posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT, 0600);
+    const BrokenPipe pipe;
+    if (output == Output::BrokenPipe)
+        ::posix_spawn_file_actions_adddup2(&actions, pipe.WriteEnd(), 1);
+    else
+        ::posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT, 0600);
     ::posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), O_WRONLY | O_CREAT, 0600);
     ::posix_spawn_file_actions_addclosefrom_np(&actions, 3);
     const std::lock_guard starting(StartMutex());

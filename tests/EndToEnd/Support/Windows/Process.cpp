@@ -47,6 +47,16 @@ HANDLE OpenInheritable(const std::string& path, DWORD access, DWORD disposition)
                          disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
+HANDLE OpenBrokenPipe() {
+    SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
+    HANDLE readEnd = nullptr;
+    HANDLE writeEnd = nullptr;
+    if (!::CreatePipe(&readEnd, &writeEnd, &inherit, 0))
+        throw std::runtime_error("cannot make a pipe");
+    ::CloseHandle(readEnd);
+    return writeEnd;
+}
+
 /// Start-up information of a child that gets three handles and inherits no other.
 class ThreeHandles {
 public:
@@ -99,14 +109,16 @@ std::uint64_t WatchUntilEnd(HANDLE child, double seconds) {
 } // namespace
 
 Process::Process(const std::string& program, const std::vector<std::string>& arguments,
-                 const std::string& workingDirectory)
+                 const std::string& workingDirectory, Output output)
     : m_system(std::make_unique<System>()) {
     std::string commandLine = Quote(program);
     for (const std::string& argument : arguments)
         commandLine += " " + Quote(argument);
     ThreeHandles handles(
         OpenInheritable("NUL", GENERIC_READ, OPEN_EXISTING),
-        OpenInheritable(m_system->output.Path("out"), GENERIC_WRITE, CREATE_ALWAYS),
+        output == Output::BrokenPipe
+            ? OpenBrokenPipe()
+            : OpenInheritable(m_system->output.Path("out"), GENERIC_WRITE, CREATE_ALWAYS),
         OpenInheritable(m_system->output.Path("err"), GENERIC_WRITE, CREATE_ALWAYS));
     const std::lock_guard starting(StartMutex());
     const BOOL started = ::CreateProcessA(

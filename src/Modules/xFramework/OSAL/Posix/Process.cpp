@@ -1,6 +1,7 @@
 #include "Modules/xFramework/OSAL/Process.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <spawn.h>
 #include <unistd.h>
 
@@ -28,9 +29,20 @@ std::string FindModulePath() {
     return length <= 0 ? std::string() : std::string(buffer.data(), buffer.data() + length);
 }
 
+/// Lets a write to a pipe that nobody reads fail, where its signal would end the process. A handler
+/// does that, for children begin without it; a signal that is ignored stays so in them.
+void SurviveBrokenPipes() {
+    struct sigaction action {};
+    if (::sigaction(SIGPIPE, nullptr, &action) != 0 || action.sa_handler != SIG_DFL)
+        return;
+    action.sa_handler = [](int) {};
+    ::sigaction(SIGPIPE, &action, nullptr);
+}
+
 } // namespace
 
 void PrepareStandardStreams() {
+    SurviveBrokenPipes();
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         // The system hands out the lowest free descriptor, which is this one: those below are open.
         if (::fcntl(descriptor, F_GETFD) < 0 && ::open("/dev/null", O_RDWR) < 0)

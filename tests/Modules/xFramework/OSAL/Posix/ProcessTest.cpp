@@ -4,13 +4,16 @@
 #include "tests/Modules/xFramework/OSAL/LoopbackPeer.h"
 #include "tests/Support/Files.h"
 
-#include <csignal>
+#include <fcntl.h>
+#include <signal.h>
 #include <sys/time.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <random>
@@ -67,6 +70,53 @@ TEST(PosixProcess, EndsWith255ForACodeThatEightBitsCannotHold) {
         EXPECT_EQ(ReadOutput(child + " exit " + std::to_string(each.returnCode) + "; printf $?"),
                   std::to_string(each.status));
     }
+}
+
+/// A pipe whose reader has gone, and the way that this process treats the signal of a write to it.
+class BrokenPipe : public testing::Test {
+protected:
+    BrokenPipe() {
+        std::array<int, 2> ends{};
+        EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+        ::close(ends[0]);
+        m_writeEnd = ends[1];
+    }
+    ~BrokenPipe() override {
+        ::close(m_writeEnd);
+        ::signal(SIGPIPE, m_previous);
+    }
+
+    int WriteToIt() const {
+        const ssize_t count = ::write(m_writeEnd, "x", 1);
+        return count < 0 ? errno : 0;
+    }
+
+    /// The signals that a program ignores which is started now, as the system shows them.
+    static std::string IgnoredByChildren() { return ReadOutput("grep SigIgn /proc/self/status"); }
+
+    static void Start(void (*handler)(int)) {
+        ::signal(SIGPIPE, handler);
+        PrepareStandardStreams();
+    }
+
+private:
+    void (*m_previous)(int) = ::signal(SIGPIPE, SIG_DFL);
+    int m_writeEnd = -1;
+};
+
+TEST_F(BrokenPipe, FailsToBeWrittenAndChildrenDoNotKnow) {
+    const std::string ignoredBefore = IgnoredByChildren();
+    Start(SIG_DFL);
+    EXPECT_EQ(WriteToIt(), EPIPE);
+    EXPECT_EQ(IgnoredByChildren(), ignoredBefore);
+}
+
+TEST_F(BrokenPipe, StaysIgnoredWhereItWas) {
+    ::signal(SIGPIPE, SIG_IGN);
+    const std::string ignoredBefore = IgnoredByChildren();
+    Start(SIG_IGN);
+    EXPECT_EQ(WriteToIt(), EPIPE);
+    EXPECT_EQ(IgnoredByChildren(), ignoredBefore);
 }
 
 TEST(PosixTaskList, AsksTheProcessListForTheName) {
