@@ -18,26 +18,15 @@ namespace {
 
 using OSAL::Fake::TheWorld;
 
-struct Sorted {
-    std::string information;
-    std::string error;
-    int returnCode = 0;
-    std::string allLines;
-    std::string problem;
-};
-
-Sorted Sort(const std::string& message) {
-    Sorted sorted;
-    sorted.allLines = CutHttpHead(message);
+/// What is wrong with the line after the return-code marker.
+std::string ProblemOf(const Reply& reply) {
     try {
-        const Reply reply = SortReply(sorted.allLines);
-        sorted.information = reply.information.View();
-        sorted.error = reply.error.View();
-        sorted.returnCode = reply.returnCode;
+        if (reply.failure)
+            std::rethrow_exception(reply.failure);
+        return "";
     } catch (const std::exception& problem) {
-        sorted.problem = problem.what();
+        return problem.what();
     }
-    return sorted;
 }
 
 std::string Receive() {
@@ -49,9 +38,9 @@ std::string Receive() {
 
 void CheckSorting(const std::string& message) {
     const PlainReply expected = PlainSort(message);
-    const Sorted sorted = Sort(message);
+    const Reply sorted = SortReply(CutHttpHead(message));
     CheckEqual(sorted.allLines, expected.allLines, "all lines are kept as they came");
-    CheckEqual(sorted.problem, expected.problem, "a return code that is no number is told");
+    CheckEqual(ProblemOf(sorted), expected.problem, "a return code that is no number is told");
     if (!expected.problem.empty())
         return;
     CheckEqual(sorted.information, expected.information, "the information is sorted");

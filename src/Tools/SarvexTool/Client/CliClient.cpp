@@ -31,8 +31,8 @@ auto FindArgument(List& arguments, const std::string& name) {
 }
 
 void Print(const Reply& reply) {
-    std::cout << reply.information.View() << std::flush;
-    std::cerr << reply.error.View() << std::flush;
+    std::cout << reply.information << std::flush;
+    std::cerr << reply.error << std::flush;
 }
 
 } // namespace
@@ -129,8 +129,10 @@ int CliClient::SendCommand(bool waitForAnswer, const std::string& prefix) {
     std::string answer = Exchange(request, waitForAnswer);
     if (!waitForAnswer)
         return 0;
-    m_response = CutHttpHead(std::move(answer));
-    const Reply reply = SortReply(m_response);
+    Reply reply = SortReply(CutHttpHead(std::move(answer)));
+    m_response = std::move(reply.allLines);
+    if (reply.failure)
+        std::rethrow_exception(reply.failure);
     Print(reply);
     return reply.returnCode;
 }

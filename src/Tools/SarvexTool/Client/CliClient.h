@@ -65,8 +65,8 @@ public:
     /// Makes one exchange: sends the arguments behind the prefix as one command and, when asked to
     /// wait, receives the answer, prints its information on standard output and its errors on
     /// standard error, and returns its code. Without waiting it returns 0. A client that never got
-    /// a connection behaves as if the answer were empty. Raises what sending raises; throws what
-    /// SortReply throws.
+    /// a connection behaves as if the answer were empty. Raises what sending raises; throws the
+    /// reply's failure, and prints nothing then.
     int SendCommand(bool waitForAnswer, const std::string& prefix);
 
 private:

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
+#include <utility>
 
 namespace {
 
@@ -29,10 +31,10 @@ const Marker* FindMarker(std::string_view line) {
 /// piece: an answer may have a million of them.
 class LineSorter {
 public:
-    explicit LineSorter(std::string& lines) : m_lines(lines) {}
+    explicit LineSorter(std::string lines) { m_reply.allLines = std::move(lines); }
 
     Reply Sort() {
-        while (m_lineStart < m_lines.size())
+        while (m_lineStart < m_reply.allLines.size())
             TakeLine();
         TakeSection();
         return std::move(m_reply);
@@ -40,8 +42,9 @@ public:
 
 private:
     void TakeLine() {
-        const std::size_t lineEnd = m_lines.find('\n', m_lineStart);
-        const auto line = std::string_view(m_lines).substr(m_lineStart, lineEnd - m_lineStart);
+        const std::string_view lines = m_reply.allLines;
+        const std::size_t lineEnd = lines.find('\n', m_lineStart);
+        const std::string_view line = lines.substr(m_lineStart, lineEnd - m_lineStart);
         const Marker* const marker = FindMarker(line);
         if (marker != nullptr)
             TakeSection();
@@ -49,7 +52,7 @@ private:
         if (marker != nullptr)
             OpenSection(marker->section);
         else if (m_section == Section::ReturnCode)
-            TakeReturnCode(line);
+            TakeReturnCode(std::string(line));
     }
 
     void OpenSection(Section section) {
@@ -57,12 +60,12 @@ private:
         m_sectionStart = m_lineStart;
     }
 
-    void TakeReturnCode(std::string_view line) {
+    void TakeReturnCode(const std::string& line) {
         try {
-            m_reply.returnCode = Utilities::StringToInt(std::string(line));
+            m_reply.returnCode = Utilities::StringToInt(line);
         } catch (...) {
-            m_lines.resize(m_lineStart);
-            throw;
+            m_reply.failure = std::current_exception();
+            m_reply.allLines.resize(m_lineStart);
         }
         // Only the first line after the marker is the code.
         OpenSection(Section::Ignored);
@@ -70,15 +73,13 @@ private:
 
     /// Adds the lines of the open section, up to the one at hand, to the section's text.
     void TakeSection() {
-        const auto lines =
-            std::string_view(m_lines).substr(m_sectionStart, m_lineStart - m_sectionStart);
+        const std::size_t size = m_lineStart - m_sectionStart;
         if (m_section == Section::Information)
-            m_reply.information.Append(lines);
+            m_reply.information.append(m_reply.allLines, m_sectionStart, size);
         else if (m_section == Section::Error)
-            m_reply.error.Append(lines);
+            m_reply.error.append(m_reply.allLines, m_sectionStart, size);
     }
 
-    std::string& m_lines;
     std::size_t m_lineStart = 0;
     std::size_t m_sectionStart = 0;
     // Lines before the first marker count as information.
@@ -88,8 +89,8 @@ private:
 
 bool SaysUncalibrated(const Reply& reply) {
     constexpr std::string_view word = "uncalibrated";
-    return reply.information.View().find(word) != std::string_view::npos ||
-           reply.error.View().find(word) != std::string_view::npos;
+    return reply.information.find(word) != std::string::npos ||
+           reply.error.find(word) != std::string::npos;
 }
 
 } // namespace
@@ -102,11 +103,11 @@ std::string CutHttpHead(std::string answer) {
     return answer;
 }
 
-Reply SortReply(std::string& body) {
+Reply SortReply(std::string body) {
     constexpr std::int32_t uncalibratedCode = 10;
-    // What stands behind the last line feed counts as a line too, even when it is empty.
+    // What follows the last line feed counts as a line too, even when it is empty.
     body += '\n';
-    Reply reply = LineSorter(body).Sort();
+    Reply reply = LineSorter(std::move(body)).Sort();
     if (SaysUncalibrated(reply))
         reply.returnCode = uncalibratedCode;
     return reply;

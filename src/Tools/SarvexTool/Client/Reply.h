@@ -1,18 +1,22 @@
 #pragma once
 
-#include "Tools/SarvexTool/Client/SectionText.h"
-
 #include <cstdint>
+#include <exception>
 #include <string>
 
 /// What one answer of the daemon says.
 struct Reply {
     /// For standard output; each line ends in a line feed.
-    SectionText information;
+    std::string information;
     /// For standard error; each line ends in a line feed.
-    SectionText error;
+    std::string error;
     /// 0 when the answer gives none; 10 when it says "uncalibrated".
     std::int32_t returnCode = 0;
+    /// Every line of the body, markers and an empty last one included, followed by a line feed.
+    std::string allLines;
+    /// What Utilities::StringToInt threw when the line after the return-code marker held no number;
+    /// null otherwise. That line is then the last of all lines, and none after it was sorted.
+    std::exception_ptr failure;
 };
 
 /// The body of an answer: what follows its HTTP head, or the whole answer when it has none. The
@@ -20,8 +24,5 @@ struct Reply {
 std::string CutHttpHead(std::string answer);
 
 /// Sorts the lines of an answer's body into the sections that its marker lines open, and reads the
-/// return code. Makes a list of lines of the body itself, which may be long: every line, markers
-/// and an empty last one included, followed by a line feed. The sections look at it: it has to
-/// outlive the reply as it is. Throws what Utilities::StringToInt throws when the line after the
-/// return-code marker holds no number; the list then ends with that line.
-Reply SortReply(std::string& body);
+/// return code.
+Reply SortReply(std::string body);

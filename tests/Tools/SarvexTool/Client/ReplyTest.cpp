@@ -83,22 +83,21 @@ TEST(ReplyTest, LinesAreSortedByTheMarkersBeforeThem) {
     };
     for (const SortCase& row : cases) {
         SCOPED_TRACE(row.name);
-        std::string allLines = row.body;
-        const Reply reply = SortReply(allLines);
-        EXPECT_EQ(reply.information.View(), row.information);
-        EXPECT_EQ(reply.error.View(), row.error);
+        const Reply reply = SortReply(row.body);
+        EXPECT_EQ(reply.information, row.information);
+        EXPECT_EQ(reply.error, row.error);
         EXPECT_EQ(reply.returnCode, row.returnCode);
-        EXPECT_EQ(allLines, row.allLines);
+        EXPECT_EQ(reply.allLines, row.allLines);
+        EXPECT_EQ(reply.failure, nullptr);
     }
 }
 
 TEST(ReplyTest, AnswerWithCrLfLinesIsAllInformation) {
-    std::string allLines =
-        "Sarvex tool INFO\r\ni\r\nSarvex tool ERROR\r\ne\r\nSarvex tool RETURN CODE\r\n3\r\n";
-    const Reply reply = SortReply(allLines);
-    EXPECT_EQ(reply.information.View(), "Sarvex tool INFO\r\ni\r\nSarvex tool ERROR\r\ne\r\n"
-                                        "Sarvex tool RETURN CODE\r\n3\r\n\n");
-    EXPECT_EQ(reply.error.View(), "");
+    const Reply reply = SortReply(
+        "Sarvex tool INFO\r\ni\r\nSarvex tool ERROR\r\ne\r\nSarvex tool RETURN CODE\r\n3\r\n");
+    EXPECT_EQ(reply.information, "Sarvex tool INFO\r\ni\r\nSarvex tool ERROR\r\ne\r\n"
+                                 "Sarvex tool RETURN CODE\r\n3\r\n\n");
+    EXPECT_EQ(reply.error, "");
     EXPECT_EQ(reply.returnCode, 0);
 }
 
@@ -118,43 +117,45 @@ TEST(ReplyTest, UncalibratedAnywhereInTheSectionsReturnsTen) {
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.body);
-        std::string allLines = row.body;
-        EXPECT_EQ(SortReply(allLines).returnCode, row.returnCode);
+        EXPECT_EQ(SortReply(row.body).returnCode, row.returnCode);
     }
 }
 
-TEST(ReplyTest, CodeLineWithoutANumberThrowsAndKeepsTheLinesSoFar) {
+/// The message of the failure; empty when there is none.
+template <typename Exception>
+std::string FailureText(const Reply& reply) {
+    try {
+        if (reply.failure)
+            std::rethrow_exception(reply.failure);
+        return "";
+    } catch (const Exception& exception) {
+        return exception.what();
+    }
+}
+
+TEST(ReplyTest, CodeLineWithoutANumberIsAFailureAndTheLastLine) {
     for (const std::string code : {"abc", "", " ", "-", "x1"}) {
         SCOPED_TRACE(code);
-        std::string allLines = "i\nSarvex tool RETURN CODE\n" + code + "\nmore";
-        try {
-            SortReply(allLines);
-            ADD_FAILURE() << "nothing was thrown";
-        } catch (const std::invalid_argument& exception) {
-            EXPECT_STREQ(exception.what(), "invalid stoi argument");
-        }
-        EXPECT_EQ(allLines, "i\nSarvex tool RETURN CODE\n" + code + "\n");
+        const Reply reply =
+            SortReply("i\nSarvex tool RETURN CODE\n" + code + "\nSarvex tool INFO\nmore");
+        EXPECT_EQ(FailureText<std::invalid_argument>(reply), "invalid stoi argument");
+        EXPECT_EQ(reply.allLines, "i\nSarvex tool RETURN CODE\n" + code + "\n");
+        EXPECT_EQ(reply.information, "i\n");
+        EXPECT_EQ(reply.error, "");
     }
 }
 
-TEST(ReplyTest, CodeOutsideThirtyTwoBitsThrows) {
+TEST(ReplyTest, CodeOutsideThirtyTwoBitsIsAFailure) {
     for (const std::string code : {"2147483648", "-2147483649", "99999999999999999999"}) {
         SCOPED_TRACE(code);
-        std::string allLines = "Sarvex tool RETURN CODE\n" + code;
-        try {
-            SortReply(allLines);
-            ADD_FAILURE() << "nothing was thrown";
-        } catch (const std::out_of_range& exception) {
-            EXPECT_STREQ(exception.what(), "stoi argument out of range");
-        }
+        const Reply reply = SortReply("Sarvex tool RETURN CODE\n" + code);
+        EXPECT_EQ(FailureText<std::out_of_range>(reply), "stoi argument out of range");
     }
 }
 
 TEST(ReplyTest, ExtremeCodesAreRead) {
-    std::string largest = "Sarvex tool RETURN CODE\n2147483647";
-    EXPECT_EQ(SortReply(largest).returnCode, 2147483647);
-    std::string smallest = "Sarvex tool RETURN CODE\n-2147483648";
-    EXPECT_EQ(SortReply(smallest).returnCode, -2147483647 - 1);
+    EXPECT_EQ(SortReply("Sarvex tool RETURN CODE\n2147483647").returnCode, 2147483647);
+    EXPECT_EQ(SortReply("Sarvex tool RETURN CODE\n-2147483648").returnCode, -2147483647 - 1);
 }
 
 } // namespace
