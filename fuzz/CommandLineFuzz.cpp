@@ -12,7 +12,6 @@
 #include "Modules/xFramework/Utilities/Exception.h"
 #include "Tools/SarvexTool/Client/CommandTable.h"
 #include "Tools/SarvexTool/Client/EntryPoint.h"
-#include "Tools/SarvexTool/Client/UsageText.h"
 #include "fuzz/Support/Check.h"
 #include "fuzz/Support/Input.h"
 #include "fuzz/Support/PlainReply.h"

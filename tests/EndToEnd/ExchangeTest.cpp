@@ -1,6 +1,6 @@
 #include "Modules/xFramework/OSAL/Process.h"
+#include "Tools/SarvexTool/Client/EntryPoint.h"
 #include "Tools/SarvexTool/Client/Request.h"
-#include "Tools/SarvexTool/Client/UsageText.h"
 #include "tests/EndToEnd/Support/Bench.h"
 #include "tests/EndToEnd/Support/ScriptedPeer.h"
 

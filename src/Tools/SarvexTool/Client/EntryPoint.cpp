@@ -1,17 +1,45 @@
 #include "Tools/SarvexTool/Client/EntryPoint.h"
 
 #include "Modules/xFramework/Utilities/Exception.h"
-#include "Tools/SarvexTool/Client/ArgumentCopies.h"
 #include "Tools/SarvexTool/Client/CliClient.h"
 #include "Tools/SarvexTool/Client/Launcher.h"
-#include "Tools/SarvexTool/Client/UsageText.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/DynamicTest.h"
 
 #include <array>
+#include <cctype>
 #include <iostream>
 #include <optional>
 #include <string>
 #include <vector>
+
+// The byte 0x85 is the ellipsis of the console's code page Windows-1252; it stands in a piece of
+// its own so that the escape does not swallow what follows.
+const char* const usageText =
+    "Use the following syntax to set Sarvex Tool's configuration:\n"
+    "\n"
+    "SarvexToolClient.exe [-option1 <parameter1>] [-option2 <parameter2>] [-option3 <parameter3>] "
+    "[\x85"
+    "]\n"
+    "\n"
+    "General options:\n"
+    "\n"
+    "\t[-connectBin] \t\tConnect to the device with Bin Commands.\n"
+    "\n"
+    "\t[-disconnectBin] \tDisconnect from the device with Bin Commands.\n"
+    "\n"
+    "\t[-disconnect] \t\tDisconnect from the device with Bin Commands.\n"
+    "\n"
+    "\t[-exit] \t\t\tClose SarvexTool.\n"
+    "\n"
+    "\t[-remote <IP Address>]\t\tSet the remote address.\n"
+    "\n"
+    "\t[-set_init_retries <retries count>]\t\tSet number of times the tool tries to connect to "
+    "AT@.\n"
+    "\n"
+    "\t[-open_local_daemon\t\tStarts Sarvex Tool.\n"
+    "\n"
+    "\t[-no_automation\t\tClient doesn't wait for response.\n"
+    "\n";
 
 namespace {
 
@@ -114,6 +142,16 @@ int RunGuarded(const std::vector<std::string>& arguments) {
 }
 
 } // namespace
+
+std::vector<std::string> CopyArguments(int argc, const char* const argv[]) {
+    std::vector<std::string> copies(argv, argv + argc);
+    if (copies.empty() || copies.back().empty())
+        return copies;
+    std::string& last = copies.back();
+    if (std::isspace(static_cast<unsigned char>(last.back())) != 0)
+        last.pop_back();
+    return copies;
+}
 
 int RunClient(int argc, const char* const argv[]) {
     const std::vector<std::string> arguments = CopyArguments(argc, argv);
