@@ -2,8 +2,7 @@
 
 #include "Modules/xFramework/XML/Base.h"
 #include "Tools/SarvexTool/Client/CliClient.h"
-#include "Tools/Vemo/VemoClient/DynamicTest/TestFiles.h"
-#include "Tools/Vemo/VemoClient/DynamicTest/TestLine.h"
+#include "Tools/Vemo/VemoClient/DynamicTest/TestFile.h"
 
 #include <cstddef>
 #include <cstdint>

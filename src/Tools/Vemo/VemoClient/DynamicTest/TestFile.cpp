@@ -1,4 +1,4 @@
-#include "Tools/Vemo/VemoClient/DynamicTest/TestLine.h"
+#include "Tools/Vemo/VemoClient/DynamicTest/TestFile.h"
 
 std::string TrimField(const std::string& text) {
     constexpr const char* whiteSpace = "\r\n\t ";
@@ -17,4 +17,12 @@ Fields SplitFields(const std::string& line) {
         start = line.find_first_not_of(',', end);
     }
     return fields;
+}
+
+TestFiles::TestFiles(const std::string& testFileName, const std::string& csvFileName,
+                     const std::string& xmlFileName)
+    : test(testFileName), csv(csvFileName), xml(xmlFileName) {
+    // The first read tells a directory from a file. An empty file is none of its business: the
+    // header line is read whether that works or not.
+    test.peek();
 }
