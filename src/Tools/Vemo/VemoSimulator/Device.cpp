@@ -1,6 +1,6 @@
 #include "Tools/Vemo/VemoSimulator/Device.h"
 
-#include "Tools/Vemo/VemoSimulator/TextCase.h"
+#include "Tools/Vemo/VemoSimulator/Text.h"
 
 #include <array>
 #include <span>

@@ -1,7 +1,7 @@
 #include "Tools/Vemo/VemoSimulator/FaultRule.h"
 
-#include "Tools/Vemo/VemoSimulator/Decimal.h"
 #include "Tools/Vemo/VemoSimulator/FaultTable.h"
+#include "Tools/Vemo/VemoSimulator/Text.h"
 
 #include <algorithm>
 #include <fstream>

@@ -1,6 +1,6 @@
 #include "Tools/Vemo/VemoSimulator/Options.h"
 
-#include "Tools/Vemo/VemoSimulator/Decimal.h"
+#include "Tools/Vemo/VemoSimulator/Text.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>

@@ -2,7 +2,7 @@
 
 #include "Modules/xFramework/OSAL/File.h"
 #include "Modules/xFramework/OSAL/Process.h"
-#include "Tools/Vemo/VemoSimulator/Decimal.h"
+#include "Tools/Vemo/VemoSimulator/Text.h"
 
 #include <array>
 #include <stdexcept>

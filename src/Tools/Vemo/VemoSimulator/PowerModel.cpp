@@ -1,7 +1,7 @@
 #include "Tools/Vemo/VemoSimulator/PowerModel.h"
 
-#include "Tools/Vemo/VemoSimulator/Decimal.h"
 #include "Tools/Vemo/VemoSimulator/Rates.h"
+#include "Tools/Vemo/VemoSimulator/Text.h"
 
 #include <algorithm>
 #include <cstdlib>

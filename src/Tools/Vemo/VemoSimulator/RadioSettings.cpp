@@ -1,8 +1,7 @@
 #include "Tools/Vemo/VemoSimulator/RadioSettings.h"
 
-#include "Tools/Vemo/VemoSimulator/Decimal.h"
 #include "Tools/Vemo/VemoSimulator/Rates.h"
-#include "Tools/Vemo/VemoSimulator/TextCase.h"
+#include "Tools/Vemo/VemoSimulator/Text.h"
 
 #include <vector>
 

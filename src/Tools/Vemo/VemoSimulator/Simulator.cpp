@@ -1,7 +1,7 @@
 #include "Tools/Vemo/VemoSimulator/Simulator.h"
 
 #include "Tools/Vemo/VemoSimulator/Answer.h"
-#include "Tools/Vemo/VemoSimulator/CommandText.h"
+#include "Tools/Vemo/VemoSimulator/Text.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "Tools/Vemo/VemoSimulator/CommandText.h"
+#include "Tools/Vemo/VemoSimulator/Text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@ namespace VemoSimulator {
 
 using Words = std::vector<std::string>;
 
-TEST(CommandTextTest, CommandsAreSplitIntoTheirWords) {
+TEST(TextTest, CommandsAreSplitIntoTheirWords) {
     const struct {
         const char* body;
         Words words;
@@ -34,7 +34,7 @@ TEST(CommandTextTest, CommandsAreSplitIntoTheirWords) {
     }
 }
 
-TEST(CommandTextTest, QuotesWithinAWordStayInIt) {
+TEST(TextTest, QuotesWithinAWordStayInIt) {
     const struct {
         const char* body;
         Words words;
@@ -52,7 +52,7 @@ TEST(CommandTextTest, QuotesWithinAWordStayInIt) {
     }
 }
 
-TEST(CommandTextTest, OtherBodiesAreNoCommand) {
+TEST(TextTest, OtherBodiesAreNoCommand) {
     for (const char* body :
          {"", "CLI", "CLI -1", "CLI -2 -exit", "cli -1 -exit", " CLI -1 -exit"}) {
         SCOPED_TRACE(body);
@@ -60,9 +60,36 @@ TEST(CommandTextTest, OtherBodiesAreNoCommand) {
     }
 }
 
-TEST(CommandTextTest, LongWordsArriveWhole) {
+TEST(TextTest, LongWordsArriveWhole) {
     const std::string word(3 << 20, 'x');
     EXPECT_EQ(SplitCommand("CLI -1 -vemo  -remote " + word), (Words{"-remote", word}));
+}
+
+TEST(TextTest, DigitsAloneAreANumberOfUpTo64Bits) {
+    EXPECT_EQ(ParseDecimal("0"), 0U);
+    EXPECT_EQ(ParseDecimal("036"), 36U);
+    EXPECT_EQ(ParseDecimal("18446744073709551615"), 18446744073709551615U);
+}
+
+TEST(TextTest, AnyOtherTextIsNoNumber) {
+    for (const char* text : {"", " 1", "1 ", "+1", "-1", "1.5", "0x1F", "18446744073709551616"}) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(ParseDecimal(text), std::nullopt);
+    }
+}
+
+TEST(TextTest, LettersOfEitherCaseAreEqual) {
+    EXPECT_TRUE(EqualsIgnoringCase("-connectBin", "-CONNECTbin"));
+    EXPECT_TRUE(EqualsIgnoringCase("AZaz", "azAZ"));
+    EXPECT_TRUE(EqualsIgnoringCase("", ""));
+}
+
+TEST(TextTest, OtherCharactersMustBeTheSame) {
+    // These pairs differ by the distance between the two cases of a letter.
+    EXPECT_FALSE(EqualsIgnoringCase("@", "`"));
+    EXPECT_FALSE(EqualsIgnoringCase("[", "{"));
+    EXPECT_FALSE(EqualsIgnoringCase("\xC4", "\xE4"));
+    EXPECT_FALSE(EqualsIgnoringCase("a", "ab"));
 }
 
 } // namespace VemoSimulator

@@ -1,4 +1,4 @@
-#include "Tools/Vemo/VemoSimulator/CommandText.h"
+#include "Tools/Vemo/VemoSimulator/Text.h"
 
 #include <algorithm>
 #include <string_view>
