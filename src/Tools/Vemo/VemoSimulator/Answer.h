@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Tools/Vemo/VemoSimulator/AnswerPlan.h"
-#include "Tools/Vemo/VemoSimulator/Reply.h"
+#include "Tools/Vemo/VemoSimulator/Device.h"
 
 #include <string>
 #include <string_view>
