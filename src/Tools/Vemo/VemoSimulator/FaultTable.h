@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Tools/Vemo/VemoSimulator/AnswerPlan.h"
+#include "Tools/Vemo/VemoSimulator/Answer.h"
 
 #include <cstdint>
 #include <optional>
