@@ -1,6 +1,6 @@
 #include "Tools/Vemo/VemoSimulator/PowerModel.h"
 
-#include "Tools/Vemo/VemoSimulator/Rates.h"
+#include "Tools/Vemo/VemoSimulator/RadioSettings.h"
 #include "Tools/Vemo/VemoSimulator/Text.h"
 
 #include <algorithm>

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 namespace VemoSimulator {
 
 TEST(RadioSettingsTest, TheTableStandsInTheOrderOfTheEnumeration) {
@@ -84,6 +86,30 @@ TEST(RadioSettingsTest, ValuesAreDescribedInOneLine) {
     EXPECT_EQ(DescribeValues(Setting::Rate),
               "1, 2, 5.5, 11, 6, 9, 12, 18, 24, 36, 48, 54, MCS0 to MCS13, R0 to R13, HT-MCS0 to "
               "HT-MCS7, VHT-MCS0 to VHT-MCS9, HE-MCS0 to HE-MCS11, EHT-MCS0 to EHT-MCS13");
+}
+
+TEST(RadioSettingsTest, EachRateHasANameOfItsOwn) {
+    const auto names = RateNames();
+    EXPECT_EQ(std::set<std::string_view>(names.begin(), names.end()).size(), names.size());
+    // 12 legacy rates and the indices of six families.
+    EXPECT_EQ(names.size(), 12U + 14 + 14 + 8 + 10 + 12 + 14);
+}
+
+TEST(RadioSettingsTest, FasterRatesGetLessPower) {
+    const struct {
+        const char* name;
+        int backOff;
+    } rows[] = {{"1", 0},          {"2", 0},          {"5.5", 0},        {"11", 0},
+                {"6", 0},          {"9", 0},          {"12", 50},        {"18", 50},
+                {"24", 100},       {"36", 100},       {"48", 200},       {"54", 250},
+                {"MCS0", 0},       {"MCS1", 0},       {"MCS2", 50},      {"MCS3", 100},
+                {"MCS5", 200},     {"MCS6", 250},     {"MCS8", 350},     {"MCS12", 600},
+                {"MCS4", 150},     {"R13", 700},      {"HT-MCS7", 300},  {"VHT-MCS9", 400},
+                {"HE-MCS10", 450}, {"HE-MCS11", 500}, {"EHT-MCS13", 700}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(RateBackOff(row.name), row.backOff);
+    }
 }
 
 } // namespace VemoSimulator
