@@ -13,7 +13,7 @@ import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PROGRAMS = pathlib.Path(sys.argv[1])
-PAGES = [ROOT / "README.md", *sorted((ROOT / "docs").glob("*.md"))]
+PAGES = [*sorted(ROOT.glob("*.md")), *sorted((ROOT / "docs").glob("*.md"))]
 SOURCE_FOLDERS = ("Modules/", "Tools/")
 TREE_FOLDERS = ("src/", "tests/", "benchmarks/", "fuzz/", "docs/", "examples/", "scripts/", "cmake/")
 
@@ -57,8 +57,14 @@ class DocsTest(unittest.TestCase):
                     self.assertTrue(path.exists())
 
     def test_the_readme_leads_to_every_page(self):
-        reached = {target for target in links(ROOT / "README.md")}
-        self.assertEqual(set(), {f"docs/{page.name}" for page in PAGES[1:]} - reached)
+        reached = set(links(ROOT / "README.md")) | {"README.md"}
+        self.assertEqual(set(), {str(page.relative_to(ROOT)) for page in PAGES} - reached)
+
+    def test_the_changelog_begins_with_the_version_of_the_programs(self):
+        project = (ROOT / "CMakeLists.txt").read_text()
+        version = re.search(r"^project\(SarvexTool VERSION (\S+)", project, re.MULTILINE)[1]
+        versions = re.findall(r"^## \[(.+?)\]", (ROOT / "CHANGELOG.md").read_text(), re.MULTILINE)
+        self.assertEqual(version, versions[0])
 
 
 class FirstSessionTest(unittest.TestCase):
