@@ -54,7 +54,7 @@ private:
     std::vector<std::string>& m_order;
 };
 
-class DebugPrint : public testing::Test {
+class CDebugPrintTest : public testing::Test {
 protected:
     /// One sink that takes all levels.
     void SwitchOn() {
@@ -69,7 +69,7 @@ protected:
     CDebugPrint printer;
 };
 
-TEST_F(DebugPrint, IsInertUntilAHostConfiguresIt) {
+TEST_F(CDebugPrintTest, IsInertUntilAHostConfiguresIt) {
     EXPECT_FALSE(printer.IsEnabled());
     for (int index = 0; index < 3; ++index)
         EXPECT_EQ(printer.GetThreshold(index), 0);
@@ -77,7 +77,7 @@ TEST_F(DebugPrint, IsInertUntilAHostConfiguresIt) {
     EXPECT_TRUE(printer.IsEnabled());
 }
 
-TEST_F(DebugPrint, TagsEachLevelExactly) {
+TEST_F(CDebugPrintTest, TagsEachLevelExactly) {
     const std::vector<std::string> tags{
         "       ",         "[ OEM_ERROR   ] ", "[ OEM_WARNING ] ", "[ OEM_INFO    ] ",
         "[ FATAL_ERROR ]", "[ ERROR1      ]",  "[ ERROR2      ]",  "[ FW_ERROR\t   ]",
@@ -92,7 +92,7 @@ TEST_F(DebugPrint, TagsEachLevelExactly) {
     }
 }
 
-TEST_F(DebugPrint, TagsALevelOutsideTheTableLikeLevelZero) {
+TEST_F(CDebugPrintTest, TagsALevelOutsideTheTableLikeLevelZero) {
     SwitchOn();
     printer.SetThreshold(0, 1000);
     printer.PrintText("Place", -1, "below");
@@ -106,7 +106,7 @@ struct ThresholdCase {
     bool isPrinted;
 };
 
-TEST_F(DebugPrint, SendsARecordToASinkWhoseThresholdIsAtLeastItsLevel) {
+TEST_F(CDebugPrintTest, SendsARecordToASinkWhoseThresholdIsAtLeastItsLevel) {
     SwitchOn();
     for (const ThresholdCase& each :
          std::vector<ThresholdCase>{{5, 4, true}, {5, 5, true}, {5, 6, false}, {-3, 0, false}}) {
@@ -118,7 +118,7 @@ TEST_F(DebugPrint, SendsARecordToASinkWhoseThresholdIsAtLeastItsLevel) {
     }
 }
 
-TEST_F(DebugPrint, AsksTheThreeSinksInTheirOrderEachForItself) {
+TEST_F(CDebugPrintTest, AsksTheThreeSinksInTheirOrderEachForItself) {
     std::vector<std::string> order;
     NamedSink first("0", order);
     NamedSink second("1", order);
@@ -136,7 +136,7 @@ TEST_F(DebugPrint, AsksTheThreeSinksInTheirOrderEachForItself) {
     EXPECT_THAT(order, ElementsAre("0", "1", "2", "0", "2", "2"));
 }
 
-TEST_F(DebugPrint, IsSwitchedOffByAnySinksThresholdZero) {
+TEST_F(CDebugPrintTest, IsSwitchedOffByAnySinksThresholdZero) {
     SwitchOn();
     printer.SetThreshold(2, 0);
     EXPECT_FALSE(printer.IsEnabled());
@@ -150,7 +150,7 @@ TEST_F(DebugPrint, IsSwitchedOffByAnySinksThresholdZero) {
     EXPECT_THAT(sink.lines, ElementsAre("Place|[ OEM_ERROR   ] |printed"));
 }
 
-TEST_F(DebugPrint, PrintsNothingWithoutAFormatter) {
+TEST_F(CDebugPrintTest, PrintsNothingWithoutAFormatter) {
     SwitchOn();
     EXPECT_TRUE(printer.SetFormatter(nullptr));
     printer.PrintText("Place", 1, "text");
@@ -158,7 +158,7 @@ TEST_F(DebugPrint, PrintsNothingWithoutAFormatter) {
     EXPECT_THAT(sink.lines, IsEmpty());
 }
 
-TEST_F(DebugPrint, KeepsTheFirstFormatterUntilItIsCleared) {
+TEST_F(CDebugPrintTest, KeepsTheFirstFormatterUntilItIsCleared) {
     SwitchOn();
     auto second = std::make_unique<BarredFormatter>(formattersAlive);
     EXPECT_FALSE(printer.SetFormatter(second.get()));
@@ -174,7 +174,7 @@ TEST_F(DebugPrint, KeepsTheFirstFormatterUntilItIsCleared) {
     EXPECT_EQ(taken->roomGiven, 4096u);
 }
 
-TEST_F(DebugPrint, DeletesItsFormatterWhenItIsDestroyed) {
+TEST_F(CDebugPrintTest, DeletesItsFormatterWhenItIsDestroyed) {
     printer.SetFormatter(formatter);
     {
         CDebugPrint shortLived;
@@ -184,7 +184,7 @@ TEST_F(DebugPrint, DeletesItsFormatterWhenItIsDestroyed) {
     EXPECT_EQ(formattersAlive, 1);
 }
 
-TEST_F(DebugPrint, GivesTheFormatterABufferOf4096Bytes) {
+TEST_F(CDebugPrintTest, GivesTheFormatterABufferOf4096Bytes) {
     SwitchOn();
     const std::string text(5000, 'x');
     printer.PrintText("", 4, text.c_str());
@@ -193,13 +193,13 @@ TEST_F(DebugPrint, GivesTheFormatterABufferOf4096Bytes) {
     EXPECT_THAT(sink.lines, ElementsAre(head + std::string(4095 - head.size(), 'x')));
 }
 
-TEST_F(DebugPrint, PassesTextOnAsItStands) {
+TEST_F(CDebugPrintTest, PassesTextOnAsItStands) {
     SwitchOn();
     printer.PrintText("Place", 1, "100 %s %n");
     EXPECT_THAT(sink.lines, ElementsAre("Place|[ OEM_ERROR   ] |100 %s %n"));
 }
 
-TEST_F(DebugPrint, FormatsInTheMannerOfPrintf) {
+TEST_F(CDebugPrintTest, FormatsInTheMannerOfPrintf) {
     SwitchOn();
     printer.Print("Place", 2, "%s on port %d: %5.1f dBm", "vemo", 8738, 17.5);
     EXPECT_THAT(sink.lines, ElementsAre("Place|[ OEM_WARNING ] |vemo on port 8738:  17.5 dBm"));
@@ -215,7 +215,7 @@ public:
     }
 };
 
-TEST_F(DebugPrint, CutsAFormattedTextAfter4095Characters) {
+TEST_F(CDebugPrintTest, CutsAFormattedTextAfter4095Characters) {
     SwitchOn();
     printer.SetFormatter(nullptr);
     printer.SetFormatter(new MeasuringFormatter);
@@ -224,7 +224,7 @@ TEST_F(DebugPrint, CutsAFormattedTextAfter4095Characters) {
     EXPECT_THAT(sink.lines, ElementsAre("0", "4094", "4095", "4095", "4095"));
 }
 
-TEST_F(DebugPrint, PrintsAnEmptyTextWhenTheRunTimeLibraryCannotFormatIt) {
+TEST_F(CDebugPrintTest, PrintsAnEmptyTextWhenTheRunTimeLibraryCannotFormatIt) {
     SwitchOn();
     // No 8-bit character stands for this one in the C locale. Most run-time libraries take that for
     // an error; the others drop the character, and then there is no error to see.
@@ -237,7 +237,7 @@ TEST_F(DebugPrint, PrintsAnEmptyTextWhenTheRunTimeLibraryCannotFormatIt) {
                 ElementsAre("Place|[ OEM_ERROR   ] |" + std::string(fails ? "" : text.data())));
 }
 
-TEST_F(DebugPrint, IgnoresSinksThatItDoesNotHave) {
+TEST_F(CDebugPrintTest, IgnoresSinksThatItDoesNotHave) {
     SwitchOn();
     for (const int index : {-1, 3, 1000}) {
         SCOPED_TRACE(index);
@@ -250,7 +250,7 @@ TEST_F(DebugPrint, IgnoresSinksThatItDoesNotHave) {
     EXPECT_THAT(sink.lines, ElementsAre("Place|[ OEM_ERROR   ] |once"));
 }
 
-TEST(DebugPrintWithoutFormatter, EmptiesABufferWithRoomForThatOnly) {
+TEST(CDebugPrintWithoutFormatter, EmptiesABufferWithRoomForThatOnly) {
     CDebugPrint printer;
     std::array<char, 2> line{"x"};
     printer.FormatLine("Place", "[tag]", "text", line.data(), 0);
@@ -259,7 +259,7 @@ TEST(DebugPrintWithoutFormatter, EmptiesABufferWithRoomForThatOnly) {
     EXPECT_STREQ(line.data(), "");
 }
 
-TEST_F(DebugPrint, PassesALineThroughItsFormatter) {
+TEST_F(CDebugPrintTest, PassesALineThroughItsFormatter) {
     std::array<char, 32> line{"unwritten"};
     printer.FormatLine("Place", "[tag]", "text", line.data(), line.size());
     EXPECT_STREQ(line.data(), "");
@@ -269,12 +269,12 @@ TEST_F(DebugPrint, PassesALineThroughItsFormatter) {
     EXPECT_EQ(formatter->roomGiven, 32u);
 }
 
-TEST(DebugPrintInstance, IsOneForTheWholeProcess) {
+TEST(CDebugPrintInstance, IsOneForTheWholeProcess) {
     EXPECT_EQ(&CDebugPrint::Instance(), &CDebugPrint::Instance());
     EXPECT_FALSE(CDebugPrint::Instance().IsEnabled());
 }
 
-TEST(DebugPrintInterface, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
+TEST(IDebugPrintTest, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
     EXPECT_THAT(TestSupport::VirtualSlots(&IDebugPrint::PrintText, &IDebugPrint::Print,
                                           &IDebugPrint::SetThreshold, &IDebugPrint::GetThreshold,
                                           &IDebugPrint::SetSink, &IDebugPrint::SetFormatter,

@@ -12,14 +12,14 @@ using Streams::advanced_ostream;
 using Streams::advanced_stream;
 using Streams::advanced_streambuf;
 
-TEST(AdvancedStream, WritesIntoTheBufferThatItOwns) {
+TEST(advanced_streamTest, WritesIntoTheBufferThatItOwns) {
     advanced_stream<std::ostream, std::stringbuf> stream;
     stream << "chain " << 2;
     EXPECT_EQ(stream.rdbuf(), &stream.GetBuffer());
     EXPECT_EQ(stream.GetBuffer().str(), "chain 2");
 }
 
-TEST(AdvancedStream, ReadsAndWritesWhenItsKindDoes) {
+TEST(advanced_streamTest, ReadsAndWritesWhenItsKindDoes) {
     advanced_stream<std::iostream, std::stringbuf> stream;
     stream << 17.5;
     double value = 0;
@@ -27,7 +27,7 @@ TEST(AdvancedStream, ReadsAndWritesWhenItsKindDoes) {
     EXPECT_EQ(value, 17.5);
 }
 
-TEST(AdvancedOutputStream, IsAnOrdinaryOutputStreamOverAnyBuffer) {
+TEST(advanced_ostreamTest, IsAnOrdinaryOutputStreamOverAnyBuffer) {
     static_assert(std::is_base_of_v<std::ostream, advanced_ostream<>>);
     static_assert(std::is_base_of_v<std::wostream, advanced_ostream<wchar_t>>);
     advanced_ostream<char, std::char_traits<char>, std::stringbuf> stream;
@@ -36,7 +36,7 @@ TEST(AdvancedOutputStream, IsAnOrdinaryOutputStreamOverAnyBuffer) {
     EXPECT_EQ(stream.GetBuffer().str(), "text");
 }
 
-TEST(AdvancedOutputStream, HasByDefaultTheCommonBufferThatTakesNothing) {
+TEST(advanced_ostreamTest, HasByDefaultTheCommonBufferThatTakesNothing) {
     advanced_ostream<> stream;
     static_assert(std::is_same_v<decltype(stream.GetBuffer()), advanced_streambuf<>&>);
     stream << 'x';

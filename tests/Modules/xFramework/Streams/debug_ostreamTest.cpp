@@ -12,40 +12,40 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class DebugOutputStream : public testing::Test {
+class debug_ostreamTest : public testing::Test {
 protected:
-    DebugOutputStream() { OSAL::Fake::Reset(); }
+    debug_ostreamTest() { OSAL::Fake::Reset(); }
 
     const std::vector<std::string>& Messages() const { return OSAL::Fake::TheWorld().debugOutput; }
 
     Streams::debug_ostream<> stream;
 };
 
-TEST_F(DebugOutputStream, SendsOneMessageForEachLineThatIsNotEmpty) {
+TEST_F(debug_ostreamTest, SendsOneMessageForEachLineThatIsNotEmpty) {
     stream << "a\n\nb\n";
     EXPECT_THAT(Messages(), ElementsAre("a\n", "b\n"));
 }
 
-TEST_F(DebugOutputStream, SendsAnUnfinishedLineOnFlush) {
+TEST_F(debug_ostreamTest, SendsAnUnfinishedLineOnFlush) {
     stream << "half a line";
     EXPECT_THAT(Messages(), IsEmpty());
     stream.flush();
     EXPECT_THAT(Messages(), ElementsAre("half a line\n"));
 }
 
-TEST_F(DebugOutputStream, SendsALineOnceThoughItsEndAlsoFlushes) {
+TEST_F(debug_ostreamTest, SendsALineOnceThoughItsEndAlsoFlushes) {
     stream << "attempt " << 3 << std::endl;
     EXPECT_THAT(Messages(), ElementsAre("attempt 3\n"));
     EXPECT_TRUE(stream.good());
 }
 
-TEST_F(DebugOutputStream, PutsPrefixAndColonBeforeEachLine) {
+TEST_F(debug_ostreamTest, PutsPrefixAndColonBeforeEachLine) {
     Streams::debug_ostream prefixed(std::string("P"));
     prefixed << "x\ny\n";
     EXPECT_THAT(Messages(), ElementsAre("P:x\n", "P:y\n"));
 }
 
-TEST_F(DebugOutputStream, TakesANewPrefixFromTheNextLineOn) {
+TEST_F(debug_ostreamTest, TakesANewPrefixFromTheNextLineOn) {
     stream << "a\n";
     stream.GetBuffer().SetPrefix("P");
     stream << "b\n";
@@ -54,7 +54,7 @@ TEST_F(DebugOutputStream, TakesANewPrefixFromTheNextLineOn) {
     EXPECT_THAT(Messages(), ElementsAre("a\n", "P:b\n", "c\n"));
 }
 
-TEST_F(DebugOutputStream, SendsNoPrefixForAnEmptyLine) {
+TEST_F(debug_ostreamTest, SendsNoPrefixForAnEmptyLine) {
     Streams::debug_ostream prefixed(std::string("P"));
     prefixed << "\n" << std::flush;
     EXPECT_THAT(Messages(), IsEmpty());

@@ -32,7 +32,7 @@ private:
     std::vector<std::string>& m_lines;
 };
 
-class LinedStreamBuffer : public testing::Test {
+class lined_streambufTest : public testing::Test {
 protected:
     std::vector<std::string> lines;
     ListedLines buffer{lines};
@@ -44,7 +44,7 @@ struct CutCase {
     std::vector<std::string> lines;
 };
 
-TEST_F(LinedStreamBuffer, CutsTheTextAtLineFeedsAndDropsEmptyLines) {
+TEST_F(lined_streambufTest, CutsTheTextAtLineFeedsAndDropsEmptyLines) {
     const std::vector<CutCase> cases{{"", {}},
                                      {"\n", {}},
                                      {"\n\n\n", {}},
@@ -64,38 +64,38 @@ TEST_F(LinedStreamBuffer, CutsTheTextAtLineFeedsAndDropsEmptyLines) {
     }
 }
 
-TEST_F(LinedStreamBuffer, TextWithoutLineFeedIsHandedOnByAFlush) {
+TEST_F(lined_streambufTest, TextWithoutLineFeedIsHandedOnByAFlush) {
     stream << "half";
     EXPECT_THAT(lines, IsEmpty());
     stream.flush();
     EXPECT_THAT(lines, ElementsAre("half"));
 }
 
-TEST_F(LinedStreamBuffer, AFlushInTheMiddleOfALineCutsIt) {
+TEST_F(lined_streambufTest, AFlushInTheMiddleOfALineCutsIt) {
     stream << "ab" << std::flush << "c\n";
     EXPECT_THAT(lines, ElementsAre("ab", "c"));
 }
 
-TEST_F(LinedStreamBuffer, AFlushWithNothingWrittenDoesNothing) {
+TEST_F(lined_streambufTest, AFlushWithNothingWrittenDoesNothing) {
     stream << "a\n" << std::flush << std::flush;
     EXPECT_THAT(lines, ElementsAre("a"));
     EXPECT_EQ(buffer.flushes, 1);
 }
 
-TEST_F(LinedStreamBuffer, TheEndOfFileEndsTheLineLikeALineFeed) {
+TEST_F(lined_streambufTest, TheEndOfFileEndsTheLineLikeALineFeed) {
     stream << "a";
     EXPECT_NE(buffer.overflow(std::char_traits<char>::eof()), std::char_traits<char>::eof());
     EXPECT_THAT(lines, ElementsAre("a"));
 }
 
-TEST_F(LinedStreamBuffer, EveryCharacterIsTakenWithSuccess) {
+TEST_F(lined_streambufTest, EveryCharacterIsTakenWithSuccess) {
     for (int c = 0; c < 256; ++c) {
         SCOPED_TRACE(c);
         EXPECT_NE(buffer.sputc(static_cast<char>(c)), std::char_traits<char>::eof());
     }
 }
 
-TEST_F(LinedStreamBuffer, NothingCanBeRead) {
+TEST_F(lined_streambufTest, NothingCanBeRead) {
     stream << "a";
     std::istream input(&buffer);
     EXPECT_EQ(input.get(), std::char_traits<char>::eof());
@@ -103,7 +103,7 @@ TEST_F(LinedStreamBuffer, NothingCanBeRead) {
     EXPECT_TRUE(input.eof());
 }
 
-TEST_F(LinedStreamBuffer, TextThatWasNotFlushedIsDroppedWithTheBuffer) {
+TEST_F(lined_streambufTest, TextThatWasNotFlushedIsDroppedWithTheBuffer) {
     std::vector<std::string> shortLived;
     {
         ListedLines inner(shortLived);
@@ -126,7 +126,7 @@ protected:
     void OutputLine(const std::string& text) override { lines += "[" + text + "]"; }
 };
 
-TEST(LinedStreamBufferSubclass, DecidesWhatIsReadAndAppended) {
+TEST(lined_streambufSubclassTest, DecidesWhatIsReadAndAppended) {
     ShoutedLines buffer;
     std::ostream(&buffer) << "ab\nc\n";
     EXPECT_EQ(buffer.lines, "[aabb][cc]");
@@ -141,7 +141,7 @@ protected:
     void OutputLine(const std::wstring& text) override { lines.push_back(text); }
 };
 
-TEST(LinedStreamBufferOfWideCharacters, CutsWideText) {
+TEST(lined_streambufOfWideCharactersTest, CutsWideText) {
     WideLines buffer;
     std::wostream(&buffer) << L"a\n\nb\n";
     EXPECT_THAT(buffer.lines, ElementsAre(L"a", L"b"));

@@ -14,7 +14,7 @@ using Streams::nullbuf;
 const bool narrowStoodBeforeMain = (Streams::null_stream << "text").bad();
 const bool wideStoodBeforeMain = (Streams::wide_null_stream << L"text").bad();
 
-TEST(NullOutputStream, IsGoodUntilTheFirstWriteAndBadAfterwards) {
+TEST(null_ostreamTest, IsGoodUntilTheFirstWriteAndBadAfterwards) {
     null_ostream<> stream;
     EXPECT_TRUE(stream.good());
     stream << "x";
@@ -23,7 +23,7 @@ TEST(NullOutputStream, IsGoodUntilTheFirstWriteAndBadAfterwards) {
     EXPECT_TRUE(stream.bad());
 }
 
-TEST(NullOutputStream, IsBadAfterAnyKindOfWrite) {
+TEST(null_ostreamTest, IsBadAfterAnyKindOfWrite) {
     null_ostream<> number;
     number << 1;
     null_ostream<> character;
@@ -38,14 +38,14 @@ TEST(NullOutputStream, IsBadAfterAnyKindOfWrite) {
     EXPECT_TRUE(wide.bad());
 }
 
-TEST(NullOutputStream, ProcessWideStreamsStandBeforeMain) {
+TEST(null_ostreamTest, ProcessWideStreamsStandBeforeMain) {
     EXPECT_TRUE(narrowStoodBeforeMain);
     EXPECT_TRUE(wideStoodBeforeMain);
     EXPECT_TRUE(Streams::null_stream.bad());
     EXPECT_TRUE(Streams::wide_null_stream.bad());
 }
 
-TEST(NullBuffer, TakesNoCharacterAndHoldsNone) {
+TEST(nullbufTest, TakesNoCharacterAndHoldsNone) {
     nullbuf<> buffer;
     EXPECT_EQ(buffer.sputc('x'), std::char_traits<char>::eof());
     EXPECT_EQ(buffer.sputn("xyz", 3), 0);

@@ -33,15 +33,15 @@ public:
 };
 
 /// The process-wide debug printer listens for as long as the fixture lives.
-class CriticalSection : public testing::Test {
+class CriticalSectionOSALTest : public testing::Test {
 protected:
-    CriticalSection() {
+    CriticalSectionOSALTest() {
         OSAL::Fake::Reset();
         printer.SetFormatter(new BarredFormatter);
         printer.SetSink(0, &sink);
         printer.SetThreshold(0, 15);
     }
-    ~CriticalSection() override {
+    ~CriticalSectionOSALTest() override {
         printer.SetThreshold(0, 0);
         printer.SetSink(0, nullptr);
         printer.SetFormatter(nullptr);
@@ -51,7 +51,7 @@ protected:
     ListSink sink;
 };
 
-TEST_F(CriticalSection, CreatesAndReleasesOneLockOfTheSystem) {
+TEST_F(CriticalSectionOSALTest, CreatesAndReleasesOneLockOfTheSystem) {
     {
         const CriticalSectionOSAL section;
         EXPECT_EQ(TheWorld().criticalSections, 1);
@@ -60,7 +60,7 @@ TEST_F(CriticalSection, CreatesAndReleasesOneLockOfTheSystem) {
     EXPECT_THAT(sink.lines, IsEmpty());
 }
 
-TEST_F(CriticalSection, PassesEntriesOnToTheSystem) {
+TEST_F(CriticalSectionOSALTest, PassesEntriesOnToTheSystem) {
     CriticalSectionOSAL section;
     EXPECT_EQ(section.Enter(), 0);
     EXPECT_EQ(section.Enter(), 0);
@@ -70,7 +70,7 @@ TEST_F(CriticalSection, PassesEntriesOnToTheSystem) {
                                               "LeaveCriticalSection", "LeaveCriticalSection"));
 }
 
-TEST_F(CriticalSection, ReportsAFailedCreationOnceAndItsDestructionNotAtAll) {
+TEST_F(CriticalSectionOSALTest, ReportsAFailedCreationOnceAndItsDestructionNotAtAll) {
     TheWorld().criticalSectionsCanBeCreated = false;
     { const CriticalSectionOSAL section; }
     EXPECT_THAT(sink.lines, ElementsAre("SyncObjectsOSAL::CriticalSectionOSAL::CriticalSectionOSAL|"
@@ -78,14 +78,14 @@ TEST_F(CriticalSection, ReportsAFailedCreationOnceAndItsDestructionNotAtAll) {
     EXPECT_EQ(TheWorld().criticalSections, 0);
 }
 
-TEST_F(CriticalSection, ReportsNothingWhileTheDebugPrinterIsOff) {
+TEST_F(CriticalSectionOSALTest, ReportsNothingWhileTheDebugPrinterIsOff) {
     printer.SetThreshold(0, 0);
     TheWorld().criticalSectionsCanBeCreated = false;
     { const CriticalSectionOSAL section; }
     EXPECT_THAT(sink.lines, IsEmpty());
 }
 
-TEST_F(CriticalSection, CreationStepTellsWhetherThereIsALock) {
+TEST_F(CriticalSectionOSALTest, CreationStepTellsWhetherThereIsALock) {
     OSAL::CriticalSection* handle = nullptr;
     EXPECT_EQ(CreateHandle(handle), 0);
     EXPECT_NE(handle, nullptr);
@@ -96,7 +96,7 @@ TEST_F(CriticalSection, CreationStepTellsWhetherThereIsALock) {
     EXPECT_EQ(handle, nullptr);
 }
 
-TEST_F(CriticalSection, ReleaseStepClearsTheHandleAndRefusesNone) {
+TEST_F(CriticalSectionOSALTest, ReleaseStepClearsTheHandleAndRefusesNone) {
     OSAL::CriticalSection* handle = nullptr;
     CreateHandle(handle);
     EXPECT_EQ(ReleaseHandle(handle), 0);
@@ -106,7 +106,7 @@ TEST_F(CriticalSection, ReleaseStepClearsTheHandleAndRefusesNone) {
     EXPECT_EQ(TheWorld().criticalSections, 0);
 }
 
-TEST_F(CriticalSection, IsDestroyedThroughTheCommonBaseOfSynchronisationObjects) {
+TEST_F(CriticalSectionOSALTest, IsDestroyedThroughTheCommonBaseOfSynchronisationObjects) {
     std::unique_ptr<ISyncInterface> object = std::make_unique<CriticalSectionOSAL>();
     EXPECT_EQ(TheWorld().criticalSections, 1);
     object.reset();
@@ -117,7 +117,7 @@ TEST_F(CriticalSection, IsDestroyedThroughTheCommonBaseOfSynchronisationObjects)
 class OtherSyncObject : public virtual ISyncInterface {};
 class CombinedObject : public CriticalSectionOSAL, public OtherSyncObject {};
 
-TEST_F(CriticalSection, SharesTheCommonBaseWithOtherInterfaces) {
+TEST_F(CriticalSectionOSALTest, SharesTheCommonBaseWithOtherInterfaces) {
     static_assert(std::is_convertible_v<CombinedObject*, ISyncInterface*>);
     static_assert(std::is_nothrow_destructible_v<CriticalSectionOSAL>);
     CombinedObject object;

@@ -158,12 +158,12 @@ std::unique_ptr<Exception> Catch(const std::function<void()>& action) {
     return nullptr;
 }
 
-class Raising : public testing::Test {
+class RaiseTest : public testing::Test {
 protected:
     LogRecorder log;
 };
 
-TEST_F(Raising, ThrowsThePointerWithMessageAndLocation) {
+TEST_F(RaiseTest, ThrowsThePointerWithMessageAndLocation) {
     const auto exception = Catch([] { Raise("Incompatible value type", site); });
     ASSERT_NE(exception, nullptr);
     EXPECT_STREQ(exception->what(), "Incompatible value type");
@@ -173,13 +173,13 @@ TEST_F(Raising, ThrowsThePointerWithMessageAndLocation) {
     EXPECT_EQ(exception->GetLocation()->GetFunction(), "Core::Service::OnAttach");
 }
 
-TEST_F(Raising, LogsTheMessageOnceAtTheErrorLevel) {
+TEST_F(RaiseTest, LogsTheMessageOnceAtTheErrorLevel) {
     Catch([] { Raise("Incompatible value type", site); });
     EXPECT_THAT(log.records, ElementsAre("1|src/Modules/xFramework/Core/Classes/Service|"
                                          "Core::Service::OnAttach|Incompatible value type"));
 }
 
-TEST_F(Raising, IsCaughtByAHandlerForStandardExceptions) {
+TEST_F(RaiseTest, IsCaughtByAHandlerForStandardExceptions) {
     try {
         Raise("message", site);
     } catch (std::exception* pException) {
@@ -188,14 +188,14 @@ TEST_F(Raising, IsCaughtByAHandlerForStandardExceptions) {
     }
 }
 
-TEST_F(Raising, HasLoggedBeforeItNeedsMemoryForTheException) {
+TEST_F(RaiseTest, HasLoggedBeforeItNeedsMemoryForTheException) {
     const FailingMemory noMemory(sizeof(Exception));
     EXPECT_THROW(Raise("message", site), std::bad_alloc);
     EXPECT_THAT(log.records, ElementsAre("1|src/Modules/xFramework/Core/Classes/Service|"
                                          "Core::Service::OnAttach|message"));
 }
 
-TEST_F(Raising, GoesWithoutALocationWhenThereIsNoMemoryForIt) {
+TEST_F(RaiseTest, GoesWithoutALocationWhenThereIsNoMemoryForIt) {
     std::unique_ptr<Exception> exception;
     {
         const FailingMemory noMemory(sizeof(ErrorLocation));
@@ -206,7 +206,7 @@ TEST_F(Raising, GoesWithoutALocationWhenThereIsNoMemoryForIt) {
     EXPECT_EQ(exception->GetLocation(), nullptr);
 }
 
-TEST_F(Raising, GoesWithoutALocationWhenThereIsNoMemoryForItsTexts) {
+TEST_F(RaiseTest, GoesWithoutALocationWhenThereIsNoMemoryForItsTexts) {
     const std::string file(500, 'f');
     std::unique_ptr<Exception> exception;
     {
@@ -218,7 +218,7 @@ TEST_F(Raising, GoesWithoutALocationWhenThereIsNoMemoryForItsTexts) {
     EXPECT_EQ(exception->GetLocation(), nullptr);
 }
 
-TEST_F(Raising, TellsThePlaceOfTheCallWhenNoSiteIsGiven) {
+TEST_F(RaiseTest, TellsThePlaceOfTheCallWhenNoSiteIsGiven) {
     constexpr std::uint32_t lineOfTheCall = __LINE__ + 1;
     const auto exception = Catch([] { Raise("message", "Utilities::Caller"); });
     ASSERT_NE(exception, nullptr);
@@ -231,7 +231,7 @@ TEST_F(Raising, TellsThePlaceOfTheCallWhenNoSiteIsGiven) {
                 ElementsAre("1|" + SourceName(__FILE__) + "|Utilities::Caller|message"));
 }
 
-TEST_F(Raising, AssertionTellsThePlaceOfTheCallWhenNoSiteIsGiven) {
+TEST_F(RaiseTest, AssertionTellsThePlaceOfTheCallWhenNoSiteIsGiven) {
     Assert(true, "pCreator", "Utilities::Caller");
     EXPECT_THAT(log.records, IsEmpty());
     constexpr std::uint32_t lineOfTheCall = __LINE__ + 1;
@@ -244,12 +244,12 @@ TEST_F(Raising, AssertionTellsThePlaceOfTheCallWhenNoSiteIsGiven) {
     EXPECT_EQ(exception->GetLocation()->GetFunction(), "Utilities::Caller");
 }
 
-TEST_F(Raising, AssertionThatHoldsDoesNothing) {
+TEST_F(RaiseTest, AssertionThatHoldsDoesNothing) {
     EXPECT_EQ(Catch([] { Assert(true, "GetDomain() == pDomain", site); }), nullptr);
     EXPECT_THAT(log.records, IsEmpty());
 }
 
-TEST_F(Raising, AssertionThatFailsNamesConditionAndFunction) {
+TEST_F(RaiseTest, AssertionThatFailsNamesConditionAndFunction) {
     const auto exception = Catch([] { Assert(false, "GetDomain() == pDomain", site); });
     ASSERT_NE(exception, nullptr);
     EXPECT_STREQ(exception->what(),
@@ -266,7 +266,7 @@ void Mark(std::string& text) {
     text += "!";
 }
 
-TEST_F(Raising, AssertionInsertsItsTextsVerbatim) {
+TEST_F(RaiseTest, AssertionInsertsItsTextsVerbatim) {
     const ProviderGuard guard(&Mark);
     const auto exception = Catch([] { Assert(false, "p $(v)", site); });
     ASSERT_NE(exception, nullptr);

@@ -45,12 +45,12 @@ std::string Exit(const std::string& function) {
     return "4|" + SourceName(__FILE__) + "|" + function + "|<---------------------Exit";
 }
 
-class Trace : public testing::Test {
+class FunctionTraceTest : public testing::Test {
 protected:
     LogRecorder log;
 };
 
-TEST_F(Trace, LogsEnterAndExitAtTheInfoLevel) {
+TEST_F(FunctionTraceTest, LogsEnterAndExitAtTheInfoLevel) {
     {
         const FunctionTrace trace("DynamicTest::SendCommands");
         EXPECT_THAT(log.records, ElementsAre(Enter("DynamicTest::SendCommands")));
@@ -59,7 +59,7 @@ TEST_F(Trace, LogsEnterAndExitAtTheInfoLevel) {
                 ElementsAre(Enter("DynamicTest::SendCommands"), Exit("DynamicTest::SendCommands")));
 }
 
-TEST_F(Trace, LogsNoExitWhenAnExceptionEndsTheFunction) {
+TEST_F(FunctionTraceTest, LogsNoExitWhenAnExceptionEndsTheFunction) {
     try {
         const FunctionTrace trace("Outer");
         throw std::runtime_error("message");
@@ -75,7 +75,7 @@ public:
     ~TracedCleanup() { const FunctionTrace trace("Cleanup"); }
 };
 
-TEST_F(Trace, LogsExitOfAFunctionThatEndsNormallyDuringCleanup) {
+TEST_F(FunctionTraceTest, LogsExitOfAFunctionThatEndsNormallyDuringCleanup) {
     try {
         const TracedCleanup cleanup;
         throw std::runtime_error("message");
@@ -84,7 +84,7 @@ TEST_F(Trace, LogsExitOfAFunctionThatEndsNormallyDuringCleanup) {
     EXPECT_THAT(log.records, ElementsAre(Enter("Cleanup"), Exit("Cleanup")));
 }
 
-TEST_F(Trace, NestsLikeTheFunctionsThatItTraces) {
+TEST_F(FunctionTraceTest, NestsLikeTheFunctionsThatItTraces) {
     {
         const FunctionTrace outer("Outer");
         const FunctionTrace inner("Inner");

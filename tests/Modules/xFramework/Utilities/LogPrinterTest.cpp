@@ -60,7 +60,7 @@ private:
     std::string m_accepted;
 };
 
-class Printer : public testing::Test {
+class LogPrinterTest : public testing::Test {
 protected:
     void AddChannel(const std::string& name, ILogDevice* device) {
         printer.AddDevice(name, device);
@@ -80,7 +80,7 @@ protected:
     LogPrinter printer;
 };
 
-TEST_F(Printer, FormatsARecordWithoutItsLineNumber) {
+TEST_F(LogPrinterTest, FormatsARecordWithoutItsLineNumber) {
     BarredFormatter barred;
     AddChannel("a", &first);
     printer.SetFormatter("a", &barred);
@@ -88,7 +88,7 @@ TEST_F(Printer, FormatsARecordWithoutItsLineNumber) {
     EXPECT_THAT(lines, ElementsAre("first: 4|src/File|Class::Function|message"));
 }
 
-TEST_F(Printer, SendsARecordToEveryChannelInTheOrderOfAdding) {
+TEST_F(LogPrinterTest, SendsARecordToEveryChannelInTheOrderOfAdding) {
     AddChannel("z", &first);
     AddChannel("a", &second);
     AddChannel("m", &third);
@@ -96,7 +96,7 @@ TEST_F(Printer, SendsARecordToEveryChannelInTheOrderOfAdding) {
     EXPECT_THAT(lines, ElementsAre("first: x", "second: x", "third: x"));
 }
 
-TEST_F(Printer, LeavesOutAChannelWithoutFormatter) {
+TEST_F(LogPrinterTest, LeavesOutAChannelWithoutFormatter) {
     printer.AddDevice("a", &first);
     printer.SetLevelMask("a", LogLevel::All);
     AddChannel("b", &second);
@@ -104,7 +104,7 @@ TEST_F(Printer, LeavesOutAChannelWithoutFormatter) {
     EXPECT_THAT(lines, ElementsAre("second: x"));
 }
 
-TEST_F(Printer, LeavesOutAChannelWhoseMaskWasNeverSet) {
+TEST_F(LogPrinterTest, LeavesOutAChannelWhoseMaskWasNeverSet) {
     printer.AddDevice("a", &first);
     printer.SetFormatter("a", &plain);
     Send("x", 0xFFFFFFFF);
@@ -117,7 +117,7 @@ struct MaskCase {
     bool isWritten;
 };
 
-TEST_F(Printer, SendsARecordWhereLevelAndMaskShareABit) {
+TEST_F(LogPrinterTest, SendsARecordWhereLevelAndMaskShareABit) {
     AddChannel("a", &first);
     const std::vector<MaskCase> cases{{15, 1, true},
                                       {15, 2, true},
@@ -139,7 +139,7 @@ TEST_F(Printer, SendsARecordWhereLevelAndMaskShareABit) {
     }
 }
 
-TEST_F(Printer, LetsAFilterVetoRecordsOfItsChannelOnly) {
+TEST_F(LogPrinterTest, LetsAFilterVetoRecordsOfItsChannelOnly) {
     MessageFilter filter("wanted");
     AddChannel("a", &first);
     AddChannel("b", &second);
@@ -150,7 +150,7 @@ TEST_F(Printer, LetsAFilterVetoRecordsOfItsChannelOnly) {
     EXPECT_THAT(filter.asked, ElementsAre("1|file|function|wanted", "1|file|function|unwanted"));
 }
 
-TEST_F(Printer, AsksMaskThenFilterThenFormatter) {
+TEST_F(LogPrinterTest, AsksMaskThenFilterThenFormatter) {
     MessageFilter filter("never");
     BarredFormatter barred;
     AddChannel("a", &first);
@@ -168,7 +168,7 @@ TEST_F(Printer, AsksMaskThenFilterThenFormatter) {
     EXPECT_EQ(filter.asked.size(), 2u);
 }
 
-TEST_F(Printer, KeepsSendingToAChannelWhoseNameWasTakenOver) {
+TEST_F(LogPrinterTest, KeepsSendingToAChannelWhoseNameWasTakenOver) {
     AddChannel("a", &first);
     AddChannel("a", &second);
     Send("both");
@@ -183,14 +183,14 @@ TEST_F(Printer, KeepsSendingToAChannelWhoseNameWasTakenOver) {
                                    "first: still the old one", "first: and for good"));
 }
 
-TEST_F(Printer, StartsAChannelThatTakesANameOverWithNothingSet) {
+TEST_F(LogPrinterTest, StartsAChannelThatTakesANameOverWithNothingSet) {
     AddChannel("a", &first);
     printer.AddDevice("a", &second);
     Send("x");
     EXPECT_THAT(lines, ElementsAre("first: x"));
 }
 
-TEST_F(Printer, RemovesTheChannelOfTheNameOnly) {
+TEST_F(LogPrinterTest, RemovesTheChannelOfTheNameOnly) {
     AddChannel("a", &first);
     AddChannel("b", &second);
     AddChannel("c", &third);
@@ -200,7 +200,7 @@ TEST_F(Printer, RemovesTheChannelOfTheNameOnly) {
     EXPECT_THAT(lines, ElementsAre("first: x", "third: x"));
 }
 
-TEST_F(Printer, ForgetsTheNameOfARemovedChannel) {
+TEST_F(LogPrinterTest, ForgetsTheNameOfARemovedChannel) {
     AddChannel("a", &first);
     printer.RemoveDevice("a");
     printer.SetLevelMask("a", 0);
@@ -210,7 +210,7 @@ TEST_F(Printer, ForgetsTheNameOfARemovedChannel) {
     EXPECT_THAT(lines, ElementsAre("second: x"));
 }
 
-TEST_F(Printer, IgnoresNamesThatItDoesNotKnow) {
+TEST_F(LogPrinterTest, IgnoresNamesThatItDoesNotKnow) {
     BarredFormatter barred;
     MessageFilter filter("never");
     AddChannel("a", &first);
@@ -221,7 +221,7 @@ TEST_F(Printer, IgnoresNamesThatItDoesNotKnow) {
     EXPECT_THAT(lines, ElementsAre("first: x"));
 }
 
-TEST_F(Printer, WritesAnEmptyLineForAnEmptyMessage) {
+TEST_F(LogPrinterTest, WritesAnEmptyLineForAnEmptyMessage) {
     AddChannel("a", &first);
     Send("");
     EXPECT_THAT(lines, ElementsAre("first: "));
@@ -242,7 +242,7 @@ int AddWithEveryFailure(LogPrinter& printer, const std::string& name, ILogDevice
     }
 }
 
-TEST_F(Printer, IsAsItWasWhenMemoryRunsOutWhileADeviceIsAdded) {
+TEST_F(LogPrinterTest, IsAsItWasWhenMemoryRunsOutWhileADeviceIsAdded) {
     // Too long to be held without memory of its own.
     const std::string name(100, 'n');
     AddChannel("a", &first);
@@ -253,7 +253,7 @@ TEST_F(Printer, IsAsItWasWhenMemoryRunsOutWhileADeviceIsAdded) {
     EXPECT_THAT(lines, ElementsAre("first: x", "second: x"));
 }
 
-TEST_F(Printer, LeavesANameWithItsChannelWhenMemoryRunsOutWhileItIsTakenOver) {
+TEST_F(LogPrinterTest, LeavesANameWithItsChannelWhenMemoryRunsOutWhileItIsTakenOver) {
     const std::string name(100, 'n');
     AddChannel(name, &first);
     {
@@ -267,7 +267,7 @@ TEST_F(Printer, LeavesANameWithItsChannelWhenMemoryRunsOutWhileItIsTakenOver) {
     EXPECT_GE(AddWithEveryFailure(printer, name, &second), 3);
 }
 
-TEST_F(Printer, WithoutChannelsDropsEverything) {
+TEST_F(LogPrinterTest, WithoutChannelsDropsEverything) {
     Send("x");
     EXPECT_THAT(lines, IsEmpty());
 }

@@ -39,15 +39,15 @@ TEST(Log, IsLostWhenNobodyListens) {
 }
 
 /// The channel "stream" as the program sets it up.
-class DebuggerLog : public testing::Test {
+class LogToDebuggerTest : public testing::Test {
 protected:
-    DebuggerLog() {
+    LogToDebuggerTest() {
         OSAL::Fake::Reset();
         printer->AddDevice("stream", &device);
         printer->SetFormatter("stream", &formatter);
         printer->SetLevelMask("stream", LogLevel::All);
     }
-    ~DebuggerLog() override { printer->RemoveDevice("stream"); }
+    ~LogToDebuggerTest() override { printer->RemoveDevice("stream"); }
 
     SingletonWrapper<LogPrinter> printer;
     Streams::debug_ostream<> stream;
@@ -55,7 +55,7 @@ protected:
     BriefLogFormatter formatter;
 };
 
-TEST_F(DebuggerLog, SendsOneLineForARecord) {
+TEST_F(LogToDebuggerTest, SendsOneLineForARecord) {
     Log(LogLevel::Info, "file", 1, "DynamicTest::ProcessHeaderTestFile",
         "--------------------->Enter");
     EXPECT_THAT(OSAL::Fake::TheWorld().debugOutput,
@@ -63,7 +63,7 @@ TEST_F(DebuggerLog, SendsOneLineForARecord) {
                             "--------------------->Enter\n"));
 }
 
-TEST_F(DebuggerLog, CutsAMessageWithLineBreaksIntoOneOutputForEachLine) {
+TEST_F(LogToDebuggerTest, CutsAMessageWithLineBreaksIntoOneOutputForEachLine) {
     Log(LogLevel::Error, "file", 1, "f", "first\n\nsecond\n");
     EXPECT_THAT(
         OSAL::Fake::TheWorld().debugOutput,

@@ -13,9 +13,9 @@ namespace {
 
 using OSAL::Fake::TheWorld;
 
-class ModuleDirectory : public testing::Test {
+class ProgramFilesDirectory : public testing::Test {
 protected:
-    ModuleDirectory() { OSAL::Fake::Reset(); }
+    ProgramFilesDirectory() { OSAL::Fake::Reset(); }
     std::string directory = "as it was";
 };
 
@@ -24,7 +24,7 @@ struct PathCase {
     std::string directory;
 };
 
-TEST_F(ModuleDirectory, ReachesUpToTheLastSeparator) {
+TEST_F(ProgramFilesDirectory, ReachesUpToTheLastSeparator) {
     for (const PathCase& each : std::vector<PathCase>{{"/bench/SarvexToolClient", "/bench/"},
                                                       {"/a/b.c/d/client", "/a/b.c/d/"},
                                                       {"/client", "/"},
@@ -38,14 +38,14 @@ TEST_F(ModuleDirectory, ReachesUpToTheLastSeparator) {
     }
 }
 
-TEST_F(ModuleDirectory, SucceedsWithoutSeparatorAndLeavesTheTextAlone) {
+TEST_F(ProgramFilesDirectory, SucceedsWithoutSeparatorAndLeavesTheTextAlone) {
     TheWorld().modulePath = "client";
     EXPECT_EQ(GetModuleDirectory(directory), 0);
     EXPECT_EQ(directory, "as it was");
     EXPECT_EQ(PathBesideProgram("Socket.cfg"), "Socket.cfg");
 }
 
-TEST_F(ModuleDirectory, FailsWith13WhenThePathCannotBeRead) {
+TEST_F(ProgramFilesDirectory, FailsWith13WhenThePathCannotBeRead) {
     TheWorld().modulePathReadable = false;
     EXPECT_EQ(GetModuleDirectory(directory), 13);
     EXPECT_EQ(directory, "as it was");
@@ -84,7 +84,7 @@ const std::vector<LinkCase> cases{
     // All bits are set in this value, and yet there is nothing to look at.
     {"unreadable attributes", unreadable, symbolicLink, 2, false}};
 
-TEST(FileLink, IsASymbolicLinkOrASecondNameOfAnArchivedFile) {
+TEST(ProgramFilesLink, IsASymbolicLinkOrASecondNameOfAnArchivedFile) {
     OSAL::Fake::Reset();
     for (const LinkCase& each : cases) {
         SCOPED_TRACE(each.what);
@@ -94,7 +94,7 @@ TEST(FileLink, IsASymbolicLinkOrASecondNameOfAnArchivedFile) {
     }
 }
 
-TEST(FileLink, IsNoMissingFile) {
+TEST(ProgramFilesLink, IsNoMissingFile) {
     OSAL::Fake::Reset();
     EXPECT_FALSE(IsLink("/bench/Socket.cfg"));
 }
@@ -103,16 +103,16 @@ void Mark(std::string& text) {
     text += "!";
 }
 
-TEST(FileLink, MessageNamesThePath) {
+TEST(ProgramFilesLink, MessageNamesThePath) {
     EXPECT_EQ(LinkMessage("/bench/Socket.cfg"), "File /bench/Socket.cfg is a link");
 }
 
-TEST(FileLink, MessageExpandsThePathLikeAnyText) {
+TEST(ProgramFilesLink, MessageExpandsThePathLikeAnyText) {
     const ProviderGuard guard(&Mark);
     EXPECT_EQ(LinkMessage("/x"), "File /x! is a link!");
 }
 
-TEST(FileLink, MessageNamesAPathThatLooksLikeAPlaceholder) {
+TEST(ProgramFilesLink, MessageNamesAPathThatLooksLikeAPlaceholder) {
     EXPECT_EQ(LinkMessage("/${1}/Socket.cfg"), "File /${1}/Socket.cfg is a link");
 }
 
