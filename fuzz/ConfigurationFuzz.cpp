@@ -36,8 +36,8 @@ std::string TakeWord(std::string_view& line) {
     return word;
 }
 
-/// The number at the start of a word, with or without a sign; nothing when there is none, when it
-/// is below 0, and when it has more than 32 bits.
+/// The number at the start of a word, with or without a sign; nothing when there is none and when
+/// it does not fit into 32 bits.
 std::optional<std::int32_t> CountIn(const std::string& word) {
     constexpr std::int64_t highest = std::numeric_limits<std::int32_t>::max();
     const bool isNegative = word.starts_with('-');
@@ -45,10 +45,11 @@ std::optional<std::int32_t> CountIn(const std::string& word) {
     std::size_t position = start;
     std::int64_t count = 0;
     for (; position < word.size() && word[position] >= '0' && word[position] <= '9'; ++position)
-        count = std::min(count * 10 + (word[position] - '0'), highest + 1);
-    if (position == start || count > highest || (isNegative && count > 0))
+        count = std::min(count * 10 + (word[position] - '0'), highest + 2);
+    // One more number lies below 0 than above it.
+    if (position == start || count > highest + (isNegative ? 1 : 0))
         return std::nullopt;
-    return static_cast<std::int32_t>(count);
+    return static_cast<std::int32_t>(isNegative ? -count : count);
 }
 
 std::string ToLower(std::string text) {
@@ -79,7 +80,7 @@ CommandTable ReadTablePlainly(const std::string& content) {
 bool AreAllKnownPlainly(const std::vector<std::string>& arguments, const CommandTable& table) {
     std::size_t position = 0;
     while (position < arguments.size()) {
-        if (!table.contains(arguments[position]))
+        if (!table.contains(arguments[position]) || table.at(arguments[position]) < 0)
             return false;
         position += 1 + static_cast<std::size_t>(table.at(arguments[position]));
     }
