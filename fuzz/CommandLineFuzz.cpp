@@ -109,7 +109,7 @@ private:
         TakeAddress();
         TakeTestFiles(texts);
         if (Holds("-?") || Holds("-help"))
-            m_outcome.output = usageText;
+            m_outcome.output = SarvexTool::usageText;
         OpenDaemon();
         Replace("-connect", "-connectbin");
         Replace("-disconnect", "-disconnectxvt");
@@ -167,7 +167,10 @@ private:
         if (m_scene.isTableALink)
             End(256, "File /bench/SarvexToolCmds.txt is a link\n");
         std::istringstream file(m_scene.table);
-        return AreAllKnown({m_list.begin(), m_list.end()}, ReadCommandTable(file)) ? "" : "-vemo ";
+        return SarvexTool::AreAllKnown({m_list.begin(), m_list.end()},
+                                       SarvexTool::ReadCommandTable(file))
+                   ? ""
+                   : "-vemo ";
     }
 
     std::string CommandLine(const std::string& prefix) const {
@@ -221,7 +224,7 @@ int RunReally(const Scene& scene) {
     std::vector<const char*> pointers{"program"};
     for (const std::string& argument : scene.arguments)
         pointers.push_back(argument.c_str());
-    return RunClient(static_cast<int>(pointers.size()), pointers.data());
+    return SarvexTool::RunClient(static_cast<int>(pointers.size()), pointers.data());
 }
 
 /// The head's fixed text has 482 bytes.

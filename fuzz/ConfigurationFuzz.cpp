@@ -60,8 +60,8 @@ std::string ToLower(std::string text) {
     return text;
 }
 
-CommandTable ReadTablePlainly(const std::string& content) {
-    CommandTable table;
+SarvexTool::CommandTable ReadTablePlainly(const std::string& content) {
+    SarvexTool::CommandTable table;
     std::vector<std::string> lines = Split(content, '\n');
     // Behind the last line feed there is no line.
     if (lines.back().empty())
@@ -77,7 +77,8 @@ CommandTable ReadTablePlainly(const std::string& content) {
     return table;
 }
 
-bool AreAllKnownPlainly(const std::vector<std::string>& arguments, const CommandTable& table) {
+bool AreAllKnownPlainly(const std::vector<std::string>& arguments,
+                        const SarvexTool::CommandTable& table) {
     std::size_t position = 0;
     while (position < arguments.size()) {
         if (!table.contains(arguments[position]) || table.at(arguments[position]) < 0)
@@ -87,21 +88,22 @@ bool AreAllKnownPlainly(const std::vector<std::string>& arguments, const Command
     return true;
 }
 
-std::string Describe(const CommandTable& table) {
+std::string Describe(const SarvexTool::CommandTable& table) {
     std::string description;
     for (const auto& [name, count] : table)
         description += name + "=" + std::to_string(count) + " ";
     return description;
 }
 
-void CheckArguments(const std::vector<std::string>& records, const CommandTable& table) {
+void CheckArguments(const std::vector<std::string>& records,
+                    const SarvexTool::CommandTable& table) {
     std::list<Core::Value> arguments;
     std::vector<std::string> texts;
     for (const std::string& record : records) {
         arguments.emplace_back(record);
         texts.push_back(arguments.back().ToString());
     }
-    CheckEqual(AreAllKnown(arguments, table), AreAllKnownPlainly(texts, table),
+    CheckEqual(SarvexTool::AreAllKnown(arguments, table), AreAllKnownPlainly(texts, table),
                "arguments are known when each command of the walk is in the table");
 }
 
@@ -112,7 +114,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CheckEqual(ReadPort(groups[0]), UpToNul(groups[0].substr(0, 4)),
                "the port is the first four bytes up to a NUL");
     std::istringstream file(groups[1]);
-    const CommandTable table = ReadCommandTable(file);
+    const SarvexTool::CommandTable table = SarvexTool::ReadCommandTable(file);
     CheckEqual(Describe(table), Describe(ReadTablePlainly(groups[1])),
                "one malformed line empties the table");
     CheckArguments(Split(groups[2], RecordSeparator), table);

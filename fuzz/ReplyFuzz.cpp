@@ -19,7 +19,7 @@ namespace {
 using OSAL::Fake::TheWorld;
 
 /// What is wrong with the line after the return-code marker.
-std::string ProblemOf(const Reply& reply) {
+std::string ProblemOf(const SarvexTool::Reply& reply) {
     try {
         if (reply.failure)
             std::rethrow_exception(reply.failure);
@@ -38,7 +38,7 @@ std::string Receive() {
 
 void CheckSorting(const std::string& message) {
     const PlainReply expected = PlainSort(message);
-    const Reply sorted = SortReply(CutHttpHead(message));
+    const SarvexTool::Reply sorted = SarvexTool::SortReply(SarvexTool::CutHttpHead(message));
     CheckEqual(sorted.allLines, expected.allLines, "all lines are kept as they came");
     CheckEqual(ProblemOf(sorted), expected.problem, "a return code that is no number is told");
     if (!expected.problem.empty())

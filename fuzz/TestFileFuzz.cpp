@@ -113,7 +113,8 @@ std::vector<PlainMeasurement> ReadMeasurements(const pugi::xml_node& table) {
                             value(band), value(bandwidth), value(channel),
                             value(rate), chain.name(),     chain.attribute("power").value(),
                             {}};
-                        for (const ResultAttribute& attribute : resultAttributes)
+                        for (const PowerTest::ResultAttribute& attribute :
+                             PowerTest::resultAttributes)
                             measurement.attributes.emplace_back(
                                 chain.attribute(attribute.name).value());
                         measurements.push_back(measurement);

@@ -5,7 +5,8 @@
 
 namespace Bench {
 
-const std::string AnsweringPeer::Request = BuildRequest("127.0.0.1", "CLI -1 -vemo  -wifi-stop");
+const std::string AnsweringPeer::Request =
+    SarvexTool::BuildRequest("127.0.0.1", "CLI -1 -vemo  -wifi-stop");
 
 struct AnsweringPeer::System {
     explicit System(const std::string& body)

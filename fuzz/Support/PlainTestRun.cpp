@@ -11,6 +11,7 @@
 
 namespace {
 
+namespace Column = PowerTest::Column;
 using Cells = std::vector<std::string>;
 using Positions = std::map<std::string, std::size_t>;
 
@@ -168,7 +169,7 @@ private:
     }
 
     static bool IsColumn(const std::string& title) {
-        for (const ColumnCommand& row : columnCommands) {
+        for (const PowerTest::ColumnCommand& row : PowerTest::columnCommands) {
             if (row.column == title)
                 return true;
         }
@@ -194,7 +195,7 @@ private:
 
     std::string Configuration(const Cells& cells) const {
         std::string arguments;
-        for (const auto& [column, option] : columnCommands) {
+        for (const auto& [column, option] : PowerTest::columnCommands) {
             const std::string cell = Cell(cells, column);
             if (cell == "-")
                 continue;
@@ -219,7 +220,7 @@ private:
         if (chains == "B")
             measurement.power = cells[cells.size() - 1];
         measurement.power += "dBm";
-        for (const ResultAttribute& attribute : resultAttributes)
+        for (const PowerTest::ResultAttribute& attribute : PowerTest::resultAttributes)
             measurement.attributes.push_back(Cell(cells, attribute.column));
         m_run.measurements.push_back(measurement);
     }

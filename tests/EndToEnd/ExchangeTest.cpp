@@ -11,6 +11,9 @@
 namespace EndToEnd {
 namespace {
 
+using SarvexTool::BuildRequest;
+using SarvexTool::usageText;
+
 constexpr const char* head = "HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\n\r\n";
 
 /// Runs the client against a peer that takes the request and then does what the script says.

@@ -9,6 +9,7 @@
 namespace EndToEnd {
 namespace {
 
+using SarvexTool::usageText;
 using testing::HasSubstr;
 
 /// A bench whose client may start the daemon beside it.

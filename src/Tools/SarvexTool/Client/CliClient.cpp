@@ -30,7 +30,7 @@ auto FindArgument(List& arguments, const std::string& name) {
                         [&name](const Core::Value& argument) { return argument == name; });
 }
 
-void Print(const Reply& reply) {
+void Print(const SarvexTool::Reply& reply) {
     std::cout << reply.information << std::flush;
     std::cerr << reply.error << std::flush;
 }
@@ -96,17 +96,17 @@ std::string CliClient::BuildArguments() const {
     return text;
 }
 
-CommandTable CliClient::ReadSarvexToolCommands() const {
+SarvexTool::CommandTable CliClient::ReadSarvexToolCommands() const {
     const std::string path = Utilities::PathBesideProgram("SarvexToolCmds.txt");
     if (Utilities::IsLink(path))
         Utilities::Raise(Utilities::LinkMessage(path), {"src/Tools/SarvexTool/Client/CliClient",
                                                         293, "CliClient::ReadSarvexToolCommands"});
     std::istringstream file(OSAL::ReadTextFile(path));
-    return ReadCommandTable(file);
+    return SarvexTool::ReadCommandTable(file);
 }
 
 bool CliClient::AreAllKnownCommands() const {
-    return AreAllKnown(m_arguments, ReadSarvexToolCommands());
+    return SarvexTool::AreAllKnown(m_arguments, ReadSarvexToolCommands());
 }
 
 bool CliClient::Connect(const std::string& /*address*/) {
@@ -124,12 +124,12 @@ bool CliClient::Connect(const std::string& /*address*/) {
 
 int CliClient::SendCommand(bool waitForAnswer, const std::string& prefix) {
     m_response.clear();
-    const std::string request =
-        BuildRequest(m_remoteAddress, BuildCommandLine(prefix, BuildArguments()));
+    const std::string request = SarvexTool::BuildRequest(
+        m_remoteAddress, SarvexTool::BuildCommandLine(prefix, BuildArguments()));
     std::string answer = Exchange(request, waitForAnswer);
     if (!waitForAnswer)
         return 0;
-    Reply reply = SortReply(CutHttpHead(std::move(answer)));
+    SarvexTool::Reply reply = SarvexTool::SortReply(SarvexTool::CutHttpHead(std::move(answer)));
     m_response = std::move(reply.allLines);
     if (reply.failure)
         std::rethrow_exception(reply.failure);

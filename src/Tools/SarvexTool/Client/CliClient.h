@@ -48,7 +48,7 @@ public:
 
     /// Reads the command table SarvexToolCmds.txt beside the program; empty when there is none or
     /// it is malformed. Raises an Utilities::Exception* "File ${1} is a link" when it is a link.
-    CommandTable ReadSarvexToolCommands() const;
+    SarvexTool::CommandTable ReadSarvexToolCommands() const;
 
     /// Whether all arguments are commands of the daemon's own; raises what reading the table
     /// raises.

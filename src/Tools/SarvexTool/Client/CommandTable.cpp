@@ -4,6 +4,8 @@
 #include <iterator>
 #include <sstream>
 
+namespace SarvexTool {
+
 namespace {
 
 char ToLower(char character) {
@@ -51,3 +53,5 @@ bool AreAllKnown(const std::list<Core::Value>& arguments, const CommandTable& ta
     }
     return true;
 }
+
+} // namespace SarvexTool

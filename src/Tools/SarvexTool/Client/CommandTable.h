@@ -8,6 +8,8 @@
 #include <map>
 #include <string>
 
+namespace SarvexTool {
+
 /// The daemon's own commands: lower-case name to parameter count.
 using CommandTable = std::map<std::string, std::int32_t>;
 
@@ -20,3 +22,5 @@ CommandTable ReadCommandTable(std::istream& file);
 /// Whether the arguments are nothing but commands of the table, each with its parameters. A last
 /// command whose parameters are missing counts as known; one with a negative count is unknown.
 bool AreAllKnown(const std::list<Core::Value>& arguments, const CommandTable& table);
+
+} // namespace SarvexTool

@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+namespace SarvexTool {
+
 // The byte 0x85 is the ellipsis of the console's code page Windows-1252; it stands in a piece of
 // its own so that the escape does not swallow what follows.
 const char* const usageText =
@@ -160,3 +162,5 @@ int RunClient(int argc, const char* const argv[]) {
     std::cout << "Usage: " << (argc > 0 ? argv[0] : "") << " [args]" << std::endl;
     return 0;
 }
+
+} // namespace SarvexTool

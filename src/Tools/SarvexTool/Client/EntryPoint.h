@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+namespace SarvexTool {
+
 /// The long usage text, for standard output as it stands. Its unbalanced brackets and the like
 /// words for two options are known to its readers and kept.
 extern const char* const usageText;
@@ -18,3 +20,5 @@ std::vector<std::string> CopyArguments(int argc, const char* const argv[]);
 /// after the short usage, 1 when the daemon cannot be reached, 256 when an exception ended the run
 /// (its message is on standard error), 258 when the local daemon cannot be started.
 int RunClient(int argc, const char* const argv[]);
+
+} // namespace SarvexTool

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+namespace SarvexTool {
+
 namespace {
 
 enum class Section { Ignored, Information, Error, ReturnCode };
@@ -112,3 +114,5 @@ Reply SortReply(std::string body) {
         reply.returnCode = uncalibratedCode;
     return reply;
 }
+
+} // namespace SarvexTool

@@ -4,6 +4,8 @@
 #include <exception>
 #include <string>
 
+namespace SarvexTool {
+
 /// What one answer of the daemon says.
 struct Reply {
     /// For standard output; each line ends in a line feed.
@@ -26,3 +28,5 @@ std::string CutHttpHead(std::string answer);
 /// Sorts the lines of an answer's body into the sections that its marker lines open, and reads the
 /// return code.
 Reply SortReply(std::string body);
+
+} // namespace SarvexTool

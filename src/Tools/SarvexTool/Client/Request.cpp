@@ -3,6 +3,8 @@
 #include "Modules/xFramework/Utilities/Format.h"
 #include "Modules/xFramework/Utilities/FormatProviders.h"
 
+namespace SarvexTool {
+
 namespace {
 
 /// The port in the headers is fixed text, whatever port is dialled, and the Origin header bears no
@@ -44,3 +46,5 @@ std::string BuildRequest(const std::string& address, const std::string& commandL
     const std::string length = std::to_string(body.size());
     return Utilities::FillTemplate(headTemplate, {address, length, address, address}) + body;
 }
+
+} // namespace SarvexTool

@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace SarvexTool {
+
 /// The command line that the daemon is given: "CLI -1 ", the prefix and the argument text. The
 /// argument text begins with a blank, so a prefix that ends in one yields two in a row: the daemon
 /// is given exactly these bytes.
@@ -10,3 +12,5 @@ std::string BuildCommandLine(const std::string& prefix, const std::string& argum
 /// The HTTP request that carries a command line to the daemon at the address (a host name or
 /// numeric address, without port). The body is the command line as it stands.
 std::string BuildRequest(const std::string& address, const std::string& commandLine);
+
+} // namespace SarvexTool

@@ -3,5 +3,5 @@
 
 int main(int argc, char* argv[]) {
     OSAL::PrepareStandardStreams();
-    return OSAL::ToExitStatus(RunClient(argc, argv));
+    return OSAL::ToExitStatus(SarvexTool::RunClient(argc, argv));
 }

@@ -204,7 +204,8 @@ TEST_F(CliClientTest, ExchangeSendsTheRequestAndSortsTheAnswer) {
     TheWorld().received = {"HTTP/1.1 200 OK\r\n\r\nhello\nSarvex tool ERROR\noops\nSarvex tool "
                            "RETURN CODE\n3\nDone"};
     EXPECT_EQ(client->SendCommand(true, "-vemo "), 3);
-    EXPECT_EQ(TheWorld().sent, BuildRequest("bench", "CLI -1 -vemo  -wifi-stop \"a b\""));
+    EXPECT_EQ(TheWorld().sent,
+              SarvexTool::BuildRequest("bench", "CLI -1 -vemo  -wifi-stop \"a b\""));
     EXPECT_EQ(console.Out(), "hello\n");
     EXPECT_EQ(console.Err(), "oops\n");
     EXPECT_EQ(client->GetResponse(),

@@ -4,6 +4,8 @@
 
 #include <sstream>
 
+namespace SarvexTool {
+
 namespace {
 
 using testing::ElementsAre;
@@ -92,3 +94,5 @@ TEST(CommandTableTest, EmptyTableKnowsNoArgument) {
 }
 
 } // namespace
+
+} // namespace SarvexTool

@@ -16,6 +16,8 @@
 #include <stdexcept>
 #include <vector>
 
+namespace SarvexTool {
+
 namespace {
 
 using OSAL::Fake::CountCalls;
@@ -471,3 +473,5 @@ TEST_F(EntryPointTest, AllByteValuesButNulAreSentAsTheyAre) {
 }
 
 } // namespace
+
+} // namespace SarvexTool

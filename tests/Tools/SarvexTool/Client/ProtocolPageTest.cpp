@@ -69,7 +69,7 @@ protected:
         for (const std::string& argument : arguments)
             pointers.push_back(argument.c_str());
         TheWorld().sent.clear();
-        return RunClient(static_cast<int>(pointers.size()), pointers.data());
+        return SarvexTool::RunClient(static_cast<int>(pointers.size()), pointers.data());
     }
 };
 

@@ -4,6 +4,8 @@
 
 #include <stdexcept>
 
+namespace SarvexTool {
+
 namespace {
 
 TEST(ReplyTest, HeadIsCutAtTheFirstEmptyLine) {
@@ -159,3 +161,5 @@ TEST(ReplyTest, ExtremeCodesAreRead) {
 }
 
 } // namespace
+
+} // namespace SarvexTool

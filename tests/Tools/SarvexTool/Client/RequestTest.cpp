@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+namespace SarvexTool {
+
 namespace {
 
 /// A request, byte for byte.
@@ -97,3 +99,5 @@ TEST_F(ExpandedRequestTest, WhatAVariableStandsForIsNotExpandedAgain) {
 }
 
 } // namespace
+
+} // namespace SarvexTool

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstddef>
 
+namespace PowerTest {
+
 /// The column names of a test file, matched exactly and case-sensitively. That one says "unit"
 /// where another says "Unit" is how the test files spell them.
 namespace Column {
@@ -86,3 +88,5 @@ struct Chain {
 
 /// In the order of the two columns that end a row of result.csv.
 inline constexpr std::array<Chain, 2> chains{{{"A", "1"}, {"B", "2"}}};
+
+} // namespace PowerTest

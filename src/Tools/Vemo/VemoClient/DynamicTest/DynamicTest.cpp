@@ -16,6 +16,23 @@
 
 namespace {
 
+namespace Column = PowerTest::Column;
+using PowerTest::Chain;
+using PowerTest::ChainPower;
+using PowerTest::chainPowers;
+using PowerTest::chains;
+using PowerTest::ColumnCommand;
+using PowerTest::columnCommands;
+using PowerTest::FailureOf;
+using PowerTest::Fields;
+using PowerTest::FindInReply;
+using PowerTest::PrintError;
+using PowerTest::resultAttributes;
+using PowerTest::resultColumns;
+using PowerTest::resultLevels;
+using PowerTest::SplitFields;
+using PowerTest::TestFiles;
+using PowerTest::TrimField;
 using Utilities::Format;
 using Utilities::FunctionTrace;
 

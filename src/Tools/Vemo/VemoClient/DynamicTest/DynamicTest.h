@@ -43,10 +43,10 @@ public:
     void ProcessHeaderTestFile(std::ostream& csv, const std::string& header);
 
     /// Whether every field is the name of a column; reports the first that is none.
-    bool ValidateHeader(const Fields& fields) const;
+    bool ValidateHeader(const PowerTest::Fields& fields) const;
 
     /// Takes the position of each column; of a name given twice, the later one.
-    void BuildColumnIndex(const Fields& fields);
+    void BuildColumnIndex(const PowerTest::Fields& fields);
 
     /// Commits one line, runs its transmission and records the powers. Throws what the
     /// exchange throws.
@@ -54,7 +54,7 @@ public:
 
     /// Whether the line sets the column: the header has it, the line reaches it, and the cell is
     /// not "-". A cell of nothing but blanks is set.
-    bool IsColumnSet(const std::string& column, const Fields& fields) const;
+    bool IsColumnSet(const std::string& column, const PowerTest::Fields& fields) const;
 
     /// Sends the configuration with the start of the transmission behind it, then the stop. Returns
     /// the reply to the former.
@@ -89,7 +89,7 @@ public:
     std::string GetXmlNodeAttribute(const XML::Node& node, const std::string& attribute) const;
 
     /// The cell of that column, "-" when the fields do not set it.
-    std::string GetResultValue(const std::string& column, const Fields& fields) const;
+    std::string GetResultValue(const std::string& column, const PowerTest::Fields& fields) const;
 
 private:
     /// A line as the daemon and the console get it.
@@ -99,11 +99,11 @@ private:
     };
 
     void StartPowerTable(const std::string& countryCode);
-    bool ProcessTestFile(TestFiles& files, std::int32_t macType);
+    bool ProcessTestFile(PowerTest::TestFiles& files, std::int32_t macType);
     bool WriteResultDocument(std::ostream& xml) const;
-    void ReportDamage(const TestFiles& files) const;
+    void ReportDamage(const PowerTest::TestFiles& files) const;
     void Pause(std::int32_t macType) const;
-    Configuration ReadConfiguration(const Fields& fields) const;
+    Configuration ReadConfiguration(const PowerTest::Fields& fields) const;
 
     /// A cell with this value leaves its column unset; also stands for every value that is not
     /// known.

@@ -4,6 +4,10 @@
 
 #include <iostream>
 
+namespace PowerTest {
+
 void PrintError(const std::string& messageTemplate, const std::string& text) {
     std::cerr << Utilities::FillTemplate(messageTemplate, {text});
 }
+
+} // namespace PowerTest

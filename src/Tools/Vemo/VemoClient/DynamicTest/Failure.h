@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+namespace PowerTest {
+
 /// Writes the message on standard error: the template with the text in place of ${1}. No line end
 /// follows; that messages run together on one line is how the bench's scripts know them.
 void PrintError(const std::string& messageTemplate, const std::string& text);
@@ -23,3 +25,5 @@ std::optional<std::string> FailureOf(const Step& step) {
         return Utilities::TakeCaughtException().text;
     }
 }
+
+} // namespace PowerTest

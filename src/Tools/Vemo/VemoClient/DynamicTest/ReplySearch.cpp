@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <regex>
 
+namespace PowerTest {
+
 namespace {
 
 using Position = std::string::difference_type;
@@ -45,3 +47,5 @@ std::optional<std::string> FindInReply(const std::string& reply, const std::stri
     }
     return std::nullopt;
 }
+
+} // namespace PowerTest

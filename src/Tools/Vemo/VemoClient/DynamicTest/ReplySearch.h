@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+namespace PowerTest {
+
 /// Searches a reply of the daemon with a regular expression (ECMAScript grammar, case-sensitive)
 /// and returns what its first group captured in the first match; nothing when there is no match or
 /// the group took no part in it. Finds what std::regex_search finds, without its recursion: a line
@@ -11,3 +13,5 @@
 /// The pattern begins with plain text that no quantifier follows, and matches no line end. When it
 /// is malformed, the first reply that holds the plain text throws std::regex_error.
 std::optional<std::string> FindInReply(const std::string& reply, const std::string& pattern);
+
+} // namespace PowerTest

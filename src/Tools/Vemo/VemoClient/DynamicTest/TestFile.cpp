@@ -1,5 +1,7 @@
 #include "Tools/Vemo/VemoClient/DynamicTest/TestFile.h"
 
+namespace PowerTest {
+
 std::string TrimField(const std::string& text) {
     constexpr const char* whiteSpace = "\r\n\t ";
     const std::size_t first = text.find_first_not_of(whiteSpace);
@@ -26,3 +28,5 @@ TestFiles::TestFiles(const std::string& testFileName, const std::string& csvFile
     // header line is read whether that works or not.
     test.peek();
 }
+
+} // namespace PowerTest

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace PowerTest {
+
 using Fields = std::vector<std::string>;
 
 /// The text without the carriage returns, line feeds, tabs and spaces around it; a text of nothing
@@ -30,3 +32,5 @@ struct TestFiles {
     std::ofstream csv;
     std::ofstream xml;
 };
+
+} // namespace PowerTest

@@ -121,7 +121,7 @@ TEST_F(DynamicTestLineTest, LaterHeaderReplacesAnEarlierOne) {
 
 TEST_F(DynamicTestLineTest, ColumnIsSetWhenItsCellHoldsMoreThanTheMarker) {
     test.BuildColumnIndex({"Band", "Channel"});
-    const std::pair<Fields, bool> cases[] = {
+    const std::pair<PowerTest::Fields, bool> cases[] = {
         {{"5", "36"}, true}, {{"5"}, false},        {{}, false},         {{"5", "-"}, false},
         {{"5", ""}, false},  {{"5", " - "}, false}, {{"5", "--"}, true}, {{"5", " "}, true},
         {{"5", "\t"}, true}, {{"-", "36"}, true},

@@ -78,7 +78,7 @@ TEST_F(ExamplesTest, SweepIsAFullTableOfMoreThanFiveHundredLines) {
     EXPECT_GT(lines.size(), 500u);
     for (const std::string& line : lines) {
         SCOPED_TRACE(line);
-        EXPECT_EQ(SplitFields(line).size(), 10u);
+        EXPECT_EQ(PowerTest::SplitFields(line).size(), 10u);
         EXPECT_EQ(std::count(line.begin(), line.end(), ','), 9);
     }
     EXPECT_EQ(Run(sweep), 0);

@@ -8,6 +8,8 @@
 #include <new>
 #include <stdexcept>
 
+namespace PowerTest {
+
 namespace {
 
 std::string Printed(const std::string& messageTemplate, const std::string& text) {
@@ -56,3 +58,5 @@ TEST(FailureTest, WhatIsNoStandardExceptionPassesThrough) {
 }
 
 } // namespace
+
+} // namespace PowerTest

@@ -8,6 +8,8 @@
 #include <regex>
 #include <string>
 
+namespace PowerTest {
+
 namespace {
 
 using namespace std::string_literals;
@@ -190,3 +192,5 @@ TEST(ReplySearchTest, NumberOfAMegabyteIsFound) {
 }
 
 } // namespace
+
+} // namespace PowerTest

@@ -6,6 +6,8 @@
 
 #include <filesystem>
 
+namespace PowerTest {
+
 namespace {
 
 using namespace std::string_literals;
@@ -125,3 +127,5 @@ TEST_F(TestFileTest, ResultFileThatCannotBeCreatedDoesNotOpen) {
 }
 
 } // namespace
+
+} // namespace PowerTest
