@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 namespace OSAL {
 
@@ -12,5 +13,28 @@ inline constexpr Handle InvalidHandle = ~Handle{0};
 /// Gives a handle back; false when it names nothing open. InvalidHandle does no harm; Windows takes
 /// it for the running process and returns true.
 bool CloseHandle(Handle handle);
+
+/// Owns a handle, or none, and gives it back when it ends.
+class OwnedHandle {
+public:
+    OwnedHandle() = default;
+    explicit OwnedHandle(Handle handle) noexcept : m_handle(handle) {}
+    OwnedHandle(OwnedHandle&& other) noexcept
+        : m_handle(std::exchange(other.m_handle, InvalidHandle)) {}
+    OwnedHandle& operator=(OwnedHandle&& other) noexcept {
+        std::swap(m_handle, other.m_handle);
+        return *this;
+    }
+    ~OwnedHandle() { Close(); }
+
+    bool IsOpen() const { return m_handle != InvalidHandle; }
+    Handle Get() const { return m_handle; }
+
+    /// Gives the handle back now; false when there is none or the system knows it no more.
+    bool Close() { return IsOpen() && CloseHandle(std::exchange(m_handle, InvalidHandle)); }
+
+private:
+    Handle m_handle = InvalidHandle;
+};
 
 } // namespace OSAL

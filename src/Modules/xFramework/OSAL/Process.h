@@ -16,8 +16,8 @@ extern const char PathSeparator;
 extern const char* const ExecutableSuffix;
 
 struct ProcessInformation {
-    Handle process = 0;
-    Handle thread = 0;
+    OwnedHandle process;
+    OwnedHandle thread;
 };
 
 /// A child process whose output can be read.
@@ -38,7 +38,7 @@ std::uint32_t GetLastError();
 bool ReadModulePath(std::string& path);
 
 /// Creates a process from an executable file and its whole command line. The child inherits the
-/// handles and the environment. On success information holds handles that the caller closes.
+/// handles and the environment. On success information owns its handles, where the system has any.
 /// Where a command line is a list of texts, the child gets the executable path alone.
 bool CreateChildProcess(const std::string& executablePath, const std::string& commandLine,
                         const std::string& workingDirectory, bool newConsole,

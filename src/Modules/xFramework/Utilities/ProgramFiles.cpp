@@ -24,12 +24,8 @@ std::string PathBesideProgram(const std::string& fileName) {
 }
 
 bool IsLink(const std::string& path) {
-    const std::uint32_t attributes = OSAL::ReadFileAttributes(path);
-    if (attributes == OSAL::InvalidFileAttributes || (attributes & OSAL::ArchiveAttribute) == 0)
-        return false;
-    const bool isSymbolicLink = (attributes & OSAL::ReparsePointAttribute) != 0 &&
-                                OSAL::ReadReparseTag(path) == OSAL::SymbolicLinkTag;
-    return isSymbolicLink || OSAL::CountHardLinks(path) > 1;
+    const OSAL::PathKind kind = OSAL::LookAtPath(path);
+    return kind.isToBeArchived && (kind.isSymbolicLink || OSAL::CountNames(path) > 1);
 }
 
 std::string LinkMessage(const std::string& path) {

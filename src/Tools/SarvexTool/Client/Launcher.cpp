@@ -35,8 +35,8 @@ bool StartLocalDaemon(const std::string& name) {
     const bool started = StartProcess(directory, name, "", false, information);
     const std::uint32_t error = OSAL::GetLastError();
     OSAL::Sleep(startPauseMilliseconds);
-    OSAL::CloseHandle(information.thread);
-    OSAL::CloseHandle(information.process);
+    information.thread.Close();
+    information.process.Close();
     if (!started)
         std::cerr << "Error occurred: Can't start SarvexTool daemon. Error code: " << error
                   << std::endl;

@@ -16,8 +16,8 @@ bool StartLocalDaemon(const std::string& name);
 bool IsProcessRunning(const std::string& name, bool requireTwo);
 
 /// Starts an executable of the directory (which ends in a separator) with an argument text, in the
-/// directory itself and with this process's environment and handles. On success the caller closes
-/// the handles of the process information.
+/// directory itself and with this process's environment and handles. On success the process
+/// information owns the handles of the process.
 bool StartProcess(const std::string& directory, const std::string& name,
                   const std::string& arguments, bool newConsole,
                   OSAL::ProcessInformation& information);

@@ -21,11 +21,8 @@ std::string PortFilePath() {
 std::string ReadPortText(const std::string& path) {
     constexpr std::size_t bytesRead = 5;
     std::array<char, bytesRead> buffer{};
-    const OSAL::Handle file = OSAL::OpenFileForReading(path);
-    if (file != OSAL::InvalidHandle) {
-        OSAL::ReadFile(file, buffer.data(), buffer.size());
-        OSAL::CloseHandle(file);
-    }
+    const OSAL::OwnedHandle file = OSAL::OpenFileForReading(path);
+    OSAL::ReadFile(file, buffer.data(), buffer.size());
     buffer.back() = '\0';
     return buffer.data();
 }

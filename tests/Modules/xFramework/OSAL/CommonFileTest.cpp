@@ -18,7 +18,7 @@ namespace {
 class RealFile : public testing::Test {
 protected:
     /// What one read of size bytes gives.
-    static std::string Read(Handle file, std::size_t size) {
+    static std::string Read(const OwnedHandle& file, std::size_t size) {
         std::array<char, 64> buffer{};
         return std::string(buffer.data(), ReadFile(file, buffer.data(), size));
     }
@@ -28,83 +28,78 @@ protected:
     const std::string missing = directory.Path("missing");
 };
 
-// Who asks gets the numbers of Windows on either system.
-TEST(FileConstants, AreThoseOfWindows) {
-    EXPECT_EQ(InvalidFileAttributes, 0xFFFFFFFFu);
-    EXPECT_EQ(ArchiveAttribute, 0x20u);
-    EXPECT_EQ(ReparsePointAttribute, 0x400u);
-    EXPECT_EQ(SymbolicLinkTag, 0xA000000Cu);
-    EXPECT_EQ(InvalidHandle + 1, 0u);
-}
-
-TEST_F(RealFile, BearsTheArchiveAttributeAndNoReparsePoint) {
-    EXPECT_EQ(ReadFileAttributes(path) & (ArchiveAttribute | ReparsePointAttribute),
-              ArchiveAttribute);
-    EXPECT_EQ(ReadReparseTag(path), 0u);
-    EXPECT_EQ(CountHardLinks(path), 1u);
+TEST_F(RealFile, IsToBeArchivedAndHasOneName) {
+    const PathKind kind = LookAtPath(path);
+    EXPECT_TRUE(kind.isToBeArchived);
+    EXPECT_FALSE(kind.isDirectory);
+    EXPECT_FALSE(kind.isSymbolicLink);
+    EXPECT_EQ(CountNames(path), 1u);
     EXPECT_FALSE(Utilities::IsLink(path));
 }
 
-TEST_F(RealFile, ThatIsMissingHasNoAttributesAndNoLinks) {
-    EXPECT_EQ(ReadFileAttributes(missing), InvalidFileAttributes);
-    EXPECT_EQ(ReadReparseTag(missing), 0u);
-    EXPECT_EQ(CountHardLinks(missing), 0u);
+TEST_F(RealFile, ThatIsMissingIsOfNoKindAndHasNoName) {
+    const PathKind kind = LookAtPath(missing);
+    EXPECT_FALSE(kind.isToBeArchived);
+    EXPECT_FALSE(kind.isDirectory);
+    EXPECT_FALSE(kind.isSymbolicLink);
+    EXPECT_EQ(CountNames(missing), 0u);
     EXPECT_FALSE(Utilities::IsLink(missing));
 }
 
 TEST_F(RealFile, WithASecondNameIsALinkByBothNames) {
     const std::string second = directory.Path("second");
     std::filesystem::create_hard_link(path, second);
-    EXPECT_EQ(CountHardLinks(path), 2u);
-    EXPECT_EQ(CountHardLinks(second), 2u);
+    EXPECT_EQ(CountNames(path), 2u);
+    EXPECT_EQ(CountNames(second), 2u);
     EXPECT_TRUE(Utilities::IsLink(path));
     EXPECT_TRUE(Utilities::IsLink(second));
 
     std::filesystem::remove(second);
-    EXPECT_EQ(CountHardLinks(path), 1u);
+    EXPECT_EQ(CountNames(path), 1u);
     EXPECT_FALSE(Utilities::IsLink(path));
 }
 
 TEST_F(RealFile, OfADirectoryIsNoLink) {
     const std::string folder = directory.Path("folder");
     std::filesystem::create_directory(folder);
-    EXPECT_EQ(ReadFileAttributes(folder) & ArchiveAttribute, 0u);
+    EXPECT_TRUE(LookAtPath(folder).isDirectory);
+    EXPECT_FALSE(LookAtPath(folder).isToBeArchived);
     EXPECT_FALSE(Utilities::IsLink(folder));
 }
 
 TEST_F(RealFile, IsReadPieceByPieceToItsEnd) {
-    const Handle file = OpenFileForReading(path);
-    ASSERT_NE(file, InvalidHandle);
+    OwnedHandle file = OpenFileForReading(path);
+    ASSERT_TRUE(file.IsOpen());
     EXPECT_EQ(Read(file, 4), "8738");
     EXPECT_EQ(Read(file, 4), "1");
     EXPECT_EQ(Read(file, 4), "");
-    EXPECT_TRUE(CloseHandle(file));
+    EXPECT_TRUE(file.Close());
 }
 
 TEST_F(RealFile, IsReadByteForByte) {
     const std::string content("a\r\n\0\x1A\xFF\nb", 8);
-    const Handle file = OpenFileForReading(directory.Create("bytes", content));
+    OwnedHandle file = OpenFileForReading(directory.Create("bytes", content));
     EXPECT_EQ(Read(file, 64), content);
-    EXPECT_TRUE(CloseHandle(file));
+    EXPECT_TRUE(file.Close());
 }
 
 TEST_F(RealFile, IsOpenedByTwoReadersAtOnce) {
-    const Handle first = OpenFileForReading(path);
-    const Handle second = OpenFileForReading(path);
+    OwnedHandle first = OpenFileForReading(path);
+    OwnedHandle second = OpenFileForReading(path);
     EXPECT_EQ(Read(first, 64), "87381");
     EXPECT_EQ(Read(second, 64), "87381");
-    EXPECT_TRUE(CloseHandle(first));
-    EXPECT_TRUE(CloseHandle(second));
+    EXPECT_TRUE(first.Close());
+    EXPECT_TRUE(second.Close());
 }
 
-TEST_F(RealFile, ThatCannotBeOpenedGivesAnInvalidHandleThatIsHarmless) {
-    const Handle file = OpenFileForReading(missing);
-    EXPECT_EQ(file, InvalidHandle);
+TEST_F(RealFile, ThatCannotBeOpenedGivesNoHandleAndHoldsNothingToRead) {
+    OwnedHandle file = OpenFileForReading(missing);
+    EXPECT_FALSE(file.IsOpen());
     EXPECT_EQ(Read(file, 5), "");
-    CloseHandle(file);
-    const Handle next = OpenFileForReading(path);
+    EXPECT_FALSE(file.Close());
+    OwnedHandle next = OpenFileForReading(path);
     EXPECT_EQ(Read(next, 5), "87381");
-    EXPECT_TRUE(CloseHandle(next));
+    EXPECT_TRUE(next.Close());
 }
 
 TEST_F(RealFile, IsReadAsTextWhileSomeoneWritesIt) {

@@ -98,8 +98,6 @@ TEST_F(RealChild, RunsInTheDirectoryThatItIsGivenWithThisEnvironment) {
     const std::string executable = ExecutablePath("OSALTestsChild");
     ASSERT_TRUE(CreateChildProcess(executable, "\"" + executable + "\" ", directory.Path(), false,
                                    information));
-    CloseHandle(information.thread);
-    CloseHandle(information.process);
     peer.Accept();
     EXPECT_EQ(peer.ReceiveAll(), std::filesystem::canonical(directory.Path()).string() +
                                      "\nall inherited\n[" + executable + "]");

@@ -52,44 +52,35 @@ TEST_F(ProgramFilesDirectory, FailsWith13WhenThePathCannotBeRead) {
     EXPECT_EQ(PathBesideProgram("Socket.cfg"), "Socket.cfg");
 }
 
-constexpr std::uint32_t archive = 0x20;
-constexpr std::uint32_t reparse = 0x400;
-constexpr std::uint32_t symbolicLink = 0xA000000C;
-constexpr std::uint32_t mountPoint = 0xA0000003;
-constexpr std::uint32_t readOnly = 0x1;
-constexpr std::uint32_t unreadable = 0xFFFFFFFF;
+constexpr OSAL::PathKind archived{.isToBeArchived = true};
+constexpr OSAL::PathKind archivedSymbolicLink{.isSymbolicLink = true, .isToBeArchived = true};
+constexpr OSAL::PathKind archivedDirectory{.isDirectory = true, .isToBeArchived = true};
 
 struct LinkCase {
     const char* what;
-    std::uint32_t attributes;
-    std::uint32_t reparseTag;
+    OSAL::PathKind kind;
     std::uint32_t hardLinks;
     bool isLink;
 };
 
 const std::vector<LinkCase> cases{
-    {"plain file", archive, 0, 1, false},
-    {"plain file with further attributes", archive | readOnly, 0, 1, false},
-    {"file that cannot be opened", archive, 0, 0, false},
-    {"two names", archive, 0, 2, true},
-    {"many names", archive | readOnly, 0, 9, true},
-    {"symbolic link", archive | reparse, symbolicLink, 1, true},
-    {"symbolic link that leads nowhere", archive | reparse, symbolicLink, 0, true},
-    {"other reparse point", archive | reparse, mountPoint, 1, false},
-    {"other reparse point with two names", archive | reparse, mountPoint, 2, true},
-    {"the tag without the attribute", archive, symbolicLink, 1, false},
+    {"plain file", archived, 1, false},
+    {"file that cannot be opened", archived, 0, false},
+    {"two names", archived, 2, true},
+    {"many names", archived, 9, true},
+    {"symbolic link", archivedSymbolicLink, 1, true},
+    {"symbolic link that leads nowhere", archivedSymbolicLink, 0, true},
+    {"directory with the archive attribute and two names", archivedDirectory, 2, true},
     // Without the archive attribute nothing counts.
-    {"two names, not archived", readOnly, 0, 2, false},
-    {"symbolic link, not archived", reparse, symbolicLink, 2, false},
-    // All bits are set in this value, and yet there is nothing to look at.
-    {"unreadable attributes", unreadable, symbolicLink, 2, false}};
+    {"two names, not archived", {}, 2, false},
+    {"symbolic link, not archived", {.isSymbolicLink = true}, 2, false},
+    {"directory", {.isDirectory = true}, 9, false}};
 
 TEST(ProgramFilesLink, IsASymbolicLinkOrASecondNameOfAnArchivedFile) {
     OSAL::Fake::Reset();
     for (const LinkCase& each : cases) {
         SCOPED_TRACE(each.what);
-        TheWorld().files["/bench/Socket.cfg"] = {"8738", each.attributes, each.reparseTag,
-                                                 each.hardLinks};
+        TheWorld().files["/bench/Socket.cfg"] = {"8738", each.kind, each.hardLinks};
         EXPECT_EQ(IsLink("/bench/Socket.cfg"), each.isLink);
     }
 }

@@ -112,8 +112,8 @@ TEST_F(LauncherTest, ProcessIsStartedWithItsArgumentsAndInANewConsoleWhenAsked) 
     EXPECT_THAT(TheWorld().calls,
                 ElementsAre("CreateChildProcess [/d//tool.exe ] [\"/d//tool.exe \" -a -b] [/d/] "
                             "new console"));
-    EXPECT_EQ(information.process, 11u);
-    EXPECT_EQ(information.thread, 12u);
+    EXPECT_EQ(information.process.Get(), 11u);
+    EXPECT_EQ(information.thread.Get(), 12u);
 }
 
 } // namespace

@@ -9,36 +9,28 @@
 
 namespace OSAL {
 
-std::uint32_t ReadFileAttributes(const std::string& path) {
+PathKind LookAtPath(const std::string& path) {
     struct stat status;
     if (::lstat(path.c_str(), &status) != 0)
-        return InvalidFileAttributes;
-    std::uint32_t attributes = 0;
-    if (!S_ISDIR(status.st_mode))
-        attributes |= ArchiveAttribute;
-    if (S_ISLNK(status.st_mode))
-        attributes |= ReparsePointAttribute;
-    return attributes;
+        return {};
+    const bool isDirectory = S_ISDIR(status.st_mode);
+    return {.isDirectory = isDirectory,
+            .isSymbolicLink = S_ISLNK(status.st_mode),
+            .isToBeArchived = !isDirectory};
 }
 
-std::uint32_t ReadReparseTag(const std::string& path) {
-    struct stat status;
-    const bool isLink = ::lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
-    return isLink ? SymbolicLinkTag : 0;
-}
-
-std::uint32_t CountHardLinks(const std::string& path) {
+std::uint32_t CountNames(const std::string& path) {
     struct stat status;
     return ::stat(path.c_str(), &status) == 0 ? static_cast<std::uint32_t>(status.st_nlink) : 0;
 }
 
-Handle OpenFileForReading(const std::string& path) {
+OwnedHandle OpenFileForReading(const std::string& path) {
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    return descriptor < 0 ? InvalidHandle : static_cast<Handle>(descriptor);
+    return descriptor < 0 ? OwnedHandle() : OwnedHandle(static_cast<Handle>(descriptor));
 }
 
-std::size_t ReadFile(Handle file, char* buffer, std::size_t size) {
-    const ssize_t count = ::read(static_cast<int>(file), buffer, size);
+std::size_t ReadFile(const OwnedHandle& file, char* buffer, std::size_t size) {
+    const ssize_t count = ::read(static_cast<int>(file.Get()), buffer, size);
     return count < 0 ? 0 : static_cast<std::size_t>(count);
 }
 

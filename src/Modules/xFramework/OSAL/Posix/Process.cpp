@@ -84,7 +84,7 @@ bool CreateChildProcess(const std::string& executablePath, const std::string& /*
     const int error =
         ::posix_spawn(&child, executablePath.c_str(), &actions, nullptr, arguments.data(), environ);
     ::posix_spawn_file_actions_destroy(&actions);
-    information = {InvalidHandle, InvalidHandle};
+    information = {};
     errno = error;
     return error == 0;
 }

@@ -15,27 +15,37 @@ HANDLE ToSystem(Handle handle) {
     return reinterpret_cast<HANDLE>(handle);
 }
 
+/// Whether the path, known to be a reparse point, is a symbolic link and not a mount point or
+/// anything else of that kind.
+bool BearsSymbolicLinkTag(const std::wstring& path) {
+    WIN32_FIND_DATAW found{};
+    const HANDLE search = ::FindFirstFileW(path.c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE)
+        return false;
+    ::FindClose(search);
+    // For a reparse point the system puts its tag into the first reserved field.
+    return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+           found.dwReserved0 == IO_REPARSE_TAG_SYMLINK;
+}
+
 HANDLE OpenExisting(const std::string& path, DWORD access) {
     return ::CreateFileA(path.c_str(), access, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
 }
 
 } // namespace
 
-std::uint32_t ReadFileAttributes(const std::string& path) {
-    return ::GetFileAttributesW(Widen(path).c_str());
+PathKind LookAtPath(const std::string& path) {
+    const std::wstring widePath = Widen(path);
+    const DWORD attributes = ::GetFileAttributesW(widePath.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES)
+        return {};
+    return {.isDirectory = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
+            .isSymbolicLink =
+                (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 && BearsSymbolicLinkTag(widePath),
+            .isToBeArchived = (attributes & FILE_ATTRIBUTE_ARCHIVE) != 0};
 }
 
-std::uint32_t ReadReparseTag(const std::string& path) {
-    WIN32_FIND_DATAW found{};
-    const HANDLE search = ::FindFirstFileW(Widen(path).c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE)
-        return 0;
-    ::FindClose(search);
-    // For a reparse point the system puts its tag into the first reserved field.
-    return (found.dwFileAttributes & ReparsePointAttribute) != 0 ? found.dwReserved0 : 0;
-}
-
-std::uint32_t CountHardLinks(const std::string& path) {
+std::uint32_t CountNames(const std::string& path) {
     const HANDLE file = OpenExisting(path, 0);
     if (file == INVALID_HANDLE_VALUE)
         return 0;
@@ -46,13 +56,14 @@ std::uint32_t CountHardLinks(const std::string& path) {
     return known ? information.NumberOfLinks : 0;
 }
 
-Handle OpenFileForReading(const std::string& path) {
-    return reinterpret_cast<Handle>(OpenExisting(path, GENERIC_READ));
+OwnedHandle OpenFileForReading(const std::string& path) {
+    return OwnedHandle(reinterpret_cast<Handle>(OpenExisting(path, GENERIC_READ)));
 }
 
-std::size_t ReadFile(Handle file, char* buffer, std::size_t size) {
+std::size_t ReadFile(const OwnedHandle& file, char* buffer, std::size_t size) {
     DWORD count = 0;
-    const BOOL done = ::ReadFile(ToSystem(file), buffer, static_cast<DWORD>(size), &count, nullptr);
+    const BOOL done =
+        ::ReadFile(ToSystem(file.Get()), buffer, static_cast<DWORD>(size), &count, nullptr);
     return done ? count : 0;
 }
 

@@ -60,9 +60,11 @@ bool CreateChildProcess(const std::string& executablePath, const std::string& co
         Widen(executablePath).c_str(), wideCommandLine.data(), nullptr, nullptr, TRUE,
         newConsole ? CREATE_NEW_CONSOLE : 0, nullptr,
         wideDirectory.empty() ? nullptr : wideDirectory.c_str(), &startup, &created);
-    information = {reinterpret_cast<Handle>(created.hProcess),
-                   reinterpret_cast<Handle>(created.hThread)};
-    return done != FALSE;
+    if (done == FALSE)
+        return false;
+    information = {OwnedHandle(reinterpret_cast<Handle>(created.hProcess)),
+                   OwnedHandle(reinterpret_cast<Handle>(created.hThread))};
+    return true;
 }
 
 std::string TaskListCommand(const std::string& name) {

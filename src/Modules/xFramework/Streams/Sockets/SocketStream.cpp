@@ -18,9 +18,9 @@ void SocketStream::ReadPort(std::string& port) {
     // Whether the file opens and is read is not asked: the port is then short, and no attempt
     // connects.
     std::array<char, 5> text{};
-    const OSAL::Handle file = OSAL::OpenFileForReading(path);
+    OSAL::OwnedHandle file = OSAL::OpenFileForReading(path);
     OSAL::ReadFile(file, text.data(), text.size());
-    OSAL::CloseHandle(file);
+    file.Close();
     text.back() = '\0';
     port = text.data();
 }

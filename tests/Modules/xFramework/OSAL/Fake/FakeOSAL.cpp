@@ -58,7 +58,7 @@ bool CreateChildProcess(const std::string& executablePath, const std::string& co
                         ProcessInformation& information) {
     Record("CreateChildProcess [" + executablePath + "] [" + commandLine + "] [" +
            workingDirectory + "] " + (newConsole ? "new console" : "same console"));
-    information = {11, 12};
+    information = {OwnedHandle(11), OwnedHandle(12)};
     return TheWorld().childStarts;
 }
 
@@ -100,32 +100,27 @@ bool fileIsOpen = false;
 constexpr Handle openFileHandle = 7;
 } // namespace
 
-std::uint32_t ReadFileAttributes(const std::string& path) {
+PathKind LookAtPath(const std::string& path) {
     const Fake::File* file = FindFile(path);
-    return file == nullptr ? InvalidFileAttributes : file->attributes;
+    return file == nullptr ? PathKind() : file->kind;
 }
 
-std::uint32_t ReadReparseTag(const std::string& path) {
-    const Fake::File* file = FindFile(path);
-    return file == nullptr ? 0 : file->reparseTag;
-}
-
-std::uint32_t CountHardLinks(const std::string& path) {
+std::uint32_t CountNames(const std::string& path) {
     const Fake::File* file = FindFile(path);
     return file == nullptr ? 0 : file->hardLinks;
 }
 
-Handle OpenFileForReading(const std::string& path) {
+OwnedHandle OpenFileForReading(const std::string& path) {
     Record("OpenFileForReading " + path);
     const Fake::File* file = FindFile(path);
     fileIsOpen = file != nullptr;
     unread = fileIsOpen ? file->content : "";
-    return fileIsOpen ? openFileHandle : InvalidHandle;
+    return fileIsOpen ? OwnedHandle(openFileHandle) : OwnedHandle();
 }
 
-std::size_t ReadFile(Handle file, char* buffer, std::size_t size) {
+std::size_t ReadFile(const OwnedHandle& file, char* buffer, std::size_t size) {
     Record("ReadFile " + std::to_string(size));
-    if (file != openFileHandle || !fileIsOpen)
+    if (file.Get() != openFileHandle || !fileIsOpen)
         return 0;
     const std::size_t count = CopyOut(unread, buffer, size);
     unread.erase(0, count);

@@ -18,8 +18,7 @@ namespace OSAL::Fake {
 /// A file as the link rule and the reading functions see it.
 struct File {
     std::string content;
-    std::uint32_t attributes = ArchiveAttribute;
-    std::uint32_t reparseTag = 0;
+    PathKind kind = {.isToBeArchived = true};
     std::uint32_t hardLinks = 1;
 };
 

@@ -158,8 +158,8 @@ TEST(PosixTaskList, LeavesOutAProcessThatHasEnded) {
 TEST(PosixChild, HasNoHandlesToClose) {
     ProcessInformation information;
     CreateChildProcess("/no/such/program", "", "", false, information);
-    EXPECT_EQ(information.process, InvalidHandle);
-    EXPECT_EQ(information.thread, InvalidHandle);
+    EXPECT_FALSE(information.process.IsOpen());
+    EXPECT_FALSE(information.thread.IsOpen());
 }
 
 } // namespace

@@ -27,12 +27,12 @@ DWORD RunToItsEnd(const std::string& arguments) {
     ProcessInformation information;
     EXPECT_TRUE(CreateChildProcess(executable, "\"" + executable + "\" " + arguments,
                                    Utilities::PathBesideProgram(""), false, information));
-    const auto process = reinterpret_cast<HANDLE>(information.process);
+    const auto process = reinterpret_cast<HANDLE>(information.process.Get());
     ::WaitForSingleObject(process, INFINITE);
     DWORD exitCode = 0;
     ::GetExitCodeProcess(process, &exitCode);
-    EXPECT_TRUE(CloseHandle(information.thread));
-    EXPECT_TRUE(CloseHandle(information.process));
+    EXPECT_TRUE(information.thread.Close());
+    EXPECT_TRUE(information.process.Close());
     return exitCode;
 }
 

@@ -95,7 +95,7 @@ TEST_F(SocketStreamTest, PortFileIsRelativeWhenTheProgramsPathCannotBeTold) {
 }
 
 TEST_F(SocketStreamTest, LinkedPortFileIsRefused) {
-    TheWorld().files[portFile] = {"8738", OSAL::ArchiveAttribute, 0, 2};
+    TheWorld().files[portFile] = {"8738", {.isToBeArchived = true}, 2};
     EXPECT_EQ(RaisedInPlaceBy([this] { ReadPort(); }),
               "File /bench/Socket.cfg is a link" + raisedInPlace + "ReadPort");
     EXPECT_EQ(CountCalls("OpenFileForReading"), 0);
@@ -103,7 +103,7 @@ TEST_F(SocketStreamTest, LinkedPortFileIsRefused) {
 
 TEST_F(SocketStreamTest, LinkInAPathWithAPlaceholderIsRefusedWithoutAHang) {
     TheWorld().modulePath = "/${1}/SarvexToolClient";
-    TheWorld().files["/${1}/Socket.cfg"] = {"8738", OSAL::ArchiveAttribute, 0, 2};
+    TheWorld().files["/${1}/Socket.cfg"] = {"8738", {.isToBeArchived = true}, 2};
     EXPECT_EQ(RaisedInPlaceBy([this] { ReadPort(); }),
               "File /${1}/Socket.cfg is a link" + raisedInPlace + "ReadPort");
 }
