@@ -1,7 +1,8 @@
 // Times whole processes that make one exchange with a peer in this program: the client, a bare
-// program of system calls, and curl. Prints a table of medians and ratios.
+// program of system calls, curl and, where one is given, a former client. Prints a table of medians
+// and ratios.
 //
-// usage: exchange_bench CLIENT BARE [ROUNDS]
+// usage: exchange_bench CLIENT BARE [ROUNDS [FORMER]]
 
 #include "benchmarks/Client/AnsweringPeer.h"
 #include "benchmarks/Client/TimedProcess.h"
@@ -49,9 +50,10 @@ void PrintRow(const char* what, double figure, const char* unit, double ratio, c
 }
 
 /// The client's own directory, with a port file for the peer.
-std::string StageClient(const std::string& client, const std::string& port) {
+std::string StageClient(const std::string& client, const std::string& port,
+                        const std::string& folder = "client") {
     const std::filesystem::path directory =
-        std::filesystem::temp_directory_path() / ("sarvex-bench-" + port);
+        std::filesystem::temp_directory_path() / ("sarvex-bench-" + port) / folder;
     std::filesystem::create_directories(directory);
     std::filesystem::copy_file(client, directory / "SarvexToolClient",
                                std::filesystem::copy_options::overwrite_existing);
@@ -63,15 +65,25 @@ std::string CurlUrl(const std::string& port) {
     return "http://127.0.0.1:" + port + "/api/oemtools/command";
 }
 
-void BenchShortExchange(const std::string& client, const std::string& bare, int rounds) {
+/// former is empty where there is no former client to compare with.
+void BenchShortExchange(const std::string& client, const std::string& bare, int rounds,
+                        const std::string& former) {
     const AnsweringPeer peer("Sarvex tool INFO\nstopped\nSarvex tool RETURN CODE\n0\nDone");
-    const std::vector<double> medians = TimeInTurn(
-        {Command{{StageClient(client, peer.Port()), "-wifi-stop"}, ""},
-         Command{{bare, peer.Port()}, AnsweringPeer::Request},
-         Command{{"curl", "-s", "-d", "CLI -1 -vemo  -wifi-stop", CurlUrl(peer.Port())}, ""}},
-        rounds);
-    PrintRow("one exchange", medians[0], "ms", medians[0] / medians[1], "bare system calls", 1.6);
-    PrintRow("one exchange", medians[0], "ms", medians[0] / medians[2], "curl", 0.35);
+    std::vector<Command> commands{
+        Command{{StageClient(client, peer.Port()), "-wifi-stop"}, ""},
+        Command{{bare, peer.Port()}, AnsweringPeer::Request},
+        Command{{"curl", "-s", "-d", "CLI -1 -vemo  -wifi-stop", CurlUrl(peer.Port())}, ""}};
+    if (!former.empty())
+        commands.push_back(Command{{StageClient(former, peer.Port(), "former"), "-wifi-stop"}, ""});
+    const std::vector<double> medians = TimeInTurn(commands, rounds);
+    PrintRow("one exchange", medians[0], "ms", medians[0] / medians[1], "bare system calls", 1.4);
+    PrintRow("one exchange", medians[0], "ms", medians[0] / medians[2], "curl", 0.2);
+    if (former.empty())
+        return;
+    PrintRow("one exchange", medians[0], "ms", medians[0] / medians[3], "former client", 1);
+    const double above = medians[0] - medians[1];
+    PrintRow("its time above the bare one", above, "ms", above / (medians[3] - medians[1]),
+             "former client", 0.67);
 }
 
 void BenchLongAnswer(const std::string& client, int rounds) {
@@ -83,24 +95,25 @@ void BenchLongAnswer(const std::string& client, int rounds) {
         {Command{{StageClient(client, peer.Port()), "-wifi-stop"}, ""},
          Command{{"curl", "-s", "-d", "CLI -1 -vemo  -wifi-stop", CurlUrl(peer.Port())}, ""}},
         rounds);
-    PrintRow("answer of 64 MiB into a pipe", medians[0], "ms", medians[0] / medians[1], "curl", 4);
+    PrintRow("answer of 64 MiB into a pipe", medians[0], "ms", medians[0] / medians[1], "curl",
+             3.5);
 }
 
 void PrintSize(const std::string& client) {
     const double mebibytes = static_cast<double>(std::filesystem::file_size(client)) / (1 << 20);
     std::printf("| %-38s | %9.3f %-3s | %-29s | <= %.2f |\n", "Linux executable", mebibytes, "MiB",
-                "", 1.5);
+                "", 2.5);
 }
 
 } // namespace
 
 int main(int argc, char* argv[]) {
     if (argc < 3) {
-        std::fprintf(stderr, "usage: exchange_bench CLIENT BARE [ROUNDS]\n");
+        std::fprintf(stderr, "usage: exchange_bench CLIENT BARE [ROUNDS [FORMER]]\n");
         return 2;
     }
-    const int rounds = argc > 3 ? std::stoi(argv[3]) : 200;
-    BenchShortExchange(argv[1], argv[2], rounds);
+    const int rounds = argc > 3 ? std::stoi(argv[3]) : 1000;
+    BenchShortExchange(argv[1], argv[2], rounds, argc > 4 ? argv[4] : "");
     BenchLongAnswer(argv[1], std::max(3, rounds / 20));
     PrintSize(argv[1]);
     return 0;
