@@ -105,6 +105,7 @@ int RunCommand(CliClient& client, const std::vector<std::string>& arguments) {
     for (const Rewrite& rewrite : rewrites)
         client.ReplaceArgument(rewrite.from, rewrite.to);
     const std::string prefix = client.AreAllKnownCommands() ? "" : "-vemo ";
+    // The address is ignored: the client connects to the one that it holds.
     if (!client.Connect("127.0.0.1")) {
         std::cerr << "Failed to connect to daemon. Please ensure that daemon was started."
                   << std::endl;
@@ -136,6 +137,7 @@ int RunGuarded(const std::vector<std::string>& arguments) {
         CliClient client(static_cast<int>(pointers.size()), pointers.data());
         return RunCommand(client, arguments);
     } catch (const TestArgumentFailure&) {
+        // The quotation mark that is never closed is how scripts know this message.
         std::cerr << "Failed to move 'test-by-file arg." << std::endl;
     } catch (...) {
         std::cerr << FailureMessage(Utilities::TakeCaughtException()) << std::endl;

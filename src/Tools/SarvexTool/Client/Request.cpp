@@ -8,7 +8,8 @@ namespace SarvexTool {
 namespace {
 
 /// The port in the headers is fixed text, whatever port is dialled, and the Origin header bears no
-/// scheme: the daemon knows its clients by these bytes.
+/// scheme: the daemon knows its clients by these bytes. The encodings are named though the client
+/// decodes none.
 constexpr const char* headTemplate =
     "POST /api/oemtools/command HTTP/1.1\r\n"
     "Host: ${1}:8738\r\n"

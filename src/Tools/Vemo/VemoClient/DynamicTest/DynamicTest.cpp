@@ -97,6 +97,7 @@ bool DynamicTest::ProcessTestFile(TestFiles& files, std::int32_t macType) {
             Pause(macType);
         }
     });
+    // The misspelling is kept: scripts look for the message as it is.
     if (failure)
         PrintError("Failed to calcualte Tx Power limit: ${1}.", *failure);
     return !failure;
@@ -141,6 +142,7 @@ bool DynamicTest::ValidateHeader(const Fields& fields) const {
     const auto unknown = std::find_if_not(fields.begin(), fields.end(), IsColumnName);
     if (unknown == fields.end())
         return true;
+    // The misspelling is kept: scripts look for the message as it is.
     PrintError("Invalid On-demand Colunm: '${1}'.", *unknown);
     return false;
 }
@@ -154,6 +156,7 @@ void DynamicTest::BuildColumnIndex(const Fields& fields) {
 void DynamicTest::ProcessLineTestFile(std::ostream& csv, std::string line) {
     const FunctionTrace trace("DynamicTest::ProcessLineTestFile");
     const Configuration configuration = ReadConfiguration(SplitFields(line));
+    // The misspellings are kept: scripts look for this line as it is.
     std::cout << "Commiting and testing follwing config:" << std::endl;
     std::cout << configuration.description << std::endl;
     line += GetPowerLimitCsvFormat(CommitAndRunTest(configuration.arguments));
@@ -187,6 +190,7 @@ std::string DynamicTest::CommitAndRunTest(Arguments arguments) {
     for (const char* text : {"-wifi-calibrate-tx", "-wifi-mode", "tx_modulated", "-wifi-start"})
         arguments.emplace_back(std::string(text));
     std::string reply = SendCommands(arguments);
+    // What the daemon says to the stop is of no interest.
     SendCommands({std::string("-wifi-stop")});
     return reply;
 }
