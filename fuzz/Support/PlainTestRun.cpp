@@ -209,11 +209,11 @@ private:
 
     void File(const Cells& cells) {
         PlainMeasurement measurement;
-        const std::string chains = Cell(cells, Column::Chains);
-        measurement.band = Cell(cells, Column::Band);
-        measurement.bandwidth = Cell(cells, Column::Bandwidth) + " MHz";
-        measurement.channel = Cell(cells, Column::Channel);
-        measurement.rate = Cell(cells, Column::Rate);
+        const std::string chains = Cell(cells, Column::chains);
+        measurement.band = Cell(cells, Column::band);
+        measurement.bandwidth = Cell(cells, Column::bandwidth) + " MHz";
+        measurement.channel = Cell(cells, Column::channel);
+        measurement.rate = Cell(cells, Column::rate);
         measurement.chains = "chain" + chains;
         if (chains == "A" || chains == "AB")
             measurement.power = cells[cells.size() - 2];

@@ -8,16 +8,16 @@ namespace PowerTest {
 /// The column names of a test file, matched exactly and case-sensitively. That one says "unit"
 /// where another says "Unit" is how the test files spell them.
 namespace Column {
-inline constexpr const char* Band = "Band";
-inline constexpr const char* Chains = "Chains";
-inline constexpr const char* Bandwidth = "Bandwidth";
-inline constexpr const char* Channel = "Channel";
-inline constexpr const char* BandwidthMode = "Bandwidth Mode";
-inline constexpr const char* Rate = "Rate";
-inline constexpr const char* Mode = "Mode";
-inline constexpr const char* ResourceUnit = "Resource Unit";
-inline constexpr const char* SpecificResourceUnit = "Specific Resource unit";
-inline constexpr const char* LargeRuSize = "Large RU Size";
+inline constexpr const char* band = "Band";
+inline constexpr const char* chains = "Chains";
+inline constexpr const char* bandwidth = "Bandwidth";
+inline constexpr const char* channel = "Channel";
+inline constexpr const char* bandwidthMode = "Bandwidth Mode";
+inline constexpr const char* rate = "Rate";
+inline constexpr const char* mode = "Mode";
+inline constexpr const char* resourceUnit = "Resource Unit";
+inline constexpr const char* specificResourceUnit = "Specific Resource unit";
+inline constexpr const char* largeRuSize = "Large RU Size";
 } // namespace Column
 
 /// A column and the daemon's option that its cells drive.
@@ -28,23 +28,23 @@ struct ColumnCommand {
 
 /// All columns, in the order in which their options are sent.
 inline constexpr std::array<ColumnCommand, 10> columnCommands{
-    {{Column::Band, "-wifi-band"},
-     {Column::Chains, "-wifi-tx-chains-from-file"},
-     {Column::Bandwidth, "-wifi-bandwidth"},
-     {Column::Channel, "-wifi-channel"},
-     {Column::BandwidthMode, "-wifi-bw-mode"},
-     {Column::Rate, "-wifi-rate"},
-     {Column::Mode, "-wifi-tx-transm-mode"},
-     {Column::ResourceUnit, "-wifi-resource-unit"},
-     {Column::SpecificResourceUnit, "-wifi-specific-resource-unit"},
-     {Column::LargeRuSize, "-wifi-large-ru"}}};
+    {{Column::band, "-wifi-band"},
+     {Column::chains, "-wifi-tx-chains-from-file"},
+     {Column::bandwidth, "-wifi-bandwidth"},
+     {Column::channel, "-wifi-channel"},
+     {Column::bandwidthMode, "-wifi-bw-mode"},
+     {Column::rate, "-wifi-rate"},
+     {Column::mode, "-wifi-tx-transm-mode"},
+     {Column::resourceUnit, "-wifi-resource-unit"},
+     {Column::specificResourceUnit, "-wifi-specific-resource-unit"},
+     {Column::largeRuSize, "-wifi-large-ru"}}};
 
 /// The columns whose cells are filed in the result tree, in the order in which they are looked up.
 /// The mode is filed nowhere.
 inline constexpr std::array<const char*, 9> resultColumns{
-    Column::Chains,     Column::Band,          Column::Channel,      Column::Bandwidth,
-    Column::Rate,       Column::BandwidthMode, Column::ResourceUnit, Column::SpecificResourceUnit,
-    Column::LargeRuSize};
+    Column::chains,     Column::band,          Column::channel,      Column::bandwidth,
+    Column::rate,       Column::bandwidthMode, Column::resourceUnit, Column::specificResourceUnit,
+    Column::largeRuSize};
 
 /// An element on the path to a line's measurement. It is named after its column.
 struct ResultLevel {
@@ -55,7 +55,7 @@ struct ResultLevel {
 
 /// The path from the top.
 inline constexpr std::array<ResultLevel, 4> resultLevels{
-    {{Column::Band, ""}, {Column::Bandwidth, " MHz"}, {Column::Channel, ""}, {Column::Rate, ""}}};
+    {{Column::band, ""}, {Column::bandwidth, " MHz"}, {Column::channel, ""}, {Column::rate, ""}}};
 
 /// An attribute of a measurement that holds a cell.
 struct ResultAttribute {
@@ -65,10 +65,10 @@ struct ResultAttribute {
 
 /// In the order in which they are set.
 inline constexpr std::array<ResultAttribute, 4> resultAttributes{
-    {{"BandwidthMode", Column::BandwidthMode},
-     {"ResourceUnit", Column::ResourceUnit},
-     {"SpecificResourceUnit", Column::SpecificResourceUnit},
-     {"LargeRUSize", Column::LargeRuSize}}};
+    {{"BandwidthMode", Column::bandwidthMode},
+     {"ResourceUnit", Column::resourceUnit},
+     {"SpecificResourceUnit", Column::specificResourceUnit},
+     {"LargeRUSize", Column::largeRuSize}}};
 
 /// The field of an extended line, counted from its end, whose power is filed for a Chains cell.
 struct ChainPower {

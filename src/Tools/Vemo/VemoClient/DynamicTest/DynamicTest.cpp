@@ -64,12 +64,12 @@ std::string RecordedPower(const std::string& chainsCell, const Fields& extendedF
 } // namespace
 
 DynamicTest::DynamicTest(const std::string& fileName)
-    : testFileName(fileName), powerTableNode(resultDocument.GetTopNode()) {}
+    : m_testFileName(fileName), powerTableNode(resultDocument.GetTopNode()) {}
 
 int DynamicTest::Run() {
-    TestFiles files(testFileName, csvFileName, xmlFileName);
+    TestFiles files(m_testFileName, m_csvFileName, m_xmlFileName);
     if (!files.AreOpen()) {
-        PrintError("Failed to open test file '${1}' or result file.", testFileName);
+        PrintError("Failed to open test file '${1}' or result file.", m_testFileName);
         return failed;
     }
     const std::int32_t macType = GetMacType();
@@ -108,7 +108,7 @@ bool DynamicTest::WriteResultDocument(std::ostream& xml) const {
         XML::Writer writer(xml);
         resultDocument.Save(writer);
         if (!xml)
-            throw std::runtime_error(xmlFileName + ": it could not be written to its end");
+            throw std::runtime_error(m_xmlFileName + ": it could not be written to its end");
     });
     if (failure)
         PrintError("Failed to create results xml file ${1}.", *failure);
@@ -117,9 +117,9 @@ bool DynamicTest::WriteResultDocument(std::ostream& xml) const {
 
 void DynamicTest::ReportDamage(const TestFiles& files) const {
     if (files.test.bad())
-        PrintError("Failed to read test file '${1}' to its end.", testFileName);
+        PrintError("Failed to read test file '${1}' to its end.", m_testFileName);
     if (!files.csv)
-        PrintError("Result file '${1}' is incomplete: it could not be written.", csvFileName);
+        PrintError("Result file '${1}' is incomplete: it could not be written.", m_csvFileName);
 }
 
 void DynamicTest::Pause(std::int32_t macType) const {
@@ -249,8 +249,8 @@ void DynamicTest::SaveResultsToXml(const std::string& extendedLine) {
         cells[column] = GetResultValue(column, fields);
     XML::Node* pNode = powerTableNode;
     for (const auto& [column, unit] : resultLevels)
-        pNode = GetXmlNode(pNode, column, valueAttributeName, cells[column] + unit);
-    const std::string& chainsCell = cells[Column::Chains];
+        pNode = GetXmlNode(pNode, column, m_valueAttributeName, cells[column] + unit);
+    const std::string& chainsCell = cells[Column::chains];
     XML::Node* pChain = pNode->AddChild(("chain" + chainsCell).c_str());
     pChain->SetAttribute("power", (RecordedPower(chainsCell, fields) + "dBm").c_str());
     for (const auto& [name, column] : resultAttributes)

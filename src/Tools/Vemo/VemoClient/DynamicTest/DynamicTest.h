@@ -108,8 +108,8 @@ private:
     /// A cell with this value leaves its column unset; also stands for every value that is not
     /// known.
     const std::string notSetMarker = "-";
-    const std::string csvFileName = "result.csv";
-    const std::string xmlFileName = "result.xml";
+    const std::string m_csvFileName = "result.csv";
+    const std::string m_xmlFileName = "result.xml";
     /// One title with a hyphen and one with a blank before it: readers of result.csv look for
     /// these.
     const std::string csvPowerHeader = ",Chain-A Power, Chain B Power";
@@ -118,13 +118,13 @@ private:
         R"(Target Power: .*Chain ${1} \(${2}\) (-?\d+\.*\d*) dBm)";
     const std::string mccPattern = R"(Current MCC: (\w{2}))";
     const std::string macTypePattern = R"(Mac Type: (\d*))";
-    const std::string valueAttributeName = "value";
+    const std::string m_valueAttributeName = "value";
     /// Devices of this MAC type need a longer pause after each line.
     const std::uint32_t slowMacType = 16;
 
     /// Empty until a valid header is read.
     std::map<std::string, std::size_t> columnIndex;
-    std::string testFileName;
+    std::string m_testFileName;
     CliClient daemonClient;
     XML::Base resultDocument;
     /// Where the results are filed; belongs to resultDocument.
