@@ -38,13 +38,21 @@ struct Answer {
     std::string body;
 };
 
+/// One for all connections: each has descriptors of its own. No operation is left under way in it
+/// when a connection has been sent to.
+asio::io_context& TheContext() {
+    static asio::io_context context{1};
+    return context;
+}
+
 /// One simulated daemon and what it writes.
 class Daemon {
 public:
     /// Sends the bytes over a connection of their own, closes that side and returns what comes
     /// back.
     std::string Send(const std::string& bytes) {
-        asio::io_context context;
+        asio::io_context& context = TheContext();
+        context.restart();
         asio::local::stream_protocol::socket client(context);
         asio::local::stream_protocol::socket server(context);
         asio::local::connect_pair(client, server);
