@@ -11,7 +11,7 @@ namespace OSAL {
 /// Separates the names of a path: a backslash on Windows, a slash elsewhere.
 extern const char PathSeparator;
 
-/// What an executable's file name has behind its base name. The Windows form ends in a blank, which
+/// What an executable's file name has after its base name. The Windows form ends in a blank, which
 /// the system drops again when it resolves the path.
 extern const char* const ExecutableSuffix;
 
@@ -56,7 +56,7 @@ std::size_t ReadPipe(Pipe* pipe, char* buffer, std::size_t size);
 /// Waits for the command to end and frees the pipe.
 void ClosePipe(Pipe* pipe);
 
-/// The process exit status that stands for a return code. Where the system keeps eight bits only, a
+/// The process exit status for a return code. Where the system keeps eight bits only, a
 /// code outside 0 to 255 becomes 255, so that a failure never reads as success.
 int ToExitStatus(int returnCode);
 

@@ -7,7 +7,7 @@
 namespace OSAL {
 
 /// A socket. Where descriptors are handed out again at once, the handle of a closed socket stays
-/// invalid: closing it once more fails and touches nothing else. On Windows a later socket may bear
+/// invalid: closing it once more fails and touches nothing else. On Windows a later socket may have
 /// the handle of one that was closed.
 using SocketHandle = std::uint64_t;
 

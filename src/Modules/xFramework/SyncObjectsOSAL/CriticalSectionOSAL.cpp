@@ -6,7 +6,7 @@ namespace SyncObjectsOSAL {
 
 namespace {
 
-/// The log stands above this layer and uses its locks, so the debug printer has to do.
+/// The log is above this layer and uses its locks, so the debug printer gets this.
 void ReportFailure(int status, const char* function, const char* message) {
     constexpr std::int32_t errorLevel = 5;
     if (status == CriticalSectionStatus::Success)

@@ -33,7 +33,7 @@ std::string PadRight(std::string text, std::size_t width) {
     return text;
 }
 
-/// Leaves the section on every road out of a block.
+/// Leaves the section however a block is left.
 class Entry {
 public:
     explicit Entry(SyncObjectsOSAL::ICriticalSection& section) : m_section(section) {

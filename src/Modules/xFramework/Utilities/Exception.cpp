@@ -12,7 +12,7 @@ namespace Utilities {
 
 namespace {
 
-/// Null when there is no memory for it: the exception then travels without a location.
+/// Null when there is no memory for it: the exception then has no location.
 ErrorLocation* NewLocation(const ErrorSite& site) {
     try {
         return new ErrorLocation(site.file, site.line, site.function);

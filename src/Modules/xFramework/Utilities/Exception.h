@@ -38,7 +38,7 @@ public:
     explicit Exception(const std::string& message) : m_message(message) { ++s_liveCount; }
 
     /// Shallow on purpose: the copy points at the location that the source still owns. Exceptions
-    /// travel by pointer and are not copied on any road that destroys both.
+    /// are thrown as pointers, so that a source and its copy are never both destroyed.
     Exception(const Exception& other)
         : std::exception(other), m_message(other.m_message), m_pLocation(other.m_pLocation) {
         ++s_liveCount;
@@ -98,11 +98,11 @@ void Assert(bool condition, const char* conditionText, const ErrorSite& site);
 void Assert(bool condition, const char* conditionText, const char* function,
             const char* file = __builtin_FILE(), std::uint32_t line = __builtin_LINE());
 
-/// What a catch point needs to know of the exception that it caught, whether that travelled as a
+/// What a catch point needs to know of the exception that it caught, whether that was thrown as a
 /// value or as a pointer.
 struct CaughtException {
     enum class Kind {
-        /// An Utilities::Exception (or another standard exception that travelled as a pointer).
+        /// An Utilities::Exception (or another standard exception that was thrown as a pointer).
         Framework,
         /// A std::ios_base::failure.
         StreamFailure,
@@ -117,8 +117,8 @@ struct CaughtException {
     std::string text;
 };
 
-/// Takes the exception that is being handled: to be called in a catch block only. One that travels
-/// as a pointer is deleted.
+/// Takes the exception that is being handled: to be called in a catch block only. One that was
+/// thrown as a pointer is deleted.
 CaughtException TakeCaughtException();
 
 } // namespace Utilities

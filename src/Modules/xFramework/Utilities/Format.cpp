@@ -34,8 +34,8 @@ void Format::ReplaceNextPlaceholder(const std::string& argument) {
     std::size_t position = m_text.find(placeholder);
     while (position != std::string::npos) {
         m_text.replace(position, placeholder.size(), argument);
-        // From the front, not from behind the replacement: an argument and the text around it may
-        // form a placeholder together.
+        // From the front, not from the end of the replacement: an argument and the text around it
+        // may form a placeholder together.
         position = m_text.find(placeholder);
     }
 }

@@ -32,7 +32,7 @@ public:
     /// Applies a text; the string providers rewrite a copy of it first.
     Format& operator%(const std::string& argument);
 
-    /// Applies a zero-terminated text as it stands; null counts as empty. That literals bypass the
+    /// Applies a zero-terminated text unchanged; null counts as empty. That literals bypass the
     /// string providers and texts do not is intended.
     Format& operator%(const char* argument);
 

@@ -11,7 +11,7 @@ std::string SourceName(const std::string& path);
 
 /// Logs at the info level that a function was entered, and that it was left when the scope ends
 /// normally. A scope that an exception ends logs no exit. Both records name the source file by its
-/// path from src/ without extension, and both bear the line of the trace.
+/// path from src/ without extension, and both name the line of the trace.
 class FunctionTrace {
 public:
     /// function is the qualified name and must outlive the trace. file and line are the caller's

@@ -8,7 +8,7 @@ namespace Utilities {
 void Log(std::uint32_t level, const char* file, std::uint32_t line, const char* function,
          const std::string& message) {
     SingletonWrapper<LogPrinter> printer;
-    printer.accessObject(); // Each user makes sure of the instance before it follows the arrow.
+    printer.accessObject(); // The instance must exist before operator-> is used.
     printer->Dispatch(level, file, line, function, message);
 }
 

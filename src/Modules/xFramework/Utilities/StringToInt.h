@@ -6,7 +6,7 @@
 namespace Utilities {
 
 /// Reads a decimal 32-bit integer in the manner of std::stoi: leading white space is skipped, a
-/// sign may follow, and what stands behind the digits is ignored. The standard function is not used
+/// sign may follow, and what follows the digits is ignored. The standard function is not used
 /// because its error texts differ between run-time libraries.
 /// Throws std::invalid_argument "invalid stoi argument" when there is no digit, and
 /// std::out_of_range "stoi argument out of range" when the value has more than 32 bits.

@@ -31,7 +31,7 @@ public:
     virtual const char* Resolve(const char* name) = 0;
 
     /// Takes a further resolver that was offered to a node which has this one already. What becomes
-    /// of it is this resolver's business.
+    /// of it is decided by this resolver.
     virtual void SetResolver(IResolver* pResolver) = 0;
 
 protected:

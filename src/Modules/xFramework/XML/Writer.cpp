@@ -74,7 +74,7 @@ void Writer::WriteEvent(Build build) {
         build();
         PutOut();
     } catch (const std::exception* thrown) {
-        // Of a buffer whose exceptions travel as pointers: whoever catches one deletes it.
+        // Of a buffer that throws pointers: whoever catches one deletes it.
         delete thrown;
         MakeStreamBad();
     } catch (...) {

@@ -43,7 +43,7 @@ public:
     bool ReplaceArgument(const std::string& name, const std::string& text);
 
     /// The argument text of a command: before each argument a blank; an argument that contains a
-    /// blank stands in double quotes. Nothing else is quoted or escaped.
+    /// blank is put in double quotes. Nothing else is quoted or escaped.
     std::string BuildArguments() const;
 
     /// Reads the command table SarvexToolCmds.txt beside the program; empty when there is none or
@@ -62,7 +62,7 @@ public:
     /// The text of the last answer's body, each line followed by a line feed.
     std::string GetResponse() const { return m_response; }
 
-    /// Makes one exchange: sends the arguments behind the prefix as one command and, when asked to
+    /// Makes one exchange: sends the arguments after the prefix as one command and, when asked to
     /// wait, receives the answer, prints its information on standard output and its errors on
     /// standard error, and returns its code. Without waiting it returns 0. A client that never got
     /// a connection behaves as if the answer were empty. Raises what sending raises; throws the

@@ -14,8 +14,8 @@
 
 namespace SarvexTool {
 
-// The byte 0x85 is the ellipsis of the console's code page Windows-1252; it stands in a piece of
-// its own so that the escape does not swallow what follows.
+// The byte 0x85 is the ellipsis of the console's code page Windows-1252; it is in a piece of
+// its own so that the escape ends before the next character.
 const char* const usageText =
     "Use the following syntax to set Sarvex Tool's configuration:\n"
     "\n"
@@ -70,7 +70,7 @@ void RemoveTestArguments(CliClient& client, const std::string& flag, const std::
     }
 }
 
-/// Takes every "-wifi-test-by-file" that has an argument behind it, and that argument, out of the
+/// Takes every "-wifi-test-by-file" that has an argument after it, and that argument, out of the
 /// client's list; returns the last such file name. The file name itself is compared like any other
 /// argument.
 std::optional<std::string> TakeTestFile(CliClient& client,

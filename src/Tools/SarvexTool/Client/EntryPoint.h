@@ -5,8 +5,8 @@
 
 namespace SarvexTool {
 
-/// The long usage text, for standard output as it stands. Its unbalanced brackets and the like
-/// words for two options are known to its readers and kept.
+/// The long usage text, for standard output. Its unbalanced brackets and the same words for two
+/// options are known to its readers and kept.
 extern const char* const usageText;
 
 /// Copies of all the arguments, the program path included. The last one loses one trailing

@@ -11,7 +11,7 @@
 bool StartLocalDaemon(const std::string& name);
 
 /// Whether the system's task list shows the name among its first 1024 bytes, in exactly this case.
-/// With requireTwo, or for the name "VEMO", it must stand there twice. False too when the list
+/// With requireTwo, or for the name "VEMO", it must be there twice. False too when the list
 /// cannot be had.
 bool IsProcessRunning(const std::string& name, bool requireTwo);
 

@@ -7,7 +7,7 @@ namespace SarvexTool {
 
 namespace {
 
-/// The port in the headers is fixed text, whatever port is dialled, and the Origin header bears no
+/// The port in the headers is fixed text, whatever port is dialled, and the Origin header has no
 /// scheme: the daemon knows its clients by these bytes. The encodings are named though the client
 /// decodes none.
 constexpr const char* headTemplate =
@@ -41,7 +41,7 @@ std::string BuildCommandLine(const std::string& prefix, const std::string& argum
 }
 
 std::string BuildRequest(const std::string& address, const std::string& commandLine) {
-    // After the head, not an argument of it: what a variable stands for is sent as it is and not
+    // After the head, not an argument of it: the value of a variable is sent as it is and not
     // searched for variables again, and its length is the one that the head tells.
     const std::string body = Expand(commandLine);
     const std::string length = std::to_string(body.size());

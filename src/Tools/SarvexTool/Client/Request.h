@@ -10,7 +10,7 @@ namespace SarvexTool {
 std::string BuildCommandLine(const std::string& prefix, const std::string& argumentText);
 
 /// The HTTP request that carries a command line to the daemon at the address (a host name or
-/// numeric address, without port). The body is the command line as it stands.
+/// numeric address, without port). The body is the command line, unchanged.
 std::string BuildRequest(const std::string& address, const std::string& commandLine);
 
 } // namespace SarvexTool

@@ -11,8 +11,8 @@
 
 namespace VemoSimulator {
 
-/// How one command is to be answered. As it is made, it is the answer of a sound daemon; each fault
-/// changes a part of it.
+/// How one command is to be answered. As it is made, it is the answer of a daemon without faults;
+/// each fault changes a part of it.
 struct AnswerPlan {
     // What the device seems to say
     /// The letters of the chains whose target power is left out.
@@ -27,9 +27,9 @@ struct AnswerPlan {
     // How the answer is written
     bool hasCrLf = false;
     bool hasEndMark = true;
-    /// A NUL stands in front of this byte of the body.
+    /// A NUL is put in front of this byte of the body.
     std::optional<std::uint64_t> nulPosition;
-    /// Stands in place of the whole answer, head included.
+    /// Sent in place of the whole answer, head included.
     std::optional<std::string> rawAnswer;
 
     // How it is sent

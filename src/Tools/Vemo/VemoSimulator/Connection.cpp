@@ -85,7 +85,7 @@ void Connection::ReadRequest() {
 void Connection::OnRequest(const error_code& error) {
     static const auto& httpErrors = http::make_error_code(http::error::end_of_stream).category();
     const std::unique_ptr<Incoming> incoming = std::move(m_pIncoming);
-    // A client that connects and leaves without a word is no problem.
+    // A client that connects and closes without sending anything is no problem.
     if (error && (error.category() != httpErrors || error == http::error::end_of_stream))
         return Close();
     try {

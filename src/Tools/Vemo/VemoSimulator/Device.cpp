@@ -74,7 +74,7 @@ constexpr std::array<ActionRow, 18> actionTable{{
 }};
 
 /// A word of the command as messages repeat it: a word can be long and hold any byte, and must not
-/// tear the answer's lines apart.
+/// break the answer's lines.
 std::string Quote(const std::string& word) {
     constexpr std::size_t longest = 100;
     constexpr unsigned char firstPrintable = 0x20;

@@ -8,7 +8,7 @@
 
 namespace VemoSimulator {
 
-/// What the device says to a command. Lines bear no line end.
+/// What the device says to a command. Lines have no line end.
 struct Reply {
     std::vector<std::string> information;
     std::vector<std::string> errors;

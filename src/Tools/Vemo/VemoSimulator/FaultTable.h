@@ -12,7 +12,7 @@ namespace VemoSimulator {
 
 enum class FaultValueKind { None, Number, Chain, Text, File };
 
-/// The value behind a fault's name: the number, or else the text (of a file, its content).
+/// The value after a fault's name: the number, or else the text (of a file, its content).
 struct FaultValue {
     std::uint64_t number = 0;
     std::string text;

@@ -16,7 +16,7 @@ std::string FindConflict(const RadioSettings& settings);
 /// happened before. All in whole numbers, so that every platform finds the same.
 class PowerModel {
 public:
-    /// The power strays by up to noise hundredths of a dB either way; 0 is no noise.
+    /// The power differs by up to noise hundredths of a dB either way; 0 is no noise.
     PowerModel(std::uint64_t seed, std::uint32_t noise);
 
     int TargetPower(const RadioSettings& settings, char chain) const;

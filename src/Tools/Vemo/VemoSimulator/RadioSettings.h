@@ -29,7 +29,7 @@ inline constexpr std::size_t SettingCount = 11;
 
 struct SettingRow {
     Setting setting;
-    /// The option as it stands in a command.
+    /// The option as it is written in a command.
     std::string_view option;
     /// What the answer calls the setting.
     std::string_view title;

@@ -21,7 +21,7 @@ struct LogRecord {
     std::vector<std::string> faults;
 };
 
-/// The record as one line of JSON, without the line end. Header values and the body stand there
+/// The record as one line of JSON, without the line end. Header values and the body are there
 /// byte by byte, each byte as the character of that number, so that nothing is lost.
 std::string FormatLogLine(const Request& request, const LogRecord& record);
 

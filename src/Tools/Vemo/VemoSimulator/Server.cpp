@@ -49,7 +49,7 @@ bool IsOutOfDescriptors(const error_code& error) {
            error == no_buffer_space;
 }
 
-/// Tries each port once, from one chosen by chance: programs started together seldom meet.
+/// Tries each port once, from one chosen by chance: programs started together seldom try the same.
 error_code ListenAtFreePort(tcp::acceptor& acceptor, const asio::ip::address& address) {
     constexpr unsigned count = highestFourDigitPort - lowestFourDigitPort + 1;
     const unsigned start = std::random_device{}() % count;
@@ -111,7 +111,7 @@ private:
         AcceptLater(error);
     }
 
-    /// That may pass: when all connections are at work, an answer is sent some time.
+    /// That may be temporary: when all connections are at work, an answer is sent some time.
     void AcceptLater(const error_code& error) {
         constexpr std::chrono::milliseconds pause(100);
         m_context.log << "A connection cannot be accepted: " << error.message() << std::endl;

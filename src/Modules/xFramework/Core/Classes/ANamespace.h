@@ -9,7 +9,7 @@
 namespace Core {
 
 /// What all namespaces share: the names of their entries and the handling of paths. Whose the
-/// entries are is the subclass's business; this class only observes them.
+/// entries are is decided by the subclass; this class only observes them.
 class ANamespace : public virtual INamespace {
 public:
     /// Letters a to z and A to Z, digits and the underscore.

@@ -8,7 +8,7 @@
 #include <sstream>
 #include <string>
 
-/// How elements are written as text and read from it. Writing appends nothing and fails never;
+/// How elements are written as text and read from it. Writing adds nothing and never fails;
 /// reading leaves the element as it was when it fails.
 namespace Core::ElementText {
 

@@ -18,7 +18,7 @@ public:
     virtual std::set<std::string> GetNames() const = 0;
 
     /// The registration in the process's value factory keeps the names: it adds a name to the type
-    /// that it is registered for, and takes it from the type that it stood for before.
+    /// that it is registered for, and takes it from the type that it named before.
     virtual void AddName(const std::string& name) = 0;
     virtual void RemoveName(const std::string& name) = 0;
 

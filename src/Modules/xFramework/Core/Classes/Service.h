@@ -11,7 +11,7 @@ namespace Core {
 class IServiceDomain;
 
 /// What a service domain creates on request and owns. A service is attached to one domain at a
-/// time, as often as it likes.
+/// time, any number of times.
 class IService : public virtual IInterface {
     // The virtual operations are in the order that other modules are built against.
 public:
@@ -19,8 +19,8 @@ public:
 
 protected:
     /// Called once, on the first attach, when the domain is known; gives what OnAttach returns. A
-    /// service requests here the others that it needs. When the hook throws, the attach counts all
-    /// the same.
+    /// service requests here the others that it needs. When the hook throws, the attach still
+    /// counts.
     virtual IServiceDomain* AttachHook() = 0;
 
     /// Called once, on the last detach, while the domain is still known; gives what OnDetach
@@ -29,12 +29,13 @@ protected:
 
 public:
     /// Counts an attach and, on the first, attaches the service and returns what the hook gives,
-    /// the domain unless a service has other plans; returns the domain on each further attach. The
-    /// domain is another object than the service, stays the caller's and outlives the attachment.
+    /// which is the domain unless a service overrides it; returns the domain on each further
+    /// attach. The domain is another object than the service, stays the caller's and outlives the
+    /// attachment.
     virtual IServiceDomain* OnAttach(IServiceDomain* pDomain) = 0;
 
     /// Counts a detach and, on the last, detaches the service and returns what the hook gives, the
-    /// domain that it leaves unless a service has other plans; returns null while it stays
+    /// domain that it leaves unless a service overrides it; returns null while it stays
     /// attached.
     virtual IServiceDomain* OnDetach() = 0;
 

@@ -2,7 +2,7 @@
 
 namespace {
 
-// Before main. Every singleton that the registration touches is created by the touch, so that it
+// Before main. Every singleton that the registration uses is created by its first use, so that it
 // does not matter in which order the program's static objects are made.
 [[maybe_unused]] const bool isRegistered = [] {
     Core::RegisterAtStartUp();

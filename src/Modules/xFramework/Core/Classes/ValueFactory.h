@@ -26,16 +26,16 @@ class ValueFactory : public DynamicFactory<IValue, GenericFactory<IValue, ClassF
                      public virtual Service {
 public:
     /// Gives the element type T a name: registers a creator and a descriptor, and the process's
-    /// factory tells the meta type. A name that is taken stands for T from now on.
+    /// factory tells the meta type. A name that is taken names T from now on.
     template <typename T>
     void Register(const std::string& name);
 
-    /// See IClassFactory. A name that stood for an element type does so no longer: its descriptor
+    /// See IClassFactory. A name that named an element type does so no longer: its descriptor
     /// goes with the replaced creator, and its meta type forgets a name of the process's factory.
     void Register(const std::string& name, std::unique_ptr<IClassCreator<>> creator) override;
 
     /// A value of the named type, read from text; an unreadable text leaves the default element.
-    /// Null when the name is unknown or does not stand for a value.
+    /// Null when the name is unknown or does not name a value's type.
     std::unique_ptr<IValue> Create(const std::string& typeName, const std::string& text);
 
     /// Whether the text is a typed literal of a registered type with a value text that is not

@@ -76,7 +76,7 @@ struct ChainPower {
     std::size_t fieldFromEnd;
 };
 
-/// "AB" files the power of chain A; that of chain B stands in result.csv only. For any other cell
+/// "AB" files the power of chain A; that of chain B is in result.csv only. For any other cell
 /// no power is filed.
 inline constexpr std::array<ChainPower, 3> chainPowers{{{"A", 2}, {"AB", 2}, {"B", 1}}};
 

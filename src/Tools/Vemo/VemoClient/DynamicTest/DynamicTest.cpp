@@ -131,7 +131,7 @@ void DynamicTest::Pause(std::int32_t macType) const {
 void DynamicTest::ProcessHeaderTestFile(std::ostream& csv, const std::string& header) {
     const FunctionTrace trace("DynamicTest::ProcessHeaderTestFile");
     const Fields fields = SplitFields(header);
-    // A test file with an unknown column still runs its lines, with the device as it stands.
+    // A test file with an unknown column still runs its lines, with the device as it is.
     if (!ValidateHeader(fields))
         return;
     BuildColumnIndex(fields);
@@ -199,7 +199,7 @@ std::string DynamicTest::SendCommands(const Arguments& arguments) {
     const FunctionTrace trace("DynamicTest::SendCommands");
     daemonClient.SetArguments(arguments);
     daemonClient.ApplyRemoteDaemonOption();
-    // Whether there is a connection and what code the daemon returns is for the console to tell: a
+    // Whether there is a connection and what code the daemon returns is shown on the console: a
     // line without an answer is recorded as one without powers.
     daemonClient.Connect("127.0.0.1");
     daemonClient.SendCommand(true, "-vemo");

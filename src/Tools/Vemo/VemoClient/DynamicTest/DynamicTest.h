@@ -56,7 +56,7 @@ public:
     /// not "-". A cell of nothing but blanks is set.
     bool IsColumnSet(const std::string& column, const PowerTest::Fields& fields) const;
 
-    /// Sends the configuration with the start of the transmission behind it, then the stop. Returns
+    /// Sends the configuration followed by the start of the transmission, then the stop. Returns
     /// the reply to the former.
     std::string CommitAndRunTest(Arguments arguments);
 
@@ -70,14 +70,14 @@ public:
     /// The country code, "-" when the daemon does not tell. Reports and absorbs what goes wrong.
     std::string GetCurrentMccValue();
 
-    /// What result.csv has behind a line: a comma, the power of chain A, a comma, the power of
+    /// What result.csv has after a line: a comma, the power of chain A, a comma, the power of
     /// chain B, as the daemon printed them in the reply; "NA" for one that is not there. Both
     /// chains are looked up, whatever the line sets.
     std::string GetPowerLimitCsvFormat(const std::string& reply) const;
 
     /// Files an extended line, which ends with the two powers, in the result tree. The cells are
-    /// looked up in the extended line: one that is too short lends its powers to the columns that
-    /// it lacks, as readers of result.xml expect.
+    /// looked up in the extended line: in one that is too short the powers count for the columns
+    /// that it lacks, as readers of result.xml expect.
     void SaveResultsToXml(const std::string& extendedLine);
 
     /// The parent's first child of that name whose attribute has that value, or a new one. The
@@ -105,7 +105,7 @@ private:
     void Pause(std::int32_t macType) const;
     Configuration ReadConfiguration(const PowerTest::Fields& fields) const;
 
-    /// A cell with this value leaves its column unset; also stands for every value that is not
+    /// A cell with this value leaves its column unset; it is also every value that is not
     /// known.
     const std::string notSetMarker = "-";
     const std::string m_csvFileName = "result.csv";

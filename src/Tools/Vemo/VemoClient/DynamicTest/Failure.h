@@ -13,7 +13,7 @@ namespace PowerTest {
 void PrintError(const std::string& messageTemplate, const std::string& text);
 
 /// Runs the step and returns the message of the standard exception that ended it, if one did,
-/// whether it travelled as a value or as a pointer. What else is thrown passes through.
+/// whether it was thrown as a value or as a pointer. What else is thrown passes through.
 template <typename Step>
 std::optional<std::string> FailureOf(const Step& step) {
     try {

@@ -24,7 +24,7 @@ Fields SplitFields(const std::string& line) {
 TestFiles::TestFiles(const std::string& testFileName, const std::string& csvFileName,
                      const std::string& xmlFileName)
     : test(testFileName), csv(csvFileName), xml(xmlFileName) {
-    // The first read tells a directory from a file. An empty file is none of its business: the
+    // The first read tells a directory from a file. An empty file is no error here: the
     // header line is read whether that works or not.
     test.peek();
 }
