@@ -1,9 +1,9 @@
 #include "Modules/xFramework/Utilities/Exception.h"
 
 #include "Modules/xFramework/Utilities/FunctionTrace.h"
-#include "tests/Modules/xFramework/Utilities/FailingMemory.h"
 #include "tests/Modules/xFramework/Utilities/LogRecorder.h"
 #include "tests/Modules/xFramework/Utilities/ProviderGuard.h"
+#include "tests/Support/TestMemory.h"
 
 #include <gmock/gmock.h>
 
@@ -189,7 +189,7 @@ TEST_F(RaiseTest, IsCaughtByAHandlerForStandardExceptions) {
 }
 
 TEST_F(RaiseTest, HasLoggedBeforeItNeedsMemoryForTheException) {
-    const FailingMemory noMemory(sizeof(Exception));
+    const TestSupport::FailingSize noMemory(sizeof(Exception));
     EXPECT_THROW(Raise("message", site), std::bad_alloc);
     EXPECT_THAT(log.records, ElementsAre("1|src/Modules/xFramework/Core/Classes/Service|"
                                          "Core::Service::OnAttach|message"));
@@ -198,7 +198,7 @@ TEST_F(RaiseTest, HasLoggedBeforeItNeedsMemoryForTheException) {
 TEST_F(RaiseTest, GoesWithoutALocationWhenThereIsNoMemoryForIt) {
     std::unique_ptr<Exception> exception;
     {
-        const FailingMemory noMemory(sizeof(ErrorLocation));
+        const TestSupport::FailingSize noMemory(sizeof(ErrorLocation));
         exception = Catch([] { Raise("message", site); });
     }
     ASSERT_NE(exception, nullptr);
@@ -210,7 +210,7 @@ TEST_F(RaiseTest, GoesWithoutALocationWhenThereIsNoMemoryForItsTexts) {
     const std::string file(500, 'f');
     std::unique_ptr<Exception> exception;
     {
-        const FailingMemory noMemory(file.size() + 1);
+        const TestSupport::FailingSize noMemory(file.size() + 1);
         SingletonWrapper<LogPrinter>()->SetLevelMask("recorder", 0);
         exception = Catch([&file] { Raise("message", {file.c_str(), 1, "function"}); });
     }

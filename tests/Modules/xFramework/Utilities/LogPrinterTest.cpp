@@ -1,7 +1,7 @@
 #include "Modules/xFramework/Utilities/LogPrinter.h"
 
 #include "Modules/xFramework/Utilities/Log.h"
-#include "tests/Modules/xFramework/Utilities/FailingMemory.h"
+#include "tests/Support/TestMemory.h"
 
 #include <gmock/gmock.h>
 
@@ -11,6 +11,9 @@
 
 namespace Utilities {
 namespace {
+
+using TestSupport::CountMemoryPieces;
+using TestSupport::FailingRequest;
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -229,8 +232,8 @@ TEST_F(LogPrinterTest, WritesAnEmptyLineForAnEmptyMessage) {
 
 /// Lets each request for memory of AddDevice fail in its turn; returns how many failed before it
 /// could finish.
-int AddWithEveryFailure(LogPrinter& printer, const std::string& name, ILogDevice* device) {
-    for (int request = 0;; ++request) {
+std::size_t AddWithEveryFailure(LogPrinter& printer, const std::string& name, ILogDevice* device) {
+    for (std::size_t request = 0;; ++request) {
         const std::int64_t pieces = CountMemoryPieces();
         const FailingRequest failure(request);
         try {
@@ -246,7 +249,7 @@ TEST_F(LogPrinterTest, IsAsItWasWhenMemoryRunsOutWhileADeviceIsAdded) {
     // Too long to be held without memory of its own.
     const std::string name(100, 'n');
     AddChannel("a", &first);
-    EXPECT_GE(AddWithEveryFailure(printer, name, &second), 4);
+    EXPECT_GE(AddWithEveryFailure(printer, name, &second), 4U);
     printer.SetFormatter(name, &plain);
     printer.SetLevelMask(name, LogLevel::All);
     Send("x");
@@ -264,7 +267,7 @@ TEST_F(LogPrinterTest, LeavesANameWithItsChannelWhenMemoryRunsOutWhileItIsTakenO
     printer.SetLevelMask(name, 0);
     Send("y");
     EXPECT_THAT(lines, ElementsAre("first: x"));
-    EXPECT_GE(AddWithEveryFailure(printer, name, &second), 3);
+    EXPECT_GE(AddWithEveryFailure(printer, name, &second), 3U);
 }
 
 TEST_F(LogPrinterTest, WithoutChannelsDropsEverything) {

@@ -2,7 +2,7 @@
 
 #include "Modules/xFramework/XML/Base.h"
 #include "Modules/xFramework/XML/Writer.h"
-#include "tests/Support/FailingAllocation.h"
+#include "tests/Support/TestMemory.h"
 
 #include <gtest/gtest.h>
 
@@ -156,7 +156,7 @@ void ExpectUnchangedByFailures(Children& children, const char* name) {
     for (bool isAdded = false; !isAdded; ++requests) {
         SCOPED_TRACE(std::to_string(requests));
         {
-            const TestSupport::FailingAllocation failing(requests);
+            const TestSupport::FailingRequest failing(requests);
             try {
                 children.Add(name);
                 isAdded = true;
@@ -203,7 +203,7 @@ TEST(ChildrenTest, TreeIsWrittenAfterAnAddThatFoundNoMemory) {
         Base document;
         Node* const root = document.GetTopNode()->AddChild("root");
         {
-            const TestSupport::FailingAllocation failing(requests);
+            const TestSupport::FailingRequest failing(requests);
             try {
                 root->AddChild("a");
             } catch (const std::bad_alloc&) {

@@ -2,7 +2,7 @@
 
 #include "Modules/xFramework/Utilities/Exception.h"
 #include "Modules/xFramework/XML/Base.h"
-#include "tests/Support/FailingAllocation.h"
+#include "tests/Support/TestMemory.h"
 #include "tests/Support/VirtualSlots.h"
 
 #include <gtest/gtest.h>
@@ -415,7 +415,7 @@ TEST(WriterTest, LackOfMemoryShowsInTheStateOfTheStream) {
         std::ostream stream(&buffer);
         Writer writer(stream);
         {
-            const TestSupport::FailingAllocation failing(requests);
+            const TestSupport::FailingRequest failing(requests);
             writer.StartDocument();
             writer.StartElement(longName.c_str());
             writer.Attribute(longName.c_str(), longText.c_str());

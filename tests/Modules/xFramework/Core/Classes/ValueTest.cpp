@@ -1,8 +1,8 @@
 #include "Modules/xFramework/Core/Classes/Value.h"
 
-#include "tests/Modules/xFramework/Core/Classes/AllocationCount.h"
 #include "tests/Modules/xFramework/Core/Classes/LiveValue.h"
 #include "tests/Modules/xFramework/Utilities/RaisedBy.h"
+#include "tests/Support/TestMemory.h"
 
 #include <gtest/gtest.h>
 
@@ -66,14 +66,14 @@ TEST(ValueTest, CopyOfAnEmptyValueIsEmpty) {
 
 TEST(ValueTest, CopyAllocatesNothing) {
     const Value value(std::string(100, 'x'));
-    const std::size_t before = CountAllocations();
+    const std::size_t before = TestSupport::CountRequests();
     const Value copy(value);
     Value assigned;
     assigned = copy;
-    EXPECT_EQ(CountAllocations(), before);
+    EXPECT_EQ(TestSupport::CountRequests(), before);
     // The count is at work: a new value is seen.
     const Value other(std::string(100, 'y'));
-    EXPECT_GT(CountAllocations(), before);
+    EXPECT_GT(TestSupport::CountRequests(), before);
 }
 
 TEST(ValueTest, AssignmentOfAnEqualValueKeepsTheObjectAndItsType) {

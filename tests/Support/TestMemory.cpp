@@ -1,4 +1,4 @@
-#include "tests/Modules/xFramework/Utilities/FailingMemory.h"
+#include "tests/Support/TestMemory.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -9,6 +9,7 @@ namespace {
 std::atomic<std::size_t> failingSize{0};
 /// Requests that still succeed before one fails; below 0 when none is to fail.
 std::atomic<std::int64_t> requestsBeforeFailure{-1};
+std::atomic<std::size_t> requests{0};
 std::atomic<std::int64_t> pieces{0};
 
 bool IsToFail(std::size_t size) noexcept {
@@ -18,6 +19,7 @@ bool IsToFail(std::size_t size) noexcept {
 }
 
 void* Allocate(std::size_t size) noexcept {
+    ++requests;
     if (IsToFail(size))
         return nullptr;
     void* const memory = std::malloc(size != 0 ? size : 1);
@@ -34,29 +36,37 @@ void Free(void* memory) noexcept {
 
 } // namespace
 
-namespace Utilities {
+namespace TestSupport {
 
-FailingMemory::FailingMemory(std::size_t size) {
+FailingSize::FailingSize(std::size_t size) {
     failingSize = size;
 }
 
-FailingMemory::~FailingMemory() {
+FailingSize::~FailingSize() {
     failingSize = 0;
 }
 
-FailingRequest::FailingRequest(std::int64_t number) {
-    requestsBeforeFailure = number;
+FailingRequest::FailingRequest(std::size_t number) {
+    requestsBeforeFailure = static_cast<std::int64_t>(number);
 }
 
 FailingRequest::~FailingRequest() {
     requestsBeforeFailure = -1;
 }
 
+bool FailingRequest::HasFailed() const {
+    return requestsBeforeFailure < 0;
+}
+
+std::size_t CountRequests() {
+    return requests;
+}
+
 std::int64_t CountMemoryPieces() {
     return pieces;
 }
 
-} // namespace Utilities
+} // namespace TestSupport
 
 // The memory of the whole test program.
 
