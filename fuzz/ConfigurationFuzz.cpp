@@ -1,4 +1,4 @@
-// Property: the port is what stands in the first four bytes of Socket.cfg up to a NUL, whatever the
+// Property: the port is what the first four bytes of Socket.cfg hold up to a NUL, whatever the
 // file holds; the command table is that of a plain reader, in which one malformed line empties the
 // whole; and arguments are known exactly when a plain walk over them says so.
 //
@@ -63,7 +63,7 @@ std::string ToLower(std::string text) {
 SarvexTool::CommandTable ReadTablePlainly(const std::string& content) {
     SarvexTool::CommandTable table;
     std::vector<std::string> lines = Split(content, '\n');
-    // Behind the last line feed there is no line.
+    // After the last line feed there is no line.
     if (lines.back().empty())
         lines.pop_back();
     for (const std::string& text : lines) {

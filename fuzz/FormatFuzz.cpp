@@ -78,7 +78,7 @@ std::optional<std::string> ReplacePlainly(std::string text, std::size_t number,
 }
 
 /// A replacement by such a text takes a character that every placeholder needs, and gives none
-/// back: so the replacing ends, whatever stands around.
+/// back: so the replacing ends, whatever is around.
 bool MustEnd(const std::string& argument) {
     return argument.find('$') == std::string::npos || argument.find('}') == std::string::npos;
 }

@@ -129,7 +129,7 @@ void CheckRefusal(const Answer& answer) {
           "a refusal says why, without mark");
 }
 
-/// Takes back what the log does to bytes: each stands as the character of that number, in UTF-8.
+/// Takes back what the log does to bytes: each is the character of that number, in UTF-8.
 std::string BytesOf(const std::string& characters) {
     std::string bytes;
     for (std::size_t index = 0; index < characters.size(); ++index) {

@@ -158,7 +158,7 @@ void CheckSame(const pugi::xml_node& read, const Element& element) {
         ++attribute;
     }
     Check(attribute == read.attributes_end(), "no attribute is read back that was not there");
-    // The first child behind a text stands on the text's line, indented by one tab.
+    // The first child after a text is on the text's line, indented by one tab.
     const std::string indented = element.text + (element.children.empty() ? "" : "\t");
     if (!element.text.empty())
         CheckEqual(std::string(read.first_child().value()), indented, "a text is read back");
@@ -180,7 +180,7 @@ void CheckChildren(const pugi::xml_node& read, const Element& element) {
 
 void CheckReadsBack(const std::string& text, const Element& top) {
     pugi::xml_document document;
-    // White space as it stands.
+    // White space as it is.
     const auto result =
         document.load_buffer(text.data(), text.size(), pugi::parse_minimal | pugi::parse_ws_pcdata);
     const bool isEmpty = top.children.empty();

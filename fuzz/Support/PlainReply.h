@@ -12,7 +12,7 @@ struct PlainReply {
     int returnCode = 0;
     /// Every line of the body, each followed by a line feed, up to the one that failed.
     std::string allLines;
-    /// What is wrong with the line behind the return-code marker; empty when nothing is.
+    /// What is wrong with the line after the return-code marker; empty when nothing is.
     std::string problem;
 };
 
@@ -21,5 +21,5 @@ struct PlainReply {
 /// so does the end of the pieces. reads is set to the number of reads.
 std::string PlainReceive(std::deque<std::string>& pieces, int& reads);
 
-/// Cuts the HTTP head off the message and sorts the lines behind it.
+/// Cuts the HTTP head off the message and sorts the lines after it.
 PlainReply PlainSort(const std::string& message);

@@ -40,7 +40,7 @@ Cells SplitCells(const std::string& line) {
     return cells;
 }
 
-/// What stands behind the first label that has a value, which is what Read takes off a text;
+/// What follows the first label that has a value, which is what Read takes off a text;
 /// nothing when Read gives an empty text for every label.
 template <typename Read>
 std::string FindValue(const std::string& text, const std::string& label, const Read& read) {
@@ -71,7 +71,7 @@ std::string TakePower(const std::string& text) {
     return !whole.empty() && text.substr(power.size()).starts_with(" dBm") ? power : "";
 }
 
-/// The last power of the chain in the line behind the label.
+/// The last power of the chain in the line after the label.
 std::string TakeLastPower(const std::string& text, const std::string& chainLabel) {
     const std::string line = text.substr(0, text.find_first_of("\r\n"));
     std::string last;

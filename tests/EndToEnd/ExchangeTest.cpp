@@ -166,7 +166,7 @@ TEST_F(ExchangeTest, AnswerCutAtAnyByteIsProcessedAsFarAsItCame) {
             connection.Send(answer.substr(0, size));
             connection.FinishSending();
         });
-        // Behind the code's marker a missing number ends the run; everything else is text.
+        // After the code's marker a missing number ends the run; everything else is text.
         const bool codeIsEmpty = answer.substr(0, size).ends_with("CODE\n");
         const bool codeIsThere = answer.substr(0, size).find("CODE\n3") != std::string::npos;
         const int expected = codeIsEmpty ? 256 : codeIsThere ? 3 : 0;

@@ -55,7 +55,7 @@ std::size_t CountHits(const std::string& text, const std::string& word) {
     return count;
 }
 
-/// What a run left behind that was interrupted, or that ended before it could be.
+/// What is left of a run that was interrupted, or that ended before it could be.
 struct Remains {
     bool wasInterrupted = false;
     double seconds = 0;

@@ -88,7 +88,7 @@ TEST_F(TestRunTest, SlowDeviceCostsFiveSecondsALine) {
     EXPECT_GE(result.seconds, 5.0);
 }
 
-/// Runs two lines against a daemon that goes away behind the first line's stop.
+/// Runs two lines against a daemon that goes away after the first line's stop.
 class DyingDaemonTest : public TestRunTest {
 protected:
     ProcessResult RunUntilItDies(const std::function<void()>& afterDeath) {
@@ -102,7 +102,7 @@ protected:
         bench.SetPort(port);
         bench.Write("test.csv", "Band\n5\n6\n");
         Process client(bench.ClientPath(), {"-wifi-test-by-file", "test.csv"}, bench.Directory());
-        // The client pauses for a second behind the line.
+        // The client pauses for a second after the line.
         died.get_future().wait();
         peer.reset();
         afterDeath();

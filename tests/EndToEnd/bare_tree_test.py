@@ -15,7 +15,7 @@ import unittest
 
 # A system may allow the one, the other, or both: to root, or to a user in a name space of its own.
 WAYS_IN = (["unshare"], ["unshare", "--map-root-user"])
-# Names that no library stands for: a program that asked them would find nothing.
+# Services without a library: a program that asked them would find nothing.
 NAME_SERVICES = "hosts: elsewhere\nservices: elsewhere\n"
 
 

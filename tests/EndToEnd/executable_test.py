@@ -95,7 +95,7 @@ class LinuxExecutableTest(ExecutableTest):
                     self.assertFalse(start <= section(name) < start + size)
 
     def test_the_stack_is_protected_where_bytes_from_the_network_arrive(self):
-        # The program bears no names; the C library in it would have this one anyway.
+        # The program holds no names; the C library in it would have this one anyway.
         names = subprocess.run([objdump, "-t", sockets_library], capture_output=True, text=True,
                                check=True).stdout
         self.assertIn("__stack_chk_fail", names)

@@ -92,7 +92,7 @@ class NginxTest(unittest.TestCase):
         self.server.wait()
 
     def logged(self):
-        """The log line stands there only after the client has its answer."""
+        """The log line is there only after the client has its answer."""
         for _ in range(300):
             text = (self.folder / "requests.log").read_bytes()
             if text:

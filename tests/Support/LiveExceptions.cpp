@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-// Linked into every unit test program: no road through the code leaves an exception behind, on
+// Linked into every unit test program: the code deletes every exception, on
 // either target.
 
 namespace {

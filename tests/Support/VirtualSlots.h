@@ -6,7 +6,7 @@
 
 namespace TestSupport {
 
-/// Where a virtual operation stands in the table of its class, counted from 0; a virtual destructor
+/// Where a virtual operation is in the table of its class, counted from 0; a virtual destructor
 /// takes two places. By the Itanium C++ ABI, which both compilers follow, a pointer to a virtual
 /// member holds one more than the operation's offset in the table.
 template <typename Member>

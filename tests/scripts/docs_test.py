@@ -25,7 +25,7 @@ def links(page):
 
 
 def named_paths(page):
-    """What stands in backticks and reads like a path of this tree."""
+    """What is in backticks and reads like a path of this tree."""
     for text in re.findall(r"`([\w./-]+)`", page.read_text()):
         if text.startswith(TREE_FOLDERS):
             yield text, ROOT / text

@@ -10,7 +10,7 @@ namespace {
 /// A part of the answer, and what the client prints when the last byte that came is in it.
 struct Part {
     std::string bytes;
-    /// Where the bytes of this part that came are printed, as a line behind the complete ones.
+    /// Where the bytes of this part that came are printed, as a line after the complete ones.
     enum class Shown { OnOut, OnErr, Nowhere } shown;
     /// The complete lines.
     std::string out;
@@ -22,7 +22,7 @@ using enum Part::Shown;
 
 /// The parts of one answer, in order.
 const std::vector<Part> parts = {
-    // Without the empty line behind it, the head is text.
+    // Without the empty line after it, the head is text.
     {"HTTP/1.1 200 OK\r", OnOut, "", ""},
     {"\n", Nowhere, "HTTP/1.1 200 OK\r\n\n", ""},
     {"\r", Nowhere, "HTTP/1.1 200 OK\r\n\r\n", ""},
@@ -30,7 +30,7 @@ const std::vector<Part> parts = {
     {"Sarvex tool INF", OnOut, "", ""},
     // A marker needs no line end.
     {"O", Nowhere, "", ""},
-    // Behind a line end, there is an empty line.
+    // After a line end, there is an empty line.
     {"\n", Nowhere, "\n", ""},
     {"hello", OnOut, "", ""},
     {"\n", Nowhere, "hello\n\n", ""},
@@ -45,7 +45,7 @@ const std::vector<Part> parts = {
     {"\n", Nowhere, "", "Failed to handle commands.\n", 256},
     {"3", Nowhere, "hello\n", "late\n", 3},
     {"7", Nowhere, "hello\n", "late\n", 37},
-    // The lines behind the code are ignored.
+    // The lines after the code are ignored.
     {"\n", Nowhere, "hello\n", "late\n", 37},
     {"Done", Nowhere, "hello\n", "late\n", 37},
 };
@@ -56,7 +56,7 @@ Outcome OutcomeWithin(const Part& part, std::size_t size) {
             part.err + (part.shown == OnErr ? line : "")};
 }
 
-/// Breaks off behind each byte of the answer.
+/// Breaks off after each byte of the answer.
 std::vector<Scenario> BreakEverywhere(const std::string& name, const Script& ending) {
     std::vector<Scenario> scenarios = {Answering(name + " byte 0", ending, nothingCame)};
     std::string answer;

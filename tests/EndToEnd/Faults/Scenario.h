@@ -7,7 +7,7 @@
 
 namespace EndToEnd::Faults {
 
-/// What the client leaves behind. Texts have line feeds here; the platform's text mode is applied
+/// What the client leaves. Texts have line feeds here; the platform's text mode is applied
 /// to them before they are compared.
 struct Outcome {
     /// The client's own code, before it is fitted to what the system keeps.

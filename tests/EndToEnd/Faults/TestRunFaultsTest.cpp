@@ -43,7 +43,7 @@ constexpr std::size_t firstStop = 4;
 constexpr std::size_t secondStart = 5;
 constexpr std::size_t secondStop = 6;
 
-/// What a run has left behind up to some exchange, one exchange added after the other.
+/// What a run has left up to some exchange, one exchange added after the other.
 class ExpectedRun {
 public:
     /// The client makes the next exchange and prints this.

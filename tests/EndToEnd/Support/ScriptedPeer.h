@@ -53,7 +53,7 @@ public:
     /// number counts the connections from 0.
     using Script = std::function<void(Connection& connection, int number)>;
 
-    /// An empty port stands for any free one.
+    /// An empty port means any free one.
     explicit ScriptedPeer(Script script, const std::string& address = "127.0.0.1",
                           const std::string& port = "");
     ~ScriptedPeer();

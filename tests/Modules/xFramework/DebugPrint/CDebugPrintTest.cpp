@@ -226,8 +226,8 @@ TEST_F(CDebugPrintTest, CutsAFormattedTextAfter4095Characters) {
 
 TEST_F(CDebugPrintTest, PrintsAnEmptyTextWhenTheRunTimeLibraryCannotFormatIt) {
     SwitchOn();
-    // No 8-bit character stands for this one in the C locale. Most run-time libraries take that for
-    // an error; the others drop the character, and then there is no error to see.
+    // There is no 8-bit character for this one in the C locale. Most run-time libraries take that
+    // for an error; the others drop the character, and then there is no error to see.
     const std::array<wchar_t, 2> unencodable{static_cast<wchar_t>(0xD7FF), L'\0'};
     std::array<char, 32> text{};
     const bool fails =

@@ -1,6 +1,6 @@
 // The program that the tests start:
 //   OSALTestsChild                 tells the port of its working directory how it was started
-//   OSALTestsChild exit CODE       ends with the status that stands for a return code
+//   OSALTestsChild exit CODE       ends with the status for a return code
 //   OSALTestsChild echo TEXT...    prints its arguments in brackets
 //   OSALTestsChild sockets COUNT   prints how many sockets it could open at once
 

@@ -112,7 +112,7 @@ TEST_F(lined_streambufTest, TextThatWasNotFlushedIsDroppedWithTheBuffer) {
     EXPECT_THAT(shortLived, ElementsAre("a"));
 }
 
-/// Replaces the virtual operations that stand between the standard ones and the line.
+/// Replaces the virtual operations that are between the standard ones and the line.
 class ShoutedLines : public lined_streambuf<> {
 public:
     std::string lines;

@@ -9,7 +9,7 @@ namespace {
 using Streams::null_ostream;
 using Streams::nullbuf;
 
-// Written before main: the process-wide streams have to stand by then, and before this file's own
+// Written before main: the process-wide streams have to exist by then, and before this file's own
 // static objects.
 const bool narrowStoodBeforeMain = (Streams::null_stream << "text").bad();
 const bool wideStoodBeforeMain = (Streams::wide_null_stream << L"text").bad();

@@ -113,7 +113,7 @@ TEST_F(CriticalSectionOSALTest, IsDestroyedThroughTheCommonBaseOfSynchronisation
     EXPECT_EQ(TheWorld().criticalSections, 0);
 }
 
-/// Two roads to the common base: they must meet in one object.
+/// Two ways to the common base: both must lead to one object.
 class OtherSyncObject : public virtual ISyncInterface {};
 class CombinedObject : public CriticalSectionOSAL, public OtherSyncObject {};
 

@@ -60,7 +60,7 @@ protected:
         TheWorld().received = {"HTTP/1.1 200 OK\r\n\r\nanswer\nSarvex tool RETURN CODE\n3\nDone"};
     }
 
-    /// Runs the client with these arguments behind the program path.
+    /// Runs the client with these arguments after the program path.
     static int Run(const std::vector<std::string>& arguments) {
         std::vector<const char*> pointers{"C:\\bench\\SarvexToolClient.exe"};
         for (const std::string& argument : arguments)
@@ -134,7 +134,7 @@ TEST_F(EntryPointTest, TestFilePairLeavesTheList) {
     const Case cases[] = {
         {{"-a", "-wifi-test-by-file", "f", "-b"}, "CLI -1 -vemo  -a -b"},
         {{"-wifi-test-by-file", "f"}, "CLI -1 "},
-        // The first element equal to the file name goes, wherever it stands.
+        // The first element equal to the file name goes, wherever it is.
         {{"f", "-wifi-test-by-file", "f", "-a"}, "CLI -1 -vemo  f -a"},
         {{"f", "x", "-wifi-test-by-file", "f"}, "CLI -1 -vemo  x f"},
         {{"-wifi-test-by-file", "f", "-wifi-test-by-file", "g", "-a"}, "CLI -1 -vemo  -a"},

@@ -80,7 +80,7 @@ TEST_F(LauncherTest, ProcessRunsWhenTheListShowsItsName) {
         {"vemo", true, "vemo.exe vemo.exe", true},
         {"VEMO", false, "VEMO.exe", false},
         {"VEMO", false, "VEMO.exe VEMO.exe", true},
-        // The second hit is looked for behind the first character of the first.
+        // The second hit is looked for after the first character of the first.
         {"abab", true, "ababab", true},
         {"abab", true, "abab", false},
     };

@@ -4,7 +4,7 @@
 
 #include <string>
 
-/// The directory of the fake system in which the program under test believes to stand.
+/// The directory of the fake system in which the program under test believes to be.
 namespace ProgramDirectory {
 
 inline std::string Path(const std::string& fileName) {

@@ -24,7 +24,7 @@ std::vector<std::string> PageLines() {
     return lines;
 }
 
-/// The contents of the page's code blocks that bear the label, each line with its line end.
+/// The contents of the page's code blocks that have the label, each line with its line end.
 std::vector<std::string> Blocks(const std::string& label) {
     std::vector<std::string> blocks;
     bool inside = false;
@@ -41,7 +41,7 @@ std::vector<std::string> Blocks(const std::string& label) {
     return blocks;
 }
 
-/// What stands between backticks in a text.
+/// What is between backticks in a text.
 std::vector<std::string> Quoted(const std::string& text) {
     std::vector<std::string> quoted;
     std::istringstream pieces(text);

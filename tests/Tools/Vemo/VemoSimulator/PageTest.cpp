@@ -102,7 +102,7 @@ private:
     TestSupport::TemporaryDirectory m_directory;
 };
 
-/// Runs one session of the page; its first line starts the program, lines behind "> " are commands.
+/// Runs one session of the page; its first line starts the program, lines after "> " are commands.
 void RunSession(const Lines& session) {
     const RunningSimulator simulator(ArgumentsOf(session.front().substr(2)));
     for (auto line = session.begin() + 1; line != session.end();) {

@@ -119,7 +119,7 @@ TEST(ProgramTest, APortFileWithoutAPortFails) {
 TEST(ProgramTest, TheRequestLogHasALineForEachRequest) {
     RunningSimulator simulator({"--request-log", "requests.json", "--fault", "1:crlf"});
     Exchange(simulator.Port(), "CLI -1  -wifi-stop");
-    // The line stands there as soon as the answer does.
+    // The line is there as soon as the answer is.
     EXPECT_EQ(simulator.ReadFile("requests.json"),
               R"({"number":1,"method":"POST","target":"/api/oemtools/command",)"
               R"("command":"CLI -1  -wifi-stop","bodyBytes":18,)"

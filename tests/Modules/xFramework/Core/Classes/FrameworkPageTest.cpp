@@ -6,7 +6,7 @@
 #include <iterator>
 #include <string>
 
-// The page docs/framework.md shows, word for word, what stands between the marks of the example
+// The page docs/framework.md shows, word for word, what is between the marks of the example
 // files, and what the examples find out.
 
 namespace {

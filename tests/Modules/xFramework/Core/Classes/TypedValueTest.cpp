@@ -255,7 +255,7 @@ TEST(TypedValueTest, AssignNeverConverts) {
     EXPECT_EQ(target.GetRef(), 1);
 }
 
-/// Stands in for another object, or for none.
+/// Gives the view of another object, or of none.
 class StandIn : public TypedValue<Int> {
 public:
     explicit StandIn(const ITypedValue<Int>* view) : TypedValue(-1), m_view(view) {}

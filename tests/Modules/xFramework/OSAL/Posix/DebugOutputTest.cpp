@@ -26,7 +26,7 @@ bool systemLogListens = true;
 
 } // namespace
 
-// These stand in for the C library's own functions; optimised builds call the second one.
+// These take the place of the C library's own functions; optimised builds call the second one.
 
 extern "C" [[gnu::format(printf, 2, 3)]] void syslog(int priority, const char* format, ...) {
     va_list arguments;

@@ -68,7 +68,7 @@ TEST_F(SocketStreamTest, PortIsTheFirstFourBytesUpToANul) {
 }
 
 TEST_F(SocketStreamTest, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
-    // The destructor stands between the two groups.
+    // The destructor is between the two groups.
     EXPECT_THAT(TestSupport::VirtualSlots(&SocketStream::ReadPort, &SocketStream::SendBuffer,
                                           &SocketStream::ReceiveBuffer, &SocketStream::Reserved,
                                           &SocketStream::CloseSocket,

@@ -18,7 +18,7 @@ class DynamicTestFixture : public testing::Test {
 protected:
     DynamicTestFixture() { OSAL::Fake::TheWorld().files["/bench/Socket.cfg"].content = "8738"; }
 
-    /// The next answer. An empty one stands for a daemon that closes the connection.
+    /// The next answer. An empty one is that of a daemon that closes the connection.
     static void Answer(const std::string& text) {
         constexpr std::size_t pieceSize = 512;
         auto& received = OSAL::Fake::TheWorld().received;

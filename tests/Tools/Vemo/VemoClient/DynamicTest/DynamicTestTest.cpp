@@ -177,7 +177,7 @@ TEST_F(DynamicTestTest, MissingTestFileLeavesBothResultFilesEmpty) {
 
 TEST_F(DynamicTestTest, CellsFollowTheRulesOfValuesAndOfTheRemoteOption) {
     // Cells are arguments like any other: a typed literal is sent as the value that it names, and
-    // the remote option takes the argument behind it for the daemon's address.
+    // the remote option takes the argument after it for the daemon's address.
     AnswerQueries();
     AnswerLine("");
     AnswerLine("");

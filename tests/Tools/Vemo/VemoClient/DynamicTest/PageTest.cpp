@@ -14,7 +14,7 @@ namespace {
 /// A test file of a page, and what the page shows with it, by the labels of the code blocks.
 using Example = std::map<std::string, std::string>;
 
-/// Each block "test-file" begins an example; the labelled blocks behind it belong to it.
+/// Each block "test-file" begins an example; the labelled blocks after it belong to it.
 std::vector<Example> ReadExamples(const std::string& page) {
     std::istringstream lines(ReadSourceFile(page));
     std::vector<Example> examples;

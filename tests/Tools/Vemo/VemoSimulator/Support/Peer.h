@@ -46,7 +46,7 @@ private:
 /// The request that carries a command.
 std::string CommandRequest(const std::string& command);
 
-/// What stands behind the head.
+/// What follows the head.
 std::string BodyOf(const std::string& answer);
 
 /// Sends a command over a connection of its own; returns the answer's body.
