@@ -11,7 +11,7 @@
 #include "Modules/xFramework/Core/Classes/Value.h"
 #include "Modules/xFramework/Utilities/Exception.h"
 #include "Tools/SarvexTool/Client/CommandTable.h"
-#include "Tools/SarvexTool/Client/EntryPoint.h"
+#include "Tools/SarvexTool/Client/Program/EntryPoint.h"
 #include "fuzz/Support/Check.h"
 #include "fuzz/Support/Input.h"
 #include "fuzz/Support/PlainReply.h"

@@ -1,5 +1,5 @@
 #include "Modules/xFramework/OSAL/Process.h"
-#include "Tools/SarvexTool/Client/EntryPoint.h"
+#include "Tools/SarvexTool/Client/Program/EntryPoint.h"
 #include "Tools/SarvexTool/Client/Request.h"
 #include "tests/EndToEnd/Support/Bench.h"
 #include "tests/EndToEnd/Support/ScriptedPeer.h"

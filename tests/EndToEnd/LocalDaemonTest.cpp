@@ -1,5 +1,5 @@
 #include "Modules/xFramework/OSAL/Process.h"
-#include "Tools/SarvexTool/Client/EntryPoint.h"
+#include "Tools/SarvexTool/Client/Program/EntryPoint.h"
 #include "tests/EndToEnd/Support/Bench.h"
 #include "tests/EndToEnd/Support/ScriptedPeer.h"
 #include "tests/EndToEnd/Support/TaskList.h"

@@ -40,7 +40,7 @@ HEADERS = [
     FRAMEWORK + "XML/Node.h",
     FRAMEWORK + "Core/Classes/Value.h",
     CLIENT + "CliClient.h",
-    CLIENT + "EntryPoint.h",
+    CLIENT + "Program/EntryPoint.h",
     DYNAMIC_TEST + "DynamicTest.h",
     SIMULATOR + "Device.h",
 ]
@@ -94,8 +94,8 @@ class CheckLayersTest(unittest.TestCase):
             (FRAMEWORK + "Core/Classes/A.cpp", FRAMEWORK + "Utilities/Format.h"),
             (CLIENT + "A.cpp", FRAMEWORK + "Streams/Sockets/SocketStream.h"),
             (DYNAMIC_TEST + "A.cpp", CLIENT + "CliClient.h"),
-            (CLIENT + "main.cpp", CLIENT + "EntryPoint.h"),
-            (CLIENT + "EntryPoint.cpp", DYNAMIC_TEST + "DynamicTest.h"),
+            (CLIENT + "Program/main.cpp", CLIENT + "Program/EntryPoint.h"),
+            (CLIENT + "Program/EntryPoint.cpp", DYNAMIC_TEST + "DynamicTest.h"),
             (SIMULATOR + "A.cpp", FRAMEWORK + "OSAL/File.h"),
             (FRAMEWORK + "OSAL/Windows/A.cpp", FRAMEWORK + "OSAL/Windows/WideText.h"),
         ]:
@@ -117,8 +117,8 @@ class CheckLayersTest(unittest.TestCase):
             (FRAMEWORK + "Core/Classes/", "A.h", FRAMEWORK + "Streams/Sockets/SocketStream.h"),
             (FRAMEWORK + "Core/Classes/", "A.h", CLIENT + "CliClient.h"),
             (CLIENT, "A.h", DYNAMIC_TEST + "DynamicTest.h"),
-            (CLIENT, "A.h", CLIENT + "EntryPoint.h"),
-            (DYNAMIC_TEST, "A.h", CLIENT + "EntryPoint.h"),
+            (CLIENT, "A.h", CLIENT + "Program/EntryPoint.h"),
+            (DYNAMIC_TEST, "A.h", CLIENT + "Program/EntryPoint.h"),
             (DYNAMIC_TEST, "A.h", SIMULATOR + "Device.h"),
             (SIMULATOR, "A.h", FRAMEWORK + "Utilities/Format.h"),
         ]:

@@ -1,4 +1,4 @@
-#include "Tools/SarvexTool/Client/EntryPoint.h"
+#include "Tools/SarvexTool/Client/Program/EntryPoint.h"
 
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
 #include "tests/Tools/SarvexTool/Client/ConsoleCapture.h"

@@ -1,4 +1,4 @@
-#include "Tools/SarvexTool/Client/EntryPoint.h"
+#include "Tools/SarvexTool/Client/Program/EntryPoint.h"
 
 #include "Modules/xFramework/Utilities/Exception.h"
 #include "Tools/SarvexTool/Client/CliClient.h"

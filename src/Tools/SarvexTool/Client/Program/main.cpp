@@ -1,5 +1,5 @@
 #include "Modules/xFramework/OSAL/Process.h"
-#include "Tools/SarvexTool/Client/EntryPoint.h"
+#include "Tools/SarvexTool/Client/Program/EntryPoint.h"
 
 int main(int argc, char* argv[]) {
     OSAL::PrepareStandardStreams();
