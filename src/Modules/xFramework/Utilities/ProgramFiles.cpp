@@ -19,7 +19,7 @@ int GetModuleDirectory(std::string& directory) {
 
 std::string PathBesideProgram(const std::string& fileName) {
     std::string directory;
-    GetModuleDirectory(directory); // A failure leaves it empty: the working directory has to do.
+    GetModuleDirectory(directory); // A failure leaves it empty: the working directory then.
     return directory + fileName;
 }
 

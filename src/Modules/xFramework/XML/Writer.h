@@ -63,7 +63,7 @@ private:
     /// writers that own each other: an event reaches the innermost one at once, and no depth
     /// overflows the stack.
     std::vector<Level> m_levels;
-    /// What the event at hand puts out; empty between events.
+    /// What the current event puts out; empty between events.
     std::string m_output;
 };
 

@@ -46,7 +46,7 @@ bool StartLocalDaemon(const std::string& name) {
 bool IsProcessRunning(const std::string& name, bool requireTwo) {
     try {
         const std::string list = ReadTaskList(name);
-        // The search minds the case, the task list's own filter does not: an image listed in
+        // The search is case-sensitive, the task list's own filter is not: an image listed in
         // another case is not found, and a second daemon is started. That is how the check works.
         const std::size_t first = list.find(name);
         if (list.empty() || first == std::string::npos)

@@ -73,7 +73,7 @@ private:
         OpenSection(Section::Ignored);
     }
 
-    /// Adds the lines of the open section, up to the one at hand, to the section's text.
+    /// Adds the lines of the open section, up to the current one, to the section's text.
     void TakeSection() {
         const std::size_t size = m_lineStart - m_sectionStart;
         if (m_section == Section::Information)

@@ -22,7 +22,7 @@ const Value* FindVariable(std::string_view name) {
 }
 
 /// The references of a text, from its end to its front. The first closing parenthesis after the
-/// place at hand is carried along, so that a text whose references all stay is searched for one
+/// current place is carried along, so that a text whose references all stay is searched for one
 /// once. A replacement moves what follows it and searches again, to the next one after it.
 class ReferenceExpander {
 public:

@@ -86,7 +86,7 @@ public:
     virtual T& GetMutableRef() = 0;
     virtual const T& GetRef() const = 0;
 
-    /// The object that others read this element through: this one, unless a class stands in for
+    /// The object that others read this element through: this one, unless a class represents
     /// another object, or null when it gives none at the moment. Not the caller's.
     virtual const ITypedValue<T>* GetView() const = 0;
 

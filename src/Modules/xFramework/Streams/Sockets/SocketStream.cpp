@@ -31,7 +31,7 @@ bool SocketStream::SendBuffer(OSAL::SocketHandle socket, const std::string& mess
     for (std::size_t piece = 0; piece < pieces; ++piece) {
         const std::size_t start = piece * PieceSize;
         const std::size_t size = std::min(PieceSize, message.size() - start);
-        // How much of the piece the system took is not looked at: the daemon lives with that.
+        // How much of the piece the system took is not compared with its size, on purpose.
         if (OSAL::SendSocket(socket, message.data() + start, size) == OSAL::SocketError) {
             OSAL::LastSocketErrorText(); // Fetched for whoever debugs this; the user gets our text.
             CloseSocket(socket);
