@@ -73,6 +73,22 @@ TEST(StartTest, PipesInPlaceOfTheFilesDoNotHang) {
     EXPECT_EQ(result.err, "Failed to connect to daemon. Please ensure that daemon was started.\n");
 }
 
+TEST(StartTest, CommandTableWhoseReadsFailIsEmpty) {
+    const Bench bench;
+    bench.Write("SarvexToolCmds.txt", "");
+    // The memory of a process is a regular file whose first bytes cannot be read. A mount of one's
+    // own is allowed to root, or to a user in a name space of its own.
+    const std::string script =
+        "for way in --mount '--mount --map-root-user'; do "
+        "unshare $way true 2>/dev/null && exec unshare $way /bin/sh -c '"
+        "mount --bind /proc/$$/mem SarvexToolCmds.txt && exec \"$0\" -x' \"$0\"; "
+        "done; echo cannot mount >&2; exit 99";
+    const ProcessResult result =
+        EndToEnd::Run("/bin/sh", {"-c", script, bench.ClientPath()}, bench.Directory());
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.err, "Failed to connect to daemon. Please ensure that daemon was started.\n");
+}
+
 TEST(StartTest, SymbolicLinksBesideTheProgramAreRefused) {
     const Bench bench;
     bench.Write("elsewhere", "8738");

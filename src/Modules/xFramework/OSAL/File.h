@@ -31,9 +31,9 @@ OwnedHandle OpenFileForReading(const std::string& path);
 std::size_t ReadFile(const OwnedHandle& file, char* buffer, std::size_t size);
 
 /// The whole text of a file as the platform's text mode reads it; empty when it cannot be opened.
-/// Where that mode has them, CR LF is one line end and Ctrl-Z ends the text. A file that is open
-/// for writing elsewhere can be read. Never waits: what is no file on disk, such as a directory or
-/// a pipe, gives an empty text.
+/// A read that fails ends the text. Where that mode has them, CR LF is one line end and Ctrl-Z ends
+/// the text. A file that is open for writing elsewhere can be read. Never waits: what is no file on
+/// disk, such as a directory or a pipe, gives an empty text.
 std::string ReadTextFile(const std::string& path);
 
 } // namespace OSAL

@@ -5,7 +5,8 @@
 #include <unistd.h>
 
 #include <fstream>
-#include <iterator>
+#include <sstream>
+#include <utility>
 
 namespace OSAL {
 
@@ -40,7 +41,10 @@ std::string ReadTextFile(const std::string& path) {
     if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
         return {};
     std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::ostringstream text;
+    // This way a read that fails ends the text; an iterator would let the buffer's exception pass.
+    text << file.rdbuf();
+    return std::move(text).str();
 }
 
 bool CloseHandle(Handle handle) {

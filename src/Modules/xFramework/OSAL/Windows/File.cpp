@@ -5,7 +5,8 @@
 #include <windows.h>
 
 #include <fstream>
-#include <iterator>
+#include <sstream>
+#include <utility>
 
 namespace OSAL {
 
@@ -69,7 +70,10 @@ std::size_t ReadFile(const OwnedHandle& file, char* buffer, std::size_t size) {
 
 std::string ReadTextFile(const std::string& path) {
     std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::ostringstream text;
+    // This way a read that fails ends the text; an iterator would let the buffer's exception pass.
+    text << file.rdbuf();
+    return std::move(text).str();
 }
 
 bool CloseHandle(Handle handle) {

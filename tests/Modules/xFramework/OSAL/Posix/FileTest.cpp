@@ -4,6 +4,7 @@
 #include "tests/Support/Files.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -45,6 +46,17 @@ TEST(RealDirectory, HoldsNothingToRead) {
     char byte = 0;
     OwnedHandle file = OpenFileForReading(directory.Path());
     EXPECT_EQ(ReadFile(file, &byte, 1), 0u);
+}
+
+TEST(RealFileWhoseReadsFail, GivesAnEmptyText) {
+    // A regular file by its kind, which opens; nothing is mapped at its start.
+    const std::string memory = "/proc/self/mem";
+    ASSERT_TRUE(std::filesystem::is_regular_file(memory));
+    char byte = 0;
+    OwnedHandle file = OpenFileForReading(memory);
+    ASSERT_TRUE(file.IsOpen());
+    ASSERT_EQ(::read(static_cast<int>(file.Get()), &byte, 1), -1);
+    EXPECT_EQ(ReadTextFile(memory), "");
 }
 
 TEST(RealNamedPipe, IsOpenedWithoutWaitingForAWriter) {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <thread>
 
 namespace OSAL {
 namespace {
@@ -33,6 +34,23 @@ TEST(WindowsFile, CannotBeOpenedWhileSomeoneWritesIt) {
     OwnedHandle file = OpenFileForReading(path);
     EXPECT_TRUE(file.IsOpen());
     EXPECT_TRUE(file.Close());
+}
+
+TEST(WindowsFile, EndsAsTextWhereAReadFails) {
+    const std::string path = R"(\\.\pipe\sarvex-)" + std::to_string(::GetCurrentProcessId());
+    const HANDLE pipe = ::CreateNamedPipeA(path.c_str(), PIPE_ACCESS_OUTBOUND,
+                                           PIPE_TYPE_BYTE | PIPE_WAIT, 1, 64, 64, 0, nullptr);
+    ASSERT_NE(pipe, INVALID_HANDLE_VALUE);
+    // A pipe that is closed has an end; one that its server disconnects fails the next read.
+    const std::jthread server([pipe] {
+        ::ConnectNamedPipe(pipe, nullptr);
+        DWORD written = 0;
+        EXPECT_TRUE(::WriteFile(pipe, "-exit 0", 7, &written, nullptr));
+        ::FlushFileBuffers(pipe);
+        EXPECT_TRUE(::DisconnectNamedPipe(pipe));
+        ::CloseHandle(pipe);
+    });
+    EXPECT_EQ(ReadTextFile(path), "-exit 0");
 }
 
 } // namespace
