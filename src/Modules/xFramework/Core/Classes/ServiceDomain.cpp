@@ -5,6 +5,7 @@
 #include "Modules/xFramework/Utilities/Log.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Core {
 
@@ -29,10 +30,7 @@ IService* FindInside(IService* service, const std::string& path) {
 } // namespace
 
 ServiceDomain::~ServiceDomain() {
-    // What a service requests while it is detached must exist already: a service created now would
-    // outlive those that it needs, and nobody would detach it.
-    m_isEnding = true;
-    DetachServices();
+    End();
     while (!m_holders.empty()) {
         const std::unique_ptr<ServiceHolder> last = std::move(m_holders.back());
         m_holders.pop_back();
@@ -94,13 +92,24 @@ IServiceDomain* ServiceDomain::AttachHook() {
 }
 
 IServiceDomain* ServiceDomain::DetachHook() {
-    DetachServices();
+    // What a service requests while it is detached must exist already: nobody would detach one that
+    // is created now, for the walk has started beyond it.
+    const bool wasDetachingServices = std::exchange(m_isDetachingServices, true);
+    std::for_each(m_holders.rbegin(), m_holders.rend(),
+                  [](const auto& holder) { holder->DetachService(); });
+    m_isDetachingServices = wasDetachingServices;
     return Service::DetachHook();
 }
 
-void ServiceDomain::DetachServices() noexcept {
-    std::for_each(m_holders.rbegin(), m_holders.rend(),
-                  [](const auto& holder) { holder->DetachService(); });
+void ServiceDomain::End() noexcept {
+    // A service created from now on would outlive those that it needs.
+    m_isEnding = true;
+    for (auto holder = m_holders.rbegin(); holder != m_holders.rend(); ++holder) {
+        (*holder)->DetachService();
+        // One that had been detached before has passed no detach on to what it created since.
+        if (auto* const nested = dynamic_cast<ServiceDomain*>((*holder)->GetService()))
+            nested->End();
+    }
 }
 
 IInterface* ServiceDomain::Find(const std::string& name) {
@@ -116,7 +125,7 @@ std::unique_ptr<IEnumerator> ServiceDomain::CreateEnumerator() {
 }
 
 bool ServiceDomain::CanCreate(const std::string& name) const {
-    return !m_isEnding && IsRegistered(name);
+    return !m_isEnding && !m_isDetachingServices && IsRegistered(name);
 }
 
 ServiceDomain::ServiceHolder* ServiceDomain::FindHolder(const std::string& name) const {

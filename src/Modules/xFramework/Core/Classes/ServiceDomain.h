@@ -57,12 +57,14 @@ void AppendWithinLimit(List& list, typename List::value_type&& item) {
 /// be one of another domain.
 ///
 /// With the domain the services end: first every one of them is detached, the youngest first and as
-/// often as it has been attached, then they are deleted in the same order. A nested domain passes
-/// its own detach on to its services, so that those of all depths are detached before the first one
-/// is deleted. A domain at its end still answers for the services that exist, and creates none.
+/// often as it has been attached, then they are deleted in the same order. The services of nested
+/// domains are detached with these, so that those of all depths are detached before the first one
+/// is deleted. A domain at its end, or nested in one, still answers for the services that exist,
+/// and creates none.
 ///
-/// A domain that is detached goes on like one that has never been attached: it answers for the
-/// services that exist, detached as they are, and creates others. Attached again, it attaches its
+/// A domain that is detached passes the detach on to its services and creates none meanwhile. Then
+/// it goes on like one that has never been attached: it answers for the services that exist,
+/// detached as they are, and creates others. Attached again, it attaches its
 /// services again, the oldest first and as often as they had been.
 class ServiceDomain : public virtual Service, public DynamicDomain, public ANamespace {
 public:
@@ -78,8 +80,8 @@ public:
 
     /// Creates the service registered under the name, whether or not one exists; returns its new
     /// holder, which stays the domain's, or null when no creator is registered or the domain is at
-    /// its end. Everything that the service requests while it is created or attached is created
-    /// before.
+    /// its end or being detached. Everything that the service requests while it is created or
+    /// attached is created before.
     ///
     /// Raises "Circular dependance detected! Please check …" when meanwhile a nested request for
     /// the same name has been completed. A cycle whose nested requests never complete is not
@@ -106,11 +108,12 @@ private:
     ServiceHolder* FindHolder(const std::string& name) const;
     ServiceHolder* UseHolder(const std::string& name);
     bool CanCreate(const std::string& name) const;
-    void DetachServices() noexcept;
+    void End() noexcept;
 
     HolderList m_holders;
-    /// Set by the destructor.
+    /// Set by the destructor, its own or that of a domain around this one.
     bool m_isEnding = false;
+    bool m_isDetachingServices = false;
 };
 
 /// One service of a domain, and what the domain knows of it. Lives as long as the domain.

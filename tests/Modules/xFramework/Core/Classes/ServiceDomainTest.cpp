@@ -328,6 +328,65 @@ TEST_F(ServiceDomainTest, ServicesOfANestedDomainAreDetachedBeforeAnyOuterServic
               (Journal{"younger detaching", "user detaching", "younger deleted", "user deleted"}));
 }
 
+/// The domain "inner" with the service "user", between the services "older" and "younger".
+class ServiceDomainNestedTest : public ServiceDomainTest {
+protected:
+    ServiceDomainNestedTest() {
+        m_domain->RegisterServiceClass<ServiceDomain>("inner");
+        Register("older", {.onDetach = [this](ScriptedService& service) { onOlder(service); }});
+        Register("younger");
+        m_domain->GetService("older");
+        inner = dynamic_cast<ServiceDomain*>(m_domain->GetService("inner"));
+        m_domain->GetService("younger");
+        RegisterIn(*inner, "user",
+                   {.onDetach = [this](ScriptedService& service) { onUser(service); }});
+        RegisterIn(*inner, "late");
+        inner->GetService("user");
+        m_journal.clear();
+    }
+
+    void RegisterIn(ServiceDomain& domain, const std::string& name,
+                    const ScriptedService::Script& script = {}) {
+        domain.RegisterService(name, std::make_unique<ScriptedCreator>(name, m_journal, script));
+    }
+
+    /// What the services do when they are detached.
+    ScriptedService::Action onOlder = [](ScriptedService&) {};
+    ScriptedService::Action onUser = [](ScriptedService&) {};
+    ServiceDomain* inner = nullptr;
+    const Journal endWithoutNewServices = {"younger detaching", "user detaching", "older detaching",
+                                           "younger deleted",   "user deleted",   "older deleted"};
+};
+
+TEST_F(ServiceDomainNestedTest, CreatesNoneWhileItIsDetachedWithTheDomainAround) {
+    onUser = [](ScriptedService& service) { EXPECT_EQ(service.RequestService("late"), nullptr); };
+    m_domain.reset();
+    EXPECT_EQ(m_journal, endWithoutNewServices);
+}
+
+TEST_F(ServiceDomainNestedTest, CreatesNoneAfterTheEndOfTheDomainAroundHasDetachedIt) {
+    onOlder = [](ScriptedService& service) {
+        EXPECT_EQ(service.GetDomain()->GetServiceByPath("inner.late"), nullptr);
+        EXPECT_NE(service.GetDomain()->GetServiceByPath("inner.user"), nullptr);
+    };
+    m_domain.reset();
+    EXPECT_EQ(m_journal, endWithoutNewServices);
+}
+
+TEST_F(ServiceDomainNestedTest, WhatItCreatedWhileDetachedIsDetachedBeforeAnyServiceIsDeleted) {
+    inner->RegisterServiceClass<ServiceDomain>("innermost");
+    auto& innermost = dynamic_cast<ServiceDomain&>(*inner->GetService("innermost"));
+    RegisterIn(innermost, "latest");
+    inner->OnDetach();
+    inner->GetService("late");
+    innermost.GetService("latest");
+    m_journal.clear();
+    m_domain.reset();
+    EXPECT_EQ(m_journal, (Journal{"younger detaching", "late detaching", "latest detaching",
+                                  "older detaching", "younger deleted", "late deleted",
+                                  "latest deleted", "user deleted", "older deleted"}));
+}
+
 TEST_F(ServiceDomainTest, DetachOfADomainDetachesItsServices) {
     ServiceDomain around;
     Register("a");
@@ -359,22 +418,20 @@ TEST_F(ServiceDomainTest, DomainThatIsDetachedCreatesServicesLikeOneThatNeverWas
     m_domain->OnDetach();
 }
 
-TEST_F(ServiceDomainTest, ServiceThatIsDetachedWithItsDomainMayRequestANewOne) {
+TEST_F(ServiceDomainTest, ServiceThatIsDetachedWithItsDomainGetsNoNewOne) {
     ServiceDomain around;
-    IService* late = nullptr;
-    Register("a", {.onDetach = [&late](ScriptedService& service) {
-                 if (late == nullptr)
-                     late = service.RequestService("late");
+    std::vector<IService*> found;
+    Register("a", {.onDetach = [&found, this](ScriptedService& service) {
+                 found = {service.RequestService("late"), m_domain->GetServiceByPath("late")};
+                 EXPECT_FALSE(m_domain->HoldsPath("late"));
              }});
     Register("late");
     m_domain->GetService("a");
     m_domain->OnAttach(&around);
     m_domain->OnDetach();
-    ASSERT_NE(late, nullptr);
-    EXPECT_EQ(Holders(), "[a][late]");
-    m_journal.clear();
-    m_domain.reset();
-    EXPECT_EQ(m_journal, (Journal{"late detaching", "late deleted", "a deleted"}));
+    EXPECT_EQ(found, (std::vector<IService*>{nullptr, nullptr}));
+    EXPECT_EQ(Holders(), "[a]");
+    EXPECT_NE(m_domain->GetService("late"), nullptr) << "after the detach";
 }
 
 TEST_F(ServiceDomainTest, DomainThatIsDetachedAnswersByPathForServicesThatExist) {
