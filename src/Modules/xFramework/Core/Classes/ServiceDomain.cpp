@@ -21,6 +21,11 @@ struct UseReturner {
 /// A use of a holder that is given back unless it is released.
 using HolderUse = std::unique_ptr<ServiceDomain::ServiceHolder, UseReturner>;
 
+void LogCaughtException(const char* function, std::uint32_t line = __builtin_LINE()) {
+    Utilities::Log(Utilities::LogLevel::Error, sourceFile, line, function,
+                   Utilities::TakeCaughtException().text);
+}
+
 /// Looks up a path in a service, which must be a domain for that.
 IService* FindInside(IService* service, const std::string& path) {
     auto* const domain = dynamic_cast<IServiceDomain*>(service);
@@ -96,7 +101,7 @@ IServiceDomain* ServiceDomain::DetachHook() {
     // is created now, for the walk has started beyond it.
     const bool wasDetachingServices = std::exchange(m_isDetachingServices, true);
     std::for_each(m_holders.rbegin(), m_holders.rend(),
-                  [](const auto& holder) { holder->DetachService(); });
+                  [](const auto& holder) { holder->DetachFromDomain(); });
     m_isDetachingServices = wasDetachingServices;
     return Service::DetachHook();
 }
@@ -148,7 +153,7 @@ ServiceDomain::ServiceHolder::ServiceHolder(ServiceDomain* pDomain, const std::s
 }
 
 void ServiceDomain::ServiceHolder::AttachService() {
-    if (m_pService->IsAttached() && m_pService->GetDomain() != m_domain)
+    if (m_pService->IsAttached() && !IsAttachedToDomain())
         return;
     if (!m_pService->IsAttached() && m_detachCount == 0)
         m_detachCount = 1;
@@ -158,18 +163,29 @@ void ServiceDomain::ServiceHolder::AttachService() {
     }
 }
 
-void ServiceDomain::ServiceHolder::DetachService() noexcept {
+void ServiceDomain::ServiceHolder::DetachFromDomain() noexcept {
     try {
-        while (m_pService != nullptr && m_pService->IsAttached()) {
+        while (IsAttachedToDomain()) {
             // First, for a detach counts even when the service's hook throws.
             ++m_detachCount;
             m_pService->OnDetach();
         }
     } catch (...) {
-        Utilities::Log(Utilities::LogLevel::Error, sourceFile, __builtin_LINE(),
-                       "Core::ServiceDomain::ServiceHolder::DetachService",
-                       Utilities::TakeCaughtException().text);
+        LogCaughtException("Core::ServiceDomain::ServiceHolder::DetachFromDomain");
     }
+}
+
+void ServiceDomain::ServiceHolder::DetachService() noexcept {
+    try {
+        while (m_pService != nullptr && m_pService->IsAttached())
+            m_pService->OnDetach();
+    } catch (...) {
+        LogCaughtException("Core::ServiceDomain::ServiceHolder::DetachService");
+    }
+}
+
+bool ServiceDomain::ServiceHolder::IsAttachedToDomain() const {
+    return m_pService->IsAttached() && m_pService->GetDomain() == m_domain;
 }
 
 void ServiceDomain::ServiceHolder::CreateService() {

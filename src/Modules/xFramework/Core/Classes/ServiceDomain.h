@@ -135,22 +135,27 @@ public:
     void AddUse() { ++m_useCount; }
     void ReleaseUse() { --m_useCount; }
 
-    /// Attaches the service to the domain as often as DetachService has detached it since; at least
-    /// once unless it is attached. A service that has gone to another domain meanwhile stays there.
+    /// Attaches the service to the domain as often as DetachFromDomain has detached it since; at
+    /// least once unless it is attached. A service that has gone to another domain meanwhile stays
+    /// there.
     void AttachService();
 
-    /// Detaches the service as often as it has been attached. What the service throws is logged,
-    /// and ends the attempt.
+    /// Detaches the service from the domain as often as it has been attached to it. What the
+    /// service throws is logged, and ends the attempt.
+    void DetachFromDomain() noexcept;
+
+    /// Detaches the service from whatever domain it is attached to, in the same way.
     void DetachService() noexcept;
 
 private:
     void CreateService();
+    bool IsAttachedToDomain() const;
 
     std::string m_name;
     std::uint32_t m_useCount = 0;
     std::unique_ptr<IService> m_pService;
     ServiceDomain* m_domain;
-    /// How many attaches DetachService has taken back: the domain's own and those of clients.
+    /// How many attaches DetachFromDomain has taken back: the domain's own and those of clients.
     std::uint32_t m_detachCount = 0;
 };
 

@@ -514,6 +514,36 @@ TEST_F(ServiceDomainTest, ServiceThatHasGoneToAnotherDomainStaysThere) {
     m_domain->OnDetach();
 }
 
+TEST_F(ServiceDomainTest, AttachesToAnotherDomainAreNeitherTakenBackNorCounted) {
+    ServiceDomain around;
+    ServiceDomain other;
+    Register("a");
+    IService* const service = m_domain->GetService("a");
+    m_domain->OnAttach(&around);
+    m_domain->OnDetach();
+    service->OnAttach(&other);
+    service->OnAttach(&other);
+    m_domain->OnAttach(&around);
+    m_domain->OnDetach();
+    EXPECT_EQ(service->OnDetach(), nullptr);
+    EXPECT_EQ(service->OnDetach(), &other);
+    m_domain->OnAttach(&around);
+    EXPECT_EQ(service->OnDetach(), m_domain.get()) << "attached more than once";
+    m_domain->OnDetach();
+}
+
+TEST_F(ServiceDomainTest, EndDetachesAServiceFromAnotherDomainToo) {
+    ServiceDomain other;
+    Register("a");
+    IService* const service = m_domain->GetService("a");
+    service->OnDetach();
+    service->OnAttach(&other);
+    service->OnAttach(&other);
+    m_journal.clear();
+    m_domain.reset();
+    EXPECT_EQ(m_journal, (Journal{"a detaching", "a deleted"}));
+}
+
 TEST_F(ServiceDomainTest, ServiceThatItsClientHasDetachedIsAttachedWithTheDomain) {
     ServiceDomain around;
     Register("a");
@@ -634,6 +664,22 @@ TEST_F(ServiceDomainTest, ServiceThatThrowsAtTheEndIsLoggedAndTheOthersAreStillD
     const std::string place =
         std::string("1|") + holderPlace + "|Core::ServiceDomain::ServiceHolder::DetachService|";
     EXPECT_EQ(log.records, (std::vector<std::string>{place + "stuck as well", place + "stuck"}));
+}
+
+TEST_F(ServiceDomainTest, ServiceThatThrowsWhenItsDomainIsDetachedIsLoggedAndTheOthersAreDetached) {
+    ServiceDomain around;
+    Register("a");
+    Register("b", {.onDetach = [](ScriptedService&) { throw std::runtime_error("stuck"); }});
+    m_domain->GetService("a");
+    m_domain->GetService("b");
+    m_domain->OnAttach(&around);
+    m_journal.clear();
+    const Utilities::LogRecorder log;
+    m_domain->OnDetach();
+    EXPECT_EQ(m_journal, (Journal{"b detaching", "a detaching"}));
+    EXPECT_EQ(log.records, (std::vector<std::string>{
+                               std::string("1|") + holderPlace +
+                               "|Core::ServiceDomain::ServiceHolder::DetachFromDomain|stuck"}));
 }
 
 TEST_F(ServiceDomainTest, IsOneServiceOneNamespaceAndOneRoot) {
