@@ -1,5 +1,6 @@
 #include "Modules/xFramework/OSAL/File.h"
 
+#include "Modules/xFramework/OSAL/Windows/FileAttributes.h"
 #include "Modules/xFramework/OSAL/Windows/WideText.h"
 
 #include <windows.h>
@@ -16,17 +17,15 @@ HANDLE ToSystem(Handle handle) {
     return reinterpret_cast<HANDLE>(handle);
 }
 
-/// Whether the path, known to be a reparse point, is a symbolic link and not a mount point or
-/// anything else of that kind.
-bool BearsSymbolicLinkTag(const std::wstring& path) {
+/// The reparse tag of the path itself; 0 when it has none or cannot be looked at.
+DWORD ReadReparseTag(const std::wstring& path) {
     WIN32_FIND_DATAW found{};
     const HANDLE search = ::FindFirstFileW(path.c_str(), &found);
     if (search == INVALID_HANDLE_VALUE)
-        return false;
+        return 0;
     ::FindClose(search);
     // For a reparse point the system puts its tag into the first reserved field.
-    return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
-           found.dwReserved0 == IO_REPARSE_TAG_SYMLINK;
+    return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 ? found.dwReserved0 : 0;
 }
 
 HANDLE OpenExisting(const std::string& path, DWORD access) {
@@ -38,12 +37,8 @@ HANDLE OpenExisting(const std::string& path, DWORD access) {
 PathKind LookAtPath(const std::string& path) {
     const std::wstring widePath = Widen(path);
     const DWORD attributes = ::GetFileAttributesW(widePath.c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES)
-        return {};
-    return {.isDirectory = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
-            .isSymbolicLink =
-                (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 && BearsSymbolicLinkTag(widePath),
-            .isToBeArchived = (attributes & FILE_ATTRIBUTE_ARCHIVE) != 0};
+    const bool isReparsePoint = (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    return KindOf(attributes, isReparsePoint ? ReadReparseTag(widePath) : 0);
 }
 
 std::uint32_t CountNames(const std::string& path) {

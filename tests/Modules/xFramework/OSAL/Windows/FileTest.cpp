@@ -1,5 +1,6 @@
 #include "Modules/xFramework/OSAL/File.h"
 
+#include "Modules/xFramework/OSAL/Windows/FileAttributes.h"
 #include "tests/Support/Files.h"
 
 #include <windows.h>
@@ -15,6 +16,47 @@ namespace {
 // No test of symbolic links here: these tests run under wine, which follows the links of its host
 // without telling, and making one needs a right of its own on Windows. Nor can the archive
 // attribute be taken from a file there.
+
+struct KindCase {
+    const char* what;
+    DWORD attributes;
+    DWORD reparseTag;
+    PathKind kind;
+};
+
+constexpr DWORD archive = 0x20;
+constexpr DWORD reparse = 0x400;
+constexpr DWORD symbolicLink = 0xA000000C;
+constexpr DWORD mountPoint = 0xA0000003;
+constexpr PathKind archived{.isToBeArchived = true};
+
+const KindCase kinds[] = {
+    {"plain file", archive, 0, archived},
+    {"plain file with a further attribute", archive | 0x1, 0, archived},
+    {"plain file, not archived", 0x80, 0, {}},
+    {"directory", 0x10, 0, {.isDirectory = true}},
+    {"archived directory", 0x10 | archive, 0, {.isDirectory = true, .isToBeArchived = true}},
+    {"symbolic link",
+     archive | reparse,
+     symbolicLink,
+     {.isSymbolicLink = true, .isToBeArchived = true}},
+    {"symbolic link, not archived", reparse, symbolicLink, {.isSymbolicLink = true}},
+    {"other reparse point", archive | reparse, mountPoint, archived},
+    {"reparse point whose tag cannot be told", archive | reparse, 0, archived},
+    {"the tag without the attribute", archive, symbolicLink, archived},
+    // All bits are set in this value, and yet there is nothing to look at.
+    {"unreadable attributes", 0xFFFFFFFF, symbolicLink, {}},
+};
+
+TEST(WindowsFileAttributes, MakeALinkOnlyWithTheTagOfASymbolicLink) {
+    for (const KindCase& each : kinds) {
+        SCOPED_TRACE(each.what);
+        const PathKind kind = KindOf(each.attributes, each.reparseTag);
+        EXPECT_EQ(kind.isDirectory, each.kind.isDirectory);
+        EXPECT_EQ(kind.isSymbolicLink, each.kind.isSymbolicLink);
+        EXPECT_EQ(kind.isToBeArchived, each.kind.isToBeArchived);
+    }
+}
 
 TEST(WindowsFile, OfADirectoryIsMarkedAsOne) {
     const TestSupport::TemporaryDirectory directory;
