@@ -110,7 +110,9 @@ void Writer::EndLine(std::size_t depth) {
 /// operation of the stream costs several times as much as what it puts out.
 void Writer::PutOut() {
     const auto size = static_cast<std::streamsize>(m_output.size());
-    if (!m_stream.good() || m_stream.rdbuf()->sputn(m_output.data(), size) != size)
+    const bool isOut =
+        m_stream.good() && (size == 0 || m_stream.rdbuf()->sputn(m_output.data(), size) == size);
+    if (!isOut)
         MakeStreamBad();
     m_output.clear();
 }

@@ -240,6 +240,41 @@ TEST(WriterTest, EveryEndOfLineFlushesAndNothingElseDoes) {
                                                           "\t\t<c>t</c>\n", "\t</b>\n", "</a>\n"}));
 }
 
+/// Keeps the pieces that it is given.
+class PieceRecorder : public std::streambuf {
+public:
+    std::vector<std::string> m_pieces;
+
+protected:
+    std::streamsize xsputn(const char* text, std::streamsize size) override {
+        m_pieces.emplace_back(text, static_cast<std::size_t>(size));
+        return size;
+    }
+};
+
+TEST(WriterTest, NothingIsNotPutOut) {
+    PieceRecorder buffer;
+    std::ostream stream(&buffer);
+    Writer writer(stream);
+    writer.StartDocument();
+    for (const char* name : {"a", "b", "c"})
+        writer.StartElement(name);
+    for (int level = 0; level < 3; ++level)
+        writer.EndElement();
+    EXPECT_EQ(buffer.m_pieces,
+              (std::vector<std::string>{declaration, "<a", ">\n", "\t<b", ">\n", "\t\t<c", "/>\n",
+                                        "\t", "</b>\n", "</a>\n"}));
+}
+
+TEST(WriterTest, EventThatPutsOutNothingMakesAFailedStreamBadToo) {
+    std::ostringstream stream;
+    Writer writer(stream);
+    writer.StartDocument();
+    stream.setstate(std::ios_base::failbit);
+    writer.Text("");
+    EXPECT_TRUE(stream.bad());
+}
+
 TEST(WriterTest, AbortMakesTheStreamBadAndDropsTheRest) {
     std::ostringstream stream;
     Writer writer(stream);
