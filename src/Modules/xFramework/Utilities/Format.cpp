@@ -50,7 +50,7 @@ std::string FillTemplate(std::string templateText, const std::vector<std::string
         const std::string placeholder = Placeholder(++number);
         const std::size_t position = templateText.find(placeholder, searchStart);
         if (position == std::string::npos)
-            break;
+            continue;
         templateText.replace(position, placeholder.size(), argument);
         searchStart = position + argument.size();
     }

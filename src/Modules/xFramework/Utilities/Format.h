@@ -49,8 +49,8 @@ private:
 
 /// The message that Format builds from the same texts, for arguments that may hold anything: what
 /// is inserted is not searched, so that a placeholder in an argument stays as it is. The template
-/// holds each placeholder once, in the order of the numbers. The string providers rewrite the
-/// template and each argument.
+/// holds each placeholder at most once, in the order of the numbers. The string providers rewrite
+/// the template and each argument.
 std::string FillTemplate(std::string templateText, const std::vector<std::string>& arguments);
 
 } // namespace Utilities

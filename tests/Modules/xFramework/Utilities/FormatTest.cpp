@@ -183,6 +183,9 @@ TEST(FillTemplateTest, BuildsWhatFormatBuilds) {
     EXPECT_EQ(FillTemplate("[${1}]", {""}), "[]");
     EXPECT_EQ(FillTemplate("${1}${2}", {"a"}), "a${2}");
     EXPECT_EQ(FillTemplate("plain", {"a", "b"}), "plain");
+    EXPECT_EQ(FillTemplate("a ${2} b", {"x", "y"}), Format("a ${2} b", "x", "y").Text());
+    EXPECT_EQ(FillTemplate("a ${2} b", {"x", "y"}), "a y b");
+    EXPECT_EQ(FillTemplate("${1}${3}", {"x", "y", "z"}), "xz");
     EXPECT_EQ(FillTemplate("", {"a"}), "");
 }
 
