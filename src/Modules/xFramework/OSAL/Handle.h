@@ -25,13 +25,16 @@ public:
         std::swap(m_handle, other.m_handle);
         return *this;
     }
-    ~OwnedHandle() { Close(); }
+    ~OwnedHandle() {
+        if (IsOpen())
+            Close();
+    }
 
     bool IsOpen() const { return m_handle != InvalidHandle; }
     Handle Get() const { return m_handle; }
 
-    /// Gives the handle back now; false when there is none or the system knows it no more.
-    bool Close() { return IsOpen() && CloseHandle(std::exchange(m_handle, InvalidHandle)); }
+    /// Gives the handle back now; asks the system to close InvalidHandle when there is none.
+    bool Close() { return CloseHandle(std::exchange(m_handle, InvalidHandle)); }
 
 private:
     Handle m_handle = InvalidHandle;

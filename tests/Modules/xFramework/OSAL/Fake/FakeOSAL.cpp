@@ -58,7 +58,8 @@ bool CreateChildProcess(const std::string& executablePath, const std::string& co
                         ProcessInformation& information) {
     Record("CreateChildProcess [" + executablePath + "] [" + commandLine + "] [" +
            workingDirectory + "] " + (newConsole ? "new console" : "same console"));
-    information = {OwnedHandle(11), OwnedHandle(12)};
+    if (TheWorld().childStarts)
+        information = {OwnedHandle(11), OwnedHandle(12)};
     return TheWorld().childStarts;
 }
 

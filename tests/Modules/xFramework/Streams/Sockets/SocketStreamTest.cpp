@@ -86,6 +86,9 @@ TEST_F(SocketStreamTest, PortFileIsReadOnceWithFiveBytesAndClosed) {
 
 TEST_F(SocketStreamTest, MissingPortFileGivesAnEmptyPort) {
     EXPECT_EQ(ReadPort(), "");
+    // Whether the file opens is not asked.
+    EXPECT_THAT(TheWorld().calls, ElementsAre("OpenFileForReading /bench/Socket.cfg", "ReadFile 5",
+                                              "CloseHandle invalid"));
 }
 
 TEST_F(SocketStreamTest, PortFileIsRelativeWhenTheProgramsPathCannotBeTold) {
