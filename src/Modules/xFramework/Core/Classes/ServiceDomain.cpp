@@ -109,12 +109,12 @@ IServiceDomain* ServiceDomain::DetachHook() {
 void ServiceDomain::End() noexcept {
     // A service created from now on would outlive those that it needs.
     m_isEnding = true;
-    for (auto holder = m_holders.rbegin(); holder != m_holders.rend(); ++holder) {
-        (*holder)->DetachService();
+    std::for_each(m_holders.rbegin(), m_holders.rend(), [](const auto& holder) {
+        holder->DetachService();
         // One that had been detached before has passed no detach on to what it created since.
-        if (auto* const nested = dynamic_cast<ServiceDomain*>((*holder)->GetService()))
+        if (auto* const nested = dynamic_cast<ServiceDomain*>(holder->GetService()))
             nested->End();
-    }
+    });
 }
 
 IInterface* ServiceDomain::Find(const std::string& name) {
