@@ -22,7 +22,7 @@ namespace {
 
 using Variables = std::map<std::string, std::string>;
 
-constexpr std::size_t longestMessage = 1 << 16;
+constexpr std::size_t longestMessage = 1 << 12;
 constexpr std::size_t maximumArguments = 5;
 
 /// The global variables while the object lives.
@@ -63,24 +63,28 @@ std::string ExpandPlainly(std::string text, const Variables& variables) {
     return text;
 }
 
-/// Nothing when the message grows without an end in sight.
-std::optional<std::string> ReplacePlainly(std::string text, std::size_t number,
-                                          const std::string& argument) {
-    const std::string placeholder = "${" + std::to_string(number) + "}";
-    constexpr int maximumReplacements = 1000;
-    for (int replacements = 0; text.find(placeholder) != std::string::npos; ++replacements) {
-        if (replacements == maximumReplacements || text.size() > longestMessage)
-            return std::nullopt;
-        const std::size_t hit = text.find(placeholder);
-        text = text.substr(0, hit) + argument + text.substr(hit + placeholder.size());
-    }
-    return text;
-}
-
 /// A replacement by such a text takes a character that every placeholder needs, and gives none
 /// back: so the replacing ends, whatever is around.
 bool MustEnd(const std::string& argument) {
     return argument.find('$') == std::string::npos || argument.find('}') == std::string::npos;
+}
+
+/// Nothing when the message becomes too long or an argument that breaks the rule does not end.
+std::optional<std::string> ReplacePlainly(std::string text, std::size_t number,
+                                          const std::string& argument) {
+    constexpr std::size_t enoughReplacements = 50;
+    const std::string placeholder = "${" + std::to_string(number) + "}";
+    const std::size_t most = MustEnd(argument) ? text.size() : enoughReplacements;
+    std::size_t replacements = 0;
+    for (std::size_t hit = text.find(placeholder); hit != std::string::npos;
+         hit = text.find(placeholder)) {
+        const bool isLast = replacements++ == most;
+        Check(!isLast || !MustEnd(argument), "a sound argument ends the replacing");
+        if (isLast || text.size() > longestMessage)
+            return std::nullopt;
+        text.replace(hit, placeholder.size(), argument);
+    }
+    return text;
 }
 
 class PlainMessage {
@@ -89,13 +93,11 @@ public:
 
     void Apply(const std::string& argument) {
         ++m_count;
-        if (!m_text)
-            return;
-        m_text = ReplacePlainly(*m_text, m_count, argument);
-        Check(m_text || !MustEnd(argument) || m_count == 0, "a sound argument ends the replacing");
+        if (m_text)
+            m_text = ReplacePlainly(*m_text, m_count, argument);
     }
 
-    /// Nothing when an argument broke the rule.
+    /// Nothing when an argument broke the rule or the message became too long.
     const std::optional<std::string>& Text() const { return m_text; }
 
 private:

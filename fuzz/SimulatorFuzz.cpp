@@ -22,6 +22,7 @@
 #include <boost/asio/write.hpp>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <sstream>
 
 namespace {
@@ -182,7 +183,10 @@ void TryCommand(Daemon& daemon, const std::string& command) {
     CheckEqual(BytesOf(line["command"].get<std::string>()), body, "the log keeps the command");
 }
 
-void TryCommands(const std::vector<std::string>& commands) {
+void TryCommands(std::vector<std::string> commands) {
+    // A few requests show what one leaves to the next, and each costs as much as an input.
+    constexpr std::size_t mostCommands = 6;
+    commands.resize(std::min(commands.size(), mostCommands));
     Daemon daemon;
     for (const std::string& command : commands) {
         TryCommand(daemon, command);

@@ -3,21 +3,26 @@
 // depth is replayed, each start with its end, and deleted.
 //
 // Input: a tree, one step a line. "+NAME" adds a child and enters it, "-" goes back to the parent,
-// "@NAME=VALUE" sets an attribute, "=TEXT" sets the text, "#deep" adds a chain of 50,000 elements.
+// "@NAME=VALUE" sets an attribute, "=TEXT" sets the text, "#deep" adds a chain of 3,000 elements;
+// such a tree is replayed and deleted on a stack that a call for each of them would overflow.
 
 #include "Modules/xFramework/XML/Base.h"
 #include "Modules/xFramework/XML/Writer.h"
 #include "fuzz/Support/Check.h"
 #include "fuzz/Support/Input.h"
 
+#include <pthread.h>
 #include <pugixml.hpp>
 
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <optional>
 #include <sstream>
 
 namespace {
+
+constexpr int chainLength = 3'000;
 
 /// The model: a tree once more, in the plainest containers.
 struct Element {
@@ -30,12 +35,13 @@ struct Element {
 class Trees {
 public:
     explicit Trees(const std::string& steps) {
-        m_path.push_back({m_document.GetTopNode(), &m_top});
+        m_path.push_back({m_document->GetTopNode(), &m_top});
         for (const std::string& step : Split(steps, '\n'))
             Take(UpToNul(step));
     }
 
-    XML::Base& Document() { return m_document; }
+    XML::Base& Document() { return *m_document; }
+    void DeleteDocument() { m_document.reset(); }
     const Element& Model() const { return m_top; }
     bool HasMarkup() const { return m_hasMarkup; }
     bool IsDeep() const { return m_isDeep; }
@@ -88,12 +94,11 @@ private:
     }
 
     void AddChain() {
-        constexpr int length = 50'000;
         if (m_isDeep)
             return;
         m_isDeep = true;
         XML::Node* node = m_path.back().node;
-        for (int depth = 0; depth < length; ++depth)
+        for (int depth = 0; depth < chainLength; ++depth)
             node = node->AddChild("chain");
     }
 
@@ -107,7 +112,7 @@ private:
         });
     }
 
-    XML::Base m_document;
+    std::optional<XML::Base> m_document{std::in_place};
     Element m_top;
     std::vector<Place> m_path;
     bool m_hasMarkup = false;
@@ -209,7 +214,7 @@ public:
 
     void CheckEnd(bool isDeep) const {
         CheckEqual(m_open, 0, "each start has its end");
-        Check(!isDeep || m_elements >= 50'000, "every element is replayed");
+        Check(!isDeep || m_elements >= chainLength, "every element is replayed");
     }
 
 private:
@@ -217,16 +222,43 @@ private:
     int m_elements = 0;
 };
 
+void CheckReplay(Trees& trees) {
+    Follower follower;
+    trees.Document().Save(follower);
+    follower.CheckEnd(trees.IsDeep());
+}
+
+/// Replays the tree and deletes it.
+void* UseDeepTree(void* trees) {
+    CheckReplay(*static_cast<Trees*>(trees));
+    static_cast<Trees*>(trees)->DeleteDocument();
+    return nullptr;
+}
+
+/// Has 21 bytes for each element of the chain: a function that calls itself for each of them takes
+/// more.
+void CheckDeepTree(Trees& trees) {
+    constexpr std::size_t stackSize = 64 * 1024;
+    pthread_attr_t attributes;
+    pthread_t thread = {};
+    Check(pthread_attr_init(&attributes) == 0 &&
+              pthread_attr_setstacksize(&attributes, stackSize) == 0 &&
+              pthread_create(&thread, &attributes, UseDeepTree, &trees) == 0,
+          "a thread with a small stack starts");
+    pthread_attr_destroy(&attributes);
+    pthread_join(thread, nullptr);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Trees trees(ToText(data, size));
-    Follower follower;
-    trees.Document().Save(follower);
-    follower.CheckEnd(trees.IsDeep());
     // The indentation of a tree takes space with the square of its depth.
-    if (trees.IsDeep())
+    if (trees.IsDeep()) {
+        CheckDeepTree(trees);
         return 0;
+    }
+    CheckReplay(trees);
     const std::string text = Write(trees.Document());
     CheckEqual(text, WritePlainly(trees.Model()), "the layout is the plain writer's");
     if (!trees.HasMarkup())
