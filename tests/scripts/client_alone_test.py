@@ -1,17 +1,16 @@
-"""Builds the client in a directory tree that holds a compiler, CMake, Ninja and nothing else.
+"""Builds the client in a directory tree that holds a compiler, CMake, make and nothing else.
 
 The tree holds the files of these packages and of those that they depend on, and is the root directory
-of the programs that run in it. Exit code 77 where the system lets nobody change the root directory.
+of the programs that run in it. Fails where the system lets nobody change the root directory.
 """
 import os
 import pathlib
 import shutil
 import subprocess
-import sys
 import tempfile
 import unittest
 
-PACKAGES = ["g++", "cmake", "ninja-build", "dash"]
+PACKAGES = ["g++", "cmake", "make", "dash"]
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 SOURCES = ["CMakeLists.txt", "CMakePresets.json", "cmake", "src", "examples"]
 NOT_NEEDED = ("/usr/share/doc/", "/usr/share/man/", "/usr/share/locale/")
@@ -75,10 +74,10 @@ class ClientAloneTest(unittest.TestCase):
         return done.stdout
 
     def test_the_client_is_built_and_runs(self):
-        self.succeed_inside("cmake", "-S", "/source", "-B", "/build", "-G", "Ninja",
-                            "-DSARVEX_BUILD_SIMULATOR=OFF", "-DCMAKE_BUILD_TYPE=Debug",
-                            "-DCMAKE_CXX_FLAGS_DEBUG=-O0")
-        self.succeed_inside("cmake", "--build", "/build")
+        # A release build, as without any option, but optimised less: it is linked in the same way.
+        self.succeed_inside("cmake", "-S", "/source", "-B", "/build", "-DSARVEX_BUILD_SIMULATOR=OFF",
+                            "-DCMAKE_CXX_FLAGS_RELEASE=-O1 -DNDEBUG")
+        self.succeed_inside("cmake", "--build", "/build", "--parallel", str(os.cpu_count()))
         self.assertEqual("Usage: /build/bin/SarvexToolClient [args]\n",
                          self.succeed_inside("/build/bin/SarvexToolClient"))
         self.succeed_inside("cmake", "--install", "/build", "--prefix", "/installed")
@@ -86,14 +85,10 @@ class ClientAloneTest(unittest.TestCase):
         self.assertEqual({"SarvexToolClient", "Socket.cfg", "examples"}, names)
 
     def test_what_the_others_need_is_not_there(self):
-        done = self.run_inside("cmake", "-S", "/source", "-B", "/all", "-G", "Ninja")
+        done = self.run_inside("cmake", "-S", "/source", "-B", "/all")
         self.assertNotEqual(0, done.returncode)
         self.assertIn("/usr/include/boost is missing", done.stderr)
 
 
 if __name__ == "__main__":
-    probe = subprocess.run([*CHANGE_ROOT, "/", "true"], capture_output=True, check=False)
-    if probe.returncode != 0:
-        print("the root directory cannot be changed here:", probe.stderr.decode())
-        sys.exit(77)
     unittest.main()
