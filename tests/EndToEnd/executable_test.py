@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """What the client's executable imports, how large it is and how it is protected.
 
-usage: executable_test.py windows|linux CLIENT OBJDUMP SOCKETS_LIBRARY
+usage: executable_test.py windows|linux CLIENT OBJDUMP SOCKETS_LIBRARY DEBUG_PRINT_LIBRARY
 """
 import os
 import re
@@ -15,6 +15,10 @@ MEBIBYTE = 1 << 20
 def headers(*options):
     return subprocess.run([objdump, *options, client], capture_output=True, text=True,
                           check=True).stdout
+
+
+def names_in(library):
+    return subprocess.run([objdump, "-t", library], capture_output=True, text=True, check=True).stdout
 
 
 def segments():
@@ -94,15 +98,18 @@ class LinuxExecutableTest(ExecutableTest):
                 with self.subTest(section=name):
                     self.assertFalse(start <= section(name) < start + size)
 
+    # The program holds no names, and the C library in it would have these anyway: the two tests look
+    # at the libraries that it is linked from.
+
     def test_the_stack_is_protected_where_bytes_from_the_network_arrive(self):
-        # The program holds no names; the C library in it would have this one anyway.
-        names = subprocess.run([objdump, "-t", sockets_library], capture_output=True, text=True,
-                               check=True).stdout
-        self.assertIn("__stack_chk_fail", names)
+        self.assertIn("__stack_chk_fail", names_in(sockets_library))
+
+    def test_calls_that_fill_buffers_check_the_buffers_size(self):
+        self.assertIn("__vsnprintf_chk", names_in(debug_print_library))
 
 
 if __name__ == "__main__":
-    target, client, objdump, sockets_library = sys.argv[1:5]
+    target, client, objdump, sockets_library, debug_print_library = sys.argv[1:6]
     case = {"windows": WindowsExecutableTest, "linux": LinuxExecutableTest}[target]
     suite = unittest.defaultTestLoader.loadTestsFromTestCase(case)
     sys.exit(not unittest.TextTestRunner().run(suite).wasSuccessful())
