@@ -83,9 +83,9 @@ ServiceDomain::ServiceHolder* ServiceDomain::CreateHolder(const std::string& nam
     // finished services only: a name under construction counts as absent. The holder stays in the
     // list, for others may know its service by now.
     if (FindHolder(name) != nullptr)
-        Utilities::Raise(Utilities::Format("Circular dependance detected! Please check ${1}") %
-                             name,
-                         {sourceFile, 156, "Core::ServiceDomain::CreateHolder"});
+        Utilities::Raise(
+            Utilities::FillTemplate("Circular dependance detected! Please check ${1}", {name}),
+            {sourceFile, 156, "Core::ServiceDomain::CreateHolder"});
     ExchangeEntry(name, holder);
     return holder;
 }
@@ -185,7 +185,7 @@ void ServiceDomain::ServiceHolder::DetachService() noexcept {
 }
 
 bool ServiceDomain::ServiceHolder::IsAttachedToDomain() const {
-    return m_pService->IsAttached() && m_pService->GetDomain() == m_domain;
+    return m_pService != nullptr && m_pService->IsAttached() && m_pService->GetDomain() == m_domain;
 }
 
 void ServiceDomain::ServiceHolder::CreateService() {

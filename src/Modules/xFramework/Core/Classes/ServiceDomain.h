@@ -85,7 +85,7 @@ public:
     ///
     /// Raises "Circular dependance detected! Please check …" when meanwhile a nested request for
     /// the same name has been completed. A cycle whose nested requests never complete is not
-    /// detected: it overflows the stack. The name holds no message placeholder.
+    /// detected: it overflows the stack.
     ServiceHolder* CreateHolder(const std::string& name);
 
     /// As a namespace, a domain gives its services: like GetService and GetServiceByPath.

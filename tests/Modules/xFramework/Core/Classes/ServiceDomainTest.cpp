@@ -166,6 +166,21 @@ TEST_F(ServiceDomainTest, SecondHolderOfANameIsACircularDependenceToo) {
     EXPECT_EQ(RaisedBy([this] { m_domain->CreateHolder("a"); }), circularDependence);
 }
 
+TEST_F(ServiceDomainTest, CircularDependenceNamesAServiceThatLooksLikeAPlaceholder) {
+    Register("${1}");
+    m_domain->CreateHolder("${1}");
+    EXPECT_EQ(RaisedBy([this] { m_domain->CreateHolder("${1}"); }),
+              std::string("Circular dependance detected! Please check ${1} | ") + holderPlace +
+                  ":156 | Core::ServiceDomain::CreateHolder");
+}
+
+TEST_F(ServiceDomainTest, HolderOfNoDomainHasNothingToDetach) {
+    ServiceDomain::ServiceHolder holder(nullptr, "a");
+    holder.DetachFromDomain();
+    holder.DetachService();
+    EXPECT_EQ(holder.GetService(), nullptr);
+}
+
 TEST_F(ServiceDomainTest, UsesAreCountedForTheCreationAndForEachLookUpByPath) {
     Register("a");
     m_domain->GetService("a");
