@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string expected = PlainReceive(expectedRest, expectedReads);
     const std::string message = Receive();
     CheckEqual(message, expected, "the message is what arrived up to its end mark");
-    CheckEqual(OSAL::Fake::CountCalls("recv"), expectedReads, "nothing is read behind the end");
+    CheckEqual(OSAL::Fake::CountCalls("recv"), expectedReads, "nothing is read after the end");
     Check(TheWorld().received == expectedRest, "what follows the message stays unread");
     CheckSorting(message);
     return 0;

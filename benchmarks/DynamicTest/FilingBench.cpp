@@ -27,7 +27,7 @@ std::unique_ptr<DynamicTest> TestAfter(int lines) {
     return test;
 }
 
-void FileLinesBehind(benchmark::State& state) {
+void FileLinesAfter(benchmark::State& state) {
     constexpr int filedLines = 1000;
     for (auto _ : state) {
         state.PauseTiming();
@@ -42,7 +42,7 @@ void FileLinesBehind(benchmark::State& state) {
     }
     state.SetItemsProcessed(state.iterations() * filedLines);
 }
-BENCHMARK(FileLinesBehind)->Arg(100)->Arg(1000)->Arg(10'000);
+BENCHMARK(FileLinesAfter)->Arg(100)->Arg(1000)->Arg(10'000);
 
 } // namespace
 

@@ -44,7 +44,7 @@ TEST_F(LocalDaemonTest, MissingDaemonIsStartedAndAnswersTheCommand) {
     EXPECT_LT(second.seconds, 2.0);
 }
 
-TEST_F(LocalDaemonTest, UsageStandsBeforeWhatTheStartedDaemonPrints) {
+TEST_F(LocalDaemonTest, UsageIsBeforeWhatTheStartedDaemonPrints) {
     bench.AddProgram("vemo", "vemo");
     daemonMayRun = true;
     const ProcessResult result = bench.RunClient({"-help", "-open_local_daemon"});

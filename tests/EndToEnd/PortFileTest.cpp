@@ -32,9 +32,9 @@ protected:
 };
 
 TEST_F(PortFileTest, FifthByteAndWhatFollowsAreIgnored) {
-    for (const std::string behind : {"", "1", "\r\n", "9 and a remark\n"}) {
-        SCOPED_TRACE(testing::PrintToString(behind));
-        bench.SetPort(peer.Port() + behind);
+    for (const std::string after : {"", "1", "\r\n", "9 and a remark\n"}) {
+        SCOPED_TRACE(testing::PrintToString(after));
+        bench.SetPort(peer.Port() + after);
         EXPECT_EQ(bench.RunClient({"-x"}).exitCode, 0);
     }
 }

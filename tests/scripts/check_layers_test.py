@@ -174,7 +174,7 @@ class CheckLayersTest(unittest.TestCase):
             self.expect_clean(FRAMEWORK + "OSAL/Posix/A.cpp", text)
             self.expect_offence(
                 CLIENT + "A.cpp", text, condition.count("\n") + 1,
-                f"a condition on the platform ({name}) stands outside its implementation")
+                f"a condition on the platform ({name}) is outside its implementation")
 
     def test_other_conditions_and_comments_are_nobodys_offence(self):
         self.expect_clean(CLIENT + "A.cpp", "#if 1\n#endif\n// #include <windows.h> on _WIN32\n")

@@ -96,7 +96,7 @@ TEST(AnswerTextFaultsTest, SectionsInAnUnusualOrder) {
         Holding("sections that are empty", info + error + info + error + "Done", {0, "", "\n"}),
         Holding("code's section without a line", code + info + "helloDone", {0, "hello\n"}),
         Holding("code's marker twice", code + code + "3Done", {3}),
-        Holding("text behind the code", code + "3\nignored\nuncalibrated\nDone", {3}),
+        Holding("text after the code", code + "3\nignored\nuncalibrated\nDone", {3}),
         Holding("marker as the code", code + "Sarvex tool ERROR\n3Done", {0, "", "3\n"}),
     });
 }
@@ -167,7 +167,7 @@ TEST(AnswerTextFaultsTest, UncalibratedDeviceOverrulesTheCode) {
                 {10, "", "is uncalibrated.\n"}),
         Holding("without a code", "uncalibratedDone", {10, "uncalibrated\n"}),
         Holding("inside a longer word", "xuncalibratedx" + three, {10, "xuncalibratedx\n"}),
-        Holding("behind the code", "Sarvex tool RETURN CODE\n3\nuncalibratedDone", {3}),
+        Holding("after the code", "Sarvex tool RETURN CODE\n3\nuncalibratedDone", {3}),
         Holding("in capitals", "Uncalibrated" + three, {3, "Uncalibrated\n"}),
         Holding("over two lines", "uncali\nbrated" + three, {3, "uncali\nbrated\n"}),
         Holding("over two chunks", std::string(506, 'x') + "uncalibrated" + three,
@@ -221,7 +221,7 @@ TEST(AnswerTextFaultsTest, AnswerOfUnusualSize) {
     RunAll({
         Closing("long line", line, {0, line + "\n"}),
         Closing("long line in the errors", "Sarvex tool ERROR\n" + line, {0, "", line + "\n"}),
-        Closing("long lines behind the code", "Sarvex tool RETURN CODE\n3\n" + line + "\n" + line,
+        Closing("long lines after the code", "Sarvex tool RETURN CODE\n3\n" + line + "\n" + line,
                 {3}),
         Closing("many lines", lines, {0, lines + "\n"}),
         Closing("many lines in the errors", "Sarvex tool ERROR\n" + lines, {0, "", lines + "\n"}),

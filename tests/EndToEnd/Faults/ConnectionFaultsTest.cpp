@@ -36,13 +36,13 @@ TEST(ConnectionFaultsTest, AnswerAtAnUnusualTime) {
         {.name = "answers before the request",
          .scripts = {{Send("helloDone"), TakeRequest()}},
          .permitted = {hello}},
-        {.name = "answers behind the request's first byte",
+        {.name = "answers after the request's first byte",
          .scripts = {{Take(1), Send("helloDone")}},
          .permitted = {hello}},
-        {.name = "answers behind the request's first piece",
+        {.name = "answers after the request's first piece",
          .scripts = {{Take(512), Send("helloDone")}},
          .permitted = {hello}},
-        {.name = "answers in parts before and behind the request",
+        {.name = "answers in parts before and after the request",
          .scripts = {{Send("hel"), TakeRequest(), SendApart("loDone")}},
          .permitted = {hello}},
         {.name = "answers and never reads the request",
@@ -63,7 +63,7 @@ TEST(ConnectionFaultsTest, AnswerAtAnUnusualTime) {
         {.name = "keeps silent inside the answer, then closes",
          .scripts = {{TakeRequest(), Send("hel"), Silence(300ms), Send("lo"), Close()}},
          .permitted = {hello}},
-        {.name = "goes on behind the end mark",
+        {.name = "goes on after the end mark",
          .scripts = {{TakeRequest(), Send("helloDone"), SendApart("moreDone")}},
          .permitted = {hello}},
         // The unread request turns the close into a reset, which may overtake the answer.
@@ -83,14 +83,14 @@ TEST(ConnectionFaultsTest, RequestThatIsReadInPartOnly) {
     const std::size_t sizes[] = {0, 1, 2, 3, 4, 17, 100, 256, 510, 511, 512, 513, 526, 527};
     std::vector<Scenario> scenarios;
     for (const std::size_t size : sizes) {
-        const std::string behind = " behind byte " + std::to_string(size) + " of the request";
+        const std::string after = " after byte " + std::to_string(size) + " of the request";
         // The client has sent everything when the connection breaks: it waits for the answer.
         const Step arrived = AwaitRequest(requestSize);
         scenarios.push_back(
-            Breaking("closes" + behind, {Take(size), arrived, Close()}, {nothingCame}));
+            Breaking("closes" + after, {Take(size), arrived, Close()}, {nothingCame}));
         scenarios.push_back(
-            Breaking("resets" + behind, {Take(size), arrived, Reset()}, {nothingCame}));
-        scenarios.push_back({.name = "ends its sending side" + behind,
+            Breaking("resets" + after, {Take(size), arrived, Reset()}, {nothingCame}));
+        scenarios.push_back({.name = "ends its sending side" + after,
                              .scripts = {{Take(size), FinishSending()}},
                              .permitted = {nothingCame}});
     }
@@ -100,17 +100,17 @@ TEST(ConnectionFaultsTest, RequestThatIsReadInPartOnly) {
 TEST(ConnectionFaultsTest, RequestThatMayStillBeOnItsWayWhenTheConnectionBreaks) {
     std::vector<Scenario> scenarios;
     for (const std::size_t size : {1u, 2u, 100u, 511u, 512u}) {
-        const std::string behind = " at once behind byte " + std::to_string(size);
+        const std::string after = " at once after byte " + std::to_string(size);
         for (const auto& [name, step] : {std::pair{"closes", Close()}, {"resets", Reset()}}) {
             scenarios.push_back(
-                Breaking(name + behind, {Take(size), step}, {nothingCame, sendingFailed}));
+                Breaking(name + after, {Take(size), step}, {nothingCame, sendingFailed}));
         }
     }
     // From the second piece on the client has nothing left to send.
     for (const std::size_t size : {513u, 526u}) {
-        const std::string behind = " at once behind byte " + std::to_string(size);
-        scenarios.push_back(Breaking("closes" + behind, {Take(size), Close()}, {nothingCame}));
-        scenarios.push_back(Breaking("resets" + behind, {Take(size), Reset()}, {nothingCame}));
+        const std::string after = " at once after byte " + std::to_string(size);
+        scenarios.push_back(Breaking("closes" + after, {Take(size), Close()}, {nothingCame}));
+        scenarios.push_back(Breaking("resets" + after, {Take(size), Reset()}, {nothingCame}));
     }
     RunAll(scenarios);
 }

@@ -72,12 +72,12 @@ std::vector<Scenario> BreakEverywhere(const std::string& name, const Script& end
     return scenarios;
 }
 
-TEST(CutAnswersTest, AnswerThatIsClosedBehindEachByte) {
-    RunAll(BreakEverywhere("closes behind", {Close()}));
+TEST(CutAnswersTest, AnswerThatIsClosedAfterEachByte) {
+    RunAll(BreakEverywhere("closes after", {Close()}));
 }
 
-TEST(CutAnswersTest, AnswerThatIsResetBehindEachByteThatTheClientTook) {
-    RunAll(BreakEverywhere("resets behind", {AwaitTaken(), Reset()}));
+TEST(CutAnswersTest, AnswerThatIsResetAfterEachByteThatTheClientTook) {
+    RunAll(BreakEverywhere("resets after", {AwaitTaken(), Reset()}));
 }
 
 TEST(CutAnswersTest, AnswerThatIsResetBeforeTheClientMayHaveTakenIt) {
@@ -85,7 +85,7 @@ TEST(CutAnswersTest, AnswerThatIsResetBeforeTheClientMayHaveTakenIt) {
     // The system may throw away what arrived before a reset.
     for (const std::size_t size : {1u, 511u, 512u, 513u, 1024u, 65536u, 8u << 20}) {
         const std::string answer(size, 'x');
-        scenarios.push_back(Answering("resets at once behind byte " + std::to_string(size),
+        scenarios.push_back(Answering("resets at once after byte " + std::to_string(size),
                                       {Send(answer), Reset()},
                                       {.out = answer + "\n", .outMayBeCut = true}));
     }
@@ -98,11 +98,11 @@ TEST(CutAnswersTest, AnswerThatBreaksOffAroundTheEndOfAPiece) {
     for (const std::size_t size :
          {2u, 4u, 5u, 510u, 511u, 512u, 513u, 514u, 1023u, 1024u, 1025u, 1536u}) {
         const std::string answer(size, 'x');
-        const std::string behind = " behind byte " + std::to_string(size) + " of one line";
+        const std::string after = " after byte " + std::to_string(size) + " of one line";
         const Outcome outcome{0, answer + "\n"};
-        scenarios.push_back(Answering("closes" + behind, {Send(answer), Close()}, outcome));
+        scenarios.push_back(Answering("closes" + after, {Send(answer), Close()}, outcome));
         scenarios.push_back(
-            Answering("resets" + behind, {Send(answer), AwaitTaken(), Reset()}, outcome));
+            Answering("resets" + after, {Send(answer), AwaitTaken(), Reset()}, outcome));
     }
     RunAll(scenarios);
 }

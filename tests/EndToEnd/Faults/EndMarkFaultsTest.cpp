@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST(EndMarkFaultsTest, AnswerInOneSegmentWhoseMarkStandsAroundTheEndOfAChunk) {
+TEST(EndMarkFaultsTest, AnswerInOneSegmentWhoseMarkIsAroundTheEndOfAChunk) {
     // In one segment, every chunk but the last is 512 bytes long.
     struct Row {
         std::size_t size;
@@ -78,22 +78,22 @@ TEST(EndMarkFaultsTest, MarkThatIsNone) {
         Answering("mark in a segment of its own in place of the code",
                   {Send("Sarvex tool RETURN CODE\n"), SendApart("Done"), FinishSending()},
                   codeIsNoNumber),
-        Answering("mark in a segment of its own behind the code",
+        Answering("mark in a segment of its own after the code",
                   {Send("Sarvex tool RETURN CODE\n3\n"), SendApart("Done"), FinishSending()}, {3}),
         Closing("no mark", "hello", {0, "hello\n"}),
-        Closing("no mark behind the code", "Sarvex tool RETURN CODE\n3\n", {3}),
+        Closing("no mark after the code", "Sarvex tool RETURN CODE\n3\n", {3}),
     });
 }
 
 TEST(EndMarkFaultsTest, MarkThatCountsWhereItIsUnexpected) {
     RunAll({
         Holding("two marks at the end", "helloDoneDone", {0, "helloDone\n"}),
-        Holding("mark behind one byte", "xDone", {0, "x\n"}),
+        Holding("mark after one byte", "xDone", {0, "x\n"}),
         Holding("mark that ends a longer word", "AbandoneDone", {0, "Abandone\n"}),
-        Holding("mark right behind a marker's line", "Sarvex tool ERROR\nDone", {0, "", "\n"}),
-        Holding("mark right behind a marker", "Sarvex tool INFODone", {0}),
+        Holding("mark right after a marker's line", "Sarvex tool ERROR\nDone", {0, "", "\n"}),
+        Holding("mark right after a marker", "Sarvex tool INFODone", {0}),
         Holding("mark in place of the code", "Sarvex tool RETURN CODE\nDone", codeIsNoNumber),
-        Holding("mark right behind the code", "Sarvex tool RETURN CODE\n3Done", {3}),
+        Holding("mark right after the code", "Sarvex tool RETURN CODE\n3Done", {3}),
         Holding("mark inside the head", "HTTP/1.1 200 OK\r\nX: Done",
                 {0, "HTTP/1.1 200 OK\r\nX: \n"}),
         Answering("nothing but the mark, then a text that ends in it",
@@ -133,11 +133,11 @@ TEST(EndMarkFaultsTest, NulCutsItsChunkAndEndsTheAnswerWhenItBeginsOne) {
         Answering("in a segment of its own", {Send("hello"), SendApart("\0"s)}, {0, "hello\n"}),
         Answering("at the beginning of a segment", {Send("hello"), SendApart("\0 more"s)},
                   {0, "hello\n"}),
-        Holding("behind the mark", "helloDone\0"s, {0, "hello\n"}),
-        Holding("behind the mark, with more behind it", "helloDone\0 and more"s, {0, "hello\n"}),
+        Holding("after the mark", "helloDone\0"s, {0, "hello\n"}),
+        Holding("after the mark, with more after it", "helloDone\0 and more"s, {0, "hello\n"}),
         Closing("in front of the mark", "hello\0Done"s, {0, "hello\n"}),
         Closing("inside the mark", "helloDo\0ne"s, {0, "helloDo\n"}),
-        Closing("behind a chunk that is nothing but the mark", "Done\0hello"s, {0, "Done\n"}),
+        Closing("after a chunk that is nothing but the mark", "Done\0hello"s, {0, "Done\n"}),
         Closing("in the body", head + "hel\0lo\n"s, {0, "hel\n"}),
         Closing("in the head", "HTTP/1.1 200 OK\r\n\0\r\n\r\nhello"s, {0, "HTTP/1.1 200 OK\r\n\n"}),
         Closing("between head and body", head + "\0hello"s, nothingCame),
@@ -148,7 +148,7 @@ TEST(EndMarkFaultsTest, NulCutsItsChunkAndEndsTheAnswerWhenItBeginsOne) {
         Closing("in a marker", "Sarvex tool\0 ERROR\nlate\n"s, {0, "Sarvex tool\n"}),
         Closing("in the first chunk of two", "hello\0"s + std::string(506, 'x') + " there",
                 {0, "hello there\n"}),
-        Answering("in a segment with another one behind it",
+        Answering("in a segment with another one after it",
                   {Send("hel\0xxx"s), SendApart("loDone")}, {0, "hello\n"}),
         Closing("as every second byte", "h\0e\0l\0l\0o\0"s, {0, "h\n"}),
     });

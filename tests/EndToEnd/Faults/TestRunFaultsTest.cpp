@@ -158,7 +158,7 @@ TEST(TestRunFaultsTest, ExchangeThatGoesWrongOnce) {
         scenarios.push_back(FaultAt(number, "sends the mark apart and closes",
                                     {Send(answer), SendApart("Done"), Close()},
                                     {answer + "Done\n"}));
-        scenarios.push_back(FaultAt(number, "resets behind an answer without a mark",
+        scenarios.push_back(FaultAt(number, "resets after an answer without a mark",
                                     {Send(answer), AwaitTaken(), Reset()}, InOrder(number)));
         scenarios.push_back(FaultAt(number, "answers with the code of an error",
                                     {Send(answer + "\nSarvex tool RETURN CODE\n3Done")},
@@ -189,10 +189,10 @@ TEST(TestRunFaultsTest, AnswerWithThePowersThatBreaksOff) {
     for (const Row& row : rows) {
         const std::string beginning = answer.substr(0, row.size);
         const Effect effect{beginning + "\n", row.powers};
-        const std::string behind = " behind byte " + std::to_string(row.size);
+        const std::string after = " after byte " + std::to_string(row.size);
         scenarios.push_back(
-            FaultAt(firstStart, "closes" + behind, {Send(beginning), Close()}, effect));
-        scenarios.push_back(FaultAt(secondStart, "resets" + behind,
+            FaultAt(firstStart, "closes" + after, {Send(beginning), Close()}, effect));
+        scenarios.push_back(FaultAt(secondStart, "resets" + after,
                                     {Send(beginning), AwaitTaken(), Reset()}, effect));
     }
     const std::string crLf = "Target Power: x Chain A (1) 17.5 dBm\r\n";
@@ -322,8 +322,8 @@ TEST(TestRunFaultsTest, RequestTooLargeForTheNetworkIsBrokenOff) {
         beginning.scripts.push_back({Take(size), ending});
         beginning.run.Complain("Failed to calcualte Tx Power limit: Failed Sending message.");
         beginning.run.EndWith(1);
-        scenarios.push_back(beginning.run.WithScripts(
-            name + " behind byte "s + std::to_string(size), beginning.scripts));
+        scenarios.push_back(beginning.run.WithScripts(name + " after byte "s + std::to_string(size),
+                                                      beginning.scripts));
         Scenario& scenario = scenarios.back();
         scenario.testFile = "Band\n" + cell + "\n";
         scenario.requestIsCut = true;

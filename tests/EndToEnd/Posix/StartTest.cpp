@@ -14,12 +14,12 @@ TEST(StartTest, ClosedStandardStreamsAreNotTakenForTheConnection) {
     for (const std::string closing :
          {"<&- >&- 2>&-", "<&- >&-", "<&- 2>&-", ">&- 2>&-", "<&-", ">&-", "2>&-"}) {
         SCOPED_TRACE(closing);
-        std::string behindTheAnswer;
+        std::string afterTheAnswer;
         {
             ScriptedPeer peer([&](Connection& connection, int) {
                 connection.ReadRequest();
                 connection.Send("hello\nSarvex tool ERROR\nproblem\nDone");
-                behindTheAnswer = connection.Read(1);
+                afterTheAnswer = connection.Read(1);
             });
             const Bench bench;
             bench.SetPort(peer.Port());
@@ -28,7 +28,7 @@ TEST(StartTest, ClosedStandardStreamsAreNotTakenForTheConnection) {
                               bench.Directory());
             EXPECT_EQ(result.exitCode, 0);
         }
-        EXPECT_EQ(behindTheAnswer, "");
+        EXPECT_EQ(afterTheAnswer, "");
     }
 }
 

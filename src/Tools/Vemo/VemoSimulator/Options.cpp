@@ -121,7 +121,7 @@ EarlyEnd Complain(const std::string& problem) {
 std::variant<Options, EarlyEnd> ParseOptions(const std::vector<std::string>& arguments) {
     Options options;
     RawOptions raw;
-    CLI::App app("Stands in for the daemon where there is no device: takes commands over HTTP and "
+    CLI::App app("Replaces the daemon where there is no device: takes commands over HTTP and "
                  "answers as a simulated device would.",
                  "vemo");
     app.set_help_flag("--help", "Print this text and end");

@@ -193,7 +193,7 @@ TEST_F(CDebugPrintTest, GivesTheFormatterABufferOf4096Bytes) {
     EXPECT_THAT(sink.lines, ElementsAre(head + std::string(4095 - head.size(), 'x')));
 }
 
-TEST_F(CDebugPrintTest, PassesTextOnAsItStands) {
+TEST_F(CDebugPrintTest, PassesTextOnAsItIs) {
     SwitchOn();
     printer.PrintText("Place", 1, "100 %s %n");
     EXPECT_THAT(sink.lines, ElementsAre("Place|[ OEM_ERROR   ] |100 %s %n"));
@@ -274,7 +274,7 @@ TEST(CDebugPrintInstance, IsOneForTheWholeProcess) {
     EXPECT_FALSE(CDebugPrint::Instance().IsEnabled());
 }
 
-TEST(IDebugPrintTest, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
+TEST(IDebugPrintTest, OperationsAreInTheOrderThatOtherModulesAreBuiltAgainst) {
     EXPECT_THAT(TestSupport::VirtualSlots(&IDebugPrint::PrintText, &IDebugPrint::Print,
                                           &IDebugPrint::SetThreshold, &IDebugPrint::GetThreshold,
                                           &IDebugPrint::SetSink, &IDebugPrint::SetFormatter,

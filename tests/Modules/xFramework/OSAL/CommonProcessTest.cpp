@@ -32,7 +32,7 @@ TEST(RealProcess, KnowsTheFileThatItRuns) {
     EXPECT_TRUE(std::filesystem::is_regular_file(path));
 }
 
-TEST(RealProcess, FindsWhatStandsBesideIt) {
+TEST(RealProcess, FindsWhatIsBesideIt) {
     std::string directory;
     ASSERT_EQ(Utilities::GetModuleDirectory(directory), 0);
     EXPECT_EQ(directory.back(), PathSeparator);

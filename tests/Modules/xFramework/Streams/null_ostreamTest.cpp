@@ -38,7 +38,7 @@ TEST(null_ostreamTest, IsBadAfterAnyKindOfWrite) {
     EXPECT_TRUE(wide.bad());
 }
 
-TEST(null_ostreamTest, ProcessWideStreamsStandBeforeMain) {
+TEST(null_ostreamTest, ProcessWideStreamsExistBeforeMain) {
     EXPECT_TRUE(narrowStoodBeforeMain);
     EXPECT_TRUE(wideStoodBeforeMain);
     EXPECT_TRUE(Streams::null_stream.bad());

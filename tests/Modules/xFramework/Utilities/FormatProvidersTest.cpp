@@ -38,7 +38,7 @@ TEST(FormatProviders, AreCalledInTheOrderOfRegistration) {
     EXPECT_EQ(Process("x"), "xba");
 }
 
-TEST(FormatProviders, RegisteredTwiceStandOnceAndLast) {
+TEST(FormatProviders, RegisteredTwiceAreListedOnceAndLast) {
     const ProviderGuard first(&AppendA);
     EXPECT_EQ(Process("x"), "xa");
     FormatProviders::Instance().AddStringProvider(&AppendA);

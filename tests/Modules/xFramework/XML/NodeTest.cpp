@@ -124,7 +124,7 @@ TEST(NodeTest, AttributeCanBeSetFromTheTextsOfAnotherOne) {
     EXPECT_EQ(Attributes(node), "a=value b=value c=value m=value x=value y=value ");
 }
 
-TEST(NodeTest, TextOfAChildStandsInForAnAttribute) {
+TEST(NodeTest, TextOfAChildReplacesAMissingAttribute) {
     Node node;
     node.AddChild("x")->SetText("5");
     node.AddChild("x")->SetText("6");
@@ -143,7 +143,7 @@ TEST(NodeTest, AttributeGoesBeforeTheTextOfAChild) {
     EXPECT_STREQ(node.FindAttribute("x"), "7");
 }
 
-TEST(NodeTest, ChildWithoutTextStandsInForNothing) {
+TEST(NodeTest, ChildWithoutTextReplacesNothing) {
     Node node;
     node.AddChild("x");
     node.AddChild("x")->SetText("6");
@@ -153,7 +153,7 @@ TEST(NodeTest, ChildWithoutTextStandsInForNothing) {
     EXPECT_STREQ(node.GetAttribute("x"), "");
 }
 
-TEST(NodeTest, AddedChildIsEmptyAndStandsBehindItsEquals) {
+TEST(NodeTest, AddedChildIsEmptyAndFollowsItsEquals) {
     Node node;
     const Node* second = node.AddChild("b");
     const Node* first = node.AddChild("a");
@@ -270,7 +270,7 @@ TEST(NodeTest, FirstResolverIsKeptAndTakesTheOthers) {
     EXPECT_TRUE(second.m_offered.empty());
 }
 
-TEST(NodeTest, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
+TEST(NodeTest, OperationsAreInTheOrderThatOtherModulesAreBuiltAgainst) {
     EXPECT_EQ(TestSupport::VirtualSlots(
                   &Node::HasAttribute, &Node::FindAttribute, &Node::GetAttribute,
                   &Node::SetAttribute, &Node::EnumerateAttributes, &Node::ExpandValue,

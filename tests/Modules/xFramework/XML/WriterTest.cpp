@@ -58,7 +58,7 @@ TEST(WriterTest, DocumentIsIndentedByATabALevel) {
                                        "</Root>\n");
 }
 
-TEST(WriterTest, ElementThreeLevelsDownStandsBehindTwoTabs) {
+TEST(WriterTest, ElementThreeLevelsDownFollowsTwoTabs) {
     Base document;
     Node* a = document.GetTopNode()->AddChild("Root")->AddChild("A");
     a->AddChild("B");
@@ -129,7 +129,7 @@ TEST(WriterTest, EmptyTextMakesAnEndTag) {
 
 // The line ends with the start tag or with a child, not with a text: the first child goes on where
 // the text stopped.
-TEST(WriterTest, FirstChildBehindATextStandsOnItsLine) {
+TEST(WriterTest, FirstChildAfterATextIsOnItsLine) {
     EXPECT_EQ(Write([](Writer& writer) {
                   writer.StartElement("a");
                   writer.Text("text");
@@ -144,7 +144,7 @@ TEST(WriterTest, FirstChildBehindATextStandsOnItsLine) {
               "</a>\n");
 }
 
-TEST(WriterTest, AttributeBehindTheStartTagLandsInTheContent) {
+TEST(WriterTest, AttributeAfterTheStartTagBecomesContent) {
     EXPECT_EQ(Write([](Writer& writer) {
                   writer.StartElement("a");
                   writer.Text("t");
@@ -512,7 +512,7 @@ TEST(WriterTest, WriterWithOpenElementsCanBeDestroyed) {
     EXPECT_EQ(stream.str(), "");
 }
 
-TEST(WriterTest, EventsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
+TEST(WriterTest, EventsAreInTheOrderThatOtherModulesAreBuiltAgainst) {
     // The destructor comes first.
     EXPECT_EQ(TestSupport::VirtualSlots(&IListener::StartDocument, &IListener::EndDocument,
                                         &IListener::Abort, &IListener::StartElement,

@@ -44,7 +44,7 @@ TEST_F(CliClientTest, DefaultClientHasNoArgumentsNoAnswerAndTheLocalAddress) {
     EXPECT_EQ(CountCalls("ResolveAddress [127.0.0.1] [8738]"), 1);
 }
 
-TEST_F(CliClientTest, ArgumentsBehindTheProgramPathAreTakenInOrder) {
+TEST_F(CliClientTest, ArgumentsAfterTheProgramPathAreTakenInOrder) {
     EXPECT_EQ(Client({"-a", "b", "-a"})->BuildArguments(), " -a b -a");
     EXPECT_EQ(Client({})->BuildArguments(), "");
 }

@@ -91,7 +91,7 @@ TEST_F(ExpandedRequestTest, LengthIsThatOfTheExpandedBody) {
     EXPECT_EQ(BuildRequest("h", "CLI -1 $(answer)"), ExpectedRequest("h", "9", "CLI -1 42"));
 }
 
-TEST_F(ExpandedRequestTest, WhatAVariableStandsForIsNotExpandedAgain) {
+TEST_F(ExpandedRequestTest, ValueOfAVariableIsNotExpandedAgain) {
     EXPECT_EQ(BuildRequest("h", "CLI -1 $(question)"),
               ExpectedRequest("h", "17", "CLI -1 $(answer)?"));
     EXPECT_EQ(BuildRequest("$(question)", "x"), ExpectedRequest("$(answer)?", "1", "x"));

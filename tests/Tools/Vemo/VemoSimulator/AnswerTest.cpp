@@ -39,7 +39,7 @@ std::string ReadByPieces(const std::string& answer) {
 
 } // namespace
 
-TEST(AnswerTest, SectionsStandInOrderAndTheEndMarkIsLast) {
+TEST(AnswerTest, SectionsAreInOrderAndTheEndMarkIsLast) {
     const Reply reply{{"one", "two"}, {"three"}, "4"};
     EXPECT_EQ(BuildAnswer({}, reply), "HTTP/1.1 200 OK\r\n"
                                       "Content-Type: text/plain\r\n"
@@ -97,7 +97,7 @@ TEST(AnswerTest, TheReturnCodeCanBeReplaced) {
     EXPECT_EQ(ApplyToReply({}, {{}, {}, "3"}).returnCode, "3");
 }
 
-TEST(AnswerTest, AddedLinesStandInFrontAndHaveTheirExactSize) {
+TEST(AnswerTest, AddedLinesComeFirstAndHaveTheirExactSize) {
     const struct {
         std::uint64_t filler;
         std::vector<std::size_t> lines;
@@ -128,7 +128,7 @@ TEST(AnswerTest, CrLfEndsEveryLineOfTheBody) {
               "Sarvex tool INFO\r\none\r\nSarvex tool RETURN CODE\r\n0\r\nDone");
 }
 
-TEST(AnswerTest, ANulStandsInFrontOfTheNamedByteButNeverBehindTheMark) {
+TEST(AnswerTest, ANulIsBeforeTheNamedByteButNeverAfterTheMark) {
     const std::string plain = "Sarvex tool RETURN CODE\n0\n";
     for (const std::size_t position : {0U, 7U, 26U, 27U, 1000000U}) {
         SCOPED_TRACE(position);

@@ -142,7 +142,7 @@ TEST(FaultsTest, UncalibratedLeavesAllPowersOut) {
               BodyWith(startLines + "The transmitter is uncalibrated.\n"));
 }
 
-TEST(FaultsTest, ReturnCodeIsGivenAsItStands) {
+TEST(FaultsTest, ReturnCodeIsGivenAsItIs) {
     EXPECT_EQ(FaultyExchange("return-code=12abc").Body(),
               "Sarvex tool INFO\nNothing was running.\nSarvex tool RETURN CODE\n12abc\nDone");
 }

@@ -131,7 +131,7 @@ TEST(PageTest, EveryExampleCommandRuns) {
         const EndToEnd::Process process(stage.Program(), ArgumentsOf(command), stage.Directory());
         const std::string line = WaitForLine(process);
         if (command == "vemo --help")
-            EXPECT_THAT(line, HasSubstr("Stands in for the daemon"));
+            EXPECT_THAT(line, HasSubstr("Replaces the daemon"));
         else if (command == "vemo --version")
             EXPECT_TRUE(std::regex_match(line, std::regex("vemo [0-9.]+"))) << line;
         else

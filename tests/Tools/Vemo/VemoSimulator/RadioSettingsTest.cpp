@@ -6,7 +6,7 @@
 
 namespace VemoSimulator {
 
-TEST(RadioSettingsTest, TheTableStandsInTheOrderOfTheEnumeration) {
+TEST(RadioSettingsTest, TheTableIsInTheOrderOfTheEnumeration) {
     std::size_t index = 0;
     for (const SettingRow& row : SettingTable()) {
         SCOPED_TRACE(row.option);

@@ -71,7 +71,7 @@ TEST_F(ExpandVariablesTest, TextThatBeginsWithAParenthesisClosesTheReferenceBefo
     EXPECT_EQ(Expanded("$(B$(close))"), "1)");
 }
 
-TEST_F(ExpandVariablesTest, ParenthesisBehindAReplacementClosesTheNextReference) {
+TEST_F(ExpandVariablesTest, ParenthesisAfterAReplacementClosesTheNextReference) {
     EXPECT_EQ(Expanded("$(B$(open)$(B))"), "$(B(1)");
     EXPECT_EQ(Expanded("$(A$(B)"), "inner first");
 }

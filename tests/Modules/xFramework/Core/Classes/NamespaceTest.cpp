@@ -128,7 +128,7 @@ TEST(NamespaceTest, PathLeadsThroughNestedNamespaces) {
     }
 }
 
-TEST(NamespaceTest, NameIsTakenAsItStandsOutsidePaths) {
+TEST(NamespaceTest, NameIsTakenAsItIsOutsidePaths) {
     Namespace names;
     auto* const object = new LiveObject;
     names.Add("a.b", object);

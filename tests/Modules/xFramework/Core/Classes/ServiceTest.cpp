@@ -132,7 +132,7 @@ TEST(ServiceTest, AttachToNoDomainCallsTheHookAndCounts) {
     EXPECT_EQ(service.OnDetach(), &service.detachResult);
 }
 
-TEST(ServiceTest, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
+TEST(ServiceTest, OperationsAreInTheOrderThatOtherModulesAreBuiltAgainst) {
     // The destructor comes first.
     EXPECT_EQ(HookedService::Slots(), (std::vector<std::size_t>{2, 3, 4, 5, 6, 7}));
 }

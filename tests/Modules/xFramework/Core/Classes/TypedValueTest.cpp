@@ -256,9 +256,9 @@ TEST(TypedValueTest, AssignNeverConverts) {
 }
 
 /// Gives the view of another object, or of none.
-class StandIn : public TypedValue<Int> {
+class Viewing : public TypedValue<Int> {
 public:
-    explicit StandIn(const ITypedValue<Int>* view) : TypedValue(-1), m_view(view) {}
+    explicit Viewing(const ITypedValue<Int>* view) : TypedValue(-1), m_view(view) {}
     const ITypedValue<Int>* GetView() const override { return m_view; }
 
 private:
@@ -268,9 +268,9 @@ private:
 TEST(TypedValueTest, AssignReadsThroughTheOthersOwnView) {
     TypedValue<Int> target(1);
     const TypedValue<Int> viewed(7);
-    EXPECT_EQ(target.Assign(StandIn(&viewed)), static_cast<const IValue*>(&viewed));
+    EXPECT_EQ(target.Assign(Viewing(&viewed)), static_cast<const IValue*>(&viewed));
     EXPECT_EQ(target.GetRef(), 7);
-    EXPECT_EQ(target.Assign(StandIn(nullptr)), nullptr);
+    EXPECT_EQ(target.Assign(Viewing(nullptr)), nullptr);
     EXPECT_EQ(target.GetRef(), 7);
 }
 

@@ -90,7 +90,7 @@ TEST_F(ValueFactoryTest, RegistrationAddsADescriptor) {
     EXPECT_EQ(m_factory.GetTypeDescriptor("nosuchtype"), nullptr);
 }
 
-TEST_F(ValueFactoryTest, NameRegisteredAgainStandsForTheLaterType) {
+TEST_F(ValueFactoryTest, NameRegisteredAgainMeansTheLaterType) {
     m_factory.Register<Int>("again");
     m_factory.Register<bool>("again");
     EXPECT_EQ(ElementOf<bool>(m_factory.Create("again", "1")), true);
@@ -126,7 +126,7 @@ TEST_F(ProcessFactoryTest, TellsTheMetaTypesItsNames) {
     EXPECT_TRUE(MetaTypeOf<bool>().HasName("again"));
 }
 
-TEST_F(ProcessFactoryTest, NameRegisteredAgainWithACreatorStandsForNoElementType) {
+TEST_F(ProcessFactoryTest, NameRegisteredAgainWithACreatorMeansNoElementType) {
     using Creator = ClassCreator<TypedValue<bool>, IValue>;
     struct {
         const char* entry;

@@ -50,7 +50,7 @@ extern "C" int access(const char* path, int) noexcept {
 namespace OSAL {
 namespace {
 
-TEST(RealDebugOutput, GoesToTheSystemLogAtDebugPriorityAsItStands) {
+TEST(RealDebugOutput, GoesToTheSystemLogAtDebugPriorityAsItIs) {
     SystemLog().clear();
     OutputDebugStringA("[OEMINFO] | 100 %s %n\n");
     // Facility user (1 << 3) and priority debug (7).

@@ -50,7 +50,7 @@ TEST(WindowsProcess, EndsWithTheWholeReturnCode) {
     }
 }
 
-TEST(WindowsProcess, HandsWildcardsOverAsTheyStand) {
+TEST(WindowsProcess, HandsWildcardsOverAsTheyAre) {
     const std::string child = Utilities::PathBesideProgram("OSALTestsChild");
     EXPECT_EQ(ReadOutput(child + " echo * ?* \"*.exe\" x*"), "[*][?*][*.exe][x*]");
 }

@@ -67,7 +67,7 @@ TEST_F(SocketStreamTest, PortIsTheFirstFourBytesUpToANul) {
     }
 }
 
-TEST_F(SocketStreamTest, OperationsStandInTheOrderThatOtherModulesAreBuiltAgainst) {
+TEST_F(SocketStreamTest, OperationsAreInTheOrderThatOtherModulesAreBuiltAgainst) {
     // The destructor is between the two groups.
     EXPECT_THAT(TestSupport::VirtualSlots(&SocketStream::ReadPort, &SocketStream::SendBuffer,
                                           &SocketStream::ReceiveBuffer, &SocketStream::Reserved,
@@ -171,7 +171,7 @@ TEST_F(SocketStreamTest, MessageEndsAtTheMarkAtTheEndOfAChunk) {
         {"mark across two chunks with text", {"helloDo", "neDone"}, "helloDone", 0},
         {"mark in the middle", {"heDonello", "!"}, "heDonello!", 0},
         {"mark in another case", {"hellodone"}, "hellodone", 0},
-        {"line end behind the mark", {"helloDone\n"}, "helloDone\n", 0},
+        {"line end after the mark", {"helloDone\n"}, "helloDone\n", 0},
         {"two marks", {"helloDoneDone"}, "helloDone", 0},
         {"peer closes at once", {}, "", 0},
         {"chunk of four bytes", {"abcd", "efghDone"}, "abcdefgh", 0},
@@ -202,7 +202,7 @@ TEST_F(SocketStreamTest, MarkThatTheChunkBorderSplitsDoesNotEndTheMessage) {
     }
 }
 
-TEST_F(SocketStreamTest, BytesBehindANulOfAChunkAreDropped) {
+TEST_F(SocketStreamTest, BytesAfterANulOfAChunkAreDropped) {
     TheWorld().received = {std::string("ab\0cdDone", 9), "efDone"};
     EXPECT_EQ(Receive(), "abef");
 }

@@ -107,7 +107,7 @@ TEST_F(DynamicTestLineTest, NameGivenTwiceKeepsTheLaterPosition) {
     EXPECT_EQ(test.GetResultValue("Channel", {"5", "36", "6"}), "36");
 }
 
-TEST_F(DynamicTestLineTest, EmptyHeaderCellShiftsTheColumnsBehindIt) {
+TEST_F(DynamicTestLineTest, EmptyHeaderCellShiftsTheColumnsAfterIt) {
     ProcessHeader("Band,,Channel");
     EXPECT_EQ(test.GetResultValue("Channel", {"5", "36"}), "36");
 }
@@ -175,14 +175,14 @@ TEST_F(DynamicTestLineTest, ColumnBeyondTheEndOfAShortLineIsNotSet) {
                 ElementsAre("-wifi-band 5 -wifi-tx-chains-from-file A " + start, stop));
 }
 
-TEST_F(DynamicTestLineTest, EmptyCellShiftsTheCellsBehindIt) {
+TEST_F(DynamicTestLineTest, EmptyCellShiftsTheCellsAfterIt) {
     EXPECT_THAT(Process("Band,Chains,Channel", "5,,36"),
                 ElementsAre("-wifi-band 5 -wifi-tx-chains-from-file 36 " + start, stop));
     EXPECT_THAT(Process("Band,Chains,Channel", "5,-,36"),
                 ElementsAre("-wifi-band 5 -wifi-channel 36 " + start, stop));
 }
 
-TEST_F(DynamicTestLineTest, CellOfBlanksIsSentAsItStands) {
+TEST_F(DynamicTestLineTest, CellOfBlanksIsSentAsItIs) {
     EXPECT_THAT(Process("Band,Chains", " ,  "),
                 ElementsAre("-wifi-band \" \" -wifi-tx-chains-from-file \"  \" " + start, stop));
 }

@@ -25,7 +25,7 @@ protected:
     DynamicTest test{"test.csv"};
 };
 
-TEST_F(DynamicTestQueryTest, ExchangeSendsTheArgumentsBehindOneBlankAndReturnsTheWholeAnswer) {
+TEST_F(DynamicTestQueryTest, ExchangeSendsTheArgumentsAfterOneBlankAndReturnsTheWholeAnswer) {
     Answer("Sarvex tool INFO\nhello\nSarvex tool ERROR\nbad\nSarvex tool RETURN CODE\n7\n");
     EXPECT_EQ(test.SendCommands({std::string("-a"), std::string("b c")}),
               "Sarvex tool INFO\nhello\nSarvex tool ERROR\nbad\nSarvex tool RETURN CODE\n7\n\n");

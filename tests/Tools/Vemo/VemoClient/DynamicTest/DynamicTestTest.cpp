@@ -100,7 +100,7 @@ TEST_F(DynamicTestTest, EveryLineIsFollowedByAPauseALongerOneForASlowDevice) {
     }
 }
 
-TEST_F(DynamicTestTest, PauseComesBehindTheLinesTwoExchanges) {
+TEST_F(DynamicTestTest, PauseComesAfterTheLinesTwoExchanges) {
     EXPECT_EQ(Run("Band\n5\n"), 0);
     const auto& calls = TheWorld().calls;
     EXPECT_EQ(CountCalls("ConnectSocket"), 4);
@@ -143,7 +143,7 @@ TEST_F(DynamicTestTest, ResultsOfAnEarlierRunAreGoneWhenTheRunStopsEarly) {
     EXPECT_EQ(ReadFile("result.csv"), "Band,Chain-A Power, Chain B Power\n5,NA,NA\n");
     EXPECT_EQ(ReadFile("result.xml"), "");
     EXPECT_EQ(console.Err(), "Failed to calcualte Tx Power limit: invalid stoi argument.");
-    EXPECT_EQ(CountCalls("Sleep 1000"), 1) << "no pause behind the line that failed";
+    EXPECT_EQ(CountCalls("Sleep 1000"), 1) << "no pause after the line that failed";
 }
 
 TEST_F(DynamicTestTest, LineWhoseConnectionFailsUsesTheOneBefore) {
@@ -267,7 +267,7 @@ TEST_F(DynamicTestTest, CarriageReturnsAreNoLineEnds) {
     EXPECT_EQ(ReadFile("result.csv"), "");
 }
 
-TEST_F(DynamicTestTest, ZeroAndHighBytesAreSentAsTheyStand) {
+TEST_F(DynamicTestTest, ZeroAndHighBytesAreSentAsTheyAre) {
     EXPECT_EQ(Run("Band,Chains\n\x80\xFF,a\0b\n"s), 0);
     EXPECT_EQ(Commands().at(2), "-wifi-band \x80\xFF -wifi-tx-chains-from-file a\0b "s + start);
     EXPECT_EQ(ReadFile("result.csv"),

@@ -31,7 +31,7 @@ void ExpectFound(const std::string& pattern, std::initializer_list<Case> cases) 
     }
 }
 
-TEST(ReplySearchTest, MacTypeIsTheDigitsBehindTheFirstLabel) {
+TEST(ReplySearchTest, MacTypeIsTheDigitsAfterTheFirstLabel) {
     ExpectFound(macPattern, {{"Mac Type: 16\n", "16"},
                              {"x\nMac Type: 016abc\nMac Type: 5\n", "016"},
                              {"The Mac Type: 5", "5"},
@@ -43,7 +43,7 @@ TEST(ReplySearchTest, MacTypeIsTheDigitsBehindTheFirstLabel) {
                              {"", std::nullopt}});
 }
 
-TEST(ReplySearchTest, CountryCodeIsTheFirstTwoWordCharactersBehindALabel) {
+TEST(ReplySearchTest, CountryCodeIsTheFirstTwoWordCharactersAfterALabel) {
     ExpectFound(countryPattern, {{"Current MCC: US\n", "US"},
                                  {"Current MCC: USA", "US"},
                                  {"Current MCC: _9", "_9"},
@@ -71,7 +71,7 @@ TEST(ReplySearchTest, TargetPowerIsTheTextOfTheNumber) {
                                {"Chain A (1) 17.5 dBm Target Power: ", std::nullopt}});
 }
 
-TEST(ReplySearchTest, LabelAndChainStandOnOneLine) {
+TEST(ReplySearchTest, LabelAndChainAreOnOneLine) {
     ExpectFound(powerPattern, {{"Target Power: \nChain A (1) 17.5 dBm", std::nullopt},
                                {"Target Power: \rChain A (1) 17.5 dBm", std::nullopt},
                                {"Target Power: \nTarget Power: Chain A (1) 18 dBm\r\n", "18"},
