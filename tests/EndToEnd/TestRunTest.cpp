@@ -89,7 +89,7 @@ TEST_F(TestRunTest, SlowDeviceCostsFiveSecondsALine) {
 }
 
 /// Runs two lines against a daemon that goes away after the first line's stop.
-class DyingDaemonTest : public TestRunTest {
+class TestRunDyingDaemonTest : public TestRunTest {
 protected:
     ProcessResult RunUntilItDies(const std::function<void()>& afterDeath) {
         std::promise<void> died;
@@ -112,7 +112,7 @@ protected:
     std::string port;
 };
 
-TEST_F(DyingDaemonTest, DaemonThatDiesForGoodEndsTheRunAndKeepsTheRows) {
+TEST_F(TestRunDyingDaemonTest, DaemonThatDiesForGoodEndsTheRunAndKeepsTheRows) {
     const ProcessResult result = RunUntilItDies([] {});
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_EQ(result.err, "Failed to calcualte Tx Power limit: Failed Sending message.");
@@ -120,7 +120,7 @@ TEST_F(DyingDaemonTest, DaemonThatDiesForGoodEndsTheRunAndKeepsTheRows) {
     EXPECT_EQ(bench.Read("result.xml"), "");
 }
 
-TEST_F(DyingDaemonTest, DaemonThatComesBackInTimeGoesUnnoticed) {
+TEST_F(TestRunDyingDaemonTest, DaemonThatComesBackInTimeGoesUnnoticed) {
     std::unique_ptr<ScriptedPeer> reborn;
     const ProcessResult result = RunUntilItDies([&] {
         reborn = std::make_unique<ScriptedPeer>(

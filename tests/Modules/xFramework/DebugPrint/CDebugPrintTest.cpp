@@ -250,7 +250,7 @@ TEST_F(CDebugPrintTest, IgnoresSinksThatItDoesNotHave) {
     EXPECT_THAT(sink.lines, ElementsAre("Place|[ OEM_ERROR   ] |once"));
 }
 
-TEST(CDebugPrintWithoutFormatter, EmptiesABufferWithRoomForThatOnly) {
+TEST(CDebugPrintWithoutFormatterTest, EmptiesABufferWithRoomForThatOnly) {
     CDebugPrint printer;
     std::array<char, 2> line{"x"};
     printer.FormatLine("Place", "[tag]", "text", line.data(), 0);
@@ -269,12 +269,12 @@ TEST_F(CDebugPrintTest, PassesALineThroughItsFormatter) {
     EXPECT_EQ(formatter->roomGiven, 32u);
 }
 
-TEST(CDebugPrintInstance, IsOneForTheWholeProcess) {
+TEST(CDebugPrintInstanceTest, IsOneForTheWholeProcess) {
     EXPECT_EQ(&CDebugPrint::Instance(), &CDebugPrint::Instance());
     EXPECT_FALSE(CDebugPrint::Instance().IsEnabled());
 }
 
-TEST(IDebugPrintTest, OperationsAreInTheOrderThatOtherModulesAreBuiltAgainst) {
+TEST(CDebugPrintInterfaceTest, OperationsAreInTheOrderThatOtherModulesAreBuiltAgainst) {
     EXPECT_THAT(TestSupport::VirtualSlots(&IDebugPrint::PrintText, &IDebugPrint::Print,
                                           &IDebugPrint::SetThreshold, &IDebugPrint::GetThreshold,
                                           &IDebugPrint::SetSink, &IDebugPrint::SetFormatter,

@@ -25,7 +25,7 @@ void RunTwice(Action action) {
         thread.join();
 }
 
-TEST(RealCriticalSection, LetsOneThreadInAtATime) {
+TEST(CommonCriticalSectionTest, LetsOneThreadInAtATime) {
     CriticalSectionOSAL section;
     int inside = 0;
     int entries = 0;
@@ -43,7 +43,7 @@ TEST(RealCriticalSection, LetsOneThreadInAtATime) {
     EXPECT_EQ(entries, 2 * rounds);
 }
 
-TEST(RealCriticalSection, LetsItsHolderInAgain) {
+TEST(CommonCriticalSectionTest, LetsItsHolderInAgain) {
     CriticalSectionOSAL section;
     int value = 0;
     RunTwice([&] {
@@ -59,7 +59,7 @@ TEST(RealCriticalSection, LetsItsHolderInAgain) {
     EXPECT_EQ(value, 4 * rounds);
 }
 
-TEST(RealCriticalSection, StaysClosedUntilTheLastEntryIsGivenBack) {
+TEST(CommonCriticalSectionTest, StaysClosedUntilTheLastEntryIsGivenBack) {
     CriticalSectionOSAL section;
     std::atomic<bool> started{false};
     std::atomic<bool> entered{false};
@@ -82,7 +82,7 @@ TEST(RealCriticalSection, StaysClosedUntilTheLastEntryIsGivenBack) {
     EXPECT_TRUE(entered);
 }
 
-TEST(RealCriticalSection, IsCreatedAndDestroyedByTheSystem) {
+TEST(CommonCriticalSectionTest, IsCreatedAndDestroyedByTheSystem) {
     CriticalSection* const section = CreateCriticalSection();
     ASSERT_NE(section, nullptr);
     EnterCriticalSection(section);
@@ -99,7 +99,7 @@ int CountBrokenLines(const std::string& text, const std::string& one, const std:
     return broken;
 }
 
-TEST(RealCriticalSection, KeepsTheLinesOfTheLogWhole) {
+TEST(CommonCriticalSectionTest, KeepsTheLinesOfTheLogWhole) {
     const std::string one(50, 'a');
     const std::string other(50, 'b');
     std::ostringstream stream;

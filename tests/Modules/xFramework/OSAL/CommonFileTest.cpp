@@ -15,7 +15,7 @@
 namespace OSAL {
 namespace {
 
-class RealFile : public testing::Test {
+class CommonFileTest : public testing::Test {
 protected:
     /// What one read of size bytes gives.
     static std::string Read(const OwnedHandle& file, std::size_t size) {
@@ -28,7 +28,7 @@ protected:
     const std::string missing = directory.Path("missing");
 };
 
-TEST_F(RealFile, IsToBeArchivedAndHasOneName) {
+TEST_F(CommonFileTest, IsToBeArchivedAndHasOneName) {
     const PathKind kind = LookAtPath(path);
     EXPECT_TRUE(kind.isToBeArchived);
     EXPECT_FALSE(kind.isDirectory);
@@ -37,7 +37,7 @@ TEST_F(RealFile, IsToBeArchivedAndHasOneName) {
     EXPECT_FALSE(Utilities::IsLink(path));
 }
 
-TEST_F(RealFile, ThatIsMissingIsOfNoKindAndHasNoName) {
+TEST_F(CommonFileTest, ThatIsMissingIsOfNoKindAndHasNoName) {
     const PathKind kind = LookAtPath(missing);
     EXPECT_FALSE(kind.isToBeArchived);
     EXPECT_FALSE(kind.isDirectory);
@@ -46,7 +46,7 @@ TEST_F(RealFile, ThatIsMissingIsOfNoKindAndHasNoName) {
     EXPECT_FALSE(Utilities::IsLink(missing));
 }
 
-TEST_F(RealFile, WithASecondNameIsALinkByBothNames) {
+TEST_F(CommonFileTest, WithASecondNameIsALinkByBothNames) {
     const std::string second = directory.Path("second");
     std::filesystem::create_hard_link(path, second);
     EXPECT_EQ(CountNames(path), 2u);
@@ -59,7 +59,7 @@ TEST_F(RealFile, WithASecondNameIsALinkByBothNames) {
     EXPECT_FALSE(Utilities::IsLink(path));
 }
 
-TEST_F(RealFile, OfADirectoryIsNoLink) {
+TEST_F(CommonFileTest, OfADirectoryIsNoLink) {
     const std::string folder = directory.Path("folder");
     std::filesystem::create_directory(folder);
     EXPECT_TRUE(LookAtPath(folder).isDirectory);
@@ -67,7 +67,7 @@ TEST_F(RealFile, OfADirectoryIsNoLink) {
     EXPECT_FALSE(Utilities::IsLink(folder));
 }
 
-TEST_F(RealFile, IsReadPieceByPieceToItsEnd) {
+TEST_F(CommonFileTest, IsReadPieceByPieceToItsEnd) {
     OwnedHandle file = OpenFileForReading(path);
     ASSERT_TRUE(file.IsOpen());
     EXPECT_EQ(Read(file, 4), "8738");
@@ -76,14 +76,14 @@ TEST_F(RealFile, IsReadPieceByPieceToItsEnd) {
     EXPECT_TRUE(file.Close());
 }
 
-TEST_F(RealFile, IsReadByteForByte) {
+TEST_F(CommonFileTest, IsReadByteForByte) {
     const std::string content("a\r\n\0\x1A\xFF\nb", 8);
     OwnedHandle file = OpenFileForReading(directory.Create("bytes", content));
     EXPECT_EQ(Read(file, 64), content);
     EXPECT_TRUE(file.Close());
 }
 
-TEST_F(RealFile, IsOpenedByTwoReadersAtOnce) {
+TEST_F(CommonFileTest, IsOpenedByTwoReadersAtOnce) {
     OwnedHandle first = OpenFileForReading(path);
     OwnedHandle second = OpenFileForReading(path);
     EXPECT_EQ(Read(first, 64), "87381");
@@ -92,7 +92,7 @@ TEST_F(RealFile, IsOpenedByTwoReadersAtOnce) {
     EXPECT_TRUE(second.Close());
 }
 
-TEST_F(RealFile, ThatCannotBeOpenedGivesNoHandleAndHoldsNothingToRead) {
+TEST_F(CommonFileTest, ThatCannotBeOpenedGivesNoHandleAndHoldsNothingToRead) {
     OwnedHandle file = OpenFileForReading(missing);
     EXPECT_FALSE(file.IsOpen());
     EXPECT_EQ(Read(file, 5), "");
@@ -102,14 +102,14 @@ TEST_F(RealFile, ThatCannotBeOpenedGivesNoHandleAndHoldsNothingToRead) {
     EXPECT_TRUE(next.Close());
 }
 
-TEST_F(RealFile, IsReadAsTextWhileSomeoneWritesIt) {
+TEST_F(CommonFileTest, IsReadAsTextWhileSomeoneWritesIt) {
     const std::string text(20000, 'x');
     std::ofstream writer(directory.Path("written"));
     writer << text << "\n" << std::flush;
     EXPECT_EQ(ReadTextFile(directory.Path("written")), text + "\n");
 }
 
-TEST_F(RealFile, IsReadAsTextInTheTextModeOfThePlatform) {
+TEST_F(CommonFileTest, IsReadAsTextInTheTextModeOfThePlatform) {
     const std::string content("a\r\n\0\xFF\n\x1A"
                               "b\n",
                               9);
@@ -120,7 +120,7 @@ TEST_F(RealFile, IsReadAsTextInTheTextModeOfThePlatform) {
     EXPECT_EQ(expected.size(), PathSeparator == '/' ? 9u : 5u);
 }
 
-TEST_F(RealFile, ThatIsNoneGivesAnEmptyText) {
+TEST_F(CommonFileTest, ThatIsNoneGivesAnEmptyText) {
     EXPECT_EQ(ReadTextFile(missing), "");
     EXPECT_EQ(ReadTextFile(directory.Path()), "");
     EXPECT_EQ(ReadTextFile(directory.Create("empty", "")), "");

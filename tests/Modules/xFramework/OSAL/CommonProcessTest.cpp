@@ -25,14 +25,14 @@ std::string ReadOutput(const std::string& command, std::size_t size) {
     return output;
 }
 
-TEST(RealProcess, KnowsTheFileThatItRuns) {
+TEST(CommonProcessTest, KnowsTheFileThatItRuns) {
     std::string path;
     ASSERT_TRUE(ReadModulePath(path));
     EXPECT_EQ(std::filesystem::path(path).stem().string(), "OSALTests");
     EXPECT_TRUE(std::filesystem::is_regular_file(path));
 }
 
-TEST(RealProcess, FindsWhatIsBesideIt) {
+TEST(CommonProcessTest, FindsWhatIsBesideIt) {
     std::string directory;
     ASSERT_EQ(Utilities::GetModuleDirectory(directory), 0);
     EXPECT_EQ(directory.back(), PathSeparator);
@@ -41,12 +41,12 @@ TEST(RealProcess, FindsWhatIsBesideIt) {
     EXPECT_EQ(directory + std::filesystem::path(path).filename().string(), path);
 }
 
-TEST(RealProcess, SleepsAndReturnsZero) {
+TEST(CommonProcessTest, SleepsAndReturnsZero) {
     EXPECT_EQ(Sleep(0), 0);
     EXPECT_EQ(Sleep(1), 0);
 }
 
-TEST(RealProcess, SleepsAtLeastAsLongAsAsked) {
+TEST(CommonProcessTest, SleepsAtLeastAsLongAsAsked) {
     for (const std::uint32_t milliseconds : {20u, 1000u, 1020u}) {
         const auto start = std::chrono::steady_clock::now();
         Sleep(milliseconds);
@@ -56,21 +56,21 @@ TEST(RealProcess, SleepsAtLeastAsLongAsAsked) {
     }
 }
 
-TEST(RealPipe, CarriesTheOutputOfACommand) {
+TEST(CommonProcessPipeTest, CarriesTheOutputOfACommand) {
     EXPECT_EQ(ReadOutput("echo vemo", 4), "vemo");
 }
 
-TEST(RealPipe, IsReadOnlyAsFarAsAsked) {
+TEST(CommonProcessPipeTest, IsReadOnlyAsFarAsAsked) {
     EXPECT_EQ(ReadOutput("echo 0123456789", 7), "0123456");
 }
 
-TEST(RealPipe, GathersOutputThatComesInPieces) {
+TEST(CommonProcessPipeTest, GathersOutputThatComesInPieces) {
     const std::string child = Utilities::PathBesideProgram("OSALTestsChild");
     EXPECT_EQ(ReadOutput(child + " echo first && " + child + " echo second", 1024),
               "[first][second]");
 }
 
-TEST(RealPipe, OfACommandThatDoesNotExistIsEmpty) {
+TEST(CommonProcessPipeTest, OfACommandThatDoesNotExistIsEmpty) {
     EXPECT_EQ(ReadOutput("no-such-command-anywhere 2>&1 >" +
                              std::string(PathSeparator == '/' ? "/dev/null" : "NUL") +
                              (PathSeparator == '/' ? " 2>/dev/null" : " 2>NUL"),
@@ -78,7 +78,7 @@ TEST(RealPipe, OfACommandThatDoesNotExistIsEmpty) {
               "");
 }
 
-class RealChild : public testing::Test {
+class CommonProcessChildTest : public testing::Test {
 protected:
     /// The path as the launcher builds it: the directory's own separator, then one more.
     static std::string ExecutablePath(const std::string& name) {
@@ -90,7 +90,7 @@ protected:
     ProcessInformation information;
 };
 
-TEST_F(RealChild, RunsInTheDirectoryThatItIsGivenWithThisEnvironment) {
+TEST_F(CommonProcessChildTest, RunsInTheDirectoryThatItIsGivenWithThisEnvironment) {
     // The environment keeps the text itself.
     static std::string variable = "OSAL_TESTS_CHILD=all";
     ::putenv(variable.data());
@@ -103,7 +103,7 @@ TEST_F(RealChild, RunsInTheDirectoryThatItIsGivenWithThisEnvironment) {
                                      "\nall inherited\n[" + executable + "]");
 }
 
-TEST_F(RealChild, ThatDoesNotExistLeavesItsErrorNumber) {
+TEST_F(CommonProcessChildTest, ThatDoesNotExistLeavesItsErrorNumber) {
     constexpr std::uint32_t noSuchFile = 2;
     const std::string executable = ExecutablePath("no-such-program");
     EXPECT_FALSE(CreateChildProcess(executable, "\"" + executable + "\" ", directory.Path(), false,
@@ -111,7 +111,7 @@ TEST_F(RealChild, ThatDoesNotExistLeavesItsErrorNumber) {
     EXPECT_EQ(GetLastError(), noSuchFile);
 }
 
-TEST_F(RealChild, CannotRunInADirectoryThatDoesNotExist) {
+TEST_F(CommonProcessChildTest, CannotRunInADirectoryThatDoesNotExist) {
     const std::string executable = ExecutablePath("OSALTestsChild");
     EXPECT_FALSE(CreateChildProcess(executable, "\"" + executable + "\" ",
                                     directory.Path("missing"), false, information));

@@ -11,10 +11,10 @@
 namespace OSAL {
 namespace {
 
-class RealSocket : public testing::Test {
+class CommonSocketTest : public testing::Test {
 protected:
-    RealSocket() { StartSockets(); }
-    ~RealSocket() override {
+    CommonSocketTest() { StartSockets(); }
+    ~CommonSocketTest() override {
         CloseSocket(socket);
         CleanupSockets();
     }
@@ -44,7 +44,7 @@ protected:
     SocketHandle socket = InvalidSocket;
 };
 
-TEST_F(RealSocket, CarriesBytesBothWays) {
+TEST_F(CommonSocketTest, CarriesBytesBothWays) {
     Connect();
     const std::string request("POST \0 \xFF\r\n", 10);
     EXPECT_EQ(Send(request), 10);
@@ -54,14 +54,14 @@ TEST_F(RealSocket, CarriesBytesBothWays) {
     EXPECT_EQ(Receive(64), std::string("\0ne", 3));
 }
 
-TEST_F(RealSocket, TakesAnEmptyPiece) {
+TEST_F(CommonSocketTest, TakesAnEmptyPiece) {
     Connect();
     EXPECT_EQ(Send(""), 0);
     EXPECT_EQ(Send("x"), 1);
     EXPECT_EQ(peer.Receive(1), "x");
 }
 
-TEST_F(RealSocket, ReceivesNothingOnceThePeerHasClosed) {
+TEST_F(CommonSocketTest, ReceivesNothingOnceThePeerHasClosed) {
     Connect();
     peer.Send("last");
     peer.Close();
@@ -69,7 +69,7 @@ TEST_F(RealSocket, ReceivesNothingOnceThePeerHasClosed) {
     EXPECT_EQ(Receive(64), "");
 }
 
-TEST_F(RealSocket, ReportsABrokenConnectionAsAnErrorNeverAsASignal) {
+TEST_F(CommonSocketTest, ReportsABrokenConnectionAsAnErrorNeverAsASignal) {
     Connect();
     peer.Reset();
     // However the break shows to the receiver, it is known afterwards: a further send is where a
@@ -79,7 +79,7 @@ TEST_F(RealSocket, ReportsABrokenConnectionAsAnErrorNeverAsASignal) {
     EXPECT_FALSE(LastSocketErrorText().empty());
 }
 
-TEST_F(RealSocket, IsClosedOnce) {
+TEST_F(CommonSocketTest, IsClosedOnce) {
     Connect();
     EXPECT_EQ(CloseSocket(socket), 0);
     EXPECT_EQ(CloseSocket(socket), SocketError);
@@ -88,19 +88,19 @@ TEST_F(RealSocket, IsClosedOnce) {
     EXPECT_EQ(peer.ReceiveAll(), "");
 }
 
-TEST(SocketConstants, AreThoseOfWindows) {
+TEST(CommonSocketConstantsTest, AreThoseOfWindows) {
     EXPECT_EQ(InvalidSocket + 1, 0u);
     EXPECT_EQ(SocketError, -1);
 }
 
-TEST_F(RealSocket, ThatIsInvalidFailsInEveryCall) {
+TEST_F(CommonSocketTest, ThatIsInvalidFailsInEveryCall) {
     EXPECT_EQ(Send("x"), SocketError);
     EXPECT_EQ(Receive(64), "error");
     EXPECT_NE(AllowAddressReuse(socket), 0);
     EXPECT_EQ(CloseSocket(socket), SocketError);
 }
 
-TEST_F(RealSocket, IsRefusedWhereNobodyListens) {
+TEST_F(CommonSocketTest, IsRefusedWhereNobodyListens) {
     AddressInfo* const address = ResolveAddress("127.0.0.1", peer.Port());
     peer.StopListening();
     socket = CreateSocket(address);
@@ -108,13 +108,13 @@ TEST_F(RealSocket, IsRefusedWhereNobodyListens) {
     FreeAddress(address);
 }
 
-TEST_F(RealSocket, CountsItsStartsAndCleanups) {
+TEST_F(CommonSocketTest, CountsItsStartsAndCleanups) {
     EXPECT_EQ(StartSockets(), 0);
     EXPECT_EQ(CleanupSockets(), 0);
     Connect();
 }
 
-TEST(RealAddress, IsFoundForANameAndForEitherFamily) {
+TEST(CommonSocketAddressTest, IsFoundForANameAndForEitherFamily) {
     StartSockets();
     for (const std::string host : {"localhost", "127.0.0.1", "::1"}) {
         SCOPED_TRACE(host);
@@ -125,7 +125,7 @@ TEST(RealAddress, IsFoundForANameAndForEitherFamily) {
     CleanupSockets();
 }
 
-TEST(RealAddress, IsNotFoundForAPortThatIsNoNumber) {
+TEST(CommonSocketAddressTest, IsNotFoundForAPortThatIsNoNumber) {
     StartSockets();
     for (const std::string port : {"80\r\n", "873x", "no-such-service"}) {
         SCOPED_TRACE(port);

@@ -27,7 +27,7 @@ TEST(advanced_streamTest, ReadsAndWritesWhenItsKindDoes) {
     EXPECT_EQ(value, 17.5);
 }
 
-TEST(advanced_ostreamTest, IsAnOrdinaryOutputStreamOverAnyBuffer) {
+TEST(advanced_streamOutputTest, IsAnOrdinaryOutputStreamOverAnyBuffer) {
     static_assert(std::is_base_of_v<std::ostream, advanced_ostream<>>);
     static_assert(std::is_base_of_v<std::wostream, advanced_ostream<wchar_t>>);
     advanced_ostream<char, std::char_traits<char>, std::stringbuf> stream;
@@ -36,7 +36,7 @@ TEST(advanced_ostreamTest, IsAnOrdinaryOutputStreamOverAnyBuffer) {
     EXPECT_EQ(stream.GetBuffer().str(), "text");
 }
 
-TEST(advanced_ostreamTest, HasByDefaultTheCommonBufferThatTakesNothing) {
+TEST(advanced_streamOutputTest, HasByDefaultTheCommonBufferThatTakesNothing) {
     advanced_ostream<> stream;
     static_assert(std::is_same_v<decltype(stream.GetBuffer()), advanced_streambuf<>&>);
     stream << 'x';

@@ -45,7 +45,7 @@ TEST(null_ostreamTest, ProcessWideStreamsExistBeforeMain) {
     EXPECT_TRUE(Streams::wide_null_stream.bad());
 }
 
-TEST(nullbufTest, TakesNoCharacterAndHoldsNone) {
+TEST(null_ostreamBufferTest, TakesNoCharacterAndHoldsNone) {
     nullbuf<> buffer;
     EXPECT_EQ(buffer.sputc('x'), std::char_traits<char>::eof());
     EXPECT_EQ(buffer.sputn("xyz", 3), 0);

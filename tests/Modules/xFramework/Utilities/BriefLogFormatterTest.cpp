@@ -22,7 +22,7 @@ struct LineCase {
     std::string line;
 };
 
-TEST(BriefLogFormatter, WritesTagFunctionAndMessageInColumns) {
+TEST(BriefLogFormatterTest, WritesTagFunctionAndMessageInColumns) {
     const std::string blanks40(40, ' ');
     const std::string name40(40, 'n');
     const std::string name41(41, 'n');
@@ -47,14 +47,14 @@ TEST(BriefLogFormatter, WritesTagFunctionAndMessageInColumns) {
     }
 }
 
-TEST(BriefLogFormatter, PadsWithBlanksWhateverTheStreamsSettings) {
+TEST(BriefLogFormatterTest, PadsWithBlanksWhateverTheStreamsSettings) {
     std::ostringstream out;
     out << std::right << std::hex << std::setfill('*') << std::setw(60);
     BriefLogFormatter().Format(4, "file", "f", "message", out);
     EXPECT_EQ(out.str(), "[OEMINFO] | f" + std::string(39, ' ') + " | message");
 }
 
-TEST(BriefLogFormatter, LeavesTheStreamsSettingsAsTheyWere) {
+TEST(BriefLogFormatterTest, LeavesTheStreamsSettingsAsTheyWere) {
     std::ostringstream out;
     out << std::right << std::hex << std::setfill('*') << std::setw(60);
     const std::ios_base::fmtflags flags = out.flags();
@@ -103,7 +103,7 @@ private:
     Events& m_events;
 };
 
-TEST(StreamLogDevice, WritesAndFlushesEachLineInsideItsLock) {
+TEST(BriefLogFormatterDeviceTest, WritesAndFlushesEachLineInsideItsLock) {
     Events events;
     EventBuffer buffer(events);
     std::ostream stream(&buffer);
@@ -113,7 +113,7 @@ TEST(StreamLogDevice, WritesAndFlushesEachLineInsideItsLock) {
     EXPECT_THAT(events, ElementsAre("Enter", "[first\n]", "Leave", "Enter", "[\n]", "Leave"));
 }
 
-TEST(StreamLogDevice, DeletesItsLockAndLeavesTheStreamAlone) {
+TEST(BriefLogFormatterDeviceTest, DeletesItsLockAndLeavesTheStreamAlone) {
     Events events;
     EventBuffer buffer(events);
     std::ostream stream(&buffer);
@@ -122,7 +122,7 @@ TEST(StreamLogDevice, DeletesItsLockAndLeavesTheStreamAlone) {
     EXPECT_THAT(events, ElementsAre("deleted", "[still here]"));
 }
 
-TEST(StreamLogDevice, LeavesItsLockWhenTheStreamThrows) {
+TEST(BriefLogFormatterDeviceTest, LeavesItsLockWhenTheStreamThrows) {
     Events events;
     std::ostream stream(nullptr);
     StreamLogDevice device(&stream, new EventLock(events));

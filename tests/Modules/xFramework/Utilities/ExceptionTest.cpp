@@ -21,7 +21,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Kind = CaughtException::Kind;
 
-TEST(ErrorLocation, CopiesItsTexts) {
+TEST(ExceptionLocationTest, CopiesItsTexts) {
     std::string file = "src/Modules/xFramework/Core/Classes/Service";
     std::string function = "Core::Service::OnAttach";
     const ErrorLocation location(file.c_str(), 31, function.c_str());
@@ -32,7 +32,7 @@ TEST(ErrorLocation, CopiesItsTexts) {
     EXPECT_EQ(location.GetFunction(), "Core::Service::OnAttach");
 }
 
-TEST(ErrorLocation, HoldsTheLargestLine) {
+TEST(ExceptionLocationTest, HoldsTheLargestLine) {
     EXPECT_EQ(ErrorLocation("", 0xFFFFFFFF, "").GetLine(), 0xFFFFFFFFu);
 }
 
@@ -49,22 +49,22 @@ private:
     int& m_alive;
 };
 
-TEST(Exception, CopiesItsMessage) {
+TEST(ExceptionTest, CopiesItsMessage) {
     std::string message = "Incompatible value type";
     const Exception exception(message);
     message.assign(message.size(), '#');
     EXPECT_STREQ(exception.what(), "Incompatible value type");
 }
 
-TEST(Exception, HasAnEmptyTextWhenTheMessageIsEmpty) {
+TEST(ExceptionTest, HasAnEmptyTextWhenTheMessageIsEmpty) {
     EXPECT_STREQ(Exception("").what(), "");
 }
 
-TEST(Exception, HasNoLocationAtFirst) {
+TEST(ExceptionTest, HasNoLocationAtFirst) {
     EXPECT_EQ(Exception("message").GetLocation(), nullptr);
 }
 
-TEST(Exception, DeletesItsLocationWithItself) {
+TEST(ExceptionTest, DeletesItsLocationWithItself) {
     int alive = 0;
     {
         Exception exception("message");
@@ -74,7 +74,7 @@ TEST(Exception, DeletesItsLocationWithItself) {
     EXPECT_EQ(alive, 0);
 }
 
-TEST(Exception, KeepsOnlyTheLastLocation) {
+TEST(ExceptionTest, KeepsOnlyTheLastLocation) {
     int alive = 0;
     Exception exception("message");
     exception.SetLocation(new CountedLocation(alive, 1));
@@ -86,7 +86,7 @@ TEST(Exception, KeepsOnlyTheLastLocation) {
     EXPECT_EQ(exception.GetLocation(), nullptr);
 }
 
-TEST(Exception, IsDeletedThroughItsStandardBase) {
+TEST(ExceptionTest, IsDeletedThroughItsStandardBase) {
     int alive = 0;
     auto exception = std::make_unique<Exception>("message");
     exception->SetLocation(new CountedLocation(alive, 1));
@@ -104,7 +104,7 @@ public:
     void operator delete(LastingLocation* /*location*/, std::destroying_delete_t) {}
 };
 
-TEST(Exception, CopyPointsAtTheLocationOfItsSource) {
+TEST(ExceptionTest, CopyPointsAtTheLocationOfItsSource) {
     LastingLocation location("file", 1, "function");
     Exception source("message");
     source.SetLocation(&location);
@@ -128,14 +128,14 @@ bool IsCaughtAs() {
     }
 }
 
-TEST(Exception, IsCaughtAsAPointerToEachOfItsBases) {
+TEST(ExceptionTest, IsCaughtAsAPointerToEachOfItsBases) {
     EXPECT_TRUE(IsCaughtAs<Exception>());
     EXPECT_TRUE(IsCaughtAs<std::exception>());
     EXPECT_TRUE(IsCaughtAs<void>());
     EXPECT_FALSE(IsCaughtAs<ErrorLocation>());
 }
 
-TEST(Exception, CountsThoseThatLive) {
+TEST(ExceptionTest, CountsThoseThatLive) {
     const std::int64_t before = Exception::GetLiveCount();
     {
         const Exception first("first");
@@ -158,12 +158,12 @@ std::unique_ptr<Exception> Catch(const std::function<void()>& action) {
     return nullptr;
 }
 
-class RaiseTest : public testing::Test {
+class ExceptionRaiseTest : public testing::Test {
 protected:
     LogRecorder log;
 };
 
-TEST_F(RaiseTest, ThrowsThePointerWithMessageAndLocation) {
+TEST_F(ExceptionRaiseTest, ThrowsThePointerWithMessageAndLocation) {
     const auto exception = Catch([] { Raise("Incompatible value type", site); });
     ASSERT_NE(exception, nullptr);
     EXPECT_STREQ(exception->what(), "Incompatible value type");
@@ -173,13 +173,13 @@ TEST_F(RaiseTest, ThrowsThePointerWithMessageAndLocation) {
     EXPECT_EQ(exception->GetLocation()->GetFunction(), "Core::Service::OnAttach");
 }
 
-TEST_F(RaiseTest, LogsTheMessageOnceAtTheErrorLevel) {
+TEST_F(ExceptionRaiseTest, LogsTheMessageOnceAtTheErrorLevel) {
     Catch([] { Raise("Incompatible value type", site); });
     EXPECT_THAT(log.records, ElementsAre("1|src/Modules/xFramework/Core/Classes/Service|"
                                          "Core::Service::OnAttach|Incompatible value type"));
 }
 
-TEST_F(RaiseTest, IsCaughtByAHandlerForStandardExceptions) {
+TEST_F(ExceptionRaiseTest, IsCaughtByAHandlerForStandardExceptions) {
     try {
         Raise("message", site);
     } catch (std::exception* pException) {
@@ -188,14 +188,14 @@ TEST_F(RaiseTest, IsCaughtByAHandlerForStandardExceptions) {
     }
 }
 
-TEST_F(RaiseTest, HasLoggedBeforeItNeedsMemoryForTheException) {
+TEST_F(ExceptionRaiseTest, HasLoggedBeforeItNeedsMemoryForTheException) {
     const TestSupport::FailingSize noMemory(sizeof(Exception));
     EXPECT_THROW(Raise("message", site), std::bad_alloc);
     EXPECT_THAT(log.records, ElementsAre("1|src/Modules/xFramework/Core/Classes/Service|"
                                          "Core::Service::OnAttach|message"));
 }
 
-TEST_F(RaiseTest, GoesWithoutALocationWhenThereIsNoMemoryForIt) {
+TEST_F(ExceptionRaiseTest, GoesWithoutALocationWhenThereIsNoMemoryForIt) {
     std::unique_ptr<Exception> exception;
     {
         const TestSupport::FailingSize noMemory(sizeof(ErrorLocation));
@@ -206,7 +206,7 @@ TEST_F(RaiseTest, GoesWithoutALocationWhenThereIsNoMemoryForIt) {
     EXPECT_EQ(exception->GetLocation(), nullptr);
 }
 
-TEST_F(RaiseTest, GoesWithoutALocationWhenThereIsNoMemoryForItsTexts) {
+TEST_F(ExceptionRaiseTest, GoesWithoutALocationWhenThereIsNoMemoryForItsTexts) {
     const std::string file(500, 'f');
     std::unique_ptr<Exception> exception;
     {
@@ -218,7 +218,7 @@ TEST_F(RaiseTest, GoesWithoutALocationWhenThereIsNoMemoryForItsTexts) {
     EXPECT_EQ(exception->GetLocation(), nullptr);
 }
 
-TEST_F(RaiseTest, TellsThePlaceOfTheCallWhenNoSiteIsGiven) {
+TEST_F(ExceptionRaiseTest, TellsThePlaceOfTheCallWhenNoSiteIsGiven) {
     constexpr std::uint32_t lineOfTheCall = __LINE__ + 1;
     const auto exception = Catch([] { Raise("message", "Utilities::Caller"); });
     ASSERT_NE(exception, nullptr);
@@ -231,7 +231,7 @@ TEST_F(RaiseTest, TellsThePlaceOfTheCallWhenNoSiteIsGiven) {
                 ElementsAre("1|" + SourceName(__FILE__) + "|Utilities::Caller|message"));
 }
 
-TEST_F(RaiseTest, AssertionTellsThePlaceOfTheCallWhenNoSiteIsGiven) {
+TEST_F(ExceptionRaiseTest, AssertionTellsThePlaceOfTheCallWhenNoSiteIsGiven) {
     Assert(true, "pCreator", "Utilities::Caller");
     EXPECT_THAT(log.records, IsEmpty());
     constexpr std::uint32_t lineOfTheCall = __LINE__ + 1;
@@ -244,12 +244,12 @@ TEST_F(RaiseTest, AssertionTellsThePlaceOfTheCallWhenNoSiteIsGiven) {
     EXPECT_EQ(exception->GetLocation()->GetFunction(), "Utilities::Caller");
 }
 
-TEST_F(RaiseTest, AssertionThatHoldsDoesNothing) {
+TEST_F(ExceptionRaiseTest, AssertionThatHoldsDoesNothing) {
     EXPECT_EQ(Catch([] { Assert(true, "GetDomain() == pDomain", site); }), nullptr);
     EXPECT_THAT(log.records, IsEmpty());
 }
 
-TEST_F(RaiseTest, AssertionThatFailsNamesConditionAndFunction) {
+TEST_F(ExceptionRaiseTest, AssertionThatFailsNamesConditionAndFunction) {
     const auto exception = Catch([] { Assert(false, "GetDomain() == pDomain", site); });
     ASSERT_NE(exception, nullptr);
     EXPECT_STREQ(exception->what(),
@@ -266,7 +266,7 @@ void Mark(std::string& text) {
     text += "!";
 }
 
-TEST_F(RaiseTest, AssertionInsertsItsTextsVerbatim) {
+TEST_F(ExceptionRaiseTest, AssertionInsertsItsTextsVerbatim) {
     const ProviderGuard guard(&Mark);
     const auto exception = Catch([] { Assert(false, "p $(v)", site); });
     ASSERT_NE(exception, nullptr);
@@ -293,7 +293,7 @@ private:
     bool& m_isDeleted;
 };
 
-TEST(CaughtException, TakesFrameworkExceptionsAndDeletesThem) {
+TEST(ExceptionCaughtTest, TakesFrameworkExceptionsAndDeletesThem) {
     bool isDeleted = false;
     const CaughtException caught = Take(
         [&isDeleted] { throw static_cast<Exception*>(new TellingException("gone", isDeleted)); });
@@ -302,26 +302,26 @@ TEST(CaughtException, TakesFrameworkExceptionsAndDeletesThem) {
     EXPECT_TRUE(isDeleted);
 }
 
-TEST(CaughtException, TakesFrameworkExceptionsByValue) {
+TEST(ExceptionCaughtTest, TakesFrameworkExceptionsByValue) {
     const CaughtException caught = Take([] { throw Exception("by value"); });
     EXPECT_EQ(caught.kind, Kind::Framework);
     EXPECT_EQ(caught.text, "by value");
 }
 
-TEST(CaughtException, TakesOtherPointersToStandardExceptions) {
+TEST(ExceptionCaughtTest, TakesOtherPointersToStandardExceptions) {
     const CaughtException caught =
         Take([] { throw static_cast<std::exception*>(new std::runtime_error("by pointer")); });
     EXPECT_EQ(caught.kind, Kind::Framework);
     EXPECT_EQ(caught.text, "by pointer");
 }
 
-TEST(CaughtException, TakesStandardExceptionsByValue) {
+TEST(ExceptionCaughtTest, TakesStandardExceptionsByValue) {
     const CaughtException caught = Take([] { throw std::invalid_argument("bad number"); });
     EXPECT_EQ(caught.kind, Kind::Standard);
     EXPECT_EQ(caught.text, "bad number");
 }
 
-TEST(CaughtException, TellsStreamFailuresApart) {
+TEST(ExceptionCaughtTest, TellsStreamFailuresApart) {
     std::string message;
     const CaughtException caught = Take([&message] {
         const std::ios_base::failure failure("no file");
@@ -332,7 +332,7 @@ TEST(CaughtException, TellsStreamFailuresApart) {
     EXPECT_EQ(caught.text, message);
 }
 
-TEST(CaughtException, HasNoTextForAnythingElse) {
+TEST(ExceptionCaughtTest, HasNoTextForAnythingElse) {
     const CaughtException caught = Take([] { throw 42; });
     EXPECT_EQ(caught.kind, Kind::Unknown);
     EXPECT_EQ(caught.text, "");

@@ -28,17 +28,17 @@ std::string Process(std::string text) {
     return text;
 }
 
-TEST(FormatProviders, LeaveTextAsItIsWhileNoneIsRegistered) {
+TEST(FormatProvidersTest, LeaveTextAsItIsWhileNoneIsRegistered) {
     EXPECT_EQ(Process("$(name) ${1}"), "$(name) ${1}");
 }
 
-TEST(FormatProviders, AreCalledInTheOrderOfRegistration) {
+TEST(FormatProvidersTest, AreCalledInTheOrderOfRegistration) {
     const ProviderGuard first(&AppendB);
     const ProviderGuard second(&AppendA);
     EXPECT_EQ(Process("x"), "xba");
 }
 
-TEST(FormatProviders, RegisteredTwiceAreListedOnceAndLast) {
+TEST(FormatProvidersTest, RegisteredTwiceAreListedOnceAndLast) {
     const ProviderGuard first(&AppendA);
     EXPECT_EQ(Process("x"), "xa");
     FormatProviders::Instance().AddStringProvider(&AppendA);
@@ -50,7 +50,7 @@ TEST(FormatProviders, RegisteredTwiceAreListedOnceAndLast) {
     EXPECT_EQ(Process("x"), "xba");
 }
 
-TEST(FormatProviders, AreNotCalledOnceTheTextIsEmpty) {
+TEST(FormatProvidersTest, AreNotCalledOnceTheTextIsEmpty) {
     const ProviderGuard first(&AppendA);
     EXPECT_EQ(Process(""), "");
     const ProviderGuard second(&Clear);
@@ -58,7 +58,7 @@ TEST(FormatProviders, AreNotCalledOnceTheTextIsEmpty) {
     EXPECT_EQ(Process("x"), "");
 }
 
-TEST(FormatProviders, RemovedLeaveTheOthersInPlace) {
+TEST(FormatProvidersTest, RemovedLeaveTheOthersInPlace) {
     const ProviderGuard first(&AppendA);
     const ProviderGuard second(&AppendB);
     FormatProviders::Instance().RemoveStringProvider(&AppendA);
@@ -81,13 +81,13 @@ const Core::IInterface& AnyObject() {
     return reinterpret_cast<const Core::IInterface&>(storage);
 }
 
-TEST(FormatProviders, GiveTheTargetOfAnObjectBackUntouchedWhileNoneIsRegistered) {
+TEST(FormatProvidersTest, GiveTheTargetOfAnObjectBackUntouchedWhileNoneIsRegistered) {
     std::string target = "target";
     EXPECT_EQ(&FormatProviders::Instance().ProcessObject(target, AnyObject()), &target);
     EXPECT_EQ(target, "target");
 }
 
-TEST(FormatProviders, RenderAnObjectInTheOrderOfRegistration) {
+TEST(FormatProvidersTest, RenderAnObjectInTheOrderOfRegistration) {
     auto& providers = FormatProviders::Instance();
     providers.AddObjectProvider(RenderFirst);
     providers.AddObjectProvider(RenderSecond);
@@ -102,7 +102,7 @@ TEST(FormatProviders, RenderAnObjectInTheOrderOfRegistration) {
     EXPECT_EQ(target, "");
 }
 
-TEST(FormatProviders, AreOneListForAllThreads) {
+TEST(FormatProvidersTest, AreOneListForAllThreads) {
     std::array<FormatProviders*, 4> seen{};
     std::array<std::thread, 4> threads;
     for (std::size_t i = 0; i < threads.size(); ++i)

@@ -16,9 +16,9 @@ struct FormatCase {
     std::string text;
 };
 
-class FormatTable : public testing::TestWithParam<std::vector<FormatCase>> {};
+class FormatTableTest : public testing::TestWithParam<std::vector<FormatCase>> {};
 
-TEST_P(FormatTable, GivesTheWholeTextWithTextsAndWithLiterals) {
+TEST_P(FormatTableTest, GivesTheWholeTextWithTextsAndWithLiterals) {
     for (const FormatCase& each : GetParam()) {
         SCOPED_TRACE(each.templateText);
         Format withTexts(each.templateText);
@@ -32,7 +32,7 @@ TEST_P(FormatTable, GivesTheWholeTextWithTextsAndWithLiterals) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Placeholders, FormatTable,
+INSTANTIATE_TEST_SUITE_P(Placeholders, FormatTableTest,
                          testing::Values(std::vector<FormatCase>{
                              {"${1}-${2}", {"a", "b"}, "a-b"},
                              {"${1}-${2}", {"a"}, "a-${2}"},
@@ -50,7 +50,7 @@ INSTANTIATE_TEST_SUITE_P(Placeholders, FormatTable,
                               "Chain A \\(1\\) (-?\\d+\\.*\\d*) dBm"},
                              {"${1} = ${2}, ", {"Rate", "-"}, "Rate = -, "}}));
 
-INSTANTIATE_TEST_SUITE_P(MalformedPlaceholders, FormatTable,
+INSTANTIATE_TEST_SUITE_P(MalformedPlaceholders, FormatTableTest,
                          testing::Values(std::vector<FormatCase>{{"${", {"a"}, "${"},
                                                                  {"${}", {"a"}, "${}"},
                                                                  {"${x}", {"a"}, "${x}"},
@@ -67,13 +67,13 @@ INSTANTIATE_TEST_SUITE_P(MalformedPlaceholders, FormatTable,
                                                                  {"${${1}}", {"2", "b"}, "b"}}));
 
 INSTANTIATE_TEST_SUITE_P(
-    ManyArguments, FormatTable,
+    ManyArguments, FormatTableTest,
     testing::Values(std::vector<FormatCase>{
         {"${10}", {"a"}, "${10}"},
         {"${1}${10}", {"a", "b"}, "a${10}"},
         {"${1}${10}${11}", {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k"}, "ajk"}}));
 
-INSTANTIATE_TEST_SUITE_P(PlaceholdersInsideArguments, FormatTable,
+INSTANTIATE_TEST_SUITE_P(PlaceholdersInsideArguments, FormatTableTest,
                          testing::Values(std::vector<FormatCase>{
                              // A later argument fills what an earlier one brought,
                              // an earlier one is not applied again.
@@ -85,7 +85,7 @@ INSTANTIATE_TEST_SUITE_P(PlaceholdersInsideArguments, FormatTable,
                              {"${${1}1}", {""}, ""},
                              {"$${1}{1}", {"x"}, "$x{1}"}}));
 
-TEST(Format, AppliesArgumentsOneAfterTheOther) {
+TEST(FormatTest, AppliesArgumentsOneAfterTheOther) {
     Format message("${1}, ${2}");
     message % "a";
     EXPECT_EQ(message.Text(), "a, ${2}");
@@ -95,12 +95,12 @@ TEST(Format, AppliesArgumentsOneAfterTheOther) {
     EXPECT_EQ(message.Text(), "a, b");
 }
 
-TEST(Format, ChainsOnItself) {
+TEST(FormatTest, ChainsOnItself) {
     Format message("${1}");
     EXPECT_EQ(&(message % "a" % std::string("b")), &message);
 }
 
-TEST(Format, TakesOneToFiveTextsAtOnce) {
+TEST(FormatTest, TakesOneToFiveTextsAtOnce) {
     const std::string all = "${1}${2}${3}${4}${5}";
     EXPECT_EQ(Format(all, "a").Text(), "a${2}${3}${4}${5}");
     EXPECT_EQ(Format(all, "a", std::string("b")).Text(), "ab${3}${4}${5}");
@@ -109,14 +109,14 @@ TEST(Format, TakesOneToFiveTextsAtOnce) {
     EXPECT_EQ(Format(all, "a", "b", "c", "d", std::string("e")).Text(), "abcde");
 }
 
-TEST(Format, IsUsedAsTheTextItHolds) {
+TEST(FormatTest, IsUsedAsTheTextItHolds) {
     const Format message("File ${1} is a link", "Socket.cfg");
     const std::string& text = message;
     EXPECT_EQ(text, "File Socket.cfg is a link");
     EXPECT_EQ((Format("[${1}]") % message).Text(), "[File Socket.cfg is a link]");
 }
 
-TEST(Format, IsAPlainValue) {
+TEST(FormatTest, IsAPlainValue) {
     Format first("${1}${2}");
     first % "a";
     Format second = first;
@@ -125,12 +125,12 @@ TEST(Format, IsAPlainValue) {
     EXPECT_EQ(second.Text(), "ab");
 }
 
-TEST(Format, RendersAMissingTextAsNothing) {
+TEST(FormatTest, RendersAMissingTextAsNothing) {
     const char* const missing = nullptr;
     EXPECT_EQ((Format("[${1}]") % missing).Text(), "[]");
 }
 
-TEST(Format, TakesALongArgumentManyTimes) {
+TEST(FormatTest, TakesALongArgumentManyTimes) {
     std::string templateText;
     std::string expected;
     const std::string argument(10000, 'x');
@@ -149,24 +149,24 @@ void ExpandV(std::string& text) {
         text.replace(hit, reference.size(), "<${2}>");
 }
 
-class FormatWithProvider : public testing::Test {
+class FormatWithProviderTest : public testing::Test {
 protected:
     ProviderGuard guard{&ExpandV};
 };
 
-TEST_F(FormatWithProvider, ExpandsTheTemplateBeforeAnyArgument) {
+TEST_F(FormatWithProviderTest, ExpandsTheTemplateBeforeAnyArgument) {
     EXPECT_EQ(Format("$(v) ${1}").Text(), "<${2}> ${1}");
     EXPECT_EQ((Format("$(v) ${1}") % "a" % "b").Text(), "<b> a");
 }
 
-TEST_F(FormatWithProvider, ExpandsTextArgumentsAndLeavesLiteralsVerbatim) {
+TEST_F(FormatWithProviderTest, ExpandsTextArgumentsAndLeavesLiteralsVerbatim) {
     EXPECT_EQ((Format("${1}") % std::string("[$(v)]")).Text(), "[<${2}>]");
     EXPECT_EQ((Format("${1}") % "[$(v)]").Text(), "[$(v)]");
     EXPECT_EQ(Format("${1}", std::string("[$(v)]")).Text(), "[<${2}>]");
     EXPECT_EQ(Format("${1}", "[$(v)]").Text(), "[$(v)]");
 }
 
-TEST_F(FormatWithProvider, LeavesTheCallersTextAsItWas) {
+TEST_F(FormatWithProviderTest, LeavesTheCallersTextAsItWas) {
     const std::string argument = "$(v)";
     const std::string templateText = "$(v) ${1}";
     EXPECT_EQ(Format(templateText, argument).Text(), "<${2}> <${2}>");
@@ -174,11 +174,11 @@ TEST_F(FormatWithProvider, LeavesTheCallersTextAsItWas) {
     EXPECT_EQ(templateText, "$(v) ${1}");
 }
 
-TEST_F(FormatWithProvider, DoesNotExpandWhatArgumentAndTemplateFormTogether) {
+TEST_F(FormatWithProviderTest, DoesNotExpandWhatArgumentAndTemplateFormTogether) {
     EXPECT_EQ((Format("$${1}") % std::string("(v)")).Text(), "$(v)");
 }
 
-TEST(FillTemplateTest, BuildsWhatFormatBuilds) {
+TEST(FormatFillTemplateTest, BuildsWhatFormatBuilds) {
     EXPECT_EQ(FillTemplate("${1} = ${2}, ", {"Rate", "-"}), "Rate = -, ");
     EXPECT_EQ(FillTemplate("[${1}]", {""}), "[]");
     EXPECT_EQ(FillTemplate("${1}${2}", {"a"}), "a${2}");
@@ -189,14 +189,14 @@ TEST(FillTemplateTest, BuildsWhatFormatBuilds) {
     EXPECT_EQ(FillTemplate("", {"a"}), "");
 }
 
-TEST(FillTemplateTest, WhatIsInsertedIsNotSearched) {
+TEST(FormatFillTemplateTest, WhatIsInsertedIsNotSearched) {
     EXPECT_EQ(FillTemplate("<${1}><${2}>", {"${1}", "b"}), "<${1}><b>");
     EXPECT_EQ(FillTemplate("<${1}><${2}>", {"${2}", "b"}), "<${2}><b>");
     EXPECT_EQ(FillTemplate("<${1}><${2}>", {"${", "1}"}), "<${><1}>");
     EXPECT_EQ(FillTemplate("$${1}{1}", {""}), "${1}");
 }
 
-TEST_F(FormatWithProvider, ExpandsTheTemplateToFillAndItsArguments) {
+TEST_F(FormatWithProviderTest, ExpandsTheTemplateToFillAndItsArguments) {
     EXPECT_EQ(FillTemplate("$(v) ${1}", {"[$(v)]"}), "<${2}> [<${2}>]");
 }
 

@@ -19,7 +19,7 @@ struct NameCase {
     std::string name;
 };
 
-TEST(SourceName, IsThePathFromTheTreeOfSourcesWithoutExtension) {
+TEST(FunctionTraceSourceNameTest, IsThePathFromTheTreeOfSourcesWithoutExtension) {
     const std::vector<NameCase> cases{
         {"/home/bench.new/client/src/Tools/Vemo/DynamicTest.cpp", "src/Tools/Vemo/DynamicTest"},
         {"src/Tools/Vemo/DynamicTest.cpp", "src/Tools/Vemo/DynamicTest"},

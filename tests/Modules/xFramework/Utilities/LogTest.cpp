@@ -17,7 +17,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(Log, LevelsAreBits) {
+TEST(LogTest, LevelsAreBits) {
     EXPECT_EQ(LogLevel::Error, 1u);
     EXPECT_EQ(LogLevel::Warning, 2u);
     EXPECT_EQ(LogLevel::Info, 4u);
@@ -25,13 +25,13 @@ TEST(Log, LevelsAreBits) {
     EXPECT_EQ(LogLevel::All, 15u);
 }
 
-TEST(Log, SendsTheRecordToTheProcessWidePrinter) {
+TEST(LogTest, SendsTheRecordToTheProcessWidePrinter) {
     LogRecorder log;
     Log(LogLevel::Warning, "file", 12, "function", Format("${1} dBm") % "17.5");
     EXPECT_THAT(log.records, ElementsAre("2|file|function|17.5 dBm"));
 }
 
-TEST(Log, IsLostWhenNobodyListens) {
+TEST(LogTest, IsLostWhenNobodyListens) {
     { const LogRecorder gone; }
     Log(LogLevel::Error, "file", 1, "function", "message");
     LogRecorder late;

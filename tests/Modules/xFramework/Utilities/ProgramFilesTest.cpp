@@ -13,9 +13,9 @@ namespace {
 
 using OSAL::Fake::TheWorld;
 
-class ProgramFilesDirectory : public testing::Test {
+class ProgramFilesDirectoryTest : public testing::Test {
 protected:
-    ProgramFilesDirectory() { OSAL::Fake::Reset(); }
+    ProgramFilesDirectoryTest() { OSAL::Fake::Reset(); }
     std::string directory = "as it was";
 };
 
@@ -24,7 +24,7 @@ struct PathCase {
     std::string directory;
 };
 
-TEST_F(ProgramFilesDirectory, ReachesUpToTheLastSeparator) {
+TEST_F(ProgramFilesDirectoryTest, ReachesUpToTheLastSeparator) {
     for (const PathCase& each : std::vector<PathCase>{{"/bench/SarvexToolClient", "/bench/"},
                                                       {"/a/b.c/d/client", "/a/b.c/d/"},
                                                       {"/client", "/"},
@@ -38,14 +38,14 @@ TEST_F(ProgramFilesDirectory, ReachesUpToTheLastSeparator) {
     }
 }
 
-TEST_F(ProgramFilesDirectory, SucceedsWithoutSeparatorAndLeavesTheTextAlone) {
+TEST_F(ProgramFilesDirectoryTest, SucceedsWithoutSeparatorAndLeavesTheTextAlone) {
     TheWorld().modulePath = "client";
     EXPECT_EQ(GetModuleDirectory(directory), 0);
     EXPECT_EQ(directory, "as it was");
     EXPECT_EQ(PathBesideProgram("Socket.cfg"), "Socket.cfg");
 }
 
-TEST_F(ProgramFilesDirectory, FailsWith13WhenThePathCannotBeRead) {
+TEST_F(ProgramFilesDirectoryTest, FailsWith13WhenThePathCannotBeRead) {
     TheWorld().modulePathReadable = false;
     EXPECT_EQ(GetModuleDirectory(directory), 13);
     EXPECT_EQ(directory, "as it was");
@@ -76,7 +76,7 @@ const std::vector<LinkCase> cases{
     {"symbolic link, not archived", {.isSymbolicLink = true}, 2, false},
     {"directory", {.isDirectory = true}, 9, false}};
 
-TEST(ProgramFilesLink, IsASymbolicLinkOrASecondNameOfAnArchivedFile) {
+TEST(ProgramFilesLinkTest, IsASymbolicLinkOrASecondNameOfAnArchivedFile) {
     OSAL::Fake::Reset();
     for (const LinkCase& each : cases) {
         SCOPED_TRACE(each.what);
@@ -85,7 +85,7 @@ TEST(ProgramFilesLink, IsASymbolicLinkOrASecondNameOfAnArchivedFile) {
     }
 }
 
-TEST(ProgramFilesLink, IsNoMissingFile) {
+TEST(ProgramFilesLinkTest, IsNoMissingFile) {
     OSAL::Fake::Reset();
     EXPECT_FALSE(IsLink("/bench/Socket.cfg"));
 }
@@ -94,16 +94,16 @@ void Mark(std::string& text) {
     text += "!";
 }
 
-TEST(ProgramFilesLink, MessageNamesThePath) {
+TEST(ProgramFilesLinkTest, MessageNamesThePath) {
     EXPECT_EQ(LinkMessage("/bench/Socket.cfg"), "File /bench/Socket.cfg is a link");
 }
 
-TEST(ProgramFilesLink, MessageExpandsThePathLikeAnyText) {
+TEST(ProgramFilesLinkTest, MessageExpandsThePathLikeAnyText) {
     const ProviderGuard guard(&Mark);
     EXPECT_EQ(LinkMessage("/x"), "File /x! is a link!");
 }
 
-TEST(ProgramFilesLink, MessageNamesAPathThatLooksLikeAPlaceholder) {
+TEST(ProgramFilesLinkTest, MessageNamesAPathThatLooksLikeAPlaceholder) {
     EXPECT_EQ(LinkMessage("/${1}/Socket.cfg"), "File /${1}/Socket.cfg is a link");
 }
 

@@ -21,7 +21,7 @@ public:
     static inline std::atomic<int> constructions{0};
 };
 
-TEST(Singleton, IsCreatedOnFirstUseAndOnlyOnce) {
+TEST(SingletonTest, IsCreatedOnFirstUseAndOnlyOnce) {
     using Object = Counted<0>;
     EXPECT_EQ(Object::constructions, 0);
     Singleton<Object>::Instance().value = 5;
@@ -29,7 +29,7 @@ TEST(Singleton, IsCreatedOnFirstUseAndOnlyOnce) {
     EXPECT_EQ(Object::constructions, 1);
 }
 
-TEST(Singleton, IsOneForAllThreads) {
+TEST(SingletonTest, IsOneForAllThreads) {
     using Object = Counted<1>;
     std::array<Object*, 8> seen{};
     std::array<std::thread, 8> threads;
@@ -42,7 +42,7 @@ TEST(Singleton, IsOneForAllThreads) {
     EXPECT_EQ(Object::constructions, 1);
 }
 
-TEST(SingletonWrapper, LeadsEveryWrapperToTheSameObject) {
+TEST(SingletonWrapperTest, LeadsEveryWrapperToTheSameObject) {
     using Object = Counted<2>;
     EXPECT_EQ(Object::constructions, 0);
     SingletonWrapper<Object> first;

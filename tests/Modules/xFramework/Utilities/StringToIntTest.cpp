@@ -14,7 +14,7 @@ struct NumberCase {
     std::int32_t value;
 };
 
-TEST(StringToInt, ReadsTheDecimalNumberAtTheFront) {
+TEST(StringToIntTest, ReadsTheDecimalNumberAtTheFront) {
     const std::vector<NumberCase> cases{{"0", 0},
                                         {"16", 16},
                                         {"-16", -16},
@@ -54,7 +54,7 @@ std::string ErrorOf(const std::string& text) {
     return "";
 }
 
-TEST(StringToInt, RefusesATextWithoutNumber) {
+TEST(StringToIntTest, RefusesATextWithoutNumber) {
     for (const std::string text :
          {"", " ", "\t\n", "-", "+", "x", "x1", ".5", "--1", "++1", "+-1", "-+1", "- 1", "+ 1",
           "\xA0"
@@ -65,7 +65,7 @@ TEST(StringToInt, RefusesATextWithoutNumber) {
     }
 }
 
-TEST(StringToInt, RefusesANumberOfMoreThan32Bits) {
+TEST(StringToIntTest, RefusesANumberOfMoreThan32Bits) {
     for (const std::string text : {"2147483648", "+2147483648", "-2147483649", " 4294967296",
                                    "99999999999999999999999", "-99999999999999999999999x"}) {
         SCOPED_TRACE(text);

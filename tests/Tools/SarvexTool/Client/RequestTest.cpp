@@ -79,19 +79,19 @@ void ExpandOnce(std::string& text) {
     }
 }
 
-class ExpandedRequestTest : public testing::Test {
+class RequestExpandedTest : public testing::Test {
 protected:
-    ExpandedRequestTest() { Utilities::FormatProviders::Instance().AddStringProvider(ExpandOnce); }
-    ~ExpandedRequestTest() override {
+    RequestExpandedTest() { Utilities::FormatProviders::Instance().AddStringProvider(ExpandOnce); }
+    ~RequestExpandedTest() override {
         Utilities::FormatProviders::Instance().RemoveStringProvider(ExpandOnce);
     }
 };
 
-TEST_F(ExpandedRequestTest, LengthIsThatOfTheExpandedBody) {
+TEST_F(RequestExpandedTest, LengthIsThatOfTheExpandedBody) {
     EXPECT_EQ(BuildRequest("h", "CLI -1 $(answer)"), ExpectedRequest("h", "9", "CLI -1 42"));
 }
 
-TEST_F(ExpandedRequestTest, ValueOfAVariableIsNotExpandedAgain) {
+TEST_F(RequestExpandedTest, ValueOfAVariableIsNotExpandedAgain) {
     EXPECT_EQ(BuildRequest("h", "CLI -1 $(question)"),
               ExpectedRequest("h", "17", "CLI -1 $(answer)?"));
     EXPECT_EQ(BuildRequest("$(question)", "x"), ExpectedRequest("$(answer)?", "1", "x"));

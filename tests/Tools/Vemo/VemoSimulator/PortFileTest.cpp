@@ -10,9 +10,9 @@ namespace VemoSimulator {
 
 namespace {
 
-class VemoPortFileTest : public testing::Test {
+class PortFileTest : public testing::Test {
 protected:
-    VemoPortFileTest() {
+    PortFileTest() {
         OSAL::Fake::Reset();
         OSAL::Fake::TheWorld().modulePath = "/bench/vemo";
     }
@@ -24,7 +24,7 @@ protected:
 
 } // namespace
 
-TEST_F(VemoPortFileTest, FourBytesUpToANulAreThePort) {
+TEST_F(PortFileTest, FourBytesUpToANulAreThePort) {
     const struct {
         std::string content;
         std::uint16_t port;
@@ -37,7 +37,7 @@ TEST_F(VemoPortFileTest, FourBytesUpToANulAreThePort) {
     }
 }
 
-TEST_F(VemoPortFileTest, AnythingElseIsNoPort) {
+TEST_F(PortFileTest, AnythingElseIsNoPort) {
     for (const char* content : {"", "0", "0000", "80\r\n", " 873", "port", "-873"}) {
         SCOPED_TRACE(content);
         Write(content);
@@ -45,7 +45,7 @@ TEST_F(VemoPortFileTest, AnythingElseIsNoPort) {
     }
 }
 
-TEST_F(VemoPortFileTest, AMissingFileIsNamed) {
+TEST_F(PortFileTest, AMissingFileIsNamed) {
     try {
         ReadPortFile();
         FAIL() << "no error";

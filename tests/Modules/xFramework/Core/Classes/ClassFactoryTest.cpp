@@ -102,7 +102,7 @@ TEST(ClassFactoryTest, IsOneService) {
 template <typename Base, typename Derived>
 constexpr bool isAbstractBase = std::is_base_of_v<Base, Derived>&& std::is_abstract_v<Base>;
 
-TEST(ClassCreatorTest, AbstractBaseDerivesFromTheInterface) {
+TEST(ClassFactoryCreatorTest, AbstractBaseDerivesFromTheInterface) {
     using Interface = IClassCreator<LiveObject>;
     using Base = AClassCreator<LiveObject>;
     EXPECT_TRUE((isAbstractBase<IClassCreator<>, Interface>));
@@ -110,7 +110,7 @@ TEST(ClassCreatorTest, AbstractBaseDerivesFromTheInterface) {
     EXPECT_TRUE((isAbstractBase<Base, ClassCreator<OtherObject, LiveObject>>));
 }
 
-TEST(ClassCreatorTest, MakesTheSameWhetherOrNotItsTypeIsSeen) {
+TEST(ClassFactoryCreatorTest, MakesTheSameWhetherOrNotItsTypeIsSeen) {
     ClassCreator<OtherObject, LiveObject> creator;
     IClassCreator<LiveObject>& typed = creator;
     IClassCreator<>& untyped = creator;
@@ -120,14 +120,14 @@ TEST(ClassCreatorTest, MakesTheSameWhetherOrNotItsTypeIsSeen) {
 
 using LiveFactory = DynamicFactory<LiveObject, GenericFactory<LiveObject, ClassFactory>>;
 
-TEST(DynamicFactoryTest, GivesObjectsInTheirOfferedType) {
+TEST(ClassFactoryDynamicTest, GivesObjectsInTheirOfferedType) {
     LiveFactory factory;
     factory.RegisterCreator("name", std::make_unique<ClassCreator<OtherObject, LiveObject>>());
     const std::unique_ptr<LiveObject> object = factory.CreateTyped("name");
     EXPECT_NE(dynamic_cast<OtherObject*>(object.get()), nullptr);
 }
 
-TEST(DynamicFactoryTest, ObjectOfAnotherTypeIsNotGivenButDeleted) {
+TEST(ClassFactoryDynamicTest, ObjectOfAnotherTypeIsNotGivenButDeleted) {
     GenericFactory<Service, ClassFactory> factory;
     factory.Register("live", Creator<LiveObject>());
     EXPECT_EQ(factory.CreateTyped("live"), nullptr);

@@ -711,7 +711,7 @@ struct ShortList : std::list<int> {
     static std::size_t max_size() { return 2; }
 };
 
-TEST(AppendWithinLimitTest, RefusesWhatExceedsTheMaximumLength) {
+TEST(ServiceDomainAppendTest, RefusesWhatExceedsTheMaximumLength) {
     ShortList list;
     AppendWithinLimit(list, 1);
     AppendWithinLimit(list, 2);

@@ -310,9 +310,9 @@ struct Samples<std::string> {
 };
 
 template <typename T>
-class EachNamedType : public testing::Test {
+class TypedValueEachTypeTest : public testing::Test {
 protected:
-    EachNamedType() {
+    TypedValueEachTypeTest() {
         EXPECT_TRUE(m_lower.FromString(Samples<T>::lower));
         EXPECT_TRUE(m_higher.FromString(Samples<T>::higher));
     }
@@ -323,14 +323,14 @@ protected:
 
 using NamedTypes = testing::Types<Int8, UInt8, Int16, UInt16, Int, UInt32, Long, Int64, UInt64,
                                   double, bool, std::string>;
-TYPED_TEST_SUITE(EachNamedType, NamedTypes);
+TYPED_TEST_SUITE(TypedValueEachTypeTest, NamedTypes);
 
-TYPED_TEST(EachNamedType, WritesTheTextThatItHasRead) {
+TYPED_TEST(TypedValueEachTypeTest, WritesTheTextThatItHasRead) {
     EXPECT_EQ(TextOf(this->m_lower), Samples<TypeParam>::lower);
     EXPECT_EQ(TextOf(this->m_higher), Samples<TypeParam>::higher);
 }
 
-TYPED_TEST(EachNamedType, IsOrderedByItsElements) {
+TYPED_TEST(TypedValueEachTypeTest, IsOrderedByItsElements) {
     const IValue& lower = this->m_lower;
     const IValue& higher = this->m_higher;
     EXPECT_TRUE(higher.IsGreater(&lower));
@@ -340,14 +340,14 @@ TYPED_TEST(EachNamedType, IsOrderedByItsElements) {
     EXPECT_TRUE(lower.IsSameType(&higher));
 }
 
-TYPED_TEST(EachNamedType, EqualsTheStringThatHoldsItsText) {
+TYPED_TEST(TypedValueEachTypeTest, EqualsTheStringThatHoldsItsText) {
     const TypedValue<std::string> text(Samples<TypeParam>::lower);
     const IValue& lower = this->m_lower;
     EXPECT_TRUE(lower.IsEqual(&text));
     EXPECT_FALSE(lower.IsGreater(&text));
 }
 
-TYPED_TEST(EachNamedType, IsClonedAndAssigned) {
+TYPED_TEST(TypedValueEachTypeTest, IsClonedAndAssigned) {
     const IValue& higher = this->m_higher;
     const std::unique_ptr<IValue> clone = this->m_lower.Clone();
     EXPECT_TRUE(clone->IsSameType(&higher));

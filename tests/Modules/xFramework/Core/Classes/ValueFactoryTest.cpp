@@ -111,14 +111,14 @@ TEST_F(ValueFactoryTest, NamesOfAFactoryOfOnesOwnDoNotReachTheMetaTypes) {
 }
 
 /// The process's factory; takes the name out in the end.
-class ProcessFactoryTest : public testing::Test {
+class ValueFactoryProcessTest : public testing::Test {
 protected:
-    ~ProcessFactoryTest() override { m_factory.Register("again", nullptr); }
+    ~ValueFactoryProcessTest() override { m_factory.Register("again", nullptr); }
 
     ValueFactory& m_factory = Utilities::Singleton<ValueFactory>::Instance();
 };
 
-TEST_F(ProcessFactoryTest, TellsTheMetaTypesItsNames) {
+TEST_F(ValueFactoryProcessTest, TellsTheMetaTypesItsNames) {
     m_factory.Register<Int>("again");
     EXPECT_TRUE(MetaTypeOf<Int>().HasName("again"));
     m_factory.Register<bool>("again");
@@ -126,7 +126,7 @@ TEST_F(ProcessFactoryTest, TellsTheMetaTypesItsNames) {
     EXPECT_TRUE(MetaTypeOf<bool>().HasName("again"));
 }
 
-TEST_F(ProcessFactoryTest, NameRegisteredAgainWithACreatorMeansNoElementType) {
+TEST_F(ValueFactoryProcessTest, NameRegisteredAgainWithACreatorMeansNoElementType) {
     using Creator = ClassCreator<TypedValue<bool>, IValue>;
     struct {
         const char* entry;
@@ -157,7 +157,7 @@ TEST_F(ValueFactoryTest, IsOneServiceAndOneFactory) {
     EXPECT_FALSE(m_factory.IsAttached());
 }
 
-TEST(TypedLiteralTest, IsSplitAtTheFirstColonInTheBraces) {
+TEST(ValueFactoryLiteralTest, IsSplitAtTheFirstColonInTheBraces) {
     struct {
         const char* text;
         const char* typeName;

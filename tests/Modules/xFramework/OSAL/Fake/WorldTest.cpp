@@ -5,7 +5,7 @@
 namespace OSAL::Fake {
 namespace {
 
-TEST(World, CountsWholeCalls) {
+TEST(WorldTest, CountsWholeCalls) {
     Reset();
     TheWorld().calls = {"CloseHandle 7", "CloseHandle 71", "Sleep 20", "Sleep 2000", "ClosePipe"};
     EXPECT_EQ(CountCalls("CloseHandle"), 2);
@@ -17,7 +17,7 @@ TEST(World, CountsWholeCalls) {
     EXPECT_EQ(CountCalls(""), 0);
 }
 
-TEST(World, IsAsNewAfterAReset) {
+TEST(WorldTest, IsAsNewAfterAReset) {
     TheWorld().calls = {"ClosePipe"};
     TheWorld().sends = 3;
     Reset();

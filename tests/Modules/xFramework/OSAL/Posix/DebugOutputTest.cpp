@@ -50,14 +50,14 @@ extern "C" int access(const char* path, int) noexcept {
 namespace OSAL {
 namespace {
 
-TEST(RealDebugOutput, GoesToTheSystemLogAtDebugPriorityAsItIs) {
+TEST(DebugOutputTest, GoesToTheSystemLogAtDebugPriorityAsItIs) {
     SystemLog().clear();
     OutputDebugStringA("[OEMINFO] | 100 %s %n\n");
     // Facility user (1 << 3) and priority debug (7).
     EXPECT_THAT(SystemLog(), testing::ElementsAre("15: [OEMINFO] | 100 %s %n\n"));
 }
 
-TEST(RealDebugOutput, IsDroppedWhereNoSystemLogListens) {
+TEST(DebugOutputTest, IsDroppedWhereNoSystemLogListens) {
     SystemLog().clear();
     systemLogListens = false;
     OutputDebugStringA("nobody hears this\n");

@@ -17,7 +17,7 @@ namespace {
 // Symbolic links are shown on this system only: the Windows tests run under wine, which follows
 // the links of its host without telling.
 
-TEST(RealSymbolicLink, IsALinkWhateverItLeadsTo) {
+TEST(FileSymbolicLinkTest, IsALinkWhateverItLeadsTo) {
     const TestSupport::TemporaryDirectory directory;
     directory.Create("file", "content");
     std::filesystem::create_directory(directory.Path("folder"));
@@ -33,7 +33,7 @@ TEST(RealSymbolicLink, IsALinkWhateverItLeadsTo) {
     EXPECT_FALSE(Utilities::IsLink(directory.Path("file")));
 }
 
-TEST(RealDirectory, IsNoLinkThoughItHasManyNames) {
+TEST(FileDirectoryTest, IsNoLinkThoughItHasManyNames) {
     const TestSupport::TemporaryDirectory directory;
     std::filesystem::create_directories(directory.Path("folder/inner"));
     const std::string folder = directory.Path("folder");
@@ -41,14 +41,14 @@ TEST(RealDirectory, IsNoLinkThoughItHasManyNames) {
     EXPECT_FALSE(Utilities::IsLink(folder));
 }
 
-TEST(RealDirectory, HoldsNothingToRead) {
+TEST(FileDirectoryTest, HoldsNothingToRead) {
     const TestSupport::TemporaryDirectory directory;
     char byte = 0;
     OwnedHandle file = OpenFileForReading(directory.Path());
     EXPECT_EQ(ReadFile(file, &byte, 1), 0u);
 }
 
-TEST(RealFileWhoseReadsFail, GivesAnEmptyText) {
+TEST(FileReadErrorTest, GivesAnEmptyText) {
     // A regular file by its kind, which opens; nothing is mapped at its start.
     const std::string memory = "/proc/self/mem";
     ASSERT_TRUE(std::filesystem::is_regular_file(memory));
@@ -59,7 +59,7 @@ TEST(RealFileWhoseReadsFail, GivesAnEmptyText) {
     EXPECT_EQ(ReadTextFile(memory), "");
 }
 
-TEST(RealNamedPipe, IsOpenedWithoutWaitingForAWriter) {
+TEST(FileNamedPipeTest, IsOpenedWithoutWaitingForAWriter) {
     const TestSupport::TemporaryDirectory directory;
     const std::string path = directory.Path("pipe");
     ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
@@ -70,7 +70,7 @@ TEST(RealNamedPipe, IsOpenedWithoutWaitingForAWriter) {
     EXPECT_TRUE(file.Close());
 }
 
-TEST(RealHandle, IsClosedOnce) {
+TEST(FileHandleTest, IsClosedOnce) {
     const TestSupport::TemporaryDirectory directory;
     OwnedHandle file = OpenFileForReading(directory.Create("file", ""));
     const Handle closed = file.Get();

@@ -31,12 +31,12 @@ std::string ReadOutput(const std::string& command) {
     return std::string(buffer.data(), count);
 }
 
-TEST(PosixProcess, SeparatesPathsBySlashesAndNamesExecutablesPlainly) {
+TEST(ProcessTest, SeparatesPathsBySlashesAndNamesExecutablesPlainly) {
     EXPECT_EQ(PathSeparator, '/');
     EXPECT_STREQ(ExecutableSuffix, "");
 }
 
-TEST(PosixProcess, SleepsOnWhenASignalArrives) {
+TEST(ProcessTest, SleepsOnWhenASignalArrives) {
     const auto previous = ::signal(SIGALRM, [](int) {});
     itimerval every10Milliseconds{{0, 10'000}, {0, 10'000}};
     itimerval never{};
@@ -53,7 +53,7 @@ struct StatusCase {
     int status;
 };
 
-TEST(PosixProcess, EndsWith255ForACodeThatEightBitsCannotHold) {
+TEST(ProcessTest, EndsWith255ForACodeThatEightBitsCannotHold) {
     for (const StatusCase& each : std::vector<StatusCase>{{0, 0},
                                                           {1, 1},
                                                           {10, 10},
@@ -73,15 +73,15 @@ TEST(PosixProcess, EndsWith255ForACodeThatEightBitsCannotHold) {
 }
 
 /// A pipe whose reader has gone, and the way that this process treats the signal of a write to it.
-class BrokenPipe : public testing::Test {
+class ProcessBrokenPipeTest : public testing::Test {
 protected:
-    BrokenPipe() {
+    ProcessBrokenPipeTest() {
         std::array<int, 2> ends{};
         EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
         ::close(ends[0]);
         m_writeEnd = ends[1];
     }
-    ~BrokenPipe() override {
+    ~ProcessBrokenPipeTest() override {
         ::close(m_writeEnd);
         ::signal(SIGPIPE, m_previous);
     }
@@ -104,14 +104,14 @@ private:
     int m_writeEnd = -1;
 };
 
-TEST_F(BrokenPipe, FailsToBeWrittenAndChildrenDoNotKnow) {
+TEST_F(ProcessBrokenPipeTest, FailsToBeWrittenAndChildrenDoNotKnow) {
     const std::string ignoredBefore = IgnoredByChildren();
     Start(SIG_DFL);
     EXPECT_EQ(WriteToIt(), EPIPE);
     EXPECT_EQ(IgnoredByChildren(), ignoredBefore);
 }
 
-TEST_F(BrokenPipe, StaysIgnoredWhereItWas) {
+TEST_F(ProcessBrokenPipeTest, StaysIgnoredWhereItWas) {
     ::signal(SIGPIPE, SIG_IGN);
     const std::string ignoredBefore = IgnoredByChildren();
     Start(SIG_IGN);
@@ -119,12 +119,12 @@ TEST_F(BrokenPipe, StaysIgnoredWhereItWas) {
     EXPECT_EQ(IgnoredByChildren(), ignoredBefore);
 }
 
-TEST(PosixTaskList, AsksTheProcessListForTheName) {
+TEST(ProcessTaskListTest, AsksTheProcessListForTheName) {
     EXPECT_EQ(TaskListCommand("vemo"),
               "cat /proc/[0-9]*/stat 2>/dev/null | sed -n 's/^[0-9]* (\\(vemo\\)) [^Z].*/\\1/p'");
 }
 
-TEST(PosixTaskList, ShowsThisProcessByItsWholeName) {
+TEST(ProcessTaskListTest, ShowsThisProcessByItsWholeName) {
     EXPECT_EQ(ReadOutput(TaskListCommand("OSALTests")).substr(0, 10), "OSALTests\n");
     EXPECT_EQ(ReadOutput(TaskListCommand("OSALTest")), "");
     EXPECT_EQ(ReadOutput(TaskListCommand("osaltests")), "");
@@ -136,7 +136,7 @@ void CollectChildren() {
     }
 }
 
-TEST(PosixTaskList, LeavesOutAProcessThatHasEnded) {
+TEST(ProcessTaskListTest, LeavesOutAProcessThatHasEnded) {
     CollectChildren();
     const TestSupport::TemporaryDirectory directory;
     LoopbackPeer peer;
@@ -155,7 +155,7 @@ TEST(PosixTaskList, LeavesOutAProcessThatHasEnded) {
     CollectChildren();
 }
 
-TEST(PosixChild, HasNoHandlesToClose) {
+TEST(ProcessChildTest, HasNoHandlesToClose) {
     ProcessInformation information;
     CreateChildProcess("/no/such/program", "", "", false, information);
     EXPECT_FALSE(information.process.IsOpen());

@@ -24,7 +24,7 @@ bool IsOpen(int descriptor) {
     return ::fcntl(descriptor, F_GETFD) != -1;
 }
 
-TEST(PosixSocket, SecondCloseLeavesADescriptorAloneThatIsInUseAgain) {
+TEST(SocketTest, SecondCloseLeavesADescriptorAloneThatIsInUseAgain) {
     AddressInfo* const address = ResolveAddress("127.0.0.1", "1");
     const int lowest = OpenSomething();
     ::close(lowest);
@@ -41,7 +41,7 @@ TEST(PosixSocket, SecondCloseLeavesADescriptorAloneThatIsInUseAgain) {
     FreeAddress(address);
 }
 
-TEST(PosixSocket, HandleIsNeverThatOfAnEarlierSocket) {
+TEST(SocketTest, HandleIsNeverThatOfAnEarlierSocket) {
     AddressInfo* const address = ResolveAddress("127.0.0.1", "1");
     const SocketHandle first = CreateSocket(address);
     CloseSocket(first);
@@ -53,7 +53,7 @@ TEST(PosixSocket, HandleIsNeverThatOfAnEarlierSocket) {
     FreeAddress(address);
 }
 
-TEST(PosixSocket, ManyAreOpenAtOnceAndTheNextHandleIsNobodys) {
+TEST(SocketTest, ManyAreOpenAtOnceAndTheNextHandleIsNobodys) {
     AddressInfo* const address = ResolveAddress("127.0.0.1", "1");
     std::set<SocketHandle> sockets;
     for (int count = 0; count < 40; ++count)
@@ -67,7 +67,7 @@ TEST(PosixSocket, ManyAreOpenAtOnceAndTheNextHandleIsNobodys) {
     FreeAddress(address);
 }
 
-TEST(PosixSocket, AddressReuseIsSwitchedOn) {
+TEST(SocketTest, AddressReuseIsSwitchedOn) {
     AddressInfo* const address = ResolveAddress("127.0.0.1", "1");
     const int lowest = OpenSomething();
     ::close(lowest);
@@ -81,7 +81,7 @@ TEST(PosixSocket, AddressReuseIsSwitchedOn) {
     FreeAddress(address);
 }
 
-TEST(PosixSocket, HandleIsNeitherZeroNorInvalid) {
+TEST(SocketTest, HandleIsNeitherZeroNorInvalid) {
     AddressInfo* const address = ResolveAddress("127.0.0.1", "1");
     const SocketHandle socket = CreateSocket(address);
     EXPECT_NE(socket, 0u);
@@ -91,7 +91,7 @@ TEST(PosixSocket, HandleIsNeitherZeroNorInvalid) {
 }
 
 /// How many of 100 sockets a process gets whose soft limit is 50 descriptors.
-TEST(PosixSocket, LimitOfDescriptorsIsRaisedAsFarAsTheSystemAllows) {
+TEST(SocketTest, LimitOfDescriptorsIsRaisedAsFarAsTheSystemAllows) {
     std::array<char, 64> output{};
     Pipe* const pipe = OpenPipe("ulimit -S -n 50; " +
                                 Utilities::PathBesideProgram("OSALTestsChild") + " sockets 100");

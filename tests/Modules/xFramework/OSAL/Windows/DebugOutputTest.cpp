@@ -26,7 +26,7 @@ LONG CALLBACK NoteMessage(EXCEPTION_POINTERS* pointers) {
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 
-TEST(RealDebugOutput, GoesToTheDebuggerAsItIs) {
+TEST(DebugOutputTest, GoesToTheDebuggerAsItIs) {
     void* const handler = ::AddVectoredExceptionHandler(1, &NoteMessage);
     OutputDebugStringA("[OEMINFO] | 100 %s %n\n");
     ::RemoveVectoredExceptionHandler(handler);

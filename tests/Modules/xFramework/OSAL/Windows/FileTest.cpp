@@ -48,7 +48,7 @@ const KindCase kinds[] = {
     {"unreadable attributes", 0xFFFFFFFF, symbolicLink, {}},
 };
 
-TEST(WindowsFileAttributes, MakeALinkOnlyWithTheTagOfASymbolicLink) {
+TEST(FileAttributesTest, MakeALinkOnlyWithTheTagOfASymbolicLink) {
     for (const KindCase& each : kinds) {
         SCOPED_TRACE(each.what);
         const PathKind kind = KindOf(each.attributes, each.reparseTag);
@@ -58,13 +58,13 @@ TEST(WindowsFileAttributes, MakeALinkOnlyWithTheTagOfASymbolicLink) {
     }
 }
 
-TEST(WindowsFile, OfADirectoryIsMarkedAsOne) {
+TEST(FileTest, OfADirectoryIsMarkedAsOne) {
     const TestSupport::TemporaryDirectory directory;
     EXPECT_TRUE(LookAtPath(directory.Path()).isDirectory);
     EXPECT_FALSE(OpenFileForReading(directory.Path()).IsOpen());
 }
 
-TEST(WindowsFile, CannotBeOpenedWhileSomeoneWritesIt) {
+TEST(FileTest, CannotBeOpenedWhileSomeoneWritesIt) {
     const TestSupport::TemporaryDirectory directory;
     const std::string path = directory.Create("Socket.cfg", "8738");
     const HANDLE writer = ::CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
@@ -78,7 +78,7 @@ TEST(WindowsFile, CannotBeOpenedWhileSomeoneWritesIt) {
     EXPECT_TRUE(file.Close());
 }
 
-TEST(WindowsFile, EndsAsTextWhereAReadFails) {
+TEST(FileTest, EndsAsTextWhereAReadFails) {
     const std::string path = R"(\\.\pipe\sarvex-)" + std::to_string(::GetCurrentProcessId());
     const HANDLE pipe = ::CreateNamedPipeA(path.c_str(), PIPE_ACCESS_OUTBOUND,
                                            PIPE_TYPE_BYTE | PIPE_WAIT, 1, 64, 64, 0, nullptr);

@@ -36,12 +36,12 @@ DWORD RunToItsEnd(const std::string& arguments) {
     return exitCode;
 }
 
-TEST(WindowsProcess, SeparatesPathsByBackslashesAndEndsExecutableNamesInABlank) {
+TEST(ProcessTest, SeparatesPathsByBackslashesAndEndsExecutableNamesInABlank) {
     EXPECT_EQ(PathSeparator, '\\');
     EXPECT_STREQ(ExecutableSuffix, ".exe ");
 }
 
-TEST(WindowsProcess, EndsWithTheWholeReturnCode) {
+TEST(ProcessTest, EndsWithTheWholeReturnCode) {
     for (const int returnCode : {0, 1, 10, 255, 256, 258, -1}) {
         SCOPED_TRACE(returnCode);
         EXPECT_EQ(ToExitStatus(returnCode), returnCode);
@@ -50,12 +50,12 @@ TEST(WindowsProcess, EndsWithTheWholeReturnCode) {
     }
 }
 
-TEST(WindowsProcess, HandsWildcardsOverAsTheyAre) {
+TEST(ProcessTest, HandsWildcardsOverAsTheyAre) {
     const std::string child = Utilities::PathBesideProgram("OSALTestsChild");
     EXPECT_EQ(ReadOutput(child + " echo * ?* \"*.exe\" x*"), "[*][?*][*.exe][x*]");
 }
 
-TEST(WindowsTaskList, IsAskedForTheImageName) {
+TEST(ProcessTaskListTest, IsAskedForTheImageName) {
     const std::string command = TaskListCommand("vemo");
     EXPECT_EQ(command, "tasklist /FI \"IMAGENAME eq vemo.exe\"");
     EXPECT_EQ(command.find("vemo"), 27u);

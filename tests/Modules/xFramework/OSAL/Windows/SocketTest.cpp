@@ -7,12 +7,12 @@
 namespace OSAL {
 namespace {
 
-TEST(WindowsSocket, ConstantsAreThoseOfTheSystem) {
+TEST(SocketTest, ConstantsAreThoseOfTheSystem) {
     EXPECT_EQ(InvalidSocket, static_cast<SocketHandle>(INVALID_SOCKET));
     EXPECT_EQ(SocketError, SOCKET_ERROR);
 }
 
-TEST(WindowsSocket, ErrorTextNamesTheLastFailure) {
+TEST(SocketTest, ErrorTextNamesTheLastFailure) {
     StartSockets();
     ::WSASetLastError(WSAECONNRESET);
     const std::string reset = LastSocketErrorText();

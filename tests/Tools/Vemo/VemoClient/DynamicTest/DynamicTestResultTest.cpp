@@ -167,13 +167,13 @@ TEST_F(DynamicTestResultTest, CellsAreNotEscaped) {
                            unsetAttributes + "\"dBm\"/>\n"));
 }
 
-class XmlNodeTest : public DynamicTestFixture {
+class DynamicTestResultNodeTest : public DynamicTestFixture {
 protected:
     DynamicTest test{"test.csv"};
     XML::Node parent;
 };
 
-TEST_F(XmlNodeTest, ChildWithTheNameAndTheValueIsFound) {
+TEST_F(DynamicTestResultNodeTest, ChildWithTheNameAndTheValueIsFound) {
     XML::Node* five = test.GetXmlNode(&parent, "Band", "value", "5");
     XML::Node* six = test.GetXmlNode(&parent, "Band", "value", "6");
     EXPECT_NE(five, six);
@@ -184,26 +184,26 @@ TEST_F(XmlNodeTest, ChildWithTheNameAndTheValueIsFound) {
     EXPECT_NE(test.GetXmlNode(&parent, "Band", "value", "5 "), five);
 }
 
-TEST_F(XmlNodeTest, FirstOfSeveralMatchesIsTaken) {
+TEST_F(DynamicTestResultNodeTest, FirstOfSeveralMatchesIsTaken) {
     XML::Node* first = parent.AddChild("Band");
     parent.AddChild("Band")->SetAttribute("value", "5");
     first->SetAttribute("value", "5");
     EXPECT_EQ(test.GetXmlNode(&parent, "Band", "value", "5"), first);
 }
 
-TEST_F(XmlNodeTest, EmptyValueMatchesNothing) {
+TEST_F(DynamicTestResultNodeTest, EmptyValueMatchesNothing) {
     XML::Node* empty = test.GetXmlNode(&parent, "Band", "value", "");
     EXPECT_FALSE(empty->HasAttribute("value"));
     EXPECT_NE(test.GetXmlNode(&parent, "Band", "value", ""), empty);
 }
 
-TEST_F(XmlNodeTest, AttributeThatIsMissingReadsAsEmpty) {
+TEST_F(DynamicTestResultNodeTest, AttributeThatIsMissingReadsAsEmpty) {
     parent.SetAttribute("value", "5");
     EXPECT_EQ(test.GetXmlNodeAttribute(parent, "value"), "5");
     EXPECT_EQ(test.GetXmlNodeAttribute(parent, "other"), "");
 }
 
-TEST_F(XmlNodeTest, EveryChildOnTheWayIsTraced) {
+TEST_F(DynamicTestResultNodeTest, EveryChildOnTheWayIsTraced) {
     test.GetXmlNode(&parent, "Band", "value", "5");
     test.GetXmlNode(&parent, "Band", "value", "6");
     const Utilities::LogRecorder log(Utilities::LogLevel::Info);

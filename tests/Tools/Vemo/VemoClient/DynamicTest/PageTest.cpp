@@ -47,7 +47,7 @@ protected:
     }();
 };
 
-class DynamicTestPageTest : protected Pages, public DynamicTestFixture {
+class PageTest : protected Pages, public DynamicTestFixture {
 protected:
     /// What the run showed, by label. answers holds the daemon's answers, an empty line between
     /// those to two lines of the test file.
@@ -73,7 +73,7 @@ protected:
     }
 };
 
-TEST_F(DynamicTestPageTest, RunsShowWhatThePagesSay) {
+TEST_F(PageTest, RunsShowWhatThePagesSay) {
     for (Example& example : examples) {
         SCOPED_TRACE(example["test-file"]);
         Example shown = Show(example["test-file"], example["answers"]);
@@ -87,7 +87,7 @@ TEST_F(DynamicTestPageTest, RunsShowWhatThePagesSay) {
     }
 }
 
-TEST_F(DynamicTestPageTest, EachExampleShowsSomethingOfItsRun) {
+TEST_F(PageTest, EachExampleShowsSomethingOfItsRun) {
     std::map<std::string, int> count;
     for (const Example& example : examples) {
         for (const auto& [label, text] : example)
