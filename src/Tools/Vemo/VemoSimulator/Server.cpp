@@ -44,9 +44,9 @@ bool IsPortTaken(const error_code& error) {
 }
 
 bool IsOutOfDescriptors(const error_code& error) {
-    using namespace boost::system::errc;
-    return error == too_many_files_open || error == too_many_files_open_in_system ||
-           error == no_buffer_space;
+    namespace errc = boost::system::errc;
+    return error == errc::too_many_files_open || error == errc::too_many_files_open_in_system ||
+           error == errc::no_buffer_space;
 }
 
 /// Tries each port once, from one chosen by chance: programs started together seldom try the same.

@@ -1,13 +1,13 @@
 #include "Modules/xFramework/OSAL/Process.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <spawn.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstdio>
 #include <ctime>
 
