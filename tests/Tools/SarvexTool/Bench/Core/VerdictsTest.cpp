@@ -60,6 +60,7 @@ TEST(VerdictsTest, AllButPassCountAsNotPassed) {
     EXPECT_EQ(judgements.Count(Verdict::NoLimit), 1U);
     EXPECT_EQ(judgements.all[1].verdict, Verdict::NoLimit);
     EXPECT_EQ(judgements.all[1].limit, nullptr);
+    EXPECT_EQ(judgements.all[1].measurement, 1U);
     EXPECT_FALSE(judgements.HaveAllPassed());
 }
 
