@@ -125,7 +125,8 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
         program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, EXTENDED_STARTUPINFO_PRESENT,
         nullptr, workingDirectory.c_str(), handles.StartUp(), &m_system->child);
     if (!started)
-        throw std::runtime_error("cannot start " + program);
+        throw std::runtime_error("cannot start " + program + ": error " +
+                                 std::to_string(::GetLastError()));
 }
 
 Process::~Process() {
