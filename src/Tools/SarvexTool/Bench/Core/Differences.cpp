@@ -131,6 +131,7 @@ public:
         spread.Add(m_old, oldPlaces);
         spread.Add(m_new, newPlaces);
         m_result.noise = spread.StandardDeviation();
+        m_result.oldOfNew.resize(m_new.measurements.size());
         Merge(oldPlaces, newPlaces);
         m_result.shifts = m_shifts.Means();
         SortDifferences();
@@ -165,6 +166,7 @@ private:
 
     void AddPair(std::uint32_t oldPlace, std::uint32_t newPlace) {
         ++m_result.pairs;
+        m_result.oldOfNew[newPlace] = oldPlace;
         const std::optional<Decimal>& before = m_old.measurements[oldPlace].power;
         const std::optional<Decimal>& after = m_new.measurements[newPlace].power;
         if (before && after)

@@ -48,6 +48,8 @@ struct Differences {
     std::vector<Shift> shifts;
     /// Pairs of measurements that both runs have.
     std::size_t pairs = 0;
+    /// For each measurement of the new run the same one of the old; nothing where it has none.
+    std::vector<std::optional<std::uint32_t>> oldOfNew;
     /// The standard deviation of repeated lines within a run, in dB, pooled over the repeats of
     /// both runs: the root of the squared distances from each repeated measurement's mean, summed
     /// and divided by the number of repeats beyond the first of each. Nothing with fewer than three

@@ -56,6 +56,15 @@ protected:
     CoreFixture fixture;
 };
 
+TEST_F(DifferencesTest, EachNewMeasurementNamesItsOldOneHoweverSmallTheChange) {
+    const RunResult oldRun =
+        RunOf({{"5", "MCS0", "10"}, {"6", "MCS0", ""}, {"5", "MCS0", "11"}, {"2.4", "11", "9"}});
+    const RunResult newRun =
+        RunOf({{"6", "MCS0", "12"}, {"5", "MCS0", "10"}, {"5", "MCS0", "11"}, {"7", "11", "9"}});
+    const std::vector<std::optional<std::uint32_t>> expected{1, 0, 2, std::nullopt};
+    EXPECT_EQ(Compare(oldRun, newRun, "0.5"_dB).oldOfNew, expected);
+}
+
 TEST_F(DifferencesTest, RunsAreComparedByConfigurationAndNotByRow) {
     EXPECT_EQ(Compared({{"5", "MCS0", "10"}, {"6", "MCS0", "12"}},
                        {{"6", "MCS0", "12"}, {"5", "MCS0", "11"}}),
