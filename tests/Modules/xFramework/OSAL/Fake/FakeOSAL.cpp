@@ -1,3 +1,4 @@
+#include "Modules/xFramework/OSAL/Console.h"
 #include "Modules/xFramework/OSAL/CriticalSection.h"
 #include "Modules/xFramework/OSAL/DebugOutput.h"
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
@@ -27,6 +28,26 @@ std::size_t CopyOut(const std::string& text, char* buffer, std::size_t size) {
 }
 
 } // namespace
+
+// Console
+
+std::vector<std::string> ReadArguments(int argc, const char* const argv[]) {
+    return {argv + (argc > 0 ? 1 : 0), argv + argc};
+}
+
+bool IsTerminal(StandardStream stream) {
+    return TheWorld().terminals.contains(stream);
+}
+
+PreparedConsole::PreparedConsole() {
+    Record("PreparedConsole");
+}
+
+PreparedConsole::~PreparedConsole() = default;
+
+bool AreSameFileName(const std::string& first, const std::string& second) {
+    return first == second;
+}
 
 // Processes
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Modules/xFramework/OSAL/Console.h"
 #include "Modules/xFramework/OSAL/File.h"
 #include "Modules/xFramework/OSAL/Process.h"
 #include "Modules/xFramework/OSAL/Socket.h"
@@ -8,6 +9,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -37,6 +39,9 @@ struct World {
     std::function<void()> onSleep = [] {};
     /// Called when the output of a command is read; may throw.
     std::function<void()> onReadPipe = [] {};
+
+    // Console
+    std::set<StandardStream> terminals;
 
     // Files, by path
     std::map<std::string, File> files;
