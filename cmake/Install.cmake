@@ -11,6 +11,9 @@ set(port_file ${CMAKE_BINARY_DIR}/port/Socket.cfg)
 file(WRITE ${port_file} "8738")
 
 install(TARGETS SarvexToolClient RUNTIME DESTINATION .)
+if(SARVEX_BUILD_BENCH)
+    install(TARGETS SarvexToolBench RUNTIME DESTINATION .)
+endif()
 install(FILES ${port_file} DESTINATION .)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION . FILES_MATCHING PATTERN "*.csv")
 

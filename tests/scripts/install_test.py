@@ -61,6 +61,7 @@ class InstallTest(unittest.TestCase):
         if done.returncode != 0:
             raise AssertionError(done.stderr.decode())
         cls.client = cls.root / f"SarvexToolClient{SUFFIX}"
+        cls.bench = cls.root / f"SarvexToolBench{SUFFIX}"
         cls.simulator = cls.root / "simulator" / f"vemo{SUFFIX}"
 
     def run_program(self, program, *arguments):
@@ -68,7 +69,8 @@ class InstallTest(unittest.TestCase):
 
     def test_the_directory_holds_these_files_and_no_others(self):
         examples = {f"examples/{file.name}" for file in pathlib.Path("examples").glob("*.csv")}
-        programs = {f"SarvexToolClient{SUFFIX}", f"simulator/vemo{SUFFIX}"}
+        programs = {f"SarvexToolClient{SUFFIX}", f"SarvexToolBench{SUFFIX}",
+                    f"simulator/vemo{SUFFIX}"}
         found = {str(f.relative_to(self.root)) for f in self.root.rglob("*") if f.is_file()}
         self.assertEqual(programs | examples | {"Socket.cfg", "simulator/Socket.cfg"}, found)
 
@@ -98,10 +100,15 @@ class InstallTest(unittest.TestCase):
         self.assertEqual((0, b""), (done.returncode, done.stderr))
         self.assertEqual(b"vemo " + project_version().encode() + LINE_END, done.stdout)
 
+    def test_the_bench_program_tells_the_version_of_the_project_in_the_same_bytes_everywhere(self):
+        done = self.run_program(self.bench, "--version")
+        self.assertEqual((0, b""), (done.returncode, done.stderr))
+        self.assertEqual(b"SarvexToolBench " + project_version().encode() + b"\n", done.stdout)
+
     @unittest.skipUnless(EMULATOR, "only Windows programs have properties")
     def test_the_programs_properties_show_the_version_of_the_project(self):
         version = project_version()
-        for program in [self.client, self.simulator]:
+        for program in [self.client, self.bench, self.simulator]:
             with self.subTest(program=program):
                 fields, texts = version_resource(program)
                 self.assertEqual(version + ".0", fields)
@@ -110,7 +117,7 @@ class InstallTest(unittest.TestCase):
                 self.assertEqual(program.name, texts["OriginalFilename"])
 
     def test_the_programs_need_nothing_that_a_fresh_system_lacks(self):
-        for program in [self.client, self.simulator]:
+        for program in [self.client, self.bench, self.simulator]:
             with self.subTest(program=program):
                 needed = needed_libraries(program)
                 # The Linux programs are linked statically.

@@ -16,8 +16,8 @@ struct Problem {
     LineNumber line = 0;
     /// The number of the cell, the first one 1; 0 stands for the whole line.
     std::uint32_t column = 0;
-    /// What is wrong and what to do, in UTF-8. Parts of the file in it may hold any byte: what shows
-    /// the text makes them harmless.
+    /// What is wrong and what to do, in UTF-8. Parts of the file in it may hold any byte: what
+    /// shows the text makes them harmless.
     std::string text;
 };
 

@@ -1,0 +1,142 @@
+#include "Tools/SarvexTool/Bench/CommandLine.h"
+
+#include "Modules/xFramework/OSAL/Console.h"
+#include "Tools/SarvexTool/Bench/Commands/Check.h"
+#include "Tools/SarvexTool/Bench/Files/BadFile.h"
+#include "Tools/SarvexTool/Bench/Output/Problems.h"
+#include "Tools/SarvexTool/Bench/Output/ShownText.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <array>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+
+namespace Bench {
+
+namespace {
+
+constexpr const char* programName = "SarvexToolBench";
+
+/// The subcommands, in the order in which the help shows them.
+constexpr std::array<Command (*)(CLI::App&), 1> addCommands{AddCheck};
+
+/// The options of the program or of the subcommand of that name.
+const CLI::App& Named(const CLI::App& program, const std::string& name) {
+    const auto found = program.get_subcommands(
+        [&name](const CLI::App* subcommand) { return subcommand->get_name() == name; });
+    if (!name.empty() && found.empty())
+        throw WrongUsage("there is no subcommand " + name);
+    return name.empty() ? program : *found.front();
+}
+
+/// help SUBCOMMAND: the same as SUBCOMMAND --help.
+Command AddHelp(CLI::App& program) {
+    CLI::App* const options = program.add_subcommand("help", "Show how a subcommand is used");
+    const auto name = std::make_shared<std::string>();
+    options->add_option("SUBCOMMAND", *name, "Its name; without it all are listed");
+    return {options, [&program, name](Surroundings& surroundings) {
+                const CLI::App& shown = Named(program, *name);
+                const std::string called =
+                    name->empty() ? programName : std::string(programName) + " " + *name;
+                // The text of the program's own function would be that of the chosen subcommand.
+                surroundings.out.stream
+                    << shown.get_formatter()->make_help(&shown, called, CLI::AppFormatMode::Normal);
+                return ExitCode::Fine;
+            }};
+}
+
+/// The options of the program and of all its subcommands.
+class Parser {
+public:
+    Parser() : m_options("Everything around a power test of SarvexToolClient.", programName) {
+        // A file name may begin with a slash on every system.
+        m_options.allow_windows_style_options(false);
+        m_options.set_help_flag("-h,--help", "Show this help and end");
+        m_options.set_version_flag("--version", std::string(programName) + " " SARVEX_BENCH_VERSION,
+                                   "Show the version and end");
+        m_options.require_subcommand(1);
+        for (const auto addCommand : addCommands)
+            m_commands.push_back(addCommand(m_options));
+        m_commands.push_back(AddHelp(m_options));
+        m_help = m_commands.back().options;
+    }
+
+    /// The exit code of what the arguments ask for.
+    int Run(const std::vector<std::string>& arguments, Surroundings& surroundings) {
+        try {
+            m_options.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+            return Chosen().run(surroundings);
+        } catch (const CLI::CallForHelp&) {
+            surroundings.out.stream << m_options.help();
+            return ExitCode::Fine;
+        } catch (const CLI::CallForVersion&) {
+            surroundings.out.stream << m_options.version() << "\n";
+            return ExitCode::Fine;
+        } catch (const CLI::ParseError& error) {
+            return Complain(error.what(), surroundings);
+        } catch (const WrongUsage& error) {
+            return Complain(error.what(), surroundings);
+        }
+    }
+
+private:
+    const Command& Chosen() const {
+        for (const Command& command : m_commands) {
+            if (command.options->parsed())
+                return command;
+        }
+        throw WrongUsage("a subcommand is needed");
+    }
+
+    int Complain(const std::string& problem, Surroundings& surroundings) const {
+        std::string named = programName;
+        for (const CLI::App* const parsed : m_options.get_subcommands()) {
+            if (parsed != m_help)
+                named += " " + parsed->get_name();
+        }
+        surroundings.err.stream << named << ": " << MakeHarmless(problem) << "\nRun " << named
+                                << " --help for the options.\n";
+        return ExitCode::Failed;
+    }
+
+    CLI::App m_options;
+    std::vector<Command> m_commands;
+    const CLI::App* m_help = nullptr;
+};
+
+bool WantsNoColours() {
+    const char* const noColour = std::getenv("NO_COLOR"); // NOLINT(concurrency-mt-unsafe)
+    return noColour != nullptr && *noColour != '\0';
+}
+
+Console ConsoleOf(std::ostream& stream, OSAL::StandardStream number) {
+    return {stream, OSAL::IsTerminal(number) && !WantsNoColours()};
+}
+
+} // namespace
+
+int RunProgram(const std::vector<std::string>& arguments, Surroundings& surroundings) {
+    try {
+        const int exitCode = Parser().Run(arguments, surroundings);
+        if (surroundings.out.stream.flush())
+            return exitCode;
+        throw BadOutput("-", "cannot be written");
+    } catch (const BadFile& bad) {
+        PrintProblems(surroundings.err, bad.File(), bad.Problems());
+    } catch (const std::exception& error) {
+        surroundings.err.stream << programName << ": " << MakeHarmless(error.what()) << "\n";
+    }
+    return ExitCode::Failed;
+}
+
+int RunProgram(const std::vector<std::string>& arguments) {
+    Surroundings surroundings{std::cin, ConsoleOf(std::cout, OSAL::StandardStream::Output),
+                              ConsoleOf(std::cerr, OSAL::StandardStream::Error)};
+    return RunProgram(arguments, surroundings);
+}
+
+} // namespace Bench

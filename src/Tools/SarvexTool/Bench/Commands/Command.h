@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Tools/SarvexTool/Bench/Output/Console.h"
+
+#include <functional>
+#include <istream>
+#include <stdexcept>
+
+namespace CLI {
+class App;
+}
+
+namespace Bench {
+
+/// The highest one of several files counts.
+enum ExitCode : int {
+    Fine = 0,
+    /// What the subcommand looks for is there: errors, measurements that did not pass, differences.
+    Found = 1,
+    /// Wrong usage, or a file that cannot be read or written.
+    Failed = 2
+};
+
+/// The standard streams, or what takes their place.
+struct Surroundings {
+    std::istream& in;
+    Console out;
+    Console err;
+};
+
+/// A subcommand whose options were added to the program's.
+struct Command {
+    /// Belongs to the program's options.
+    CLI::App* options = nullptr;
+    /// Does what the options ask for, after they were parsed; returns an ExitCode. Throws BadFile,
+    /// WrongUsage and other exceptions of the standard library.
+    std::function<int(Surroundings&)> run;
+};
+
+/// The arguments cannot be meant as they are. The text says why, without an end mark.
+class WrongUsage : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+} // namespace Bench

@@ -1,0 +1,62 @@
+#include "Tools/SarvexTool/Bench/Files/Input.h"
+
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <fstream>
+#include <system_error>
+
+namespace Bench {
+
+namespace {
+
+constexpr std::size_t blockSize = 65536;
+
+[[noreturn]] void Fail(const std::string& name, int error) {
+    const std::string reason =
+        error == 0 ? "" : " (" + std::generic_category().message(error) + ")";
+    throw BadInput(name, "cannot be read" + reason);
+}
+
+/// The file's size, so that its bytes need not be moved while they come; 0 where it is not known.
+std::size_t ExpectedSize(const std::filesystem::path& path) {
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    return error ? 0 : static_cast<std::size_t>(size);
+}
+
+std::string ReadToEnd(const std::string& name, std::istream& stream, std::size_t expectedSize) {
+    std::string bytes;
+    std::size_t size = 0;
+    errno = 0;
+    while (stream) {
+        // One byte more shows the end without another block.
+        bytes.resize(std::max(expectedSize + 1, size + std::max(blockSize, size / 2)));
+        stream.read(bytes.data() + size, static_cast<std::streamsize>(bytes.size() - size));
+        size += static_cast<std::size_t>(stream.gcount());
+    }
+    if (stream.bad())
+        Fail(name, errno);
+    bytes.resize(size);
+    return bytes;
+}
+
+} // namespace
+
+std::string ReadInput(const std::string& name, std::istream& standardInput) {
+    if (name == StandardStreamName)
+        return ReadToEnd(name, standardInput, 0);
+    const std::filesystem::path path = PathOf(name);
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored))
+        Fail(name, EISDIR);
+    errno = 0;
+    std::ifstream file(path, std::ios::binary);
+    if (!file)
+        Fail(name, errno);
+    return ReadToEnd(name, file, ExpectedSize(path));
+}
+
+} // namespace Bench

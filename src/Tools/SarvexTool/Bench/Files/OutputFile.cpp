@@ -1,0 +1,93 @@
+#include "Tools/SarvexTool/Bench/Files/OutputFile.h"
+
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
+
+#include <cerrno>
+#include <random>
+#include <system_error>
+#include <utility>
+
+namespace Bench {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A name beside the target that no file has yet.
+fs::path FreeNameBeside(const fs::path& target) {
+    std::random_device random;
+    fs::path path;
+    std::error_code error;
+    do {
+        path = target;
+        path += "." + std::to_string(random()) + ".part";
+    } while (fs::exists(path, error));
+    return path;
+}
+
+} // namespace
+
+OutputFile::OutputFile(std::string name, std::ostream& standardOutput)
+    : m_name(std::move(name)), m_pStream(&standardOutput) {
+    if (m_name != StandardStreamName)
+        Open();
+}
+
+void OutputFile::Open() {
+    // The links stay and lead to the new file.
+    m_target = EndOfLinks(PathOf(m_name));
+    std::error_code ignored;
+    const fs::file_status status = fs::status(m_target, ignored);
+    if (fs::is_directory(status))
+        Fail("cannot be written", EISDIR);
+    const bool isOnDisk = !fs::exists(status) || fs::is_regular_file(status);
+    const fs::path opened = isOnDisk ? FreeNameBeside(m_target) : m_target;
+    errno = 0;
+    m_file.open(opened, std::ios::binary | std::ios::trunc);
+    if (!m_file)
+        Fail("cannot be written", errno);
+    if (isOnDisk)
+        m_written = opened;
+    if (isOnDisk && fs::exists(status))
+        fs::permissions(m_written, status.permissions(), ignored);
+    m_pStream = &m_file;
+}
+
+OutputFile::~OutputFile() {
+    if (m_written.empty())
+        return;
+    // Windows removes no file that is open.
+    m_file.close();
+    std::error_code ignored;
+    fs::remove(m_written, ignored);
+}
+
+void OutputFile::Commit() {
+    errno = 0;
+    m_pStream->flush();
+    if (m_file.is_open())
+        m_file.close();
+    if (!*m_pStream)
+        Fail("cannot be written to its end", errno);
+    if (m_written.empty())
+        return;
+    std::error_code error;
+    fs::rename(m_written, m_target, error);
+    if (error)
+        throw BadOutput(m_name, "cannot be replaced (" + error.message() + ")");
+    m_written.clear();
+}
+
+void OutputFile::Fail(const std::string& what, int error) const {
+    const std::string reason =
+        error == 0 ? "" : " (" + std::generic_category().message(error) + ")";
+    throw BadOutput(m_name, what + reason);
+}
+
+void WriteOutput(const std::string& name, std::ostream& standardOutput, const std::string& text) {
+    OutputFile file(name, standardOutput);
+    file.Stream() << text;
+    file.Commit();
+}
+
+} // namespace Bench

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Tools/SarvexTool/Bench/Core/Problems.h"
+#include "Tools/SarvexTool/Bench/Output/Console.h"
+
+#include <span>
+#include <string>
+
+namespace Bench {
+
+/// Writes a line for each problem: FILE:LINE:COLUMN: error: TEXT, or warning. A problem of line 0
+/// is one of the file itself, and has neither line nor column: FILE: error: TEXT.
+void PrintProblems(const Console& console, const std::string& file,
+                   std::span<const Problem> problems);
+
+} // namespace Bench

@@ -1,0 +1,140 @@
+#include "Tools/SarvexTool/Bench/CommandLine.h"
+
+#include "tests/Modules/xFramework/OSAL/Fake/World.h"
+#include "tests/Support/Files.h"
+#include "tests/Tools/SarvexTool/Client/ConsoleCapture.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <sstream>
+
+namespace Bench {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class CommandLineTest : public testing::Test {
+protected:
+    CommandLineTest() { OSAL::Fake::Reset(); }
+
+    int Run(const std::vector<std::string>& arguments) {
+        out.str("");
+        err.str("");
+        Surroundings surroundings{in, {out}, {err}};
+        return RunProgram(arguments, surroundings);
+    }
+
+    std::istringstream in;
+    std::ostringstream out;
+    std::ostringstream err;
+    TestSupport::TemporaryDirectory directory;
+};
+
+TEST_F(CommandLineTest, TheHelpListsTheSubcommands) {
+    EXPECT_EQ(Run({"--help"}), 0);
+    const std::string help = out.str();
+    EXPECT_THAT(help, HasSubstr("Usage: SarvexToolBench [OPTIONS] SUBCOMMAND"));
+    EXPECT_THAT(help, HasSubstr("\n  check "));
+    EXPECT_EQ(err.str(), "");
+    EXPECT_EQ(Run({"help"}), 0);
+    EXPECT_EQ(out.str(), help);
+}
+
+TEST_F(CommandLineTest, TheHelpOfASubcommandIsAskedForInTwoWays) {
+    EXPECT_EQ(Run({"check", "--help"}), 0);
+    const std::string help = out.str();
+    EXPECT_THAT(help, HasSubstr("Usage: SarvexToolBench check [OPTIONS] FILE..."));
+    EXPECT_EQ(Run({"help", "check"}), 0);
+    EXPECT_EQ(out.str(), help);
+}
+
+TEST_F(CommandLineTest, TheVersionIsThatOfTheProject) {
+    EXPECT_EQ(Run({"--version"}), 0);
+    EXPECT_THAT(out.str(), testing::MatchesRegex("SarvexToolBench [0-9.]+\n"));
+}
+
+struct WrongUsageCase {
+    std::vector<std::string> arguments;
+    std::string message;
+};
+
+TEST_F(CommandLineTest, EveryWrongUsageEndsWithTwoAndSaysWhereHelpIs) {
+    const std::string file = directory.Create("a.csv", "Band\n5\n");
+    const std::string end = " --help for the options.\n";
+    for (const auto& [arguments, message] : std::vector<WrongUsageCase>{
+             {{}, "SarvexToolBench: A subcommand is required\nRun SarvexToolBench" + end},
+             {{"chekc"}, "SarvexToolBench: "},
+             {{"--bad"}, "SarvexToolBench: "},
+             {{"check"},
+              "SarvexToolBench check: FILE is required\nRun SarvexToolBench check" + end},
+             {{"check", file, "--bad"}, "SarvexToolBench check: "},
+             {{"check", "-", "-"},
+              "SarvexToolBench check: standard input (-) can be read once only\n"
+              "Run SarvexToolBench check" +
+                  end},
+             {{"help", "\x1B[2J"},
+              "SarvexToolBench: there is no subcommand \\x1B[2J\nRun SarvexToolBench" + end}}) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        EXPECT_EQ(Run(arguments), 2);
+        EXPECT_EQ(out.str(), "");
+        EXPECT_THAT(err.str(), StartsWith(message));
+        EXPECT_THAT(err.str(), HasSubstr("Run SarvexToolBench"));
+    }
+}
+
+TEST_F(CommandLineTest, AFileMayBeNamedLikeASubcommandOrBeginWithASlash) {
+    Run({"check", "help", "/none/a.csv"});
+    EXPECT_THAT(err.str(), HasSubstr("help: error: cannot be read"));
+    EXPECT_THAT(err.str(), HasSubstr("/none/a.csv: error: cannot be read"));
+}
+
+TEST_F(CommandLineTest, AnUnreadableFileEndsWithTwo) {
+    EXPECT_EQ(Run({"check", directory.Path("none.csv")}), 2);
+    EXPECT_EQ(err.str(),
+              directory.Path("none.csv") + ": error: cannot be read (No such file or directory)\n");
+}
+
+TEST_F(CommandLineTest, AStandardOutputThatTakesNothingEndsWithTwo) {
+    out.setstate(std::ios::badbit);
+    Surroundings surroundings{in, {out}, {err}};
+    EXPECT_EQ(RunProgram({"--help"}, surroundings), 2);
+    EXPECT_EQ(err.str(), "-: error: cannot be written\n");
+}
+
+class ColoursTest : public CommandLineTest {
+protected:
+    ~ColoursTest() override { SetNoColor(""); }
+
+    /// The environment keeps the text itself.
+    static void SetNoColor(const std::string& value) {
+        static std::string variable;
+        variable = "NO_COLOR=" + value;
+        ::putenv(variable.data());
+    }
+
+    std::string Printed() const {
+        const ConsoleCapture console;
+        RunProgram({"check", directory.Path("none.csv")});
+        return console.Err();
+    }
+};
+
+TEST_F(ColoursTest, AreForATerminalOnly) {
+    SetNoColor("");
+    EXPECT_EQ(Printed().find('\x1B'), std::string::npos);
+    OSAL::Fake::TheWorld().terminals = {OSAL::StandardStream::Output};
+    EXPECT_EQ(Printed().find('\x1B'), std::string::npos);
+    OSAL::Fake::TheWorld().terminals = {OSAL::StandardStream::Error};
+    EXPECT_NE(Printed().find('\x1B'), std::string::npos);
+}
+
+TEST_F(ColoursTest, AreNeverThereWhenTheUserWantsNone) {
+    OSAL::Fake::TheWorld().terminals = {OSAL::StandardStream::Error};
+    SetNoColor("1");
+    EXPECT_EQ(Printed().find('\x1B'), std::string::npos);
+}
+
+} // namespace
+} // namespace Bench

@@ -1,0 +1,67 @@
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
+#include "Tools/SarvexTool/Bench/Files/Input.h"
+#include "Tools/SarvexTool/Bench/Files/OutputFile.h"
+#include "tests/Support/Files.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <iostream>
+
+namespace Bench {
+namespace {
+
+namespace fs = std::filesystem;
+using TestSupport::ReadBytes;
+
+TEST(DeviceTest, ADeviceIsWrittenAndNotReplaced) {
+    WriteOutput("/dev/null", std::cout, "text");
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
+TEST(DeviceTest, AFullDiskIsTold) {
+    try {
+        WriteOutput("/dev/full", std::cout, "text");
+        FAIL() << "nothing was thrown";
+    } catch (const BadOutput& bad) {
+        EXPECT_EQ(bad.Problems().at(0).text,
+                  "cannot be written to its end (No space left on device)");
+    }
+}
+
+TEST(DeviceTest, ALinkStaysAndLeadsToTheNewFile) {
+    const TestSupport::TemporaryDirectory directory;
+    const std::string target = directory.Create("target.csv", "old");
+    fs::create_symlink("target.csv", directory.Path("link.csv"));
+    fs::create_symlink("new.csv", directory.Path("dangling.csv"));
+    WriteOutput(directory.Path("link.csv"), std::cout, "first");
+    WriteOutput(directory.Path("dangling.csv"), std::cout, "second");
+    EXPECT_EQ(ReadBytes(target), "first");
+    EXPECT_EQ(ReadBytes(directory.Path("new.csv")), "second");
+    EXPECT_TRUE(fs::is_symlink(directory.Path("link.csv")));
+}
+
+TEST(DeviceTest, TheNewFileHasThePermissionsOfTheOldOne) {
+    const TestSupport::TemporaryDirectory directory;
+    const std::string target = directory.Create("target.csv", "old");
+    constexpr auto wanted = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
+    fs::permissions(target, wanted);
+    WriteOutput(target, std::cout, "new");
+    EXPECT_EQ(fs::status(target).permissions(), wanted);
+}
+
+TEST(DeviceTest, AnOutputIsNoInputThroughALink) {
+    const TestSupport::TemporaryDirectory directory;
+    const std::string input = directory.Create("in.csv", "Band\n");
+    const std::string link = directory.Path("link.csv");
+    fs::create_symlink("in.csv", link);
+    EXPECT_EQ(ProblemOfNames({input}, {link}),
+              "the output " + link + " would replace the input " + input);
+    const std::string dangling = directory.Path("dangling.csv");
+    fs::create_symlink("out.csv", dangling);
+    EXPECT_EQ(ProblemOfNames({input}, {directory.Path("out.csv"), dangling}),
+              "the output " + dangling + " would replace the output " + directory.Path("out.csv"));
+}
+
+} // namespace
+} // namespace Bench
