@@ -4,9 +4,10 @@
 
 #include <array>
 #include <cstdint>
+#include <deque>
+#include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace Bench {
@@ -19,56 +20,82 @@ struct SettingPattern {
         Decimal last;
     };
 
-    /// Fits every value and the unknown one.
-    bool isAny = true;
-    /// Compared as exact texts.
-    std::vector<std::string> values;
+    /// Exact texts, kept by the pool that keeps the settings.
+    std::vector<const std::string*> values;
     /// Compared as numbers; a value that is no decimal is in none.
     std::vector<Range> ranges;
 
-    /// Whether the pattern fits a value; null stands for an unknown setting.
+    /// Whether the pattern fits a value of the same pool; the unknown one, null, fits none.
     bool Fits(const std::string* value) const;
 };
 
 /// One line of a table of limits.
 struct Limit {
     LineNumber line = 0;
-    std::array<SettingPattern, SettingCount> settings;
+    /// Null fits every value, and the unknown one.
+    std::array<const SettingPattern*, SettingCount> settings{};
     bool isForChainA = true;
     bool isForChainB = true;
     /// In dBm; the bounds belong to what passes. Nothing where there is no bound.
     std::optional<Decimal> minimum;
     std::optional<Decimal> maximum;
+
+    bool Fits(const Settings& values, Chain chain) const;
 };
 
-/// Finds the first limit of a table that fits a measurement. What a value fits is looked up once
-/// for each text, so that the time of a search does not depend on how the patterns look.
+/// The lines of a table of limits, in their order, and the patterns that they point to: lines share
+/// those that are alike.
+struct Limits {
+    std::vector<Limit> lines;
+    std::deque<SettingPattern> patterns;
+};
+
+class LimitBits;
+
+/// Finds the first limit of a table that fits a measurement. What limits ask for by plain values is
+/// looked up at once, however many limits there are.
 class LimitTable {
 public:
-    explicit LimitTable(std::vector<Limit> limits);
+    explicit LimitTable(Limits limits);
+    ~LimitTable();
+    LimitTable(const LimitTable&) = delete;
+    LimitTable& operator=(const LimitTable&) = delete;
 
-    const std::vector<Limit>& Limits() const { return m_limits; }
+    const std::vector<Limit>& Lines() const { return m_limits.lines; }
 
-    /// The first that fits; null when none does. The settings' texts belong to one pool, always the
-    /// same.
+    /// The first that fits; null when none does.
     const Limit* Find(const Settings& settings, Chain chain);
 
     /// The limits that fitted nothing that was looked for until now, first or not.
     std::vector<const Limit*> NeverFitting() const;
 
 private:
-    /// One bit for each limit, the first one lowest.
-    using Bits = std::vector<std::uint64_t>;
-    using FittingSettings = std::array<const Bits*, SettingCount>;
+    /// A limit under the values that it asks for.
+    struct Entry {
+        std::uint64_t hash;
+        std::uint32_t limit;
+        auto operator<=>(const Entry&) const = default;
+    };
 
-    const Bits& FittingLimits(std::size_t setting, const std::string* value);
-    std::uint64_t FittingWord(std::size_t word, const FittingSettings& settings, Chain chain) const;
-    Bits MakeBits() const;
+    /// The limits that ask for plain values of the same settings, sorted.
+    struct Group {
+        std::vector<Setting> settings;
+        std::vector<Entry> entries;
+        /// Where many limits ask for the same values, by the place of the first.
+        std::vector<std::pair<std::size_t, std::unique_ptr<LimitBits>>> crowds;
+    };
 
-    std::vector<Limit> m_limits;
-    std::array<Bits, 3> m_fittingChain;
-    Bits m_neverFitting;
-    std::array<std::unordered_map<const std::string*, Bits>, SettingCount> m_fittingSetting;
+    void Enter(std::uint32_t limit);
+    Group& GroupOf(const std::vector<Setting>& settings);
+    void FindCrowds(Group& group);
+    std::uint32_t FindInGroup(Group& group, const Settings& settings, Chain chain,
+                              std::uint32_t first);
+    std::uint32_t FindAmong(std::size_t begin, std::size_t end, const Group& group,
+                            const Settings& settings, Chain chain, std::uint32_t first);
+
+    Limits m_limits;
+    std::vector<Group> m_groups;
+    std::vector<bool> m_hasFitted;
 };
 
 } // namespace Bench

@@ -19,7 +19,7 @@ std::string JudgeOne(const char* power, const Limit& limit) {
     RunResultBuilder builder;
     builder.Add(fixture.RowOf(2, {{Setting::Chains, "A"}}, power, ""));
     const RunResult run = builder.Take();
-    LimitTable table({limit});
+    LimitTable table({{limit}, {}});
     const Judgement judgement = Judge(run, table).all.at(0);
     return std::string(NameOf(judgement.verdict)) + " " +
            (judgement.margin ? judgement.margin->ToText() : "-");
@@ -51,10 +51,10 @@ TEST(VerdictsTest, AllButPassCountAsNotPassed) {
     builder.Add(fixture.RowOf(3, {{Setting::Band, "6"}}, "10", ""));
     const RunResult run = builder.Take();
     Limit forBand5 = Between("10"_dB, "12"_dB);
-    SettingPattern& band = forBand5.settings[static_cast<std::size_t>(Setting::Band)];
-    band.isAny = false;
-    band.values = {"5"};
-    LimitTable table({forBand5});
+    SettingPattern band;
+    band.values = {fixture.Text("5")};
+    forBand5.settings[static_cast<std::size_t>(Setting::Band)] = &band;
+    LimitTable table({{forBand5}, {}});
     const Judgements judgements = Judge(run, table);
     EXPECT_EQ(judgements.Count(Verdict::Pass), 1U);
     EXPECT_EQ(judgements.Count(Verdict::NoLimit), 1U);
@@ -69,7 +69,7 @@ TEST(VerdictsTest, RunHasPassedWhenEachOfItsMeasurementsHas) {
     RunResultBuilder builder;
     builder.Add(fixture.RowOf(2, {{Setting::Chains, "AB"}}, "10", "11"));
     const RunResult run = builder.Take();
-    LimitTable table({Between("10"_dB, "12"_dB)});
+    LimitTable table({{Between("10"_dB, "12"_dB)}, {}});
     EXPECT_TRUE(Judge(run, table).HaveAllPassed());
 }
 
