@@ -1,5 +1,7 @@
 #include "Tools/SarvexTool/Bench/Core/Differences.h"
 
+#include "Tools/SarvexTool/Bench/Core/SameMeasurements.h"
+
 #include <algorithm>
 #include <cmath>
 #include <compare>
@@ -13,32 +15,6 @@ namespace Bench {
 namespace {
 
 using Kind = Difference::Kind;
-
-/// Some order of measurements that puts the same ones beside each other. Texts of one pool are told
-/// apart by their addresses.
-std::strong_ordering Order(const RunResult& leftRun, std::uint32_t left, const RunResult& rightRun,
-                           std::uint32_t right) {
-    const Measurement& first = leftRun.measurements[left];
-    const Measurement& second = rightRun.measurements[right];
-    if (const auto chains = first.chain <=> second.chain; std::is_neq(chains))
-        return chains;
-    const Settings& firstSettings = leftRun.SettingsOf(first);
-    const Settings& secondSettings = rightRun.SettingsOf(second);
-    return std::lexicographical_compare_three_way(firstSettings.begin(), firstSettings.end(),
-                                                  secondSettings.begin(), secondSettings.end(),
-                                                  std::compare_three_way());
-}
-
-/// The measurements of a run so that repeats are beside each other, in their order.
-std::vector<std::uint32_t> Grouped(const RunResult& run) {
-    std::vector<std::uint32_t> places(run.measurements.size());
-    for (std::size_t index = 0; index < places.size(); ++index)
-        places[index] = static_cast<std::uint32_t>(index);
-    std::stable_sort(places.begin(), places.end(), [&run](std::uint32_t left, std::uint32_t right) {
-        return std::is_lt(Order(run, left, run, right));
-    });
-    return places;
-}
 
 /// Gathers the squared distances of repeated powers from their means.
 class RepeatSpread {
