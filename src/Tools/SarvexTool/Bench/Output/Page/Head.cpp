@@ -1,0 +1,166 @@
+#include "Tools/SarvexTool/Bench/Output/Page/Head.h"
+
+#include "Tools/SarvexTool/Bench/Output/ShownText.h"
+
+#include <array>
+#include <ostream>
+
+namespace Bench {
+
+namespace {
+
+/// The whole page's verdict: its class in the style sheet, and what it says.
+struct Banner {
+    const char* kind;
+    const char* word;
+    std::string sentence;
+};
+
+/// "1 measurement" or "12 measurements".
+std::string Counted(std::size_t count, const char* one, const char* many) {
+    return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+std::string Measurements(std::size_t count) {
+    return Counted(count, "measurement", "measurements");
+}
+
+std::size_t CountMeasured(const RunResult& run) {
+    std::size_t count = 0;
+    for (const Measurement& measurement : run.measurements)
+        count += std::size_t{measurement.power.has_value()};
+    return count;
+}
+
+/// "3 too low, 1 not measured".
+std::string NamedFailures(const Judgements& judgements) {
+    std::string text;
+    for (std::size_t index = 0; index < VerdictCount; ++index) {
+        const auto verdict = static_cast<Verdict>(index);
+        if (verdict == Verdict::Pass || judgements.Count(verdict) == 0)
+            continue;
+        text += (text.empty() ? "" : ", ") + std::to_string(judgements.Count(verdict)) + " " +
+                NameOf(verdict);
+    }
+    return text;
+}
+
+Banner BannerOfJudgements(const Judgements& judgements) {
+    const std::size_t total = judgements.all.size();
+    if (total == 0)
+        return {"none", "Nothing to judge", "There is no measurement."};
+    if (judgements.HaveAllPassed())
+        return {"pass", "Passed",
+                total == 1 ? "The one measurement is within its limits."
+                           : "All " + Measurements(total) + " are within their limits."};
+    const std::size_t failed = total - judgements.Count(Verdict::Pass);
+    return {"fail", "Not passed",
+            std::to_string(failed) + " of " + Measurements(total) +
+                " did not pass: " + NamedFailures(judgements) + "."};
+}
+
+Banner BannerOfBaseline(const PageBaseline& baseline) {
+    const std::string pairs =
+        Counted(baseline.differences.pairs, "measurement is", "measurements are");
+    const std::string tolerance = baseline.tolerance.ToText() + " dB";
+    if (baseline.differences.all.empty())
+        return {"pass", "Alike",
+                pairs + " in both runs, and none differs by more than " + tolerance + "."};
+    return {"fail", "Different",
+            Counted(baseline.differences.all.size(), "difference", "differences") +
+                ": powers that changed by more than " + tolerance + ", or are in one run only; " +
+                pairs + " in both runs."};
+}
+
+Banner BannerOf(const Page& page) {
+    if (page.judgements != nullptr)
+        return BannerOfJudgements(*page.judgements);
+    if (page.baseline != nullptr)
+        return BannerOfBaseline(*page.baseline);
+    return {"none", "Not judged",
+            "No limits were given; " + std::to_string(CountMeasured(page.run)) + " of " +
+                Measurements(page.run.measurements.size()) + " have a power."};
+}
+
+void WriteBanner(const Banner& banner, std::ostream& out) {
+    out << "<p class=\"verdict is-" << banner.kind << "\"><strong>" << banner.word
+        << "</strong> <span>" << EscapeHtml(banner.sentence) << "</span></p>\n";
+}
+
+/// One of the counts. It is a link, which shows just these in the table; the name with hyphens is a
+/// class of the style sheet.
+void WriteCount(std::size_t count, const std::string& name, std::ostream& out) {
+    std::string kind = name;
+    for (char& letter : kind)
+        letter = letter == ' ' ? '-' : letter;
+    out << "<li" << (count == 0 ? " class=\"zero\"" : "")
+        << "><a href=\"#measurements\" data-verdict=\"" << name << "\"><b class=\"is-" << kind
+        << "\">" << count << "</b> " << (name == "all" ? "measurements" : name) << "</a></li>\n";
+}
+
+void WriteCounts(const Page& page, std::ostream& out) {
+    out << "<ul class=\"counts\" aria-label=\"Counts\">\n";
+    const std::size_t total = page.run.measurements.size();
+    WriteCount(total, "all", out);
+    if (page.judgements != nullptr) {
+        for (std::size_t index = 0; index < VerdictCount; ++index)
+            WriteCount(page.judgements->counts.at(index), NameOf(static_cast<Verdict>(index)), out);
+    } else {
+        WriteCount(CountMeasured(page.run), "measured", out);
+        WriteCount(total - CountMeasured(page.run), "not measured", out);
+    }
+    out << "</ul>\n";
+}
+
+void WriteFact(const std::string& name, const std::string& value, std::ostream& out) {
+    out << "<div><dt>" << EscapeHtml(name) << "</dt><dd>" << EscapeHtml(value) << "</dd></div>\n";
+}
+
+void WriteFacts(const Page& page, std::ostream& out) {
+    out << "<dl class=\"facts\">\n";
+    for (const PageFact& fact : page.facts)
+        WriteFact(fact.name, fact.value, out);
+    WriteFact("Configurations", std::to_string(page.run.configurations.size()), out);
+    if (page.run.unexpectedPowers > 0)
+        WriteFact("Powers of chains that were not asked for, not counted",
+                  std::to_string(page.run.unexpectedPowers), out);
+    out << "</dl>\n";
+}
+
+} // namespace
+
+std::string EscapeHtml(std::string_view text) {
+    std::string escaped;
+    for (const char letter : MakeHarmless(text)) {
+        switch (letter) {
+        case '&':
+            escaped += "&amp;";
+            break;
+        case '<':
+            escaped += "&lt;";
+            break;
+        case '>':
+            escaped += "&gt;";
+            break;
+        case '"':
+            escaped += "&quot;";
+            break;
+        case '\'':
+            escaped += "&#39;";
+            break;
+        default:
+            escaped += letter;
+        }
+    }
+    return escaped;
+}
+
+void WriteHead(const Page& page, std::ostream& out) {
+    out << "<p class=\"kind\">" << EscapeHtml(page.kind) << "</p>\n"
+        << "<h1>" << EscapeHtml(page.subject) << "</h1>\n";
+    WriteBanner(BannerOf(page), out);
+    WriteCounts(page, out);
+    WriteFacts(page, out);
+}
+
+} // namespace Bench
