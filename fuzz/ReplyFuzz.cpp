@@ -43,8 +43,8 @@ void CheckSorting(const std::string& message) {
     CheckEqual(ProblemOf(sorted), expected.problem, "a return code that is no number is told");
     if (!expected.problem.empty())
         return;
-    CheckEqual(sorted.information, expected.information, "the information is sorted");
-    CheckEqual(sorted.error, expected.error, "the errors are sorted");
+    CheckEqual(sorted.Information(), expected.information, "the information is sorted");
+    CheckEqual(sorted.Error(), expected.error, "the errors are sorted");
     CheckEqual(sorted.returnCode, expected.returnCode, "the return code is the last one's");
 }
 

@@ -31,8 +31,8 @@ auto FindArgument(List& arguments, const std::string& name) {
 }
 
 void Print(const SarvexTool::Reply& reply) {
-    std::cout << reply.information << std::flush;
-    std::cerr << reply.error << std::flush;
+    std::cout << reply.Information() << std::flush;
+    std::cerr << reply.Error() << std::flush;
 }
 
 } // namespace
@@ -130,10 +130,12 @@ int CliClient::SendCommand(bool waitForAnswer, const std::string& prefix) {
     if (!waitForAnswer)
         return 0;
     SarvexTool::Reply reply = SarvexTool::SortReply(SarvexTool::CutHttpHead(std::move(answer)));
+    // Printed first: a section may be a part of all lines, not a copy.
+    if (!reply.failure)
+        Print(reply);
     m_response = std::move(reply.allLines);
     if (reply.failure)
         std::rethrow_exception(reply.failure);
-    Print(reply);
     return reply.returnCode;
 }
 

@@ -77,9 +77,9 @@ private:
     void TakeSection() {
         const std::size_t size = m_lineStart - m_sectionStart;
         if (m_section == Section::Information)
-            m_reply.information.append(m_reply.allLines, m_sectionStart, size);
+            m_reply.information.Add(m_reply.allLines, m_sectionStart, size);
         else if (m_section == Section::Error)
-            m_reply.error.append(m_reply.allLines, m_sectionStart, size);
+            m_reply.error.Add(m_reply.allLines, m_sectionStart, size);
     }
 
     std::size_t m_lineStart = 0;
@@ -91,11 +91,28 @@ private:
 
 bool SaysUncalibrated(const Reply& reply) {
     constexpr std::string_view word = "uncalibrated";
-    return reply.information.find(word) != std::string::npos ||
-           reply.error.find(word) != std::string::npos;
+    return reply.Information().find(word) != std::string_view::npos ||
+           reply.Error().find(word) != std::string_view::npos;
 }
 
 } // namespace
+
+void SectionText::Add(const std::string& allLines, std::size_t start, std::size_t size) {
+    if (size == 0)
+        return;
+    if (m_size == 0) {
+        m_start = start;
+        m_size = size;
+        return;
+    }
+    if (m_joined.empty())
+        m_joined.assign(allLines, m_start, m_size);
+    m_joined.append(allLines, start, size);
+}
+
+std::string_view SectionText::In(const std::string& allLines) const {
+    return m_joined.empty() ? std::string_view(allLines).substr(m_start, m_size) : m_joined;
+}
 
 std::string CutHttpHead(std::string answer) {
     constexpr std::string_view headEnd = "\r\n\r\n";

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <utility>
 
 namespace SarvexTool {
 
@@ -86,20 +87,36 @@ TEST(ReplyTest, LinesAreSortedByTheMarkersBeforeThem) {
     for (const SortCase& row : cases) {
         SCOPED_TRACE(row.name);
         const Reply reply = SortReply(row.body);
-        EXPECT_EQ(reply.information, row.information);
-        EXPECT_EQ(reply.error, row.error);
+        EXPECT_EQ(reply.Information(), row.information);
+        EXPECT_EQ(reply.Error(), row.error);
         EXPECT_EQ(reply.returnCode, row.returnCode);
         EXPECT_EQ(reply.allLines, row.allLines);
         EXPECT_EQ(reply.failure, nullptr);
     }
 }
 
+TEST(ReplyTest, CopyAndMovedReplyKeepTheirTexts) {
+    const std::string line(100, 'x');
+    for (const std::string& text : {std::string("x"), line, "a\nSarvex tool INFO\n" + line}) {
+        SCOPED_TRACE(text);
+        Reply reply = SortReply(text + "\nSarvex tool ERROR\ne");
+        const std::string information(reply.Information());
+        const Reply copy = reply;
+        const Reply moved = std::move(reply);
+        reply = SortReply("another");
+        for (const Reply* const pReply : {&copy, &moved}) {
+            EXPECT_EQ(pReply->Information(), information);
+            EXPECT_EQ(pReply->Error(), "e\n");
+        }
+    }
+}
+
 TEST(ReplyTest, AnswerWithCrLfLinesIsAllInformation) {
     const Reply reply = SortReply(
         "Sarvex tool INFO\r\ni\r\nSarvex tool ERROR\r\ne\r\nSarvex tool RETURN CODE\r\n3\r\n");
-    EXPECT_EQ(reply.information, "Sarvex tool INFO\r\ni\r\nSarvex tool ERROR\r\ne\r\n"
-                                 "Sarvex tool RETURN CODE\r\n3\r\n\n");
-    EXPECT_EQ(reply.error, "");
+    EXPECT_EQ(reply.Information(), "Sarvex tool INFO\r\ni\r\nSarvex tool ERROR\r\ne\r\n"
+                                   "Sarvex tool RETURN CODE\r\n3\r\n\n");
+    EXPECT_EQ(reply.Error(), "");
     EXPECT_EQ(reply.returnCode, 0);
 }
 
@@ -142,8 +159,8 @@ TEST(ReplyTest, CodeLineWithoutANumberIsAFailureAndTheLastLine) {
             SortReply("i\nSarvex tool RETURN CODE\n" + code + "\nSarvex tool INFO\nmore");
         EXPECT_EQ(FailureText<std::invalid_argument>(reply), "invalid stoi argument");
         EXPECT_EQ(reply.allLines, "i\nSarvex tool RETURN CODE\n" + code + "\n");
-        EXPECT_EQ(reply.information, "i\n");
-        EXPECT_EQ(reply.error, "");
+        EXPECT_EQ(reply.Information(), "i\n");
+        EXPECT_EQ(reply.Error(), "");
     }
 }
 
