@@ -86,17 +86,22 @@ void BenchShortExchange(const std::string& client, const std::string& bare, int 
              "former client", 0.67);
 }
 
-void BenchLongAnswer(const std::string& client, int rounds) {
+/// former is empty where there is no former client to compare with.
+void BenchLongAnswer(const std::string& client, int rounds, const std::string& former) {
     std::string answer = "Sarvex tool INFO\n";
     while (answer.size() < (64 << 20))
         answer += "Target Power: Band 5 Bandwidth 80 Channel 36 Chain A (1) 17.5 dBm\n";
     const AnsweringPeer peer(answer + "Done");
-    const std::vector<double> medians = TimeInTurn(
-        {Command{{StageClient(client, peer.Port()), "-wifi-stop"}, ""},
-         Command{{"curl", "-s", "-d", "CLI -1 -vemo  -wifi-stop", CurlUrl(peer.Port())}, ""}},
-        rounds);
-    PrintRow("answer of 64 MiB into a pipe", medians[0], "ms", medians[0] / medians[1], "curl",
-             3.5);
+    std::vector<Command> commands{
+        Command{{StageClient(client, peer.Port()), "-wifi-stop"}, ""},
+        Command{{"curl", "-s", "-d", "CLI -1 -vemo  -wifi-stop", CurlUrl(peer.Port())}, ""}};
+    if (!former.empty())
+        commands.push_back(Command{{StageClient(former, peer.Port(), "former"), "-wifi-stop"}, ""});
+    const std::vector<double> medians = TimeInTurn(commands, rounds);
+    const char* const what = "answer of 64 MiB into a pipe";
+    PrintRow(what, medians[0], "ms", medians[0] / medians[1], "curl", 3.5);
+    if (!former.empty())
+        PrintRow(what, medians[0], "ms", medians[0] / medians[2], "former client", 1);
 }
 
 void PrintSize(const std::string& client) {
@@ -113,8 +118,9 @@ int main(int argc, char* argv[]) {
         return 2;
     }
     const int rounds = argc > 3 ? std::stoi(argv[3]) : 1000;
-    BenchShortExchange(argv[1], argv[2], rounds, argc > 4 ? argv[4] : "");
-    BenchLongAnswer(argv[1], std::max(3, rounds / 20));
+    const std::string former = argc > 4 ? argv[4] : "";
+    BenchShortExchange(argv[1], argv[2], rounds, former);
+    BenchLongAnswer(argv[1], std::max(3, rounds / 20), former);
     PrintSize(argv[1]);
     return 0;
 }
