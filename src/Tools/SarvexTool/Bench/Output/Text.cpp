@@ -1,0 +1,175 @@
+#include "Tools/SarvexTool/Bench/Output/Text.h"
+
+#include "Tools/SarvexTool/Bench/Core/Summaries.h"
+#include "Tools/SarvexTool/Bench/Output/Phrases.h"
+#include "Tools/SarvexTool/Bench/Output/ShownText.h"
+#include "Tools/SarvexTool/Bench/Output/TextTable.h"
+
+namespace Bench {
+
+namespace {
+
+constexpr const char* boldGreen = "\x1B[1;32m";
+constexpr const char* boldRed = "\x1B[1;31m";
+constexpr const char* plain = "\x1B[0m";
+
+void PrintConclusion(const Console& console, bool isGood, const std::string& word,
+                     const std::string& text) {
+    const char* const colour = isGood ? boldGreen : boldRed;
+    console.stream << (console.hasColours ? colour + word + plain : word) << ": " << text << "\n";
+}
+
+void PrintRun(const Console& console, const NamedRun& result) {
+    const DeviceFacts& device = result.device;
+    console.stream << MakeHarmless(result.name) << ": "
+                   << Counted(result.run.configurations.size(), "configuration") << ", "
+                   << Counted(result.run.measurements.size(), "measurement") << "; country code "
+                   << MakeHarmless(device.countryCode ? *device.countryCode
+                                                      : "unknown: " + device.whyUnknown)
+                   << "\n";
+    if (result.run.unexpectedPowers != 0)
+        console.stream << "  besides, " << Counted(result.run.unexpectedPowers, "power")
+                       << " of chains that are not expected, which do not count\n";
+}
+
+/// A measurement's settings between brackets; nothing where none is known.
+std::string Bracketed(const Settings& settings) {
+    const std::string phrase = PhraseOf(settings);
+    return phrase.empty() ? "" : " (" + phrase + ")";
+}
+
+std::string Decibels(const std::optional<Decimal>& number) {
+    return number ? number->ToText() + " dB" : "-";
+}
+
+std::string PlaceOf(const RunResult& run, const Measurement& measurement) {
+    return "line " + std::to_string(run.LineOf(measurement)) + " chain " +
+           NameOf(measurement.chain);
+}
+
+std::vector<std::string> RowOf(const std::string& title, const VerdictCounts& counts,
+                               const JudgedRun& judged) {
+    std::vector<std::string> row{title};
+    for (const std::size_t count : counts.counts)
+        row.push_back(std::to_string(count));
+    const Judgement* const worst = counts.worst ? &judged.judgements.all[*counts.worst] : nullptr;
+    row.push_back(Decibels(worst != nullptr ? worst->margin : std::nullopt));
+    const RunResult& run = judged.result.run;
+    row.push_back(worst != nullptr ? PlaceOf(run, run.measurements[worst->measurement]) : "-");
+    return row;
+}
+
+void PrintSummary(const Console& console, const JudgedRun& judged) {
+    const JudgementSummary summary = Summarize(judged.result.run, judged.judgements);
+    std::vector<std::string> titles{"Band"};
+    for (std::size_t verdict = 0; verdict < VerdictCount; ++verdict)
+        titles.emplace_back(NameOf(static_cast<Verdict>(verdict)));
+    titles.emplace_back("worst margin");
+    titles.emplace_back("at");
+    TextTable table(titles, 1);
+    for (const VerdictCounts& band : summary.bands)
+        table.Add(RowOf(band.band == nullptr ? "unknown" : *band.band, band, judged));
+    table.Add(RowOf("all", summary.all, judged));
+    table.Print(console.stream);
+}
+
+void PrintNotPassed(const Console& console, const JudgedRun& judged) {
+    const RunResult& run = judged.result.run;
+    for (const std::uint32_t place : NotPassed(judged.judgements)) {
+        const Judgement& judgement = judged.judgements.all[place];
+        const Measurement& measurement = run.measurements[judgement.measurement];
+        console.stream << PlaceOf(run, measurement) << ": "
+                       << MakeHarmless(PhraseOf(run, judgement) +
+                                       Bracketed(run.SettingsOf(measurement)))
+                       << "\n";
+    }
+}
+
+/// Where a difference is, and its settings.
+std::string PlaceOf(const ComparedRuns& compared, const Difference& difference) {
+    const RunResult& oldRun = compared.oldResult.run;
+    const RunResult& newRun = compared.newResult.run;
+    const bool isInOld = difference.oldMeasurement.has_value();
+    const RunResult& run = isInOld ? oldRun : newRun;
+    const Measurement& measurement =
+        run.measurements[isInOld ? *difference.oldMeasurement : *difference.newMeasurement];
+    std::string text = "line " + std::to_string(run.LineOf(measurement));
+    if (isInOld && difference.newMeasurement)
+        text += " and " +
+                std::to_string(newRun.LineOf(newRun.measurements[*difference.newMeasurement]));
+    return text + " chain " + NameOf(measurement.chain);
+}
+
+void PrintShifts(const Console& console, const std::vector<Shift>& shifts) {
+    if (shifts.empty())
+        return;
+    TextTable table({"Band", "Rate", "pairs", "mean shift"}, 2);
+    for (const Shift& shift : shifts)
+        table.Add({shift.band == nullptr ? "unknown" : *shift.band,
+                   shift.rate == nullptr ? "unknown" : *shift.rate, std::to_string(shift.pairs),
+                   (shift.mean > 0 ? "+" : "") + Rounded(shift.mean) + " dB"});
+    table.Print(console.stream);
+    console.stream << "\n";
+}
+
+void PrintDifference(const Console& console, const ComparedRuns& compared,
+                     const Difference& difference) {
+    const RunResult& oldRun = compared.oldResult.run;
+    const RunResult& newRun = compared.newResult.run;
+    const RunResult& run = difference.oldMeasurement ? oldRun : newRun;
+    const Measurement& measurement =
+        run.measurements[difference.oldMeasurement ? *difference.oldMeasurement
+                                                   : *difference.newMeasurement];
+    console.stream << PlaceOf(compared, difference) << ": "
+                   << MakeHarmless(PhraseOf(oldRun, newRun, difference) +
+                                   Bracketed(run.SettingsOf(measurement)))
+                   << "\n";
+}
+
+std::string Conclusion(const Differences& differences, Decimal tolerance) {
+    const std::size_t count = differences.all.size();
+    return (count == 0 ? "no difference" : Counted(count, "difference")) + ", " +
+           Counted(differences.pairs, "measurement") + (differences.pairs == 1 ? " is" : " are") +
+           " in both runs; tolerance " + tolerance.ToText() + " dB";
+}
+
+} // namespace
+
+void PrintJudgements(const Console& console, const JudgedRun& judged) {
+    PrintRun(console, judged.result);
+    console.stream << "\n";
+    PrintSummary(console, judged);
+    console.stream << "\n";
+    const Judgements& judgements = judged.judgements;
+    const std::size_t count = judgements.all.size();
+    if (judgements.HaveAllPassed()) {
+        PrintConclusion(console, true, "PASS", Counted(count, "measurement"));
+        return;
+    }
+    PrintNotPassed(console, judged);
+    console.stream << "\n";
+    const std::size_t notPassed = count - judgements.Count(Verdict::Pass);
+    PrintConclusion(console, false, "FAIL",
+                    std::to_string(notPassed) + " of " + Counted(count, "measurement") +
+                        " did not pass");
+}
+
+void PrintDifferences(const Console& console, const ComparedRuns& compared) {
+    const Differences& differences = compared.differences;
+    PrintRun(console, compared.oldResult);
+    PrintRun(console, compared.newResult);
+    if (differences.noise)
+        console.stream << "noise of repeated lines: " << Rounded(*differences.noise)
+                       << " dB (standard deviation)\n";
+    console.stream << "\n";
+    PrintShifts(console, differences.shifts);
+    for (const Difference& difference : differences.all)
+        PrintDifference(console, compared, difference);
+    if (!differences.all.empty())
+        console.stream << "\n";
+    PrintConclusion(console, differences.all.empty(),
+                    differences.all.empty() ? "ALIKE" : "DIFFERENT",
+                    Conclusion(differences, compared.tolerance));
+}
+
+} // namespace Bench

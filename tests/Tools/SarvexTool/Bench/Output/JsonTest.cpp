@@ -1,0 +1,75 @@
+#include "Tools/SarvexTool/Bench/Output/Json.h"
+#include "tests/Tools/SarvexTool/Bench/Output/OutputFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace Bench {
+namespace {
+
+TEST(JsonTest, JudgementHoldsEveryMeasurement) {
+    OutputFixture fixture;
+    std::ostringstream stream;
+    WriteJson(stream, fixture.Judged());
+    EXPECT_EQ(stream.str(), R"({"form": "judgement", "version": 1,
+"result": {"file": "run/result.csv", "countryCode": "US", "configurations": 6, "measurements": 8, "unexpectedPowers": 1},
+"limits": "limits.csv",
+"passed": false, "counts": {"pass": 3, "tooLow": 1, "tooHigh": 1, "notMeasured": 2, "noLimit": 1}, "worstMargin": -0.5,
+"bands": [
+{"band": "2.4", "counts": {"pass": 0, "tooLow": 0, "tooHigh": 1, "notMeasured": 0, "noLimit": 0}, "worstMargin": -0.5},
+{"band": "5", "counts": {"pass": 3, "tooLow": 1, "tooHigh": 0, "notMeasured": 0, "noLimit": 0}, "worstMargin": -0.25},
+{"band": "6", "counts": {"pass": 0, "tooLow": 0, "tooHigh": 0, "notMeasured": 2, "noLimit": 0}, "worstMargin": null},
+{"band": "7", "counts": {"pass": 0, "tooLow": 0, "tooHigh": 0, "notMeasured": 0, "noLimit": 1}, "worstMargin": null}
+],
+"measurements": [
+{"line": 2, "chain": "A", "settings": {"Band": "5", "Chains": "AB", "Bandwidth": "80", "Channel": "36", "Rate": "MCS9"}, "power": 12.5, "verdict": "pass", "limit": {"line": 2, "minimum": 12, "maximum": 14}, "margin": 0.5},
+{"line": 2, "chain": "B", "settings": {"Band": "5", "Chains": "AB", "Bandwidth": "80", "Channel": "36", "Rate": "MCS9"}, "power": 11.75, "verdict": "too low", "limit": {"line": 2, "minimum": 12, "maximum": 14}, "margin": -0.25},
+{"line": 3, "chain": "A", "settings": {"Band": "2.4", "Chains": "A", "Bandwidth": "20", "Channel": "6", "Rate": "MCS9"}, "power": 15, "verdict": "too high", "limit": {"line": 3, "minimum": null, "maximum": 14.5}, "margin": -0.5},
+{"line": 4, "chain": "A", "settings": {"Band": "6", "Chains": "A", "Bandwidth": "20", "Channel": "500", "Rate": "MCS9"}, "power": null, "reason": "no power was reported", "verdict": "not measured", "limit": {"line": 4, "minimum": null, "maximum": null}, "margin": null},
+{"line": 5, "chain": "A", "settings": {"Band": "6", "Chains": "A", "Bandwidth": "20", "Channel": "1", "Rate": "MCS9"}, "power": null, "reason": "Band is uncertain since line 4", "verdict": "not measured", "limit": {"line": 4, "minimum": null, "maximum": null}, "margin": null},
+{"line": 6, "chain": "B", "settings": {"Band": "7", "Chains": "B", "Bandwidth": "20", "Channel": "1", "Rate": "MCS9"}, "power": 1, "verdict": "no limit", "limit": null, "margin": null},
+{"line": 7, "chain": "A", "settings": {"Band": "5", "Chains": "AB", "Bandwidth": "80", "Channel": "36", "Rate": "MCS9"}, "power": 13, "verdict": "pass", "limit": {"line": 2, "minimum": 12, "maximum": 14}, "margin": 1},
+{"line": 7, "chain": "B", "settings": {"Band": "5", "Chains": "AB", "Bandwidth": "80", "Channel": "36", "Rate": "MCS9"}, "power": 13, "verdict": "pass", "limit": {"line": 2, "minimum": 12, "maximum": 14}, "margin": 1}
+]
+}
+)");
+}
+
+TEST(JsonTest, ComparisonHoldsTheDifferences) {
+    OutputFixture fixture;
+    std::ostringstream stream;
+    WriteJson(stream, fixture.Compared());
+    EXPECT_EQ(stream.str(), R"({"form": "comparison", "version": 1,
+"old": {"file": "old.csv", "countryCode": null, "configurations": 3, "measurements": 4, "unexpectedPowers": 0},
+"new": {"file": "run/result.csv", "countryCode": "US", "configurations": 6, "measurements": 8, "unexpectedPowers": 1},
+"tolerance": 0.5, "alike": false, "pairs": 4, "noise": null,
+"shifts": [
+{"band": "2.4", "rate": "MCS9", "pairs": 1, "mean": 0.75},
+{"band": "5", "rate": "MCS9", "pairs": 2, "mean": -0.375}
+],
+"differences": [
+{"kind": "changed", "chain": "A", "settings": {"Band": "2.4", "Chains": "A", "Bandwidth": "20", "Channel": "6", "Rate": "MCS9"}, "old": {"line": 2, "power": 14.25}, "new": {"line": 3, "power": 15}, "change": 0.75, "withinNoise": false},
+{"kind": "changed", "chain": "B", "settings": {"Band": "5", "Chains": "AB", "Bandwidth": "80", "Channel": "36", "Rate": "MCS9"}, "old": {"line": 4, "power": 12.5}, "new": {"line": 2, "power": 11.75}, "change": -0.75, "withinNoise": false},
+{"kind": "measuredInOldOnly", "chain": "A", "settings": {"Band": "6", "Chains": "A", "Bandwidth": "20", "Channel": "500", "Rate": "MCS9"}, "old": {"line": 3, "power": 9}, "new": {"line": 4, "power": null, "reason": "no power was reported"}, "change": null, "withinNoise": false},
+{"kind": "inNewOnly", "chain": "A", "settings": {"Band": "6", "Chains": "A", "Bandwidth": "20", "Channel": "1", "Rate": "MCS9"}, "old": null, "new": {"line": 5, "power": null, "reason": "Band is uncertain since line 4"}, "change": null, "withinNoise": false},
+{"kind": "inNewOnly", "chain": "B", "settings": {"Band": "7", "Chains": "B", "Bandwidth": "20", "Channel": "1", "Rate": "MCS9"}, "old": null, "new": {"line": 6, "power": 1}, "change": null, "withinNoise": false},
+{"kind": "inNewOnly", "chain": "A", "settings": {"Band": "5", "Chains": "AB", "Bandwidth": "80", "Channel": "36", "Rate": "MCS9"}, "old": null, "new": {"line": 7, "power": 13}, "change": null, "withinNoise": false},
+{"kind": "inNewOnly", "chain": "B", "settings": {"Band": "5", "Chains": "AB", "Bandwidth": "80", "Channel": "36", "Rate": "MCS9"}, "old": null, "new": {"line": 7, "power": 13}, "change": null, "withinNoise": false}
+]
+}
+)");
+}
+
+TEST(JsonTest, AnyBytesOfACellMakeValidJson) {
+    OutputFixture fixture;
+    fixture.JudgeChannel(std::string_view("\"\\\x1B\xFF\0", 5));
+    std::ostringstream stream;
+    WriteJson(stream, fixture.Judged());
+    EXPECT_NE(stream.str().find("\"Channel\": \"\\\"\\\\\\u001b\xEF\xBF\xBD\\u0000\""),
+              std::string::npos)
+        << stream.str();
+}
+
+} // namespace
+} // namespace Bench
