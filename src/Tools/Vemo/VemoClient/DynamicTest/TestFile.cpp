@@ -3,22 +3,31 @@
 namespace PowerTest {
 
 std::string TrimField(const std::string& text) {
-    constexpr const char* whiteSpace = "\r\n\t ";
+    return std::string(TrimmedView(text));
+}
+
+std::string_view TrimmedView(std::string_view text) {
+    constexpr std::string_view whiteSpace = "\r\n\t ";
     const std::size_t first = text.find_first_not_of(whiteSpace);
-    if (first == std::string::npos)
+    if (first == std::string_view::npos)
         return text;
     return text.substr(first, text.find_last_not_of(whiteSpace) + 1 - first);
 }
 
 Fields SplitFields(const std::string& line) {
-    Fields fields;
+    std::vector<std::string_view> views;
+    SplitFields(line, views);
+    return {views.begin(), views.end()};
+}
+
+void SplitFields(std::string_view line, std::vector<std::string_view>& fields) {
+    fields.clear();
     std::size_t start = line.find_first_not_of(',');
-    while (start != std::string::npos) {
+    while (start != std::string_view::npos) {
         const std::size_t end = line.find(',', start);
-        fields.push_back(TrimField(line.substr(start, end - start)));
+        fields.push_back(TrimmedView(line.substr(start, end - start)));
         start = line.find_first_not_of(',', end);
     }
-    return fields;
 }
 
 TestFiles::TestFiles(const std::string& testFileName, const std::string& csvFileName,

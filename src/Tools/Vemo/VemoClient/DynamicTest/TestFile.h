@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace PowerTest {
@@ -12,11 +13,17 @@ using Fields = std::vector<std::string>;
 /// but these stays as it is.
 std::string TrimField(const std::string& text);
 
+/// The same part of the text itself.
+std::string_view TrimmedView(std::string_view text);
+
 /// Cuts a line of the test file at its commas and trims the fields. A run of commas is one
 /// separator and commas at either end separate nothing, so an empty cell is no field at all and
 /// what follows it moves one column to the left. The test files are written with that in mind: a
 /// cell that is to stay unset holds "-".
 Fields SplitFields(const std::string& line);
+
+/// The same fields as parts of the line itself, in place of what the list holds.
+void SplitFields(std::string_view line, std::vector<std::string_view>& fields);
 
 /// The files of a test run: the test file for reading, in text mode, and the two result files,
 /// which are created anew. All are closed when the object goes.
