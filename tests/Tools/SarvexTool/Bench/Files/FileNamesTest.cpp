@@ -48,11 +48,11 @@ TEST_F(FileNamesTest, NamesInFoldersThatAreNotThereDiffer) {
 }
 
 TEST_F(FileNamesTest, ANameMayHoldAnyCharacter) {
-    const std::string name = Path("Ω 測試.csv");
+    const std::string name = directory.Path() + "/Ω 測試.csv";
     std::ofstream(PathOf(name)) << "Band\n";
     EXPECT_TRUE(std::filesystem::exists(std::filesystem::path(directory.Path()) /
                                         std::filesystem::path(u8"Ω 測試.csv")));
-    EXPECT_NE(ProblemOfNames({name}, {Path("./Ω 測試.csv")}), std::nullopt);
+    EXPECT_NE(ProblemOfNames({name}, {directory.Path() + "/./Ω 測試.csv"}), std::nullopt);
 }
 
 } // namespace

@@ -95,7 +95,7 @@ TEST_F(OutputFileTest, AFolderIsNotReplaced) {
 }
 
 TEST_F(OutputFileTest, ANameMayHoldAnyCharacter) {
-    WriteOutput(directory.Path("Ω 測試.csv"), standardOutput, "text");
+    WriteOutput(directory.Path() + "/Ω 測試.csv", standardOutput, "text");
     EXPECT_TRUE(std::filesystem::exists(std::filesystem::path(directory.Path()) /
                                         std::filesystem::path(u8"Ω 測試.csv")));
 }
