@@ -6,12 +6,14 @@ usage: bare_tree_test.py CLIENT SIMULATOR
 import os
 import pathlib
 import shutil
-import socket
 import subprocess
 import sys
 import tempfile
 import threading
 import unittest
+
+sys.dont_write_bytecode = True
+import free_port
 
 # A system may allow the one, the other, or both: to root, or to a user in a name space of its own.
 WAYS_IN = (["unshare"], ["unshare", "--map-root-user"])
@@ -19,24 +21,12 @@ WAYS_IN = (["unshare"], ["unshare", "--map-root-user"])
 NAME_SERVICES = "hosts: elsewhere\nservices: elsewhere\n"
 
 
-def free_port():
-    """A free port of four digits: the client's port file holds no more."""
-    for port in range(3000, 10000):
-        with socket.socket() as probe:
-            try:
-                probe.bind(("127.0.0.1", port))
-                return port
-            except OSError:
-                continue
-    raise RuntimeError("no free four-digit port")
-
-
 class AnsweringPeer:
     """Answers one request on 127.0.0.1 and keeps what it said."""
 
     def __init__(self):
-        self.port = free_port()
-        self.listener = socket.create_server(("127.0.0.1", self.port))
+        self.listener = free_port.listen()
+        self.port = self.listener.getsockname()[1]
         self.request = b""
         self.thread = threading.Thread(target=self.serve, daemon=True)
         self.thread.start()
@@ -58,7 +48,7 @@ class BareTreeTest(unittest.TestCase):
         self.addCleanup(shutil.rmtree, self.tree, True)
         self.way_in = None
         shutil.copy(client_path, self.tree / "SarvexToolClient")
-        shutil.copy(simulator_path, self.tree / "vemo")
+        shutil.copy(simulator_path, self.tree / "simulator")
         self.way_in = self.find_way_in()
 
     def inside(self, way_in, *command):
@@ -68,7 +58,7 @@ class BareTreeTest(unittest.TestCase):
     def find_way_in(self):
         reports = []
         for way_in in WAYS_IN:
-            run = subprocess.run(self.inside(way_in, "/vemo", "--help"), capture_output=True,
+            run = subprocess.run(self.inside(way_in, "/simulator", "--help"), capture_output=True,
                                  text=True, timeout=60, check=False)
             if run.returncode == 0:
                 return way_in
@@ -81,7 +71,7 @@ class BareTreeTest(unittest.TestCase):
                               capture_output=True, text=True, timeout=60, check=False)
 
     def test_the_tree_holds_nothing_but_the_programs(self):
-        self.assertEqual({"SarvexToolClient", "vemo"}, set(os.listdir(self.tree)))
+        self.assertEqual({"SarvexToolClient", "simulator"}, set(os.listdir(self.tree)))
         run = self.run_client("-x")
         self.assertEqual(
             (1, "", "Failed to connect to daemon. Please ensure that daemon was started.\n"),
@@ -99,7 +89,7 @@ class BareTreeTest(unittest.TestCase):
         self.assertIn(b"\r\n\r\nCLI -1 -vemo  -wifi-stop", peer.request)
 
     def test_the_client_talks_to_the_simulated_daemon(self):
-        simulator = subprocess.Popen(self.inside(self.way_in, "/vemo", "--port", "0"),
+        simulator = subprocess.Popen(self.inside(self.way_in, "/simulator", "--port", "0"),
                                      stdout=subprocess.PIPE, text=True)
         self.addCleanup(simulator.stdout.close)
         self.addCleanup(simulator.wait)

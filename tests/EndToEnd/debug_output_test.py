@@ -6,26 +6,21 @@ usage: debug_output_test.py WINE CLIENT
 import os
 import pathlib
 import shutil
-import socket
 import subprocess
 import sys
 import tempfile
 import threading
 import unittest
 
+sys.dont_write_bytecode = True
+import free_port
+
 
 class AnsweringPeer:
     """Answers every connection on a free four-digit port with the same text."""
 
     def __init__(self):
-        self.listener = socket.socket()
-        for port in range(2000, 10000):
-            try:
-                self.listener.bind(("127.0.0.1", port))
-                break
-            except OSError:
-                continue
-        self.listener.listen()
+        self.listener = free_port.listen()
         self.port = self.listener.getsockname()[1]
         threading.Thread(target=self.serve, daemon=True).start()
 

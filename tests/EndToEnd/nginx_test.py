@@ -5,7 +5,6 @@ usage: nginx_test.py CLIENT
 """
 import os
 import pathlib
-import random
 import shutil
 import socket
 import subprocess
@@ -13,6 +12,9 @@ import sys
 import tempfile
 import time
 import unittest
+
+sys.dont_write_bytecode = True
+import free_port
 
 CONFIGURATION = """
 daemon off;
@@ -49,18 +51,6 @@ http {{
 """
 
 
-def free_port(first):
-    """A free port of four digits: the client's port file holds no more."""
-    for port in range(first, 10000):
-        with socket.socket() as probe:
-            try:
-                probe.bind(("127.0.0.1", port))
-                return port
-            except OSError:
-                continue
-    raise RuntimeError("no free four-digit port")
-
-
 def wait_until_listening(port):
     for _ in range(500):
         with socket.socket() as probe:
@@ -75,8 +65,8 @@ class NginxTest(unittest.TestCase):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="sarvex-nginx-"))
         self.addCleanup(shutil.rmtree, self.folder, True)
         self.client = shutil.copy(client_path, self.folder)
-        front = free_port(random.randrange(2000, 9000))
-        back = free_port(front + 1)
+        with free_port.listen() as first, free_port.listen() as second:
+            front, back = (listener.getsockname()[1] for listener in (first, second))
         (self.folder / "Socket.cfg").write_bytes(str(front).encode())
         (self.folder / "nginx.conf").write_text(
             CONFIGURATION.format(folder=self.folder, front=front, back=back))
