@@ -14,16 +14,11 @@ constexpr std::array<const char*, 16> tags{
     "[ WARNNING1   ]", "[ WARNNING2   ]",  "[ FW_WRNNING  ]",  "[ INFO0       ]",
     "[ LL_INFO1    ]", "[ INFO2       ]",  "[ INFO3       ]",  "[ FW_INFO     ]"};
 
-const char* FindTag(std::int32_t level) {
-    const bool isKnown = level >= 0 && level < static_cast<std::int32_t>(tags.size());
-    // cppcheck-suppress CastIntegerToAddressAtReturn ; a pointer
-    return tags[isKnown ? static_cast<std::size_t>(level) : 0];
-}
+// A negative number of a level or a sink becomes an index far beyond the last one.
 
-/// The place of a sink in an array of sinks; the array's size when there is no such sink.
-std::size_t ToIndex(int sinkIndex, std::size_t count) {
-    const bool isKnown = sinkIndex >= 0 && static_cast<std::size_t>(sinkIndex) < count;
-    return isKnown ? static_cast<std::size_t>(sinkIndex) : count;
+const char* FindTag(std::int32_t level) {
+    const auto index = static_cast<std::size_t>(level);
+    return index < tags.size() ? tags[index] : tags[0];
 }
 
 } // namespace
@@ -56,8 +51,8 @@ void CDebugPrint::Print(const char* context, std::int32_t level, const char* for
 }
 
 void CDebugPrint::SetThreshold(int sinkIndex, std::int32_t level) {
-    const std::size_t index = ToIndex(sinkIndex, sinkCount);
-    if (index == sinkCount)
+    const auto index = static_cast<std::size_t>(sinkIndex);
+    if (index >= sinkCount)
         return;
     m_thresholds[index] = level;
     // The last call alone decides, whatever the other sinks' thresholds are: hosts switch all
@@ -66,13 +61,13 @@ void CDebugPrint::SetThreshold(int sinkIndex, std::int32_t level) {
 }
 
 std::int32_t CDebugPrint::GetThreshold(int sinkIndex) const {
-    const std::size_t index = ToIndex(sinkIndex, sinkCount);
-    return index == sinkCount ? 0 : m_thresholds[index];
+    const auto index = static_cast<std::size_t>(sinkIndex);
+    return index < sinkCount ? m_thresholds[index] : 0;
 }
 
 void CDebugPrint::SetSink(int sinkIndex, IDebugSink* sink) {
-    const std::size_t index = ToIndex(sinkIndex, sinkCount);
-    if (index != sinkCount)
+    const auto index = static_cast<std::size_t>(sinkIndex);
+    if (index < sinkCount)
         m_sinks[index] = sink;
 }
 
