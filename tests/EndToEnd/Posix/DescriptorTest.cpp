@@ -16,7 +16,7 @@ using Names = std::vector<std::string>;
 
 /// The open descriptors of a process, sorted: a file by its name, a TCP connection as "connection".
 Names OpenDescriptors(std::uint64_t process) {
-    const std::string connections = ReadSocketTable();
+    const std::string connections = TestSupport::ReadBytes(socketTablePath);
     Names names;
     for (const auto& entry :
          std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/fd")) {

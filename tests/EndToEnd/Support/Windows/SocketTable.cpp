@@ -1,12 +1,12 @@
 #include "tests/EndToEnd/Support/SocketTable.h"
 
-#include "tests/Support/Files.h"
-
 namespace EndToEnd {
 
-std::string ReadSocketTable() {
-    // Under wine this drive is the root of the system below.
-    return TestSupport::ReadBytes("Z:\\proc\\net\\tcp");
+// Under wine this drive is the root of the system below.
+const char* const socketTablePath = "Z:\\proc\\net\\tcp";
+
+Waiting FindWaiting(std::uint16_t localPort, std::uint16_t remotePort) {
+    return FindInSocketTable(localPort, remotePort);
 }
 
 } // namespace EndToEnd
