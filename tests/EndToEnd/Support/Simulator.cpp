@@ -6,11 +6,14 @@
 
 namespace EndToEnd {
 
+std::string SimulatorPath() {
+    return TestProgramDirectory() + "/" + ExecutableName("SimulatedDaemon");
+}
+
 Simulator::Simulator(const std::vector<std::string>& options) {
     std::vector<std::string> arguments = {"--port", "0"};
     arguments.insert(arguments.end(), options.begin(), options.end());
-    const std::string program = TestProgramDirectory() + "/" + ExecutableName("vemo");
-    m_process = std::make_unique<Process>(program, arguments, m_directory.Path());
+    m_process = std::make_unique<Process>(SimulatorPath(), arguments, m_directory.Path());
     for (int attempt = 0; attempt < 3000; ++attempt) {
         const std::string out = m_process->OutSoFar();
         const std::size_t lineEnd = out.find_first_of("\r\n");

@@ -8,6 +8,10 @@
 
 namespace EndToEnd {
 
+/// The real simulated daemon under a name that the client does not take for a running daemon: tests
+/// that look for one may run at the same time.
+std::string SimulatorPath();
+
 /// The real simulated daemon on a free port, running from construction to destruction.
 class Simulator {
 public:

@@ -95,7 +95,9 @@ public:
         TestSupport::WriteBytes(m_directory.Path("answer.bin"), "raw");
     }
 
-    std::string Program() const { return m_directory.Path(EndToEnd::ExecutableName("vemo")); }
+    std::string Program() const {
+        return m_directory.Path(EndToEnd::ExecutableName("SimulatedDaemon"));
+    }
     std::string Directory() const { return m_directory.Path(); }
 
 private:

@@ -32,7 +32,9 @@ public:
         TestSupport::WriteBytes(m_directory.Path("Socket.cfg"), portFile);
     }
 
-    std::string Path() const { return m_directory.Path(EndToEnd::ExecutableName("vemo")); }
+    std::string Path() const {
+        return m_directory.Path(EndToEnd::ExecutableName("SimulatedDaemon"));
+    }
     std::string Directory() const { return m_directory.Path(); }
 
 private:

@@ -20,10 +20,6 @@ std::vector<std::string> WithFreePort(std::vector<std::string> arguments) {
 
 } // namespace
 
-std::string SimulatorPath() {
-    return EndToEnd::TestProgramDirectory() + "/" + EndToEnd::ExecutableName("vemo");
-}
-
 RunningSimulator::RunningSimulator(std::vector<std::string> arguments)
     : m_process(SimulatorPath(), WithFreePort(std::move(arguments)), m_directory.Path()),
       m_port(PortIn(WaitForLine(m_process))) {}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/EndToEnd/Support/Process.h"
+#include "tests/EndToEnd/Support/Simulator.h"
 #include "tests/Support/Files.h"
 
 #include <cstdint>
@@ -9,8 +10,7 @@
 
 namespace VemoSimulator {
 
-/// The path of the real program.
-std::string SimulatorPath();
+using EndToEnd::SimulatorPath;
 
 /// The real program, listening; its working directory is a new one. It is ended with the object
 /// unless it has ended by then.
