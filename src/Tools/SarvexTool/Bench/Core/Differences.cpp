@@ -38,7 +38,9 @@ public:
         constexpr std::size_t fewest = 3;
         if (m_repeats < fewest)
             return std::nullopt;
-        return std::sqrt(m_squares / static_cast<double>(m_repeats));
+        const double deviation = std::sqrt(m_squares / static_cast<double>(m_repeats));
+        return Decimal::FromUnits(std::llround(deviation / Decimal::FromUnits(1).ToDouble()))
+            .ToDouble();
     }
 
 private:

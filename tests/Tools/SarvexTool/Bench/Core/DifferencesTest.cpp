@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 namespace Bench {
 namespace {
 
@@ -159,10 +157,32 @@ TEST_F(DifferencesTest, NoiseIsThePooledDeviationOfRepeats) {
         {{"5", "MCS0", "11.5"}, {"5", "MCS0", "11.5"}, {"5", "MCS1", "10"}, {"6", "MCS1", "3"}});
     const Differences found = Compare(oldRun, newRun, "0.5"_dB);
     ASSERT_TRUE(found.noise.has_value());
-    EXPECT_DOUBLE_EQ(*found.noise, std::sqrt(10.0 / 3.0));
+    EXPECT_EQ(*found.noise, 1.825741858) << "the root of 10 / 3";
     EXPECT_EQ(Describe(oldRun, newRun, found), "changed 2 2 1.5 noise\n"
                                                "in old 5 - 0\n"
                                                "in new - 5 0\n");
+}
+
+TEST_F(DifferencesTest, ChangeOfExactlyTheNoiseIsWithinIt) {
+    // Three repeats at equal distances deviate by the distance.
+    EXPECT_EQ(Compared({{"5", "MCS0", "10"},
+                        {"5", "MCS0", "10.1"},
+                        {"5", "MCS0", "10.2"},
+                        {"6", "MCS0", "12"},
+                        {"7", "MCS0", "12"}},
+                       {{"5", "MCS0", "10"},
+                        {"5", "MCS0", "10.1"},
+                        {"5", "MCS0", "10.2"},
+                        {"6", "MCS0", "12.1"},
+                        {"7", "MCS0", "12.100000001"}},
+                       Decimal()),
+              "changed 6 6 0.100000001\n"
+              "changed 5 5 0.1 noise\n");
+}
+
+TEST_F(DifferencesTest, RepeatsThatAreAlikeHaveNoNoise) {
+    const RunResult run = RunOf({{"5", "MCS0", "0.1"}, {"5", "MCS0", "0.1"}, {"5", "MCS0", "0.1"}});
+    EXPECT_EQ(Compare(run, run, Decimal()).noise, 0.0);
 }
 
 TEST_F(DifferencesTest, FewerThanThreeRepeatsTellNoNoise) {
