@@ -1,11 +1,11 @@
 #include "Tools/SarvexTool/Bench/Output/Page/DataBlock.h"
 
+#include "Tools/SarvexTool/Bench/Output/Phrases.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 
 #include <nlohmann/json.hpp>
 
 #include <array>
-#include <charconv>
 #include <ostream>
 #include <string_view>
 #include <unordered_map>
@@ -25,15 +25,6 @@ std::string Quoted(std::string_view text) {
 
 std::string DecimalOrNull(const std::optional<Decimal>& number) {
     return number ? "\"" + number->ToText() + "\"" : "null";
-}
-
-/// A mean or a deviation, to hundredths.
-std::string Rounded(double number) {
-    std::array<char, 64> text{};
-    const auto end =
-        std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed, 2);
-    const std::string_view shown(text.data(), static_cast<std::size_t>(end.ptr - text.data()));
-    return Quoted(shown == "-0.00" ? "0.00" : shown);
 }
 
 /// Gives each text of the page its place.
@@ -194,8 +185,8 @@ private:
             WriteDifference(difference);
         }
         m_out << "],\n\"tolerance\":" << DecimalOrNull(m_page.baseline->tolerance)
-              << ",\n\"noise\":" << (differences.noise ? Rounded(*differences.noise) : "null")
-              << ",\n";
+              << ",\n\"noise\":"
+              << (differences.noise ? Quoted(Rounded(*differences.noise)) : "null") << ",\n";
         WriteShifts(differences);
     }
 
@@ -230,7 +221,7 @@ private:
         Lines lines(m_out);
         for (const Shift& shift : differences.shifts)
             lines.Next() << "[" << m_texts.PlaceOf(shift.band) << "," << m_texts.PlaceOf(shift.rate)
-                         << "," << shift.pairs << "," << Rounded(shift.mean) << "]";
+                         << "," << shift.pairs << "," << Quoted(Rounded(shift.mean)) << "]";
         m_out << "],\n";
     }
 

@@ -1,5 +1,6 @@
 #include "Tools/SarvexTool/Bench/Output/Page/Head.h"
 
+#include "Tools/SarvexTool/Bench/Output/Phrases.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 
 #include <array>
@@ -16,13 +17,8 @@ struct Banner {
     std::string sentence;
 };
 
-/// "1 measurement" or "12 measurements".
-std::string Counted(std::size_t count, const char* one, const char* many) {
-    return std::to_string(count) + " " + (count == 1 ? one : many);
-}
-
 std::string Measurements(std::size_t count) {
-    return Counted(count, "measurement", "measurements");
+    return Counted(count, "measurement");
 }
 
 std::size_t CountMeasured(const RunResult& run) {
@@ -60,16 +56,15 @@ Banner BannerOfJudgements(const Judgements& judgements) {
 }
 
 Banner BannerOfBaseline(const PageBaseline& baseline) {
-    const std::string pairs =
-        Counted(baseline.differences.pairs, "measurement is", "measurements are");
+    const std::size_t count = baseline.differences.pairs;
+    const std::string pairs = Measurements(count) + (count == 1 ? " is" : " are") + " in both runs";
     const std::string tolerance = baseline.tolerance.ToText() + " dB";
     if (baseline.differences.all.empty())
-        return {"pass", "Alike",
-                pairs + " in both runs, and none differs by more than " + tolerance + "."};
+        return {"pass", "Alike", pairs + ", and none differs by more than " + tolerance + "."};
     return {"fail", "Different",
-            Counted(baseline.differences.all.size(), "difference", "differences") +
+            Counted(baseline.differences.all.size(), "difference") +
                 ": powers that changed by more than " + tolerance + ", or are in one run only; " +
-                pairs + " in both runs."};
+                pairs + "."};
 }
 
 Banner BannerOf(const Page& page) {

@@ -175,7 +175,7 @@ class DataTable {
   }
 
   makeHead() {
-    this.heads = this.columns.map(column => make("th", {scope: "col", class: column.isFigure ? "figure" : null},
+    this.heads = this.columns.map(column => make("th", {scope: "col", class: column.isFigure ? "figure" : null, "data-title": column.title},
       make("button", {type: "button", click: () => this.sortBy(column)}, column.title)));
     return make("thead", {}, make("tr", {"aria-rowindex": 1}, ...this.heads));
   }
@@ -260,7 +260,7 @@ class DataTable {
   cellOf(column, row) {
     const text = column.get(row);
     const shown = text === null ? column.nullText || "" : text;
-    return make("td", {class: (column.isFigure ? "figure" : "") + (text === null ? " unknown" : ""),
+    return make("td", {class: (column.isFigure ? "figure" : column.isWide ? "wide" : "") + (text === null ? " unknown" : ""),
       title: shown.length > 20 ? shown : null}, column.cell ? column.cell(row) : shown);
   }
 
@@ -465,7 +465,8 @@ class Plot {
     this.chosenFilter = "";
     this.root = make("article", {class: "plot"}, make("h3", {}, this.title), make("p", {class: "about"}, this.about()));
     this.body = make("div", {class: "plot-body"});
-    if (this.lines.length > 0)
+    this.isDrawable = this.lines.some(line => line.isDrawable);
+    if (this.isDrawable)
       this.root.append(this.body);
     this.isMade = false;
   }
@@ -473,7 +474,9 @@ class Plot {
   about() {
     const texts = [counted(this.numbered.length, "measurement") + " in " + counted(this.lines.length, "line")];
     const missing = this.numbered.filter(row => row.power === null).length;
-    if (missing > 0)
+    if (missing > 0 && missing === this.numbered.length)
+      texts.push("none has a power");
+    else if (missing > 0)
       texts.push(missing.toLocaleString("en") + " without a power");
     if (this.elsewhere > 0)
       texts.push(counted(this.elsewhere, "measurement") + (this.elsewhere === 1 ? " is" : " are") + " in the table only: the channel is no number");
@@ -535,7 +538,7 @@ class Plot {
 
   // The parts are made when they come into view: a page may have many plots.
   complete() {
-    if (this.isMade || this.lines.length === 0)
+    if (this.isMade || !this.isDrawable)
       return;
     this.isMade = true;
     this.over = null;
@@ -656,7 +659,9 @@ class Plot {
 
   // -- The drawing
 
-  draw(pixelRatio) {
+  // Paper is finer than a screen: for it everything is drawn larger, and then shown smaller.
+  draw(scale = 1) {
+    this.scale = scale;
     if (this.chart)
       this.chart.destroy();
     this.shownLines = this.lines.filter(line => line.isShown);
@@ -668,10 +673,11 @@ class Plot {
       values.push(line.values(this.places, row => row.value));
     }
     for (const line of hasBaseline ? this.shownLines : []) {
-      series.push({...this.seriesOf(line, [2, 4]), width: 1.5, points: {show: true, size: 5, fill: colour("--paper"), stroke: this.colourOf(line), width: 1}});
+      series.push({...this.seriesOf(line, [2, 4]), width: 1.5 * scale, points: {show: true, size: 5 * scale, fill: colour("--paper"), stroke: this.colourOf(line), width: scale}});
       values.push(line.values(this.places, row => row.oldPower === null ? null : Number(row.oldPower)));
     }
-    this.chart = new uPlot(this.options(series, pixelRatio), values, this.drawing);
+    this.chart = new uPlot(this.options(series), values, this.drawing);
+    this.chart.root.style.zoom = 1 / scale;
     this.chart.over.append(this.dot);
     this.chart.over.addEventListener("mousemove", event => this.hover(event));
     this.chart.over.addEventListener("click", () => this.open());
@@ -683,26 +689,27 @@ class Plot {
     if (this.empty)
       this.empty.remove();
     this.empty = this.shownLines.length > 0 ? null
-      : make("div", {class: "empty"}, this.lines.some(line => line.isDrawable) ? "Choose a line to see it here." : "Nothing here was measured.");
+      : make("div", {class: "empty"}, "Choose a line to see it here.");
     if (this.empty)
       this.drawing.append(this.empty);
   }
 
   seriesOf(line, dash) {
     const stroke = this.colourOf(line);
-    return {label: line.name, stroke, width: 2, dash: dash.length > 0 ? dash : this.dashOf(line), spanGaps: false, points: {show: true, size: 6, fill: stroke, width: 1}};
+    return {label: line.name, stroke, width: 2 * this.scale, dash: (dash.length > 0 ? dash : this.dashOf(line)).map(length => length * this.scale), spanGaps: false,
+      points: {show: true, size: 6 * this.scale, fill: stroke, width: this.scale}};
   }
 
-  options(series, pixelRatio) {
-    const axis = {stroke: colour("--soft"), grid: {stroke: colour("--grid"), width: 1}, ticks: {stroke: colour("--grid"), width: 1}, font: "12px system-ui, sans-serif"};
+  options(series) {
+    const scale = this.scale;
+    const axis = {stroke: colour("--soft"), grid: {stroke: colour("--grid"), width: 1}, ticks: {stroke: colour("--grid"), width: 1}, font: `${12 * scale}px system-ui, sans-serif`};
     return {
-      width: Math.max(this.drawing.clientWidth, 200), height: this.drawing.clientHeight || 340, pxAlign: 1,
-      ...(pixelRatio ? {pxRatio: pixelRatio} : {}),
+      width: Math.max(this.drawing.clientWidth, 200) * scale, height: (this.drawing.clientHeight || 340) * scale, pxAlign: 1,
       legend: {show: false}, focus: {alpha: 0.25},
       cursor: {show: true, x: false, y: false, points: {show: false}, drag: {x: false, y: false, setScale: false}},
       scales: {x: {time: false, range: () => this.widthOfChannels()}, y: {range: (chart, least, most) => this.heightOfPowers(least, most)}},
-      axes: [{...axis, size: 34, splits: chart => this.ticks(chart), values: (chart, splits) => splits.map(String)},
-        {...axis, size: 56, values: (chart, splits) => splits.map(split => String(Math.round(split * 1000) / 1000))}],
+      axes: [{...axis, size: 34 * scale, splits: chart => this.ticks(chart), values: (chart, splits) => splits.map(String)},
+        {...axis, size: 56 * scale, values: (chart, splits) => splits.map(split => String(Math.round(split * 1000) / 1000))}],
       series,
       hooks: {drawAxes: [chart => this.drawBands(chart)], draw: [chart => this.drawOutside(chart)]},
     };
@@ -726,7 +733,7 @@ class Plot {
 
   // Channels that are far enough apart for their numbers.
   ticks(chart) {
-    const least = 34, found = [];
+    const least = 34 * this.scale, found = [];
     let last = -Infinity;
     for (const channel of new Set(this.places)) {
       const left = chart.valToPos(channel, "x");
@@ -744,8 +751,11 @@ class Plot {
   makeBands() {
     const bands = new Map();
     for (const line of this.shownLines) {
-      const pieces = line.rows.filter(row => row.minimum !== null || row.maximum !== null).map(row => ({
-        place: this.places[row.point.place],
+      // A channel that is measured several times has its limits once.
+      const byTexts = new Map(line.rows.filter(row => row.minimum !== null || row.maximum !== null)
+        .map(row => [[channelOf(row), row.minimum, row.maximum].join(), row]));
+      const pieces = [...byTexts.values()].map(row => ({
+        channel: channelOf(row),
         minimum: row.minimum === null ? null : Number(row.minimum), maximum: row.maximum === null ? null : Number(row.maximum),
       }));
       const key = JSON.stringify(pieces);
@@ -766,7 +776,7 @@ class Plot {
     ctx.clip();
     ctx.fillStyle = colour("--limit");
     ctx.strokeStyle = colour("--limit-line");
-    ctx.lineWidth = 1;
+    ctx.lineWidth = this.scale;
     for (const band of bands)
       this.drawBand(chart, band, bands.length <= 4);
     ctx.restore();
@@ -782,7 +792,7 @@ class Plot {
     const edgesOf = new Map(channels.map((channel, index) => [channel, edges[index]]));
     const across = value => value === -Infinity ? bbox.left : value === Infinity ? bbox.left + bbox.width : chart.valToPos(value, "x", true);
     for (const piece of band.pieces) {
-      const [left, right] = edgesOf.get(piece.place).map(across);
+      const [left, right] = edgesOf.get(piece.channel).map(across);
       const top = piece.maximum === null ? bbox.top : chart.valToPos(piece.maximum, "y", true);
       const bottom = piece.minimum === null ? bbox.top + bbox.height : chart.valToPos(piece.minimum, "y", true);
       if (isFilled)
@@ -798,7 +808,7 @@ class Plot {
 
   // What is outside its limits is told by a shape, not by colour alone.
   drawOutside(chart) {
-    const {ctx} = chart, size = 6 * (chart.pxRatio || devicePixelRatio || 1);
+    const {ctx} = chart, size = 6 * this.scale * devicePixelRatio;
     ctx.save();
     ctx.fillStyle = colour("--fail");
     ctx.strokeStyle = colour("--paper");
@@ -819,7 +829,7 @@ class Plot {
   }
 
   fit() {
-    if (this.chart && this.drawing.clientWidth > 0 && this.drawing.clientWidth !== this.chart.width) {
+    if (this.chart && this.scale === 1 && this.drawing.clientWidth > 0 && this.drawing.clientWidth !== this.chart.width) {
       this.leave();
       this.chart.setSize({width: this.drawing.clientWidth, height: this.drawing.clientHeight});
     }
@@ -933,12 +943,12 @@ class Plot {
     this.point(row, true);
   }
 
-  recolour(pixelRatio) {
+  recolour(scale) {
     if (!this.isMade)
       return;
     this.leave();
     this.tellShown();
-    this.draw(pixelRatio);
+    this.draw(scale);
   }
 }
 
