@@ -10,7 +10,9 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <filesystem>
 #include <stdexcept>
 #include <thread>
@@ -60,7 +62,7 @@ public:
     BrokenPipe() {
         std::array<int, 2> ends{};
         if (::pipe2(ends.data(), O_CLOEXEC) != 0)
-            throw std::runtime_error("cannot make a pipe");
+            throw std::runtime_error(std::string("cannot make a pipe: ") + std::strerror(errno));
         ::close(ends[0]);
         m_writeEnd = ends[1];
     }
@@ -101,7 +103,7 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
                                     DefaultSignals().Attributes(), pointers.data(), environ);
     ::posix_spawn_file_actions_destroy(&actions);
     if (error != 0)
-        throw std::runtime_error("cannot start " + program);
+        throw std::runtime_error("cannot start " + program + ": " + std::strerror(error));
 }
 
 Process::~Process() {

@@ -41,18 +41,26 @@ std::string Quote(const std::string& argument) {
     return quoted.append(2 * backslashes, '\\') + "\"";
 }
 
+/// Ends the test with the system's error when a call has failed.
+void Require(bool succeeded, const std::string& what) {
+    const DWORD error = ::GetLastError();
+    if (!succeeded)
+        throw std::runtime_error("cannot " + what + ": error " + std::to_string(error));
+}
+
 HANDLE OpenInheritable(const std::string& path, DWORD access, DWORD disposition) {
     SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
-    return ::CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit,
-                         disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE file = ::CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                      &inherit, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    Require(file != INVALID_HANDLE_VALUE, "open " + path);
+    return file;
 }
 
 HANDLE OpenBrokenPipe() {
     SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
     HANDLE readEnd = nullptr;
     HANDLE writeEnd = nullptr;
-    if (!::CreatePipe(&readEnd, &writeEnd, &inherit, 0))
-        throw std::runtime_error("cannot make a pipe");
+    Require(::CreatePipe(&readEnd, &writeEnd, &inherit, 0), "make a pipe");
     ::CloseHandle(readEnd);
     return writeEnd;
 }
@@ -71,9 +79,12 @@ public:
         m_startup.StartupInfo.hStdError = err;
         m_startup.lpAttributeList =
             reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(m_attributes.data());
-        ::InitializeProcThreadAttributeList(m_startup.lpAttributeList, 1, 0, &size);
-        ::UpdateProcThreadAttribute(m_startup.lpAttributeList, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST,
-                                    m_handles.data(), sizeof m_handles, nullptr, nullptr);
+        Require(::InitializeProcThreadAttributeList(m_startup.lpAttributeList, 1, 0, &size),
+                "make a list of attributes");
+        Require(::UpdateProcThreadAttribute(m_startup.lpAttributeList, 0,
+                                            PROC_THREAD_ATTRIBUTE_HANDLE_LIST, m_handles.data(),
+                                            sizeof m_handles, nullptr, nullptr),
+                "list the handles of a program");
     }
     ~ThreeHandles() {
         ::DeleteProcThreadAttributeList(m_startup.lpAttributeList);
@@ -124,9 +135,7 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
     const BOOL started = ::CreateProcessA(
         program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, EXTENDED_STARTUPINFO_PRESENT,
         nullptr, workingDirectory.c_str(), handles.StartUp(), &m_system->child);
-    if (!started)
-        throw std::runtime_error("cannot start " + program + ": error " +
-                                 std::to_string(::GetLastError()));
+    Require(started, "start " + program);
 }
 
 Process::~Process() {
@@ -142,7 +151,7 @@ ProcessResult Process::Wait(double timeoutSeconds) {
     result.peakBytes = WatchUntilEnd(child, timeoutSeconds);
     if (::WaitForSingleObject(child, 0) == WAIT_OBJECT_0) {
         DWORD exitCode = 0;
-        ::GetExitCodeProcess(child, &exitCode);
+        Require(::GetExitCodeProcess(child, &exitCode), "read a program's exit code");
         result.exitCode = static_cast<int>(exitCode);
     } else {
         result.timedOut = true;
