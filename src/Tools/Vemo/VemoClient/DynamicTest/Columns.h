@@ -39,6 +39,16 @@ inline constexpr std::array<ColumnCommand, 10> columnCommands{
      {Column::specificResourceUnit, "-wifi-specific-resource-unit"},
      {Column::largeRuSize, "-wifi-large-ru"}}};
 
+/// A cell that leaves its column unset.
+inline constexpr const char* unsetCell = "-";
+
+/// What follows the test file's header in the header of result.csv. The titles are spelt differently
+/// on purpose.
+inline constexpr const char* powerTitles = ",Chain-A Power, Chain B Power";
+
+/// Is in result.csv in place of a power that the daemon did not report.
+inline constexpr const char* missingPower = "NA";
+
 /// The columns whose cells are filed in the result tree, in the order in which they are looked up.
 /// The mode is filed nowhere.
 inline constexpr std::array<const char*, 9> resultColumns{

@@ -236,7 +236,7 @@ std::string DynamicTest::GetPowerLimitCsvFormat(const std::string& reply) const 
     std::string suffix;
     for (const Chain& chain : chains) {
         const Format pattern(targetPowerPattern, chain.letter, chain.number);
-        suffix += "," + FindInReply(reply, pattern).value_or("NA");
+        suffix += "," + FindInReply(reply, pattern).value_or(PowerTest::missingPower);
     }
     return suffix;
 }

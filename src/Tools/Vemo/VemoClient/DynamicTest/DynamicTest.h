@@ -2,6 +2,7 @@
 
 #include "Modules/xFramework/XML/Base.h"
 #include "Tools/SarvexTool/Client/CliClient.h"
+#include "Tools/Vemo/VemoClient/DynamicTest/Columns.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/TestFile.h"
 
 #include <cstddef>
@@ -107,12 +108,12 @@ private:
 
     /// A cell with this value leaves its column unset; it is also every value that is not
     /// known.
-    const std::string notSetMarker = "-";
+    const std::string notSetMarker = PowerTest::unsetCell;
     const std::string m_csvFileName = "result.csv";
     const std::string m_xmlFileName = "result.xml";
     /// One title with a hyphen and one with a blank before it: readers of result.csv look for
     /// these.
-    const std::string csvPowerHeader = ",Chain-A Power, Chain B Power";
+    const std::string csvPowerHeader = PowerTest::powerTitles;
     /// The number may hold any count of dots. It is never converted, only copied.
     const std::string targetPowerPattern =
         R"(Target Power: .*Chain ${1} \(${2}\) (-?\d+\.*\d*) dBm)";

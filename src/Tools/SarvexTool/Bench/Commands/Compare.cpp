@@ -1,0 +1,96 @@
+#include "Tools/SarvexTool/Bench/Commands/Compare.h"
+
+#include "Tools/SarvexTool/Bench/Commands/FileArguments.h"
+#include "Tools/SarvexTool/Bench/Commands/Outputs.h"
+#include "Tools/SarvexTool/Bench/Core/Differences.h"
+#include "Tools/SarvexTool/Bench/Files/ResultFile.h"
+#include "Tools/SarvexTool/Bench/Output/Json.h"
+#include "Tools/SarvexTool/Bench/Output/Junit.h"
+#include "Tools/SarvexTool/Bench/Output/Text.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Bench {
+
+namespace {
+
+struct CompareOptions {
+    std::string oldResult;
+    std::string newResult;
+    std::string tolerance = "0.5";
+    std::optional<std::string> junit;
+    std::optional<std::string> json;
+};
+
+Decimal ReadTolerance(const std::string& text) {
+    const std::optional<Decimal> tolerance = Decimal::Parse(text);
+    if (!tolerance || *tolerance < Decimal())
+        throw WrongUsage("--tolerance " + text + " is no decimal number of 0 or more");
+    return *tolerance;
+}
+
+bool HasPower(const RunResult& run) {
+    return std::any_of(
+        run.measurements.begin(), run.measurements.end(),
+        [](const Measurement& measurement) { return measurement.power.has_value(); });
+}
+
+int Compare(const CompareOptions& options, Surroundings& surroundings) {
+    const Decimal tolerance = ReadTolerance(options.tolerance);
+    const ResultNames oldNames = NamesOf(options.oldResult);
+    const ResultNames newNames = NamesOf(options.newResult);
+    Result oldResult;
+    Result newResult;
+    Differences differences;
+    const ComparedRuns compared{{oldNames.table, oldResult.run, oldResult.device},
+                                {newNames.table, newResult.run, newResult.device},
+                                tolerance,
+                                differences};
+    const std::vector<Output> outputs{
+        {options.junit, [&compared](std::ostream& stream) { WriteJunit(stream, compared); }},
+        {options.json, [&compared](std::ostream& stream) { WriteJson(stream, compared); }}};
+    std::vector<std::string> inputs = oldNames.All();
+    const std::vector<std::string> newInputs = newNames.All();
+    inputs.insert(inputs.end(), newInputs.begin(), newInputs.end());
+    RequireDistinctFiles(inputs, NamesOf(outputs));
+
+    TextPool texts;
+    oldResult = ReadResult(oldNames, surroundings.in, texts);
+    newResult = ReadResult(newNames, surroundings.in, texts);
+    // Two runs without a device would be alike, which nobody wants to hear.
+    if (!HasPower(oldResult.run) && !HasPower(newResult.run))
+        throw BadInput(newNames.table, "neither run has a power, so that there is nothing to "
+                                       "compare; see why the daemon reported none");
+    differences = Compare(oldResult.run, newResult.run, tolerance);
+    WriteOutputs(outputs, surroundings);
+    PrintDifferences(ConsoleBeside(outputs, surroundings), compared);
+    return differences.all.empty() ? ExitCode::Fine : ExitCode::Found;
+}
+
+} // namespace
+
+Command AddCompare(CLI::App& program) {
+    CLI::App* const app = program.add_subcommand("compare", "Tell what differs between two runs");
+    const auto options = std::make_shared<CompareOptions>();
+    app->add_option("OLD", options->oldResult,
+                    "result.csv of the older run or the folder that holds it, - for standard input")
+        ->required();
+    app->add_option("NEW", options->newResult, "The same of the newer run")->required();
+    app->add_option("--tolerance", options->tolerance, "Changes of up to so many dB are none [0.5]")
+        ->option_text("DB");
+    app->add_option("--junit", options->junit, "Write a JUnit report, - for standard output")
+        ->option_text("FILE");
+    app->add_option("--json", options->json, "Write all as JSON, - for standard output")
+        ->option_text("FILE");
+    return {app, [options](Surroundings& surroundings) { return Compare(*options, surroundings); }};
+}
+
+} // namespace Bench

@@ -1,0 +1,89 @@
+#include "Tools/SarvexTool/Bench/Commands/Judge.h"
+
+#include "Tools/SarvexTool/Bench/Commands/FileArguments.h"
+#include "Tools/SarvexTool/Bench/Commands/Outputs.h"
+#include "Tools/SarvexTool/Bench/Core/ProblemList.h"
+#include "Tools/SarvexTool/Bench/Files/LimitsFile.h"
+#include "Tools/SarvexTool/Bench/Files/ResultFile.h"
+#include "Tools/SarvexTool/Bench/Output/Csv.h"
+#include "Tools/SarvexTool/Bench/Output/Json.h"
+#include "Tools/SarvexTool/Bench/Output/Junit.h"
+#include "Tools/SarvexTool/Bench/Output/Problems.h"
+#include "Tools/SarvexTool/Bench/Output/Text.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Bench {
+
+namespace {
+
+struct JudgeOptions {
+    std::string result;
+    std::string limits;
+    std::optional<std::string> junit;
+    std::optional<std::string> json;
+    std::optional<std::string> csv;
+};
+
+/// A limit that is for nothing that was measured is most likely misspelt.
+void WarnOfNeedlessLimits(const LimitTable& table, const std::string& name, const Console& err) {
+    static constexpr ProblemKind needless{Severity::Warning, "lines that fit no measurement"};
+    ProblemList problems;
+    for (const Limit* const limit : table.NeverFitting())
+        problems.Add(needless, limit->line, 0,
+                     "the line fits no measurement; look for a misspelt value, or take it away");
+    PrintProblems(err, name, problems.InOrder());
+}
+
+int Judge(const JudgeOptions& options, Surroundings& surroundings) {
+    const ResultNames names = NamesOf(options.result);
+    Judgements judgements;
+    Result result;
+    const JudgedRun judged{{names.table, result.run, result.device}, options.limits, judgements};
+    const std::vector<Output> outputs{
+        {options.junit, [&judged](std::ostream& stream) { WriteJunit(stream, judged); }},
+        {options.json, [&judged](std::ostream& stream) { WriteJson(stream, judged); }},
+        {options.csv, [&judged](std::ostream& stream) { WriteCsv(stream, judged); }}};
+    std::vector<std::string> inputs = names.All();
+    inputs.push_back(options.limits);
+    RequireDistinctFiles(inputs, NamesOf(outputs));
+
+    TextPool texts;
+    LimitTable table(ReadLimits(options.limits, surroundings.in, texts));
+    result = ReadResult(names, surroundings.in, texts);
+    judgements = Judge(result.run, table);
+    WriteOutputs(outputs, surroundings);
+    PrintJudgements(ConsoleBeside(outputs, surroundings), judged);
+    WarnOfNeedlessLimits(table, options.limits, surroundings.err);
+    return judgements.HaveAllPassed() ? ExitCode::Fine : ExitCode::Found;
+}
+
+} // namespace
+
+Command AddJudge(CLI::App& program) {
+    CLI::App* const app =
+        program.add_subcommand("judge", "Hold the measurements of a run against limits");
+    const auto options = std::make_shared<JudgeOptions>();
+    app->add_option("RESULT", options->result,
+                    "result.csv or the folder that holds it, - for standard input")
+        ->required();
+    app->add_option("--limits", options->limits, "Table of limits, - for standard input")
+        ->required()
+        ->option_text("FILE");
+    app->add_option("--junit", options->junit, "Write a JUnit report, - for standard output")
+        ->option_text("FILE");
+    app->add_option("--json", options->json, "Write all as JSON, - for standard output")
+        ->option_text("FILE");
+    app->add_option("--csv", options->csv, "Write a table for spreadsheets, - for standard output")
+        ->option_text("FILE");
+    return {app, [options](Surroundings& surroundings) { return Judge(*options, surroundings); }};
+}
+
+} // namespace Bench

@@ -1,0 +1,186 @@
+#include "Tools/SarvexTool/Bench/Files/ResultFile.h"
+
+#include "Tools/SarvexTool/Bench/Core/ProblemList.h"
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
+#include "Tools/SarvexTool/Bench/Files/Input.h"
+#include "Tools/SarvexTool/Bench/Files/ResultTree.h"
+#include "Tools/Vemo/VemoClient/DynamicTest/TestFile.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Bench {
+
+namespace {
+
+constexpr ProblemKind headerKind{Severity::Error, "wrong headers"};
+constexpr ProblemKind rowKind{Severity::Error, "lines without their two powers"};
+constexpr ProblemKind powerKind{Severity::Error, "cells that are no power"};
+constexpr ProblemKind emptyKind{Severity::Error, "results without a measurement"};
+
+/// The next line without its end, taken off the text. A result that was written on Windows ends its
+/// lines in CR LF.
+std::string_view TakeLine(std::string_view& text) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    std::string_view line = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    if (line.ends_with('\r'))
+        line.remove_suffix(1);
+    return line;
+}
+
+/// What is after the last comma, taken off the line with its comma; nothing without a comma.
+std::optional<std::string_view> TakeLastCell(std::string_view& line) {
+    const std::size_t comma = line.rfind(',');
+    if (comma == std::string_view::npos)
+        return std::nullopt;
+    const std::string_view cell = PowerTest::TrimmedView(line.substr(comma + 1));
+    line.remove_suffix(line.size() - comma);
+    return cell;
+}
+
+std::optional<Setting> SettingNamed(std::string_view title) {
+    for (std::size_t index = 0; index < SettingCount; ++index) {
+        if (NameOf(static_cast<Setting>(index)) == title)
+            return static_cast<Setting>(index);
+    }
+    return std::nullopt;
+}
+
+/// Reads the lines of a result.csv.
+class ResultReader {
+public:
+    explicit ResultReader(TextPool& texts) : m_texts(texts) {}
+
+    void Read(std::string_view bytes) {
+        m_builder.Reserve(static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), '\n')));
+        ReadHeader(TakeLine(bytes));
+        while (!bytes.empty()) {
+            ++m_line;
+            ReadRow(TakeLine(bytes));
+        }
+        if (m_line == 1)
+            m_problems.Add(emptyKind, 1, 0,
+                           "there is no measurement, because the run ended before its first line; "
+                           "run the test again");
+    }
+
+    ProblemList& Problems() { return m_problems; }
+    RunResult Take() { return m_builder.Take(); }
+
+private:
+    void ReadHeader(std::string_view line) {
+        const std::string_view titles = PowerTest::powerTitles;
+        if (!line.ends_with(titles)) {
+            m_problems.Add(headerKind, 1, 0,
+                           "the header is missing: it ends in \"" + std::string(titles) +
+                               "\"; the client writes none when the test file has an unknown "
+                               "column, so check the test file and run it again");
+            return;
+        }
+        line.remove_suffix(titles.size());
+        PowerTest::SplitFields(line, m_fields);
+        for (std::size_t place = 0; place < m_fields.size(); ++place)
+            ReadTitle(place);
+    }
+
+    void ReadTitle(std::size_t place) {
+        const std::optional<Setting> setting = SettingNamed(m_fields[place]);
+        if (setting)
+            m_places[static_cast<std::size_t>(*setting)] = place;
+        else
+            m_problems.Add(headerKind, 1, static_cast<std::uint32_t>(place + 1),
+                           "there is no column \"" + std::string(m_fields[place]) +
+                               "\"; the header was changed after the run");
+    }
+
+    void ReadRow(std::string_view line) {
+        const std::optional<std::string_view> powerB = TakeLastCell(line);
+        const std::optional<std::string_view> powerA = TakeLastCell(line);
+        if (!powerA || !powerB) {
+            m_problems.Add(rowKind, m_line, 0,
+                           "the line does not end in two powers; the file was changed after the "
+                           "run, or is not whole");
+            return;
+        }
+        PowerTest::SplitFields(line, m_fields);
+        Row row;
+        row.line = m_line;
+        row.powerA = ReadPower(*powerA, m_fields.size() + 1);
+        row.powerB = ReadPower(*powerB, m_fields.size() + 2);
+        for (std::size_t index = 0; index < SettingCount; ++index)
+            row.own[static_cast<Setting>(index)] = OwnText(index);
+        m_builder.Add(row);
+    }
+
+    /// The text of a setting that the line writes; null where it writes none.
+    const std::string* OwnText(std::size_t setting) {
+        const std::optional<std::size_t>& place = m_places[setting];
+        if (!place || *place >= m_fields.size() || m_fields[*place] == PowerTest::unsetCell)
+            return nullptr;
+        // Lines often repeat what the one before them wrote.
+        const std::string*& last = m_last[setting];
+        if (last == nullptr || *last != m_fields[*place])
+            last = m_texts.Keep(m_fields[*place]);
+        return last;
+    }
+
+    std::optional<Decimal> ReadPower(std::string_view cell, std::size_t column) {
+        if (cell == PowerTest::missingPower)
+            return std::nullopt;
+        const std::optional<Decimal> power = Decimal::Parse(cell);
+        if (!power)
+            m_problems.Add(powerKind, m_line, static_cast<std::uint32_t>(column),
+                           "\"" + std::string(cell) + "\" is no power: " +
+                               (HasDecimalForm(cell) ? "it has too many digits"
+                                                     : "it is neither NA nor a decimal number") +
+                               "; run the line again");
+        return power;
+    }
+
+    TextPool& m_texts;
+    RunResultBuilder m_builder;
+    ProblemList m_problems;
+    LineNumber m_line = 1;
+    /// The place of each setting among the cells.
+    std::array<std::optional<std::size_t>, SettingCount> m_places;
+    std::array<const std::string*, SettingCount> m_last{};
+    std::vector<std::string_view> m_fields;
+};
+
+} // namespace
+
+std::vector<std::string> ResultNames::All() const {
+    std::vector<std::string> names{table};
+    if (tree)
+        names.push_back(*tree);
+    return names;
+}
+
+ResultNames NamesOf(const std::string& result) {
+    if (result == StandardStreamName)
+        return {result, std::nullopt};
+    const std::filesystem::path path = PathOf(result);
+    std::error_code ignored;
+    const bool isFolder = std::filesystem::is_directory(path, ignored);
+    const std::filesystem::path folder = isFolder ? path : path.parent_path();
+    return {isFolder ? NameOf(folder / "result.csv") : result, NameOf(folder / "result.xml")};
+}
+
+Result ReadResult(const ResultNames& names, std::istream& standardInput, TextPool& texts) {
+    Result result;
+    result.run = ParseResult(ReadInput(names.table, standardInput), names.table, texts);
+    result.device = names.tree ? ReadResultTree(*names.tree)
+                               : DeviceFacts{std::nullopt, "standard input has no result.xml"};
+    return result;
+}
+
+RunResult ParseResult(std::string_view bytes, const std::string& name, TextPool& texts) {
+    ResultReader reader(texts);
+    reader.Read(bytes);
+    if (reader.Problems().Count(Severity::Error) != 0)
+        throw BadInput(name, reader.Problems().InOrder());
+    return reader.Take();
+}
+
+} // namespace Bench
