@@ -2,6 +2,8 @@
 
 #include "Modules/xFramework/OSAL/Console.h"
 #include "Tools/SarvexTool/Bench/Commands/Check.h"
+#include "Tools/SarvexTool/Bench/Commands/Compare.h"
+#include "Tools/SarvexTool/Bench/Commands/Judge.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
@@ -22,7 +24,7 @@ namespace {
 constexpr const char* programName = "SarvexToolBench";
 
 /// The subcommands, in the order in which the help shows them.
-constexpr std::array<Command (*)(CLI::App&), 1> addCommands{AddCheck};
+constexpr std::array<Command (*)(CLI::App&), 3> addCommands{AddCheck, AddJudge, AddCompare};
 
 /// The options of the program or of the subcommand of that name.
 const CLI::App& Named(const CLI::App& program, const std::string& name) {

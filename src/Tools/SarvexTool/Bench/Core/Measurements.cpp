@@ -22,6 +22,11 @@ std::string NotMeasured::ToText() const {
     return "no power was reported";
 }
 
+void RunResultBuilder::Reserve(std::size_t rows) {
+    m_run.configurations.reserve(rows);
+    m_run.measurements.reserve(2 * rows);
+}
+
 void RunResultBuilder::Add(const Row& row) {
     m_carried.Write(row.line, row.own);
     m_run.configurations.push_back({row.line, m_carried.Effective()});

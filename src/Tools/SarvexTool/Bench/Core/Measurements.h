@@ -79,6 +79,9 @@ struct Row {
 /// Makes a run's measurements from its rows, taken in their order.
 class RunResultBuilder {
 public:
+    /// Makes room for so many rows, of two measurements each.
+    void Reserve(std::size_t rows);
+
     void Add(const Row& row);
 
     /// The run so far; the builder is empty afterwards.

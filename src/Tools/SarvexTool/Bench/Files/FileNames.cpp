@@ -23,16 +23,11 @@ fs::path Resolved(const fs::path& path) {
     return resolved.empty() ? path : resolved;
 }
 
-std::string NameIn(const fs::path& path) {
-    const std::u8string name = path.filename().u8string();
-    return {name.begin(), name.end()};
-}
-
 /// Whether two names that lead to no file yet would lead to the same one.
 bool WouldBeSame(const fs::path& first, const fs::path& second) {
     const fs::path left = Resolved(first);
     const fs::path right = Resolved(second);
-    return OSAL::AreSameFileName(NameIn(left), NameIn(right)) &&
+    return OSAL::AreSameFileName(NameOf(left.filename()), NameOf(right.filename())) &&
            (left.parent_path() == right.parent_path() ||
             AreSameExisting(left.parent_path(), right.parent_path()));
 }
@@ -66,6 +61,11 @@ fs::path EndOfLinks(fs::path path) {
         path = path.parent_path() / target;
     }
     return path;
+}
+
+std::string NameOf(const std::filesystem::path& path) {
+    const std::u8string name = path.u8string();
+    return {name.begin(), name.end()};
 }
 
 std::optional<std::string> ProblemOfNames(const std::vector<std::string>& inputs,

@@ -13,6 +13,9 @@ inline constexpr const char* StandardStreamName = "-";
 /// A file name in UTF-8 as a path of the system.
 std::filesystem::path PathOf(const std::string& name);
 
+/// A path of the system as a name in UTF-8.
+std::string NameOf(const std::filesystem::path& path);
+
 /// Where a chain of links leads, whether a file is there or not; another path stays as it is.
 std::filesystem::path EndOfLinks(std::filesystem::path path);
 

@@ -32,6 +32,7 @@ TableRules Rules() {
         rules.columns.push_back(title);
     rules.longLines = Severity::Error;
     rules.emptyLines = Severity::Error;
+    rules.remedy = "write * for any value, or for no bound";
     return rules;
 }
 
@@ -211,9 +212,13 @@ Limits ReadLimits(const std::string& name, std::istream& standardInput, TextPool
 Limits ParseLimits(std::string_view bytes, const std::string& name, TextPool& texts) {
     LimitsReader reader(bytes, texts);
     reader.Read();
-    if (reader.Problems().Count(Severity::Error) != 0)
-        throw BadInput(name, reader.Problems().InOrder());
-    return reader.Take();
+    if (reader.Problems().Count(Severity::Error) == 0)
+        return reader.Take();
+    // What is a warning for a table that the client reads, such as CR LF, does limits no harm.
+    std::vector<Problem> problems = reader.Problems().InOrder();
+    std::erase_if(problems,
+                  [](const Problem& problem) { return problem.severity != Severity::Error; });
+    throw BadInput(name, problems);
 }
 
 } // namespace Bench

@@ -198,7 +198,7 @@ bool Table::Read(TableRow& row) {
         // Only once, and not for an empty file.
         if (std::exchange(m_line, 0) == 1 && !m_header.whole.empty())
             m_problems.Add(TableProblem::noLine, 1, 0,
-                           "there is no line after the header; add one for each configuration");
+                           "there is no line after the header; add at least one");
         return false;
     }
     TakeLine(row);
@@ -332,7 +332,7 @@ void Table::CheckCount(const TableRow& row) {
     if (row.cells.size() < m_width)
         m_problems.Add(TableProblem::shortLine, row.line, 0,
                        "the line has " + CellsText(row.cells.size()) + " and the header " +
-                           std::to_string(m_width) + "; write \"-\" for a setting that is to stay");
+                           std::to_string(m_width) + "; " + m_rules.remedy);
     else if (row.cells.size() > m_width && m_width > 0)
         m_problems.Add(m_rules.longLines == Severity::Error ? TableProblem::longLineError
                                                             : TableProblem::longLineWarning,

@@ -85,19 +85,19 @@ void PrintNotPassed(const Console& console, const JudgedRun& judged) {
     }
 }
 
-/// Where a difference is, and its settings.
+/// Where a difference is in the files.
 std::string PlaceOf(const ComparedRuns& compared, const Difference& difference) {
-    const RunResult& oldRun = compared.oldResult.run;
-    const RunResult& newRun = compared.newResult.run;
-    const bool isInOld = difference.oldMeasurement.has_value();
-    const RunResult& run = isInOld ? oldRun : newRun;
-    const Measurement& measurement =
-        run.measurements[isInOld ? *difference.oldMeasurement : *difference.newMeasurement];
-    std::string text = "line " + std::to_string(run.LineOf(measurement));
-    if (isInOld && difference.newMeasurement)
-        text += " and " +
-                std::to_string(newRun.LineOf(newRun.measurements[*difference.newMeasurement]));
-    return text + " chain " + NameOf(measurement.chain);
+    const auto lineOf = [](const NamedRun& result, const std::optional<std::uint32_t>& place) {
+        return place ? result.run.LineOf(result.run.measurements[*place]) : LineNumber{0};
+    };
+    const LineNumber oldLine = lineOf(compared.oldResult, difference.oldMeasurement);
+    const LineNumber newLine = lineOf(compared.newResult, difference.newMeasurement);
+    if (oldLine == newLine)
+        return "line " + std::to_string(oldLine);
+    std::string text = oldLine == 0 ? "" : "old line " + std::to_string(oldLine);
+    if (newLine != 0)
+        text += (text.empty() ? "new line " : ", new line ") + std::to_string(newLine);
+    return text;
 }
 
 void PrintShifts(const Console& console, const std::vector<Shift>& shifts) {
@@ -120,7 +120,8 @@ void PrintDifference(const Console& console, const ComparedRuns& compared,
     const Measurement& measurement =
         run.measurements[difference.oldMeasurement ? *difference.oldMeasurement
                                                    : *difference.newMeasurement];
-    console.stream << PlaceOf(compared, difference) << ": "
+    console.stream << PlaceOf(compared, difference) << " chain " << NameOf(measurement.chain)
+                   << ": "
                    << MakeHarmless(PhraseOf(oldRun, newRun, difference) +
                                    Bracketed(run.SettingsOf(measurement)))
                    << "\n";

@@ -94,7 +94,7 @@ TEST(TableTest, EachProblemIsToldWithItsPlaceAndRemedy) {
     for (
         const auto& [bytes, problems] : std::vector<ProblemCase>{
             {"", {"E 1:0 the file is empty; its first line names the columns"}},
-            {"Band\n", {"E 1:0 there is no line after the header; add one for each configuration"}},
+            {"Band\n", {"E 1:0 there is no line after the header; add at least one"}},
             {"\n5\n", {"E 1:0 the header is empty; the first line names the columns"}},
             {"\xEF\xBB\xBF"
              "Band\n5\n",
@@ -115,7 +115,7 @@ TEST(TableTest, EachProblemIsToldWithItsPlaceAndRemedy) {
             {"Band,Chains\n5\tAB\n",
              {"E 2:0 the line's cells are separated by tabs; separate them by commas"}},
             {"Band,\"Chains\"\n",
-             {"E 1:0 there is no line after the header; add one for each configuration",
+             {"E 1:0 there is no line after the header; add at least one",
               "E 1:2 the cell is in quotes, which the client takes for a part of it; take them "
               "away"}},
             {"Band,Chains\n5,A\"B\n",

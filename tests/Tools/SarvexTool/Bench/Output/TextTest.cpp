@@ -69,13 +69,13 @@ Band  Rate  pairs  mean shift
 2.4   MCS9      1    +0.75 dB
 5     MCS9      2   -0.375 dB
 
-line 2 and 3 chain A: changed by +0.75 dB: 14.25 dBm to 15 dBm (Band 2.4, Chains A, Bandwidth 20, Channel 6, Rate MCS9)
-line 4 and 2 chain B: changed by -0.75 dB: 12.5 dBm to 11.75 dBm (Band 5, Chains AB, Bandwidth 80, Channel 36, Rate MCS9)
-line 3 and 4 chain A: measured in the old run only: 9 dBm, then not measured: no power was reported (Band 6, Chains A, Bandwidth 20, Channel 500, Rate MCS9)
-line 5 chain A: in the new run only: not measured: Band is uncertain since line 4 (Band 6, Chains A, Bandwidth 20, Channel 1, Rate MCS9)
-line 6 chain B: in the new run only: 1 dBm (Band 7, Chains B, Bandwidth 20, Channel 1, Rate MCS9)
-line 7 chain A: in the new run only: 13 dBm (Band 5, Chains AB, Bandwidth 80, Channel 36, Rate MCS9)
-line 7 chain B: in the new run only: 13 dBm (Band 5, Chains AB, Bandwidth 80, Channel 36, Rate MCS9)
+old line 2, new line 3 chain A: changed by +0.75 dB: 14.25 dBm to 15 dBm (Band 2.4, Chains A, Bandwidth 20, Channel 6, Rate MCS9)
+old line 4, new line 2 chain B: changed by -0.75 dB: 12.5 dBm to 11.75 dBm (Band 5, Chains AB, Bandwidth 80, Channel 36, Rate MCS9)
+old line 3, new line 4 chain A: measured in the old run only: 9 dBm, then not measured: no power was reported (Band 6, Chains A, Bandwidth 20, Channel 500, Rate MCS9)
+new line 5 chain A: in the new run only: not measured: Band is uncertain since line 4 (Band 6, Chains A, Bandwidth 20, Channel 1, Rate MCS9)
+new line 6 chain B: in the new run only: 1 dBm (Band 7, Chains B, Bandwidth 20, Channel 1, Rate MCS9)
+new line 7 chain A: in the new run only: 13 dBm (Band 5, Chains AB, Bandwidth 80, Channel 36, Rate MCS9)
+new line 7 chain B: in the new run only: 13 dBm (Band 5, Chains AB, Bandwidth 80, Channel 36, Rate MCS9)
 
 DIFFERENT: 7 differences, 4 measurements are in both runs; tolerance 0.5 dB
 )");

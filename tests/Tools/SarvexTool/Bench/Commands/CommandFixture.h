@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Tools/SarvexTool/Bench/CommandLine.h"
+#include "tests/Support/Files.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace Bench {
+
+/// Runs the program in the test's own process, with a directory for its files.
+class CommandFixture : public testing::Test {
+protected:
+    /// The exit code.
+    int Run(const std::vector<std::string>& arguments, const std::string& input = "") {
+        std::istringstream in(input);
+        out.str("");
+        err.str("");
+        Surroundings surroundings{in, {out}, {err}};
+        return RunProgram(arguments, surroundings);
+    }
+
+    /// A result of one line on chain A, in band 5, and its name.
+    std::string ResultOf(const std::string& name, const std::string& power) const {
+        return directory.Create(name, Header() + "5,A," + power + ",NA\n");
+    }
+
+    static std::string Header() { return "Band,Chains,Chain-A Power, Chain B Power\n"; }
+
+    std::string ReadBytes(const std::string& name) const {
+        return TestSupport::ReadBytes(directory.Path(name));
+    }
+
+    std::ostringstream out;
+    std::ostringstream err;
+    TestSupport::TemporaryDirectory directory;
+};
+
+} // namespace Bench

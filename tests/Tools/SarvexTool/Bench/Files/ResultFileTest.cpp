@@ -1,0 +1,150 @@
+#include "Tools/SarvexTool/Bench/Files/ResultFile.h"
+#include "tests/Support/Files.h"
+#include "tests/Tools/SarvexTool/Bench/Core/CoreFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace Bench {
+namespace {
+
+/// The settings and powers of a result, line by line; or what is wrong with it.
+std::string Read(std::string_view bytes) {
+    TextPool texts;
+    try {
+        const RunResult run = ParseResult(bytes, "result.csv", texts);
+        std::string text;
+        for (const Configuration& configuration : run.configurations) {
+            text += std::to_string(configuration.line) + ":";
+            for (const std::string* value : configuration.settings)
+                text += value == nullptr ? "" : " " + *value;
+            text += "\n";
+        }
+        return text + Describe(run);
+    } catch (const BadInput& bad) {
+        std::string text;
+        for (const Problem& problem : bad.Problems())
+            text += std::to_string(problem.line) + ":" + std::to_string(problem.column) + " " +
+                    problem.text + "\n";
+        return text;
+    }
+}
+
+TEST(ResultFileTest, RowsAreTheClientsLinesAndTwoPowers) {
+    EXPECT_EQ(Read("Channel,Band,Chains,Chain-A Power, Chain B Power\n"
+                   "36,5,A,12.5,NA\n"
+                   "-, 6 ,-,12.,NA\n"
+                   "40,-,B,NA,-0.5\n"),
+              "2: 5 A 36\n3: 6 A 36\n4: 6 B 40\n"
+              "2 A 12.5\n3 A 12\n4 B -0.5\n");
+}
+
+TEST(ResultFileTest, OddLinesDoNotShiftThePowers) {
+    EXPECT_EQ(Read("Band,Chains,Channel,Chain-A Power, Chain B Power\n"
+                   "5,A,36,9,NA\n"
+                   "5,A,1,NA\n"
+                   "5,,A,2,NA\n"
+                   "5,A,36,40,50,3,NA\n"
+                   ",NA,NA\n"
+                   "5,A,,4,NA\n"),
+              "2: 5 A 36\n3: 5 A 36\n4: 5 A 36\n5: 5 A 36\n6: 5 A 36\n7: 5 A 36\n"
+              "2 A 9\n3 A 1\n4 A 2\n5 A 3\n6 A no power was reported\n7 A 4\n")
+        << "a short line, an empty cell, too many cells, an empty line, a comma at the end";
+}
+
+TEST(ResultFileTest, LineEndsOfBothSystemsAreRead) {
+    EXPECT_EQ(Read("Band,Chains,Chain-A Power, Chain B Power\r\n5,A,1,NA\r\n6,-,2,NA"),
+              "2: 5 A\n3: 6 A\n2 A 1\n3 A 2\n");
+    // A file with CR LF, run on Linux: the client keeps the CR before the powers.
+    EXPECT_EQ(Read("Band,Chains\r,Chain-A Power, Chain B Power\n5,A\r,1,NA\n"), "2: 5 A\n2 A 1\n");
+}
+
+TEST(ResultFileTest, RepeatedColumnTakesTheLaterPlace) {
+    EXPECT_EQ(Read("Band,Band,Chains,Chain-A Power, Chain B Power\n5,6,A,1,NA\n"),
+              "2: 6 A\n2 A 1\n");
+}
+
+TEST(ResultFileTest, HeaderWithoutColumnsMakesUnknownSettings) {
+    EXPECT_EQ(Read(",Chain-A Power, Chain B Power\n5,1,2\n,NA,NA\n"),
+              "2:\n3:\n2 A 1\n2 B 2\n3 ? no power was reported\n");
+}
+
+TEST(ResultFileTest, ResultWithoutHeaderIsRefused) {
+    const char* const missing =
+        "1:0 the header is missing: it ends in \",Chain-A Power, Chain B Power\"; the client "
+        "writes none when the test file has an unknown column, so check the test file and run it "
+        "again\n";
+    EXPECT_EQ(Read("5,A,1,NA\n6,A,1,NA\n"), missing);
+    EXPECT_EQ(Read("Band,Chain-A Power,Chain B Power\n5,1,NA\n"), missing);
+    EXPECT_EQ(Read(""), missing + std::string("1:0 there is no measurement, because the run ended "
+                                              "before its first line; run the test again\n"));
+}
+
+TEST(ResultFileTest, ResultWithoutAMeasurementIsRefused) {
+    EXPECT_EQ(Read("Band,Chain-A Power, Chain B Power\n"),
+              "1:0 there is no measurement, because the run ended before its first line; run the "
+              "test again\n");
+}
+
+TEST(ResultFileTest, EverythingWrongIsToldWithItsPlace) {
+    EXPECT_EQ(Read("Band,Chanel,Chain-A Power, Chain B Power\n"
+                   "5,A,1,NA\n"
+                   "5,A,17..5,+1\n"
+                   "\n"
+                   "NA\n"
+                   "5,A,na,\n"
+                   "5,A,1234567890,NA\n"),
+              "1:2 there is no column \"Chanel\"; the header was changed after the run\n"
+              "3:3 \"17..5\" is no power: it is neither NA nor a decimal number; run the line "
+              "again\n"
+              "3:4 \"+1\" is no power: it is neither NA nor a decimal number; run the line again\n"
+              "4:0 the line does not end in two powers; the file was changed after the run, or is "
+              "not whole\n"
+              "5:0 the line does not end in two powers; the file was changed after the run, or is "
+              "not whole\n"
+              "6:3 \"na\" is no power: it is neither NA nor a decimal number; run the line again\n"
+              "6:4 \"\" is no power: it is neither NA nor a decimal number; run the line again\n"
+              "7:3 \"1234567890\" is no power: it has too many digits; run the line again\n");
+}
+
+class ResultFileNamesTest : public testing::Test {
+protected:
+    void SetUp() override {
+        directory.Create("result.csv", "Band,Chain-A Power, Chain B Power\n5,1,NA\n");
+        directory.Create("result.xml", "<PowerTable MCC=\"DE\"/>");
+    }
+
+    Result Read(const std::string& name) {
+        std::istringstream in("Band,Chain-A Power, Chain B Power\n6,2,NA\n");
+        return ReadResult(NamesOf(name), in, texts);
+    }
+
+    TestSupport::TemporaryDirectory directory;
+    TextPool texts;
+};
+
+TEST_F(ResultFileNamesTest, FolderStandsForItsResult) {
+    for (const std::string& name : {directory.Path(), directory.Path("result.csv")}) {
+        const Result result = Read(name);
+        EXPECT_EQ(Describe(result.run), "2 A 1\n");
+        EXPECT_EQ(result.device.countryCode, "DE");
+    }
+}
+
+TEST_F(ResultFileNamesTest, BothFilesAreInputs) {
+    EXPECT_EQ(
+        NamesOf(directory.Path("result.csv")).All(),
+        (std::vector<std::string>{directory.Path("result.csv"), directory.Path("result.xml")}));
+    EXPECT_EQ(NamesOf("-").All(), std::vector<std::string>{"-"});
+    EXPECT_EQ(NamesOf("result.csv").All(), (std::vector<std::string>{"result.csv", "result.xml"}));
+}
+
+TEST_F(ResultFileNamesTest, StandardInputHasNoTree) {
+    const Result result = Read("-");
+    EXPECT_EQ(Describe(result.run), "2 A 2\n");
+    EXPECT_EQ(result.device.whyUnknown, "standard input has no result.xml");
+}
+
+} // namespace
+} // namespace Bench
