@@ -26,6 +26,14 @@ int StartSockets();
 /// Undoes one StartSockets; 0 on success.
 int CleanupSockets();
 
+/// How many files and sockets a program of this system can have open at a time, once it has asked
+/// for as many as it can get; the largest number where there is no limit.
+std::uint64_t MostOpenFiles();
+
+/// How many connections to one daemon can be open at a time: the ports that the system gives to
+/// connecting sockets.
+std::uint64_t MostPorts();
+
 /// Resolves host and port for a TCP stream of either address family (no flags); null on failure.
 /// May block for as long as the system's resolver takes.
 AddressInfo* ResolveAddress(const std::string& host, const std::string& port);

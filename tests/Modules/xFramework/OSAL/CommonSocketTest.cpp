@@ -134,5 +134,11 @@ TEST(CommonSocketAddressTest, IsNotFoundForAPortThatIsNoNumber) {
     CleanupSockets();
 }
 
+TEST(CommonSocketLimitsTest, ASystemCarriesManyFilesAndPorts) {
+    EXPECT_GE(MostOpenFiles(), 64);
+    EXPECT_GE(MostPorts(), 1000);
+    EXPECT_LE(MostPorts(), 65535);
+}
+
 } // namespace
 } // namespace OSAL

@@ -9,6 +9,8 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fstream>
+#include <limits>
 #include <mutex>
 #include <vector>
 
@@ -99,6 +101,21 @@ int StartSockets() {
 
 int CleanupSockets() {
     return 0;
+}
+
+std::uint64_t MostOpenFiles() {
+    rlimit limit{};
+    const bool isLimited =
+        ::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_max != RLIM_INFINITY;
+    return isLimited ? limit.rlim_max : std::numeric_limits<std::uint64_t>::max();
+}
+
+std::uint64_t MostPorts() {
+    // Those of a system that tells none.
+    std::uint64_t first = 32768;
+    std::uint64_t last = 60999;
+    std::ifstream("/proc/sys/net/ipv4/ip_local_port_range") >> first >> last;
+    return last < first ? 0 : last - first + 1;
 }
 
 AddressInfo* ResolveAddress(const std::string& host, const std::string& port) {

@@ -3,6 +3,7 @@
 #include <winsock2.h>
 #include <ws2tcpip.h>
 
+#include <limits>
 #include <system_error>
 
 namespace OSAL {
@@ -19,6 +20,15 @@ int StartSockets() {
 
 int CleanupSockets() {
     return ::WSACleanup();
+}
+
+std::uint64_t MostOpenFiles() {
+    return std::numeric_limits<std::uint64_t>::max();
+}
+
+std::uint64_t MostPorts() {
+    // 49152 to 65535, unless the administrator has changed the dynamic ports.
+    return 16384;
 }
 
 AddressInfo* ResolveAddress(const std::string& host, const std::string& port) {

@@ -172,6 +172,14 @@ int CleanupSockets() {
     return 0;
 }
 
+std::uint64_t MostOpenFiles() {
+    return TheWorld().mostOpenFiles;
+}
+
+std::uint64_t MostPorts() {
+    return TheWorld().mostPorts;
+}
+
 AddressInfo* ResolveAddress(const std::string& host, const std::string& port) {
     Record("ResolveAddress [" + host + "] [" + port + "]");
     return TheWorld().resolveSucceeds(TheWorld().attempts - 1) ? new AddressInfo{host, port}

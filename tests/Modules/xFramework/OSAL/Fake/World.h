@@ -54,6 +54,8 @@ struct World {
     std::function<bool(int)> reuseSucceeds = [](int) { return true; };
     std::function<bool(int)> connectSucceeds = [](int) { return true; };
     int attempts = 0;
+    std::uint64_t mostOpenFiles = 1024;
+    std::uint64_t mostPorts = 28232;
     SocketHandle nextSocket = 100;
     /// Everything that was sent, in order.
     std::string sent;
