@@ -216,6 +216,7 @@ bool Table::Read(TableRow& row) {
 void Table::TakeLine(TableRow& row) {
     const std::size_t end = m_rest.find(m_lineEnd);
     const bool hasEnd = end != std::string_view::npos;
+    m_endsWithLineEnd = hasEnd;
     row.whole = m_rest.substr(0, end);
     row.line = ++m_line;
     m_rest.remove_prefix(hasEnd ? end + 1 : m_rest.size());

@@ -49,6 +49,15 @@ public:
     /// header does not name it. Of a name that is given twice the later one counts.
     std::optional<std::size_t> PlaceOf(std::size_t column) const { return m_places[column]; }
 
+    /// How many cells the header has, without empty ones at its end.
+    std::size_t Width() const { return m_width; }
+
+    /// Whether the lines end in a carriage return alone.
+    bool HasCarriageReturnsAlone() const { return m_lineEnd == '\r'; }
+
+    /// Whether the line that was read last has an end; the text's last line may lack it.
+    bool EndsWithLineEnd() const { return m_endsWithLineEnd; }
+
     /// Reads the next line, whatever is wrong with it; false at the end. The row's texts belong to
     /// the table and to its bytes.
     bool Read(TableRow& row);
@@ -83,7 +92,7 @@ private:
     char m_separator = ',';
     bool m_endsInCrLf = false;
     TableRow m_header;
-    /// How many cells the header has, without empty ones at its end.
+    bool m_endsWithLineEnd = true;
     std::size_t m_width = 0;
     std::vector<std::optional<std::size_t>> m_places;
 };
