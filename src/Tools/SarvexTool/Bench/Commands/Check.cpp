@@ -1,15 +1,28 @@
 #include "Tools/SarvexTool/Bench/Commands/Check.h"
 
+#include "Modules/xFramework/OSAL/Socket.h"
 #include "Tools/SarvexTool/Bench/Commands/FileArguments.h"
+#include "Tools/SarvexTool/Bench/Core/Estimate.h"
+#include "Tools/SarvexTool/Bench/Daemon/SettingsTrial.h"
+#include "Tools/SarvexTool/Bench/Files/Correction.h"
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Files/Input.h"
+#include "Tools/SarvexTool/Bench/Files/OutputFile.h"
+#include "Tools/SarvexTool/Bench/Files/TestFileCheck.h"
+#include "Tools/SarvexTool/Bench/Output/PlanText.h"
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
+#include "Tools/SarvexTool/Bench/Output/ShownText.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
 #include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,33 +32,171 @@ namespace {
 
 struct CheckOptions {
     std::vector<std::string> files;
+    std::string write;
+    std::string macType;
+    std::string exchange;
+    std::string daemon;
+    std::string timeout = "10";
 };
 
-int CheckFile(const std::string& name, Surroundings& surroundings) {
-    const std::string text = ReadInput(name, surroundings.in);
-    if (!text.empty())
-        return ExitCode::Fine;
-    const std::vector<Problem> problems{{Severity::Error, 1, 0, "the file is empty"}};
-    PrintProblems(surroundings.out, name, problems);
-    return ExitCode::Found;
+constexpr std::int32_t longestSeconds = 86'400;
+
+/// A time in seconds from an option: a decimal of 0 or more.
+Decimal SecondsOf(const std::string& option, const std::string& text) {
+    const std::optional<Decimal> seconds = Decimal::Parse(text);
+    if (!seconds || *seconds < Decimal() || *seconds > Decimal::FromInteger(longestSeconds))
+        throw WrongUsage(option + " " + text + " is no time in seconds, from 0 to " +
+                         std::to_string(longestSeconds));
+    return *seconds;
 }
 
-/// The same, so that a file that cannot be read does not keep others from being checked.
-int TryFile(const std::string& name, Surroundings& surroundings) {
-    try {
-        return CheckFile(name, surroundings);
-    } catch (const BadFile& bad) {
-        PrintProblems(surroundings.err, bad.File(), bad.Problems());
-        return ExitCode::Failed;
+bool IsSlow(const std::string& macType) {
+    std::uint32_t number = 0;
+    const char* const end = macType.data() + macType.size();
+    const auto [rest, error] = std::from_chars(macType.data(), end, number);
+    if (!macType.empty() && (error != std::errc() || rest != end))
+        throw WrongUsage("--mac-type " + macType + " is no number");
+    return number == SlowMacType;
+}
+
+DaemonAddress AddressOf(const std::string& text) {
+    std::optional<DaemonAddress> address = ParseDaemonAddress(text);
+    if (!address)
+        throw WrongUsage("--daemon " + text +
+                         " is no address; give HOST or HOST:PORT, an IPv6 address in brackets");
+    if (address->port == 0)
+        address->port = ReadPortBesideProgram();
+    return *address;
+}
+
+std::chrono::milliseconds TimeoutOf(const std::string& text) {
+    const double seconds = SecondsOf("--timeout", text).ToDouble();
+    const auto timeout = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
+    if (timeout.count() == 0)
+        throw WrongUsage("--timeout is too short");
+    return timeout;
+}
+
+/// Checks the files of one call, one after the other.
+class Check {
+public:
+    Check(const CheckOptions& options, Surroundings& surroundings)
+        : m_options(options),
+          m_surroundings(surroundings),
+          // What is told must not get into a corrected file on standard output.
+          m_console(options.write == StandardStreamName ? surroundings.err : surroundings.out) {
+        if (!options.write.empty() && options.files.size() > 1)
+            throw WrongUsage("--write takes one FILE");
+        RequireDistinctFiles(options.files, options.write.empty()
+                                                ? std::vector<std::string>()
+                                                : std::vector<std::string>{options.write});
+        m_conditions.isSlowDevice = IsSlow(options.macType);
+        if (!options.exchange.empty())
+            m_conditions.exchangeSeconds = SecondsOf("--exchange", options.exchange).ToDouble();
+        const std::chrono::milliseconds timeout = TimeoutOf(options.timeout);
+        if (!options.daemon.empty())
+            m_daemon.emplace(AddressOf(options.daemon), timeout);
     }
-}
 
-int Check(const CheckOptions& options, Surroundings& surroundings) {
-    RequireDistinctFiles(options.files, {});
-    int exitCode = ExitCode::Fine;
-    for (const std::string& name : options.files)
-        exitCode = std::max(exitCode, TryFile(name, surroundings));
-    return exitCode;
+    int Run() {
+        int exitCode = ExitCode::Fine;
+        for (const std::string& name : m_options.files)
+            exitCode = std::max(exitCode, TryFile(name));
+        if (m_daemon && m_daemon->Exchanges() > 0)
+            m_console.stream << "The settings of the device at " << MakeHarmless(m_options.daemon)
+                             << " have changed.\n";
+        return exitCode;
+    }
+
+private:
+    /// A file that cannot be read does not keep others from being checked.
+    int TryFile(const std::string& name) {
+        try {
+            return CheckFile(name);
+        } catch (const BadFile& bad) {
+            PrintProblems(m_surroundings.err, bad.File(), bad.Problems());
+            return ExitCode::Failed;
+        }
+    }
+
+    int CheckFile(const std::string& name) {
+        const std::string bytes = ReadInput(name, m_surroundings.in);
+        if (m_options.write.empty())
+            return CheckBytes(name, bytes);
+        const CorrectedTestFile corrected = CorrectTestFile(bytes);
+        WriteOutput(m_options.write, m_surroundings.out.stream, corrected.bytes);
+        PrintCorrections(m_console, name, corrected.changes.InOrder());
+        return CheckBytes(m_options.write, corrected.bytes);
+    }
+
+    int CheckBytes(const std::string& name, std::string_view bytes) {
+        TextPool pool;
+        CheckedTestFile file =
+            CheckTestFile(bytes, pool, MostLines({OSAL::MostOpenFiles(), OSAL::MostPorts()}));
+        const int daemonCode = TryOnDaemon(name, file);
+        PrintProblems(m_console, name, file.problems.InOrder());
+        PrintSummary(name, file);
+        return std::max<int>(daemonCode, file.problems.Count(Severity::Error) > 0 ? ExitCode::Found
+                                                                                  : ExitCode::Fine);
+    }
+
+    /// What is found in the file is told, whether the daemon can be asked or not.
+    int TryOnDaemon(const std::string& name, CheckedTestFile& file) {
+        if (!m_daemon)
+            return ExitCode::Fine;
+        if (file.problems.Count(Severity::Error) > 0) {
+            PrintProblems(m_surroundings.err, name,
+                          std::vector<Problem>{{Severity::Warning, 0, 0,
+                                                "the daemon is asked when the file has no "
+                                                "errors"}});
+            return ExitCode::Fine;
+        }
+        try {
+            TrySettings(file, *m_daemon);
+            if (m_options.exchange.empty())
+                m_conditions.exchangeSeconds = m_daemon->MeanSeconds();
+            return ExitCode::Fine;
+        } catch (const BadFile& bad) {
+            PrintProblems(m_surroundings.err, bad.File(), bad.Problems());
+            return ExitCode::Failed;
+        }
+    }
+
+    void PrintSummary(const std::string& name, const CheckedTestFile& file) {
+        const double seconds = EstimateSeconds(file.plan.configurations, m_conditions);
+        const std::string counts = ProblemCountsText(file.problems.Count(Severity::Error),
+                                                     file.problems.Count(Severity::Warning));
+        m_console.stream << MakeHarmless(name) << ": " << counts << "; "
+                         << PlanText(file.plan, seconds) << "\n";
+    }
+
+    const CheckOptions& m_options;
+    Surroundings& m_surroundings;
+    const Console& m_console;
+    RunConditions m_conditions;
+    std::optional<Daemon> m_daemon;
+};
+
+void AddOptions(CLI::App& app, CheckOptions& options) {
+    app.add_option("FILE", options.files, "Test file, - for standard input")
+        ->required()
+        ->type_name("");
+    app.add_option("--write", options.write,
+                   "Write a copy with what can be corrected for certain, - for standard output")
+        ->type_name("OUT");
+    app.add_option("--mac-type", options.macType,
+                   "MAC type of the device, for the time of a run: with 16 each line takes 5 s")
+        ->type_name("N");
+    app.add_option("--exchange", options.exchange,
+                   "How long an exchange with the daemon takes, for the time of a run")
+        ->type_name("SECONDS");
+    app.add_option("--daemon", options.daemon,
+                   "Try the settings on a daemon, without calibrating or starting anything; its "
+                   "settings are changed. Without PORT the one in Socket.cfg beside this program")
+        ->type_name("HOST[:PORT]");
+    app.add_option("--timeout", options.timeout, "How long an exchange with the daemon may take")
+        ->type_name("SECONDS")
+        ->capture_default_str();
 }
 
 } // namespace
@@ -53,8 +204,11 @@ int Check(const CheckOptions& options, Surroundings& surroundings) {
 Command AddCheck(CLI::App& program) {
     CLI::App* const app = program.add_subcommand("check", "Tell all that is wrong with test files");
     const auto options = std::make_shared<CheckOptions>();
-    app->add_option("FILE", options->files, "Test file, - for standard input")->required();
-    return {app, [options](Surroundings& surroundings) { return Check(*options, surroundings); }};
+    AddOptions(*app, *options);
+    app->footer("Exit code: 0 no error, 1 errors found, 2 wrong usage, or a file or daemon that "
+                "cannot be asked.");
+    return {app,
+            [options](Surroundings& surroundings) { return Check(*options, surroundings).Run(); }};
 }
 
 } // namespace Bench

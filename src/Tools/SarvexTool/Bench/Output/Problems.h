@@ -13,4 +13,8 @@ namespace Bench {
 void PrintProblems(const Console& console, const std::string& file,
                    std::span<const Problem> problems);
 
+/// The same for what was mended: FILE:LINE:COLUMN: corrected: TEXT.
+void PrintCorrections(const Console& console, const std::string& file,
+                      std::span<const Problem> corrections);
+
 } // namespace Bench

@@ -1,37 +1,124 @@
 #include "Tools/SarvexTool/Bench/CommandLine.h"
+#include "tests/Modules/xFramework/OSAL/Fake/World.h"
 #include "tests/Support/Files.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <sstream>
 
 namespace Bench {
 namespace {
 
+using testing::EndsWith;
+using testing::HasSubstr;
+
 class CheckTest : public testing::Test {
 protected:
+    CheckTest() { OSAL::Fake::Reset(); }
+
     int Run(const std::vector<std::string>& arguments, const std::string& input = "") {
+        out.str("");
+        err.str("");
         std::istringstream in(input);
         Surroundings surroundings{in, {out}, {err}};
-        return RunProgram(arguments, surroundings);
+        std::vector<std::string> all{"check"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        return RunProgram(all, surroundings);
     }
 
     std::ostringstream out;
     std::ostringstream err;
     TestSupport::TemporaryDirectory directory;
+    const std::string sound = directory.Create("sound.csv", "Chains,Channel\nAB,36\nA,40\n");
 };
 
 TEST_F(CheckTest, StandardInputIsNamedDashInMessages) {
-    EXPECT_EQ(Run({"check", "-"}), 1);
-    EXPECT_EQ(out.str(), "-:1:0: error: the file is empty\n");
+    EXPECT_EQ(Run({"-"}), 1);
+    EXPECT_EQ(out.str(), "-:1:0: error: the file is empty; its first line names the columns\n"
+                         "-: 1 error, no warnings; no configurations, no measurements; a run takes "
+                         "about 0 s\n");
+}
+
+TEST_F(CheckTest, AFileWithWarningsAloneIsFine) {
+    EXPECT_EQ(Run({sound}), 0);
+    EXPECT_THAT(out.str(), HasSubstr(sound + ":2:0: warning: no line has set Band when"));
+    EXPECT_THAT(out.str(),
+                EndsWith(sound + ": no errors, 8 warnings; 2 configurations, 3 measurements; a run "
+                                 "takes about 2 s\n"));
+    EXPECT_EQ(err.str(), "");
 }
 
 TEST_F(CheckTest, OneBadFileDoesNotKeepTheOthersFromBeingChecked) {
-    const std::string empty = directory.Create("empty.csv", "");
-    EXPECT_EQ(Run({"check", directory.Path("none.csv"), empty}), 2);
-    EXPECT_EQ(out.str(), empty + ":1:0: error: the file is empty\n");
+    const std::string bad = directory.Create("bad.csv", "Chains\nC\n");
+    EXPECT_EQ(Run({sound, bad}), 1);
+    EXPECT_EQ(Run({directory.Path("none.csv"), bad}), 2);
+    EXPECT_THAT(out.str(), HasSubstr(bad + ":2:1: error: no power is filed for the chains \"C\""));
     EXPECT_EQ(err.str(),
               directory.Path("none.csv") + ": error: cannot be read (No such file or directory)\n");
+}
+
+TEST_F(CheckTest, TheTimeOfARunDependsOnDeviceAndExchanges) {
+    Run({sound, "--mac-type", "16"});
+    EXPECT_THAT(out.str(), EndsWith("about 10 s\n"));
+    Run({sound, "--mac-type", "15", "--exchange", "0.5"});
+    EXPECT_THAT(out.str(), EndsWith("about 5 s\n"));
+}
+
+TEST_F(CheckTest, TheSystemsLimitIsHalfOfTheSmallerOfFilesAndPorts) {
+    OSAL::Fake::TheWorld().mostOpenFiles = 3;
+    Run({sound});
+    EXPECT_THAT(out.str(), HasSubstr(":3:0: warning: this system can carry 1 lines in one run"));
+    OSAL::Fake::TheWorld().mostOpenFiles = 4;
+    Run({sound});
+    EXPECT_EQ(out.str().find("can carry"), std::string::npos);
+}
+
+TEST_F(CheckTest, ACorrectedCopyIsWrittenAndItsErrorsCount) {
+    const std::string input = directory.Create("in.csv", "Chains;Channel\r\nAB;36\r\n");
+    const std::string output = directory.Path("out.csv");
+    EXPECT_EQ(Run({input, "--write", output}), 0);
+    EXPECT_EQ(TestSupport::ReadBytes(output), "Chains,Channel\nAB,36\n");
+    EXPECT_THAT(out.str(), HasSubstr(input + ":1:0: corrected: commas separate the cells now\n"));
+    EXPECT_THAT(out.str(), HasSubstr(output + ": no errors"));
+    const std::string other = directory.Create("other.csv", "Chains;Channel\nC;36\n");
+    EXPECT_EQ(Run({other, "--write", output}), 1);
+    EXPECT_THAT(out.str(), HasSubstr(output + ":2:1: error: no power is filed"));
+}
+
+TEST_F(CheckTest, ACorrectedCopyOnStandardOutputIsAlone) {
+    EXPECT_EQ(Run({"-", "--write", "-"}, "Chains;Channel\r\nAB;36\r\n"), 0);
+    EXPECT_EQ(out.str(), "Chains,Channel\nAB,36\n");
+    EXPECT_THAT(err.str(), HasSubstr("-:1:0: corrected: commas"));
+}
+
+TEST_F(CheckTest, WrongOptionsEndWithTwoBeforeAnythingIsRead) {
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{sound, sound, "--write", directory.Path("out.csv")},
+                                               {sound, "--write", sound},
+                                               {sound, "--write", directory.Path("./sound.csv")},
+                                               {sound, "--mac-type", "x"},
+                                               {sound, "--exchange", "-1"},
+                                               {sound, "--exchange", "1,5"},
+                                               {sound, "--timeout", "0"},
+                                               {sound, "--daemon", "::1"},
+                                               {sound, "--daemon", "host:99999"}}) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        EXPECT_EQ(Run(arguments), 2);
+        EXPECT_EQ(out.str(), "");
+        EXPECT_THAT(err.str(), HasSubstr("SarvexToolBench check: "));
+    }
+    EXPECT_EQ(TestSupport::ReadBytes(sound), "Chains,Channel\nAB,36\nA,40\n");
+}
+
+TEST_F(CheckTest, ADaemonIsNotAskedAboutAFileWithErrors) {
+    EXPECT_EQ(Run({"-", "--daemon", "127.0.0.1:1"}, "Chains\nC\n"), 1);
+    EXPECT_EQ(err.str(), "-: warning: the daemon is asked when the file has no errors\n");
+}
+
+TEST_F(CheckTest, ThePortIsThatOfThePortFileBesideTheProgram) {
+    EXPECT_EQ(Run({sound, "--daemon", "127.0.0.1"}), 2);
+    EXPECT_EQ(err.str(), "/bench/Socket.cfg: error: has no port of four digits; name one after the "
+                         "host: HOST:PORT\n");
 }
 
 } // namespace

@@ -1,0 +1,75 @@
+#include "Tools/SarvexTool/Bench/Daemon/SettingsTrial.h"
+
+#include "Tools/SarvexTool/Bench/Files/TestFileProblems.h"
+
+#include <string>
+
+namespace Bench {
+
+namespace {
+
+/// Tries the configurations of one file.
+class Trial {
+public:
+    Trial(CheckedTestFile& file, IDaemon& daemon) : m_file(file), m_daemon(daemon) {}
+
+    void Run() {
+        for (const Configuration& configuration : m_file.plan.distinct)
+            Try(configuration);
+    }
+
+private:
+    using Arguments = std::vector<std::string>;
+
+    static void AddSetting(Arguments& arguments, Setting setting, const std::string& text) {
+        arguments.emplace_back(PowerTest::columnCommands[static_cast<std::size_t>(setting)].option);
+        arguments.push_back(text);
+    }
+
+    void Try(const Configuration& configuration) {
+        Arguments arguments;
+        for (std::size_t index = 0; index < SettingCount; ++index) {
+            const auto setting = static_cast<Setting>(index);
+            if (configuration.settings[setting] != nullptr)
+                AddSetting(arguments, setting, *configuration.settings[setting]);
+        }
+        if (arguments.empty())
+            return;
+        const DaemonAnswer answer = m_daemon.Ask(arguments);
+        if (answer.isRefusal && !TellRefusedSettings(configuration))
+            m_file.problems.Add(TestFileProblem::refused, configuration.line, 0,
+                                "the daemon refuses these settings together: " + answer.words);
+    }
+
+    /// Whether there is a setting that the daemon refuses by itself.
+    bool TellRefusedSettings(const Configuration& configuration) {
+        bool isFound = false;
+        for (std::size_t index = 0; index < SettingCount; ++index) {
+            const auto setting = static_cast<Setting>(index);
+            const std::string* const pText = configuration.settings[setting];
+            if (pText == nullptr)
+                continue;
+            Arguments arguments;
+            AddSetting(arguments, setting, *pText);
+            const DaemonAnswer answer = m_daemon.Ask(arguments);
+            if (!answer.isRefusal)
+                continue;
+            isFound = true;
+            m_file.problems.Add(TestFileProblem::refused, configuration.line, m_file.columns[index],
+                                std::string("the daemon refuses ") + NameOf(setting) + " \"" +
+                                    *pText + "\": " + answer.words);
+        }
+        return isFound;
+    }
+
+    CheckedTestFile& m_file;
+    IDaemon& m_daemon;
+};
+
+} // namespace
+
+void TrySettings(CheckedTestFile& file, IDaemon& daemon) {
+    Trial(file, daemon).Run();
+}
+
+} // namespace Bench
