@@ -4,6 +4,7 @@
 #include "Tools/SarvexTool/Bench/Commands/Check.h"
 #include "Tools/SarvexTool/Bench/Commands/Compare.h"
 #include "Tools/SarvexTool/Bench/Commands/Judge.h"
+#include "Tools/SarvexTool/Bench/Commands/Report.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
@@ -24,7 +25,7 @@ namespace {
 constexpr const char* programName = "SarvexToolBench";
 
 /// The subcommands, in the order in which the help shows them.
-constexpr std::array<Command (*)(CLI::App&), 3> addCommands{AddCheck, AddJudge, AddCompare};
+constexpr std::array<Command (*)(CLI::App&), 4> addCommands{AddCheck, AddJudge, AddReport, AddCompare};
 
 /// The options of the program or of the subcommand of that name.
 const CLI::App& Named(const CLI::App& program, const std::string& name) {

@@ -1,14 +1,13 @@
 #include "Tools/SarvexTool/Bench/Commands/Judge.h"
 
 #include "Tools/SarvexTool/Bench/Commands/FileArguments.h"
+#include "Tools/SarvexTool/Bench/Commands/NeedlessLimits.h"
 #include "Tools/SarvexTool/Bench/Commands/Outputs.h"
-#include "Tools/SarvexTool/Bench/Core/ProblemList.h"
 #include "Tools/SarvexTool/Bench/Files/LimitsFile.h"
 #include "Tools/SarvexTool/Bench/Files/ResultFile.h"
 #include "Tools/SarvexTool/Bench/Output/Csv.h"
 #include "Tools/SarvexTool/Bench/Output/Json.h"
 #include "Tools/SarvexTool/Bench/Output/Junit.h"
-#include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/Text.h"
 
 #include <CLI/App.hpp>
@@ -31,16 +30,6 @@ struct JudgeOptions {
     std::optional<std::string> json;
     std::optional<std::string> csv;
 };
-
-/// A limit that is for nothing that was measured is most likely misspelt.
-void WarnOfNeedlessLimits(const LimitTable& table, const std::string& name, const Console& err) {
-    static constexpr ProblemKind needless{Severity::Warning, "lines that fit no measurement"};
-    ProblemList problems;
-    for (const Limit* const limit : table.NeverFitting())
-        problems.Add(needless, limit->line, 0,
-                     "the line fits no measurement; look for a misspelt value, or take it away");
-    PrintProblems(err, name, problems.InOrder());
-}
 
 int Judge(const JudgeOptions& options, Surroundings& surroundings) {
     const ResultNames names = NamesOf(options.result);

@@ -1,0 +1,124 @@
+#include "Tools/SarvexTool/Bench/Commands/Report.h"
+
+#include "Tools/SarvexTool/Bench/Commands/FileArguments.h"
+#include "Tools/SarvexTool/Bench/Commands/NeedlessLimits.h"
+#include "Tools/SarvexTool/Bench/Commands/Outputs.h"
+#include "Tools/SarvexTool/Bench/Commands/PageFacts.h"
+#include "Tools/SarvexTool/Bench/Files/LimitsFile.h"
+#include "Tools/SarvexTool/Bench/Files/ResultFile.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Bench {
+
+namespace {
+
+struct ReportOptions {
+    std::string result;
+    std::optional<std::string> limits;
+    std::optional<std::string> baseline;
+    std::string output;
+};
+
+/// The tolerance that compare has unless it is told another.
+constexpr Decimal Tolerance() {
+    return Decimal::FromUnits(500'000'000);
+}
+
+/// What the page refers to. It stays where it is: its parts refer to each other.
+class ReportData {
+public:
+    ReportData(const ReportOptions& options, Surroundings& surroundings)
+        : m_names(NamesOf(options.result)),
+          m_result(ReadResult(m_names, surroundings.in, m_texts)),
+          m_page{"Transmit power report", SubjectOf(m_names.table),
+                 FactsOf(m_names, m_result.device), m_result.run} {
+        if (options.limits)
+            Judge(*options.limits, surroundings);
+        if (options.baseline)
+            Compare(*options.baseline, surroundings);
+    }
+    ReportData(const ReportData&) = delete;
+    ReportData& operator=(const ReportData&) = delete;
+
+    const Page& Shown() const { return m_page; }
+    /// Null without limits.
+    const LimitTable* UsedLimits() const { return m_limits ? &*m_limits : nullptr; }
+
+private:
+    void Judge(const std::string& limits, Surroundings& surroundings) {
+        m_limits.emplace(ReadLimits(limits, surroundings.in, m_texts));
+        m_judgements = Bench::Judge(m_result.run, *m_limits);
+        m_page.judgements = &m_judgements;
+        m_page.facts.push_back({"Limits", SubjectOf(limits)});
+    }
+
+    void Compare(const std::string& baseline, Surroundings& surroundings) {
+        const ResultNames names = NamesOf(baseline);
+        m_old = ReadResult(names, surroundings.in, m_texts);
+        m_differences = Bench::Compare(m_old.run, m_result.run, Tolerance());
+        m_baseline.emplace(PageBaseline{m_old.run, m_differences, Tolerance()});
+        m_page.baseline = &*m_baseline;
+        for (PageFact& fact : FactsOfBaseline(names, m_old.device))
+            m_page.facts.push_back(std::move(fact));
+    }
+
+    TextPool m_texts;
+    ResultNames m_names;
+    Result m_result;
+    std::optional<LimitTable> m_limits;
+    Judgements m_judgements;
+    Result m_old;
+    Differences m_differences;
+    std::optional<PageBaseline> m_baseline;
+    Page m_page;
+};
+
+std::vector<std::string> InputsOf(const ReportOptions& options) {
+    std::vector<std::string> inputs = NamesOf(options.result).All();
+    if (options.limits)
+        inputs.push_back(*options.limits);
+    if (options.baseline) {
+        const std::vector<std::string> baseline = NamesOf(*options.baseline).All();
+        inputs.insert(inputs.end(), baseline.begin(), baseline.end());
+    }
+    return inputs;
+}
+
+int Report(const ReportOptions& options, Surroundings& surroundings) {
+    RequireDistinctFiles(InputsOf(options), {options.output});
+    const ReportData data(options, surroundings);
+    WriteOutputs({{options.output, [&data](std::ostream& out) { WritePage(data.Shown(), out); }}},
+                 surroundings);
+    if (data.UsedLimits() != nullptr)
+        WarnOfNeedlessLimits(*data.UsedLimits(), *options.limits, surroundings.err);
+    return ExitCode::Fine;
+}
+
+} // namespace
+
+Command AddReport(CLI::App& program) {
+    CLI::App* const app = program.add_subcommand("report", "Show a run as one HTML page");
+    const auto options = std::make_shared<ReportOptions>();
+    app->add_option("RESULT", options->result,
+                    "result.csv or the folder that holds it, - for standard input")
+        ->required();
+    app->add_option("--limits", options->limits, "Table of limits, - for standard input")
+        ->option_text("FILE");
+    app->add_option("--baseline", options->baseline,
+                    "result.csv of another run to hold this one against, or its folder")
+        ->option_text("RESULT");
+    app->add_option("-o,--output", options->output, "The page to write, - for standard output")
+        ->required()
+        ->option_text("FILE.html");
+    return {app, [options](Surroundings& surroundings) { return Report(*options, surroundings); }};
+}
+
+} // namespace Bench
