@@ -25,7 +25,8 @@ namespace {
 constexpr const char* programName = "SarvexToolBench";
 
 /// The subcommands, in the order in which the help shows them.
-constexpr std::array<Command (*)(CLI::App&), 4> addCommands{AddCheck, AddJudge, AddReport, AddCompare};
+constexpr std::array<Command (*)(CLI::App&), 4> addCommands{AddCheck, AddJudge, AddReport,
+                                                            AddCompare};
 
 /// The options of the program or of the subcommand of that name.
 const CLI::App& Named(const CLI::App& program, const std::string& name) {

@@ -2,6 +2,7 @@
 
 #include "Tools/SarvexTool/Bench/Commands/FileArguments.h"
 #include "Tools/SarvexTool/Bench/Commands/Outputs.h"
+#include "Tools/SarvexTool/Bench/Commands/PageFacts.h"
 #include "Tools/SarvexTool/Bench/Core/Differences.h"
 #include "Tools/SarvexTool/Bench/Files/ResultFile.h"
 #include "Tools/SarvexTool/Bench/Output/Json.h"
@@ -16,6 +17,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Bench {
@@ -28,6 +30,7 @@ struct CompareOptions {
     std::string tolerance = "0.5";
     std::optional<std::string> junit;
     std::optional<std::string> json;
+    std::optional<std::string> html;
 };
 
 Decimal ReadTolerance(const std::string& text) {
@@ -43,6 +46,18 @@ bool HasPower(const RunResult& run) {
         [](const Measurement& measurement) { return measurement.power.has_value(); });
 }
 
+/// The older run is the page's baseline.
+void WriteComparedPage(const ResultNames& oldNames, const ResultNames& newNames,
+                       const ComparedRuns& compared, std::ostream& stream) {
+    const PageBaseline baseline{compared.oldResult.run, compared.differences, compared.tolerance};
+    std::vector<PageFact> facts = FactsOf(newNames, compared.newResult.device);
+    for (PageFact& fact : FactsOfBaseline(oldNames, compared.oldResult.device))
+        facts.push_back(std::move(fact));
+    WritePage({"Comparison of two transmit power tests", SubjectOf(newNames.table),
+               std::move(facts), compared.newResult.run, nullptr, &baseline},
+              stream);
+}
+
 int Compare(const CompareOptions& options, Surroundings& surroundings) {
     const Decimal tolerance = ReadTolerance(options.tolerance);
     const ResultNames oldNames = NamesOf(options.oldResult);
@@ -56,7 +71,9 @@ int Compare(const CompareOptions& options, Surroundings& surroundings) {
                                 differences};
     const std::vector<Output> outputs{
         {options.junit, [&compared](std::ostream& stream) { WriteJunit(stream, compared); }},
-        {options.json, [&compared](std::ostream& stream) { WriteJson(stream, compared); }}};
+        {options.json, [&compared](std::ostream& stream) { WriteJson(stream, compared); }},
+        {options.html,
+         [&](std::ostream& stream) { WriteComparedPage(oldNames, newNames, compared, stream); }}};
     std::vector<std::string> inputs = oldNames.All();
     const std::vector<std::string> newInputs = newNames.All();
     inputs.insert(inputs.end(), newInputs.begin(), newInputs.end());
@@ -89,6 +106,8 @@ Command AddCompare(CLI::App& program) {
     app->add_option("--junit", options->junit, "Write a JUnit report, - for standard output")
         ->option_text("FILE");
     app->add_option("--json", options->json, "Write all as JSON, - for standard output")
+        ->option_text("FILE");
+    app->add_option("--html", options->html, "Write an HTML page, - for standard output")
         ->option_text("FILE");
     return {app, [options](Surroundings& surroundings) { return Compare(*options, surroundings); }};
 }

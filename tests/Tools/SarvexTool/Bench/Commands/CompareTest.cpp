@@ -43,6 +43,21 @@ TEST_F(CompareTest, MeasuredInNeitherRunIsNoChange) {
               0);
 }
 
+TEST_F(CompareTest, ThePageHoldsTheNewRunAgainstTheOldOne) {
+    const std::string older = ResultOf("old.csv", "10");
+    const std::string newer = ResultOf("new.csv", "10.4");
+    EXPECT_EQ(Run({"compare", older, newer, "--html", directory.Path("c.html")}), 0);
+    const std::string alike = ReadBytes("c.html");
+    EXPECT_NE(alike.find("<strong>Alike</strong> <span>1 measurement is in both runs, and none "
+                         "differs by more than 0.5 dB.</span>"),
+              std::string::npos);
+    EXPECT_NE(alike.find("<dt>Baseline</dt><dd>"), std::string::npos);
+    EXPECT_EQ(Run({"compare", older, newer, "--tolerance", "0.2", "--html", "-"}), 1);
+    EXPECT_EQ(out.str().substr(0, 15), "<!DOCTYPE html>");
+    EXPECT_NE(out.str().find("[0,0,2,\"10\",\"0.4\",0]"), std::string::npos);
+    EXPECT_NE(err.str().find("DIFFERENT: 1 difference"), std::string::npos);
+}
+
 TEST_F(CompareTest, OutputsAreWritten) {
     const std::string older = ResultOf("old.csv", "10");
     EXPECT_EQ(Run({"compare", older, "-", "--json", directory.Path("c.json"), "--junit", "-"},
