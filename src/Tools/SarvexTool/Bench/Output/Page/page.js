@@ -169,7 +169,7 @@ class DataTable {
       let longest = Math.max(...column.title.split(" ").map(word => word.length + 2));
       for (const row of this.all)
         longest = Math.max(longest, (column.get(row) || column.nullText || "").length + (column.extra || 0));
-      group.append(make("col", {style: `width: calc(${Math.min(longest, column.isWide ? 48 : 24)}ch + 20px)`}));
+      group.append(make("col", {style: `width: calc(${Math.min(longest, column.isWide ? 48 : column.widest || 24)}ch + 20px)`}));
     }
     return group;
   }
@@ -669,6 +669,7 @@ class Plot {
     const series = [{}], values = [this.places];
     for (const line of this.shownLines) {
       line.series = series.length;
+      line.oldSeries = hasBaseline ? line.series + this.shownLines.length : null;
       series.push(this.seriesOf(line, []));
       values.push(line.values(this.places, row => row.value));
     }
@@ -839,8 +840,12 @@ class Plot {
     if (this.emphasised === line)
       return;
     this.emphasised = line;
-    if (this.chart && this.shownLines.length > 1)
-      this.chart.setSeries(line ? line.series : null, {focus: true});
+    if (!this.chart || this.shownLines.length < 2)
+      return;
+    this.chart.setSeries(line ? line.series : null, {focus: true});
+    // A line and its baseline belong together.
+    if (line && line.oldSeries !== null)
+      this.chart.series[line.oldSeries].alpha = 1;
   }
 
   // -- Pointer and keys
@@ -1051,17 +1056,6 @@ function addDifferences() {
   const told = kinds.length === 0 ? "None." : kinds.map(([kind, count]) => `${count.toLocaleString("en")} ${kind}`).join(", ") + ".";
   section.append(make("p", {class: "note"}, `${data.tolerance} dB or less is no change. ${told}`
     + (data.noise === null ? "" : ` Repeated lines differ by ${data.noise} dB (standard deviation); changes within that are marked as noise.`)));
-  if (list.length > 0) {
-    addTable(section, "Differences", [
-      textColumn("What", difference => difference.kind + (difference.isNoise ? ", within noise" : "")),
-      ...settingColumns(list), textColumn("Chain", difference => difference.chain),
-      numberColumn("Baseline line", difference => difference.oldLine === null ? null : String(difference.oldLine)),
-      numberColumn("Baseline, dBm", difference => difference.oldPower),
-      numberColumn("Line", difference => difference.line === null ? null : String(difference.line)),
-      numberColumn("Power, dBm", difference => difference.power, {cell: difference => difference.row ? powerCell(difference.row) : ""}),
-      numberColumn("Change, dB", difference => withSign(difference.change)),
-    ], list);
-  }
   if (data.shifts.length > 0) {
     section.append(make("h3", {}, "Mean change by band and rate"));
     addTable(section, "Mean change by band and rate", [
@@ -1069,7 +1063,18 @@ function addDifferences() {
       numberColumn("Pairs", shift => String(shift[2])), numberColumn("Mean change, dB", shift => withSign(shift[3])),
     ], data.shifts);
   }
-  return list.length;
+  if (list.length > 0) {
+    section.append(make("h3", {}, "Each difference"));
+    addTable(section, "Differences", [
+      textColumn("What", difference => difference.kind + (difference.isNoise ? ", within noise" : ""), {widest: 32}),
+      numberColumn("Change, dB", difference => withSign(difference.change)),
+      numberColumn("Baseline, dBm", difference => difference.oldPower),
+      numberColumn("Power, dBm", difference => difference.power, {cell: difference => difference.row ? powerCell(difference.row) : ""}),
+      ...settingColumns(list), textColumn("Chain", difference => difference.chain),
+      numberColumn("Baseline line", difference => difference.oldLine === null ? null : String(difference.oldLine)),
+      numberColumn("Line", difference => difference.line === null ? null : String(difference.line)),
+    ], list);
+  }
 }
 
 // ---- The page -------------------------------------------------------------------------------------
