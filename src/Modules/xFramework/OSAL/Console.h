@@ -25,8 +25,8 @@ public:
     PreparedConsole& operator=(const PreparedConsole&) = delete;
 
 private:
-    /// The code page that the console had; 0 when there is no console, or none is needed.
-    std::uint32_t m_codePage = 0;
+    /// The code page that the console had; 0 when there is no console, or no system that needs one.
+    [[maybe_unused]] std::uint32_t m_codePage = 0;
 };
 
 /// Whether the system takes two file names of one folder, in UTF-8, for the same.
