@@ -239,7 +239,7 @@ TEST_F(TestRunTest, OutputThatNobodyReadsAnyMoreDoesNotEndTheRun) {
     bench.SetPort(peer.Port());
     bench.Write("test.csv", "Band\n5\n6\n");
     Process client(bench.ClientPath(), {"-wifi-test-by-file", "test.csv"}, bench.Directory(),
-                   Process::Output::BrokenPipe);
+                   {.output = Process::Output::BrokenPipe, .inputFile = {}});
     const ProcessResult result = client.Wait();
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.err, "");

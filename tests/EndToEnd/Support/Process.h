@@ -44,9 +44,21 @@ public:
         BrokenPipe
     };
 
+    /// What a program is started with beside its arguments.
+    struct Start {
+        Output output = Output::Kept;
+        /// A file that standard input reads; nothing to read when it is empty.
+        std::string inputFile;
+        /// Whether the arguments are in UTF-8 also where the system's own code page is another.
+        bool areArgumentsUtf8 = false;
+    };
+
     /// Starts the program; arguments arrive in it as they are given here.
     Process(const std::string& program, const std::vector<std::string>& arguments,
-            const std::string& workingDirectory, Output output = Output::Kept);
+            const std::string& workingDirectory, const Start& start);
+    Process(const std::string& program, const std::vector<std::string>& arguments,
+            const std::string& workingDirectory)
+        : Process(program, arguments, workingDirectory, Start()) {}
     /// Kills the program if it still runs.
     ~Process();
     Process(const Process&) = delete;

@@ -79,20 +79,21 @@ private:
 } // namespace
 
 Process::Process(const std::string& program, const std::vector<std::string>& arguments,
-                 const std::string& workingDirectory, Output output)
+                 const std::string& workingDirectory, const Start& start)
     : m_system(std::make_unique<System>()) {
     std::vector<char*> pointers{const_cast<char*>(program.c_str())};
     for (const std::string& argument : arguments)
         pointers.push_back(const_cast<char*>(argument.c_str()));
     pointers.push_back(nullptr);
+    const std::string in = start.inputFile.empty() ? "/dev/null" : start.inputFile;
     const std::string out = m_system->output.Path("out");
     const std::string err = m_system->output.Path("err");
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
     ::posix_spawn_file_actions_addchdir_np(&actions, workingDirectory.c_str());
-    ::posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
+    ::posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
     const BrokenPipe pipe;
-    if (output == Output::BrokenPipe)
+    if (start.output == Output::BrokenPipe)
         ::posix_spawn_file_actions_adddup2(&actions, pipe.WriteEnd(), 1);
     else
         ::posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT, 0600);

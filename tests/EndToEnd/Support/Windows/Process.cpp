@@ -48,6 +48,14 @@ void Require(bool succeeded, const std::string& what) {
         throw std::runtime_error("cannot " + what + ": error " + std::to_string(error));
 }
 
+std::wstring Widen(const std::string& text, UINT codePage) {
+    const int size = static_cast<int>(text.size());
+    const int wideSize = ::MultiByteToWideChar(codePage, 0, text.data(), size, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(wideSize), L'\0');
+    ::MultiByteToWideChar(codePage, 0, text.data(), size, wide.data(), wideSize);
+    return wide;
+}
+
 HANDLE OpenInheritable(const std::string& path, DWORD access, DWORD disposition) {
     SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
     const HANDLE file = ::CreateFileA(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE,
@@ -94,12 +102,12 @@ public:
     ThreeHandles(const ThreeHandles&) = delete;
     ThreeHandles& operator=(const ThreeHandles&) = delete;
 
-    STARTUPINFOA* StartUp() { return &m_startup.StartupInfo; }
+    STARTUPINFOW* StartUp() { return &m_startup.StartupInfo; }
 
 private:
     std::array<HANDLE, 3> m_handles;
     std::vector<char> m_attributes;
-    STARTUPINFOEXA m_startup{};
+    STARTUPINFOEXW m_startup{};
 };
 
 /// Waits until the process ends or the time is over; returns its largest resident size.
@@ -120,21 +128,24 @@ std::uint64_t WatchUntilEnd(HANDLE child, double seconds) {
 } // namespace
 
 Process::Process(const std::string& program, const std::vector<std::string>& arguments,
-                 const std::string& workingDirectory, Output output)
+                 const std::string& workingDirectory, const Start& start)
     : m_system(std::make_unique<System>()) {
     std::string commandLine = Quote(program);
     for (const std::string& argument : arguments)
         commandLine += " " + Quote(argument);
     ThreeHandles handles(
-        OpenInheritable("NUL", GENERIC_READ, OPEN_EXISTING),
-        output == Output::BrokenPipe
+        OpenInheritable(start.inputFile.empty() ? "NUL" : start.inputFile, GENERIC_READ,
+                        OPEN_EXISTING),
+        start.output == Output::BrokenPipe
             ? OpenBrokenPipe()
             : OpenInheritable(m_system->output.Path("out"), GENERIC_WRITE, CREATE_ALWAYS),
         OpenInheritable(m_system->output.Path("err"), GENERIC_WRITE, CREATE_ALWAYS));
     const std::lock_guard starting(StartMutex());
-    const BOOL started = ::CreateProcessA(
-        program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, EXTENDED_STARTUPINFO_PRESENT,
-        nullptr, workingDirectory.c_str(), handles.StartUp(), &m_system->child);
+    std::wstring wideCommandLine = Widen(commandLine, start.areArgumentsUtf8 ? CP_UTF8 : CP_ACP);
+    const BOOL started = ::CreateProcessW(Widen(program, CP_ACP).c_str(), wideCommandLine.data(),
+                                          nullptr, nullptr, TRUE, EXTENDED_STARTUPINFO_PRESENT,
+                                          nullptr, Widen(workingDirectory, CP_ACP).c_str(),
+                                          handles.StartUp(), &m_system->child);
     Require(started, "start " + program);
 }
 
