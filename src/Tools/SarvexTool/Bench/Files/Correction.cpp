@@ -34,6 +34,9 @@ public:
         // A last line without an end stays one.
         if (!m_bytes.empty() && !m_table.EndsWithLineEnd())
             m_corrected.bytes.pop_back();
+        // Bytes that would be taken for another byte order mark now can only be told about.
+        if (MarkOf(m_corrected.bytes) != ByteOrderMark::None)
+            return {std::string(m_bytes), {}};
         return std::move(m_corrected);
     }
 

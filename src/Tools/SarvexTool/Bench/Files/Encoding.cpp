@@ -91,11 +91,13 @@ ByteOrderMark MarkOf(std::string_view bytes) {
 
 std::string_view WithoutMark(std::string_view bytes, std::string& storage) {
     const ByteOrderMark mark = MarkOf(bytes);
+    if (mark == ByteOrderMark::None)
+        return bytes;
     for (const MarkRow& row : marks) {
         if (row.mark == mark)
             bytes.remove_prefix(row.bytes.size());
     }
-    if (mark == ByteOrderMark::None || mark == ByteOrderMark::Utf8)
+    if (mark == ByteOrderMark::Utf8)
         return bytes;
     storage = Utf16Text(bytes, mark == ByteOrderMark::Utf16BigEndian).ToUtf8();
     return storage;

@@ -145,7 +145,7 @@ void Table::ReadHeader() {
         return;
     }
     TakeLine(m_header);
-    if (m_header.whole.empty()) {
+    if (m_header.whole.find_first_not_of(',') == std::string_view::npos) {
         m_problems.Add(TableProblem::columnName, 1, 0,
                        "the header is empty; the first line names the columns");
         return;

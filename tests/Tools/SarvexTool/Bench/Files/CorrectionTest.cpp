@@ -95,5 +95,18 @@ TEST(CorrectionTest, WhatIsNotCertainStaysAnError) {
     }
 }
 
+TEST(CorrectionTest, NothingIsMendedWhereAnotherMarkWouldComeToTheFront) {
+    for (const std::string_view bytes : {"\xEF\xBB\xBF\xFE\xFF"
+                                         "Band\n5\n"sv,
+                                         "\xEF\xBB\xBF\xEF\xBB\xBF"
+                                         "Band\n5\n"sv,
+                                         "\"\xFF\xFE\",Band\n5,6\n"sv}) {
+        SCOPED_TRACE(testing::PrintToString(bytes));
+        EXPECT_EQ(CorrectTestFile(bytes).bytes, bytes);
+        EXPECT_THAT(ChangesOf(bytes), IsEmpty());
+        EXPECT_GT(ErrorsOf(bytes), 0);
+    }
+}
+
 } // namespace
 } // namespace Bench

@@ -95,6 +95,7 @@ TEST(TableTest, EachProblemIsToldWithItsPlaceAndRemedy) {
         const auto& [bytes, problems] : std::vector<ProblemCase>{
             {"", {"E 1:0 the file is empty; its first line names the columns"}},
             {"Band\n", {"E 1:0 there is no line after the header; add at least one"}},
+            {",,\n5\n", {"E 1:0 the header is empty; the first line names the columns"}},
             {"\n5\n", {"E 1:0 the header is empty; the first line names the columns"}},
             {"\xEF\xBB\xBF"
              "Band\n5\n",
