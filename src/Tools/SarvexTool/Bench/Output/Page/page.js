@@ -128,9 +128,10 @@ function powerCell(row) {
     "aria-label": row.power + " dBm, show in the plot", click: () => row.point.plot.show(row)}, row.power);
 }
 
+// What was found comes first: a table with all settings is wider than most windows.
 function measurementColumns(list) {
   const columns = [numberColumn("Line", row => String(row.line)),
-    textColumn(isJudged ? "Verdict" : "State", row => row.verdict, {cell: verdictCell, extra: 2}), ...settingColumns(list),
+    textColumn(isJudged ? "Verdict" : "State", row => row.verdict, {cell: verdictCell, extra: 2}),
     textColumn("Chain", row => row.chain), numberColumn("Power, dBm", row => row.power, {cell: powerCell, nullText: "\u2013"})];
   if (isJudged) {
     columns.push(numberColumn("Min, dBm", row => row.minimum), numberColumn("Max, dBm", row => row.maximum),
@@ -138,6 +139,7 @@ function measurementColumns(list) {
   }
   if (hasBaseline)
     columns.push(numberColumn("Baseline, dBm", row => row.oldPower), numberColumn("Change, dB", row => withSign(row.change)));
+  columns.push(...settingColumns(list));
   if (list.some(row => row.reason !== null))
     columns.push(textColumn("Why not measured", row => row.reason, {isWide: true}));
   return columns;
@@ -327,7 +329,7 @@ class Measurements {
     this.choice = this.choices[0];
     this.words = [];
     this.told = make("span", {class: "told", role: "status"});
-    this.input = make("input", {type: "search", "aria-label": "Filter by text", placeholder: "Filter, for example: MCS11 channel=36",
+    this.input = make("input", {type: "search", "aria-label": "Filter by text", placeholder: "Filter, like MCS11 channel=36",
       autocomplete: "off", spellcheck: "false", input: () => this.setText(this.input.value)});
     const buttons = this.choices.map(choice => choice.button);
     this.section.append(
@@ -563,12 +565,18 @@ class Plot {
     return make("p", {class: "about"}, "Channel across, power in dBm upwards.", ...parts);
   }
 
+  // Few lines are all shown; of many those that are farthest outside, or some from here and there. They
+  // lead the list.
   chooseFirst() {
     const drawable = this.lines.filter(line => line.isDrawable);
-    const first = drawable.length <= FIRST_LINES ? drawable
-      : [...drawable].sort((left, right) => right.outside > 0 || left.outside > 0 ? left.worst - right.worst : 0).slice(0, FIRST_LINES);
-    for (const line of this.lines.filter(candidate => first.includes(candidate)))
+    const step = Math.max(drawable.length / FIRST_LINES, 1);
+    const first = drawable.some(line => line.outside > 0)
+      ? [...drawable].sort((left, right) => left.worst - right.worst).slice(0, FIRST_LINES)
+      : drawable.filter((line, index) => index === 0 || Math.floor(index / step) !== Math.floor((index - 1) / step));
+    const shown = drawable.filter(candidate => first.includes(candidate));
+    for (const line of shown)
       this.turn(line, true);
+    this.keys.prepend(...shown.map(line => line.key.parentElement));
     this.tellShown();
   }
 
