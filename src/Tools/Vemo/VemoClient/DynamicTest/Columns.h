@@ -42,8 +42,8 @@ inline constexpr std::array<ColumnCommand, 10> columnCommands{
 /// A cell that leaves its column unset.
 inline constexpr const char* unsetCell = "-";
 
-/// What follows the test file's header in the header of result.csv. The titles are spelt differently
-/// on purpose.
+/// What follows the test file's header in the header of result.csv. The titles are spelt
+/// differently on purpose.
 inline constexpr const char* powerTitles = ",Chain-A Power, Chain B Power";
 
 /// Is in result.csv in place of a power that the daemon did not report.
