@@ -16,13 +16,19 @@ namespace {
 
 using Kind = Difference::Kind;
 
+/// A number with no more digits than a decimal has: sums of the same numbers in another order
+/// differ in the last ones.
+double InDecimalDigits(double number) {
+    return Decimal::FromUnits(std::llround(number / Decimal::FromUnits(1).ToDouble())).ToDouble();
+}
+
 /// Gathers the squared distances of repeated powers from their means.
 class RepeatSpread {
 public:
-    void Add(const RunResult& run, const std::vector<std::uint32_t>& grouped) {
+    void Add(const RunResult& run, const std::vector<HashedMeasurement>& grouped) {
         std::vector<double> powers;
         for (std::size_t index = 0; index < grouped.size(); ++index) {
-            const std::optional<Decimal>& power = run.measurements[grouped[index]].power;
+            const std::optional<Decimal>& power = run.measurements[grouped[index].place].power;
             if (power)
                 powers.push_back(power->ToDouble());
             const bool isLast = index + 1 == grouped.size() ||
@@ -38,9 +44,7 @@ public:
         constexpr std::size_t fewest = 3;
         if (m_repeats < fewest)
             return std::nullopt;
-        const double deviation = std::sqrt(m_squares / static_cast<double>(m_repeats));
-        return Decimal::FromUnits(std::llround(deviation / Decimal::FromUnits(1).ToDouble()))
-            .ToDouble();
+        return InDecimalDigits(std::sqrt(m_squares / static_cast<double>(m_repeats)));
     }
 
 private:
@@ -74,8 +78,8 @@ public:
     std::vector<Shift> Means() const {
         std::vector<Shift> shifts;
         for (const auto& [key, sum] : m_sums)
-            shifts.push_back(
-                {sum.band, sum.rate, sum.pairs, sum.total / static_cast<double>(sum.pairs)});
+            shifts.push_back({sum.band, sum.rate, sum.pairs,
+                              InDecimalDigits(sum.total / static_cast<double>(sum.pairs))});
         return shifts;
     }
 
@@ -103,8 +107,8 @@ public:
         : m_old(oldRun), m_new(newRun), m_tolerance(tolerance) {}
 
     Differences Make() {
-        const std::vector<std::uint32_t> oldPlaces = Grouped(m_old);
-        const std::vector<std::uint32_t> newPlaces = Grouped(m_new);
+        const std::vector<HashedMeasurement> oldPlaces = Grouped(m_old);
+        const std::vector<HashedMeasurement> newPlaces = Grouped(m_new);
         RepeatSpread spread;
         spread.Add(m_old, oldPlaces);
         spread.Add(m_new, newPlaces);
@@ -117,24 +121,25 @@ public:
     }
 
 private:
-    void Merge(std::span<const std::uint32_t> oldPlaces, std::span<const std::uint32_t> newPlaces) {
+    void Merge(std::span<const HashedMeasurement> oldPlaces,
+               std::span<const HashedMeasurement> newPlaces) {
         while (!oldPlaces.empty() || !newPlaces.empty()) {
             const std::strong_ordering order = Next(oldPlaces, newPlaces);
             if (std::is_lt(order))
                 m_result.all.push_back(
-                    {Kind::InOldOnly, oldPlaces.front(), std::nullopt, {}, false});
+                    {Kind::InOldOnly, oldPlaces.front().place, std::nullopt, {}, false});
             else if (std::is_gt(order))
                 m_result.all.push_back(
-                    {Kind::InNewOnly, std::nullopt, newPlaces.front(), {}, false});
+                    {Kind::InNewOnly, std::nullopt, newPlaces.front().place, {}, false});
             else
-                AddPair(oldPlaces.front(), newPlaces.front());
+                AddPair(oldPlaces.front().place, newPlaces.front().place);
             oldPlaces = oldPlaces.subspan(std::is_lteq(order) ? 1 : 0);
             newPlaces = newPlaces.subspan(std::is_gteq(order) ? 1 : 0);
         }
     }
 
-    std::strong_ordering Next(std::span<const std::uint32_t> oldPlaces,
-                              std::span<const std::uint32_t> newPlaces) const {
+    std::strong_ordering Next(std::span<const HashedMeasurement> oldPlaces,
+                              std::span<const HashedMeasurement> newPlaces) const {
         if (newPlaces.empty())
             return std::strong_ordering::less;
         if (oldPlaces.empty())

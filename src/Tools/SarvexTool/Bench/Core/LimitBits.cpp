@@ -1,5 +1,6 @@
 #include "Tools/SarvexTool/Bench/Core/LimitBits.h"
 
+#include <algorithm>
 #include <bit>
 #include <utility>
 
@@ -8,6 +9,10 @@ namespace Bench {
 namespace {
 
 constexpr std::size_t bitsInWord = 64;
+
+/// So many values of a setting are remembered, which is more than plans have channels. A table of a
+/// million different ones must not take memory for each.
+constexpr std::size_t mostRemembered = 1000;
 
 void SetBit(std::vector<std::uint64_t>& bits, std::size_t index) {
     bits[index / bitsInWord] |= std::uint64_t{1} << (index % bitsInWord);
@@ -19,26 +24,53 @@ LimitBits::LimitBits(const std::vector<Limit>& lines, std::vector<std::uint32_t>
     : m_lines(lines), m_places(std::move(places)) {
     m_neverFitting = MakeBits();
     m_fittingChain.fill(MakeBits());
-    m_fittingAny.fill(MakeBits());
-    for (std::size_t index = 0; index < m_places.size(); ++index) {
-        Limit limit = m_lines[m_places[index]];
-        SetBit(m_neverFitting, index);
-        for (std::size_t setting = 0; setting < SettingCount; ++setting) {
-            if (std::exchange(limit.settings[setting], nullptr) == nullptr)
-                SetBit(m_fittingAny[setting], index);
+    for (SettingBits& setting : m_settings)
+        setting.fittingAny = MakeBits();
+    for (std::size_t index = 0; index < m_places.size(); ++index)
+        Enter(index);
+    for (SettingBits& setting : m_settings)
+        SortRanges(setting);
+}
+
+void LimitBits::Enter(std::size_t index) {
+    SetBit(m_neverFitting, index);
+    const auto number = static_cast<std::uint32_t>(index);
+    Limit limit = m_lines[m_places[index]];
+    for (std::size_t place = 0; place < SettingCount; ++place) {
+        SettingBits& setting = m_settings[place];
+        const SettingPattern* const pattern = std::exchange(limit.settings[place], nullptr);
+        if (pattern == nullptr) {
+            SetBit(setting.fittingAny, index);
+            continue;
         }
-        for (const Chain chain : {Chain::A, Chain::B, Chain::None}) {
-            if (limit.Fits(Settings(), chain))
-                SetBit(m_fittingChain[static_cast<std::size_t>(chain)], index);
-        }
+        for (const std::string* const value : pattern->values)
+            setting.fittingValue[value].push_back(number);
+        for (const SettingPattern::Range& range : pattern->ranges)
+            setting.ranges.push_back({range, number, range.last});
     }
+    // Without its patterns the limit fits by its chains alone.
+    for (const Chain chain : {Chain::A, Chain::B, Chain::None}) {
+        if (limit.Fits(Settings(), chain))
+            SetBit(m_fittingChain[static_cast<std::size_t>(chain)], index);
+    }
+}
+
+void LimitBits::SortRanges(SettingBits& setting) {
+    std::sort(setting.ranges.begin(), setting.ranges.end(),
+              [](const RangeOf& left, const RangeOf& right) {
+                  return left.range.first < right.range.first;
+              });
+    for (std::size_t index = 1; index < setting.ranges.size(); ++index)
+        setting.ranges[index].highest =
+            std::max(setting.ranges[index].highest, setting.ranges[index - 1].highest);
 }
 
 std::optional<std::uint32_t> LimitBits::Find(const Settings& settings, Chain chain,
                                              std::vector<bool>& hasFitted) {
     FittingSettings fitting;
     for (std::size_t setting = 0; setting < SettingCount; ++setting)
-        fitting[setting] = &FittingLimits(setting, settings[static_cast<Setting>(setting)]);
+        fitting[setting] =
+            &FittingLimits(m_settings[setting], settings[static_cast<Setting>(setting)]);
     std::optional<std::uint32_t> first;
     for (std::size_t word = 0; word < m_neverFitting.size(); ++word) {
         // Once every limit has fitted something, the search ends with the first that fits.
@@ -67,21 +99,40 @@ std::uint64_t LimitBits::FittingWord(std::size_t word, const FittingSettings& se
     return bits;
 }
 
-const LimitBits::Bits& LimitBits::FittingLimits(std::size_t setting, const std::string* value) {
-    const auto [entry, isNew] = m_fittingSetting[setting].try_emplace(value);
-    Bits& bits = entry->second;
-    if (isNew && value != nullptr) {
-        bits = m_fittingAny[setting];
-        for (std::size_t index = 0; index < m_places.size(); ++index) {
-            const SettingPattern* const pattern = m_lines[m_places[index]].settings[setting];
-            if (pattern != nullptr && pattern->Fits(value))
-                SetBit(bits, index);
-        }
-        // Most values of a large table are in no limit: all of these share their bits.
-        if (bits == m_fittingAny[setting])
-            bits = {};
+const LimitBits::Bits& LimitBits::FittingLimits(SettingBits& setting, const std::string* value) {
+    if (value == nullptr || (setting.fittingValue.empty() && setting.ranges.empty()))
+        return setting.fittingAny;
+    const auto known = setting.found.find(value);
+    if (known != setting.found.end())
+        return known->second;
+    const std::vector<std::uint32_t> asking = AskingFor(setting, value);
+    // Most values of a large table are in no limit.
+    if (asking.empty())
+        return setting.fittingAny;
+    Bits& bits = setting.found.size() < mostRemembered ? setting.found[value] : setting.last;
+    bits = setting.fittingAny;
+    for (const std::uint32_t index : asking)
+        SetBit(bits, index);
+    return bits;
+}
+
+std::vector<std::uint32_t> LimitBits::AskingFor(const SettingBits& setting,
+                                                const std::string* value) const {
+    std::vector<std::uint32_t> asking;
+    const auto found = setting.fittingValue.find(value);
+    if (found != setting.fittingValue.end())
+        asking = found->second;
+    const auto number = setting.ranges.empty() ? std::nullopt : Decimal::Parse(*value);
+    if (!number)
+        return asking;
+    auto place = std::upper_bound(
+        setting.ranges.begin(), setting.ranges.end(), *number,
+        [](Decimal wanted, const RangeOf& range) { return wanted < range.range.first; });
+    while (place != setting.ranges.begin() && (--place)->highest >= *number) {
+        if (place->range.last >= *number)
+            asking.push_back(place->index);
     }
-    return bits.empty() ? m_fittingAny[setting] : bits;
+    return asking;
 }
 
 LimitBits::Bits LimitBits::MakeBits() const {

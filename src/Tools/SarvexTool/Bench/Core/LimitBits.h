@@ -6,9 +6,8 @@
 
 namespace Bench {
 
-/// Looks through many limits at once, with a bit for each: which of them a value fits is found out
-/// once for each text, and the limits that fit a measurement are those whose bits all its values
-/// have.
+/// Looks through many limits at once, with a bit for each: the limits that fit a measurement are
+/// those whose bits all its values have.
 class LimitBits {
 public:
     /// The places of the limits among all lines, ascending. The lines stay where they are.
@@ -23,7 +22,29 @@ private:
     using Bits = std::vector<std::uint64_t>;
     using FittingSettings = std::array<const Bits*, SettingCount>;
 
-    const Bits& FittingLimits(std::size_t setting, const std::string* value);
+    /// A range of a limit. They are sorted by their first ends.
+    struct RangeOf {
+        SettingPattern::Range range;
+        std::uint32_t index;
+        /// The highest last end up to here.
+        Decimal highest;
+    };
+
+    /// What the limits ask for in one setting.
+    struct SettingBits {
+        Bits fittingAny;
+        std::unordered_map<const std::string*, std::vector<std::uint32_t>> fittingValue;
+        std::vector<RangeOf> ranges;
+        /// What was found out for a value; where too many are different, that of the last one.
+        std::unordered_map<const std::string*, Bits> found;
+        Bits last;
+    };
+
+    void Enter(std::size_t index);
+    void SortRanges(SettingBits& setting);
+    const Bits& FittingLimits(SettingBits& setting, const std::string* value);
+    std::vector<std::uint32_t> AskingFor(const SettingBits& setting,
+                                         const std::string* value) const;
     std::uint64_t FittingWord(std::size_t word, const FittingSettings& settings, Chain chain) const;
     void Mark(std::size_t word, std::uint64_t bits, std::vector<bool>& hasFitted);
     Bits MakeBits() const;
@@ -32,9 +53,7 @@ private:
     std::vector<std::uint32_t> m_places;
     std::array<Bits, 3> m_fittingChain;
     Bits m_neverFitting;
-    /// For each setting, the limits that fit any value of it.
-    std::array<Bits, SettingCount> m_fittingAny;
-    std::array<std::unordered_map<const std::string*, Bits>, SettingCount> m_fittingSetting;
+    std::array<SettingBits, SettingCount> m_settings;
 };
 
 } // namespace Bench

@@ -32,14 +32,6 @@ bool FitsChain(const Limit& limit, Chain chain) {
     return limit.isForChainA && limit.isForChainB;
 }
 
-/// Texts of one pool are told apart by their addresses.
-std::uint64_t Append(std::uint64_t hash, const std::string* text) {
-    constexpr std::uint64_t odd = 0x9E3779B97F4A7C15;
-    constexpr int half = 32;
-    hash = (hash ^ reinterpret_cast<std::uintptr_t>(text)) * odd;
-    return hash ^ hash >> half;
-}
-
 /// The settings for which a limit asks for one of a few plain values.
 std::vector<Setting> PlainSettings(const Limit& limit) {
     std::vector<Setting> plain;
@@ -62,7 +54,7 @@ std::vector<std::uint64_t> Hashes(const Limit& limit, const std::vector<Setting>
         std::vector<std::uint64_t> longer;
         for (const std::string* value : limit.settings[static_cast<std::size_t>(setting)]->values) {
             for (const std::uint64_t hash : hashes)
-                longer.push_back(Append(hash, value));
+                longer.push_back(HashWith(hash, value));
         }
         hashes = std::move(longer);
     }
@@ -141,7 +133,7 @@ std::uint32_t LimitTable::FindInGroup(Group& group, const Settings& settings, Ch
                                       std::uint32_t first) {
     std::uint64_t hash = 0;
     for (const Setting setting : group.settings)
-        hash = Append(hash, settings[setting]);
+        hash = HashWith(hash, settings[setting]);
     const auto begin = std::lower_bound(group.entries.begin(), group.entries.end(), Entry{hash, 0});
     const auto place = static_cast<std::size_t>(begin - group.entries.begin());
     const auto crowd = std::lower_bound(

@@ -4,10 +4,23 @@
 
 namespace Bench {
 
-std::strong_ordering Order(const RunResult& leftRun, std::uint32_t left, const RunResult& rightRun,
-                           std::uint32_t right) {
-    const Measurement& first = leftRun.measurements[left];
-    const Measurement& second = rightRun.measurements[right];
+namespace {
+
+std::uint64_t HashOf(const RunResult& run, const Measurement& measurement) {
+    auto hash = static_cast<std::uint64_t>(measurement.chain);
+    for (const std::string* const text : run.SettingsOf(measurement))
+        hash = HashWith(hash, text);
+    return hash;
+}
+
+} // namespace
+
+std::strong_ordering Order(const RunResult& leftRun, const HashedMeasurement& left,
+                           const RunResult& rightRun, const HashedMeasurement& right) {
+    if (left.hash != right.hash)
+        return left.hash <=> right.hash;
+    const Measurement& first = leftRun.measurements[left.place];
+    const Measurement& second = rightRun.measurements[right.place];
     if (const auto chains = first.chain <=> second.chain; std::is_neq(chains))
         return chains;
     // Texts of one pool are told apart by their addresses.
@@ -18,22 +31,25 @@ std::strong_ordering Order(const RunResult& leftRun, std::uint32_t left, const R
                                                   std::compare_three_way());
 }
 
-std::vector<std::uint32_t> Grouped(const RunResult& run) {
-    std::vector<std::uint32_t> places(run.measurements.size());
-    for (std::size_t index = 0; index < places.size(); ++index)
-        places[index] = static_cast<std::uint32_t>(index);
-    std::stable_sort(places.begin(), places.end(), [&run](std::uint32_t left, std::uint32_t right) {
-        return std::is_lt(Order(run, left, run, right));
-    });
-    return places;
+std::vector<HashedMeasurement> Grouped(const RunResult& run) {
+    std::vector<HashedMeasurement> grouped;
+    grouped.reserve(run.measurements.size());
+    for (const Measurement& measurement : run.measurements)
+        grouped.push_back({HashOf(run, measurement), static_cast<std::uint32_t>(grouped.size())});
+    std::sort(grouped.begin(), grouped.end(),
+              [&run](const HashedMeasurement& left, const HashedMeasurement& right) {
+                  const std::strong_ordering order = Order(run, left, run, right);
+                  return std::is_eq(order) ? left.place < right.place : std::is_lt(order);
+              });
+    return grouped;
 }
 
 std::vector<std::uint32_t> RepeatNumbers(const RunResult& run) {
-    const std::vector<std::uint32_t> grouped = Grouped(run);
+    const std::vector<HashedMeasurement> grouped = Grouped(run);
     std::vector<std::uint32_t> numbers(grouped.size(), 1);
     for (std::size_t index = 1; index < grouped.size(); ++index) {
         if (std::is_eq(Order(run, grouped[index - 1], run, grouped[index])))
-            numbers[grouped[index]] = numbers[grouped[index - 1]] + 1;
+            numbers[grouped[index].place] = numbers[grouped[index - 1].place] + 1;
     }
     return numbers;
 }

@@ -53,6 +53,9 @@ private:
     std::array<const std::string*, SettingCount> m_texts{};
 };
 
+/// A hash continued with a text of a pool, which its address tells from all others.
+std::uint64_t HashWith(std::uint64_t hash, const std::string* text);
+
 /// Keeps one copy of each text, so that a table of a million lines holds each value once, and equal
 /// texts have equal addresses.
 class TextPool {

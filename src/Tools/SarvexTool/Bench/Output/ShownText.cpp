@@ -59,6 +59,9 @@ std::string Escape(char32_t character) {
 } // namespace
 
 std::string MakeHarmless(std::string_view text) {
+    // Most texts are plain, and need no look at each character's meaning.
+    if (std::all_of(text.begin(), text.end(), [](char byte) { return byte >= ' ' && byte <= '~'; }))
+        return std::string(text);
     std::string shown;
     shown.reserve(text.size());
     while (!text.empty()) {
