@@ -1,6 +1,7 @@
 #include "Tools/SarvexTool/Bench/Core/SameMeasurements.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Bench {
 
@@ -11,6 +12,24 @@ std::uint64_t HashOf(const RunResult& run, const Measurement& measurement) {
     for (const std::string* const text : run.SettingsOf(measurement))
         hash = HashWith(hash, text);
     return hash;
+}
+
+/// Sorts different measurements of one hash, of which there are hardly ever any: most with the same
+/// hash are repeats, and in order.
+void PartCollisions(const RunResult& run, std::vector<HashedMeasurement>& sorted) {
+    const auto isDifferent = [&run](const HashedMeasurement& left, const HashedMeasurement& right) {
+        return std::is_neq(Order(run, left, run, right));
+    };
+    for (auto begin = sorted.begin(); begin != sorted.end();) {
+        const auto end = std::find_if(begin, sorted.end(), [begin](const HashedMeasurement& next) {
+            return next.hash != begin->hash;
+        });
+        if (std::adjacent_find(begin, end, isDifferent) != end)
+            std::stable_sort(begin, end, [&run](const auto& left, const auto& right) {
+                return std::is_lt(Order(run, left, run, right));
+            });
+        begin = end;
+    }
 }
 
 } // namespace
@@ -37,10 +56,10 @@ std::vector<HashedMeasurement> Grouped(const RunResult& run) {
     for (const Measurement& measurement : run.measurements)
         grouped.push_back({HashOf(run, measurement), static_cast<std::uint32_t>(grouped.size())});
     std::sort(grouped.begin(), grouped.end(),
-              [&run](const HashedMeasurement& left, const HashedMeasurement& right) {
-                  const std::strong_ordering order = Order(run, left, run, right);
-                  return std::is_eq(order) ? left.place < right.place : std::is_lt(order);
+              [](const HashedMeasurement& left, const HashedMeasurement& right) {
+                  return std::pair(left.hash, left.place) < std::pair(right.hash, right.place);
               });
+    PartCollisions(run, grouped);
     return grouped;
 }
 
