@@ -19,7 +19,8 @@ struct ProcessResult {
     std::string out;
     std::string err;
     double seconds = 0;
-    /// Largest resident size, seen every 50 ms on Windows; 0 where the system does not tell.
+    /// Largest resident size, seen every millisecond on Linux and every 50 ms on Windows; 0 when
+    /// the program ended before.
     std::uint64_t peakBytes = 0;
 };
 

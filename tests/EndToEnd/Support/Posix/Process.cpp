@@ -5,16 +5,18 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <stdexcept>
+#include <string_view>
 #include <thread>
 
 namespace EndToEnd {
@@ -31,6 +33,19 @@ namespace {
 
 double SecondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+/// The largest resident size of a program up to now; 0 when it has ended. What wait4 tells of the
+/// program begins with what this one held when it started the other.
+std::uint64_t PeakOf(pid_t process) {
+    constexpr std::string_view label = "VmHWM:";
+    constexpr std::uint64_t unit = 1024;
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with(label))
+            return std::stoull(line.substr(label.size())) * unit;
+    }
+    return 0;
 }
 
 /// The child's signals are as a shell gives them to a program in the foreground, even if this
@@ -116,9 +131,9 @@ Process::~Process() {
 
 ProcessResult Process::Wait(double timeoutSeconds) {
     int status = 0;
-    rusage usage{};
     ProcessResult result;
-    while (::wait4(m_system->child, &status, WNOHANG, &usage) == 0) {
+    while (::waitpid(m_system->child, &status, WNOHANG) == 0) {
+        result.peakBytes = std::max(result.peakBytes, PeakOf(m_system->child));
         if (SecondsSince(m_system->start) > timeoutSeconds) {
             result.timedOut = true;
             Kill();
@@ -130,7 +145,6 @@ ProcessResult Process::Wait(double timeoutSeconds) {
     result.out = OutSoFar();
     result.err = ErrSoFar();
     result.seconds = SecondsSince(m_system->start);
-    result.peakBytes = static_cast<std::uint64_t>(usage.ru_maxrss) * 1024;
     return result;
 }
 
