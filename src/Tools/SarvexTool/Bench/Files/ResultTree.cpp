@@ -21,40 +21,62 @@ const std::string treeName = "result.xml";
 
 using Parser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, decltype(&XML_ParserFree)>;
 
-/// What the first element says.
-struct FirstElement {
+/// An open element takes memory until its end, and a result has six of them in one another.
+constexpr int deepest = 10000;
+
+/// What is known of the tree while it is read.
+struct Reading {
     XML_Parser parser;
-    std::string name;
-    std::optional<std::string> countryCode;
+    int depth = 0;
+    bool hasFirst = false;
+    bool isTooDeep = false;
+    /// Of the first element. The rest is only read to know whether it is XML.
+    std::string name = {};
+    std::optional<std::string> countryCode = {};
 };
 
-void XMLCALL TakeFirstElement(void* pData, const XML_Char* name, const XML_Char** attributes) {
-    FirstElement& element = *static_cast<FirstElement*>(pData);
-    // The rest is only read to know whether it is XML.
-    XML_SetStartElementHandler(element.parser, nullptr);
-    element.name = name;
+void TakeFirst(Reading& reading, const XML_Char* name, const XML_Char** attributes) {
+    reading.hasFirst = true;
+    reading.name = name;
     for (; *attributes != nullptr; attributes += 2) {
         if (std::string_view(*attributes) == "MCC")
-            element.countryCode = *(attributes + 1);
+            reading.countryCode = *(attributes + 1);
     }
+}
+
+void XMLCALL Begin(void* pReading, const XML_Char* name, const XML_Char** attributes) {
+    Reading& reading = *static_cast<Reading*>(pReading);
+    if (!reading.hasFirst)
+        TakeFirst(reading, name, attributes);
+    reading.isTooDeep = ++reading.depth > deepest;
+    if (reading.isTooDeep)
+        XML_StopParser(reading.parser, XML_FALSE);
+}
+
+void XMLCALL End(void* pReading, const XML_Char* /*name*/) {
+    --static_cast<Reading*>(pReading)->depth;
 }
 
 DeviceFacts Unknown(std::string why) {
     return {std::nullopt, std::move(why)};
 }
 
-DeviceFacts NotXml(XML_Parser parser) {
+DeviceFacts NotXml(const Reading& reading) {
+    XML_Parser parser = reading.parser;
+    if (reading.isTooDeep)
+        return Unknown(treeName + " is not the result of a power test: its elements are in one "
+                                  "another too deeply");
     return Unknown(treeName + " is not XML: line " +
                    std::to_string(XML_GetCurrentLineNumber(parser)) + ": " +
                    XML_ErrorString(XML_GetErrorCode(parser)));
 }
 
-DeviceFacts FactsOf(const FirstElement& element) {
-    if (element.name != "PowerTable" || !element.countryCode)
+DeviceFacts FactsOf(const Reading& reading) {
+    if (reading.name != "PowerTable" || !reading.countryCode)
         return Unknown(treeName + " is not the result of a power test");
-    if (element.countryCode == PowerTest::unsetCell)
+    if (reading.countryCode == PowerTest::unsetCell)
         return Unknown("the daemon told none");
-    return {element.countryCode, ""};
+    return {reading.countryCode, ""};
 }
 
 } // namespace
@@ -63,9 +85,9 @@ DeviceFacts ReadResultTree(std::istream& xml) {
     const Parser parser(XML_ParserCreate(nullptr), &XML_ParserFree);
     if (!parser)
         throw std::bad_alloc();
-    FirstElement element{parser.get(), {}, {}};
-    XML_SetUserData(parser.get(), &element);
-    XML_SetStartElementHandler(parser.get(), &TakeFirstElement);
+    Reading reading{parser.get()};
+    XML_SetUserData(parser.get(), &reading);
+    XML_SetElementHandler(parser.get(), &Begin, &End);
     constexpr std::size_t blockSize = 65536;
     std::array<char, blockSize> block;
     bool isEmpty = true;
@@ -78,9 +100,9 @@ DeviceFacts ReadResultTree(std::istream& xml) {
         if (isEmpty)
             return Unknown(treeName + " is empty, because the run did not reach its end");
         if (XML_Parse(parser.get(), block.data(), size, int{!xml}) != XML_STATUS_OK)
-            return NotXml(parser.get());
+            return NotXml(reading);
     }
-    return FactsOf(element);
+    return FactsOf(reading);
 }
 
 DeviceFacts ReadResultTree(const std::string& name) {

@@ -54,14 +54,23 @@ TEST(ResultTreeTest, EntitiesCannotMakeATextGrow) {
               "code US");
 }
 
-TEST(ResultTreeTest, DepthAndSizeAreNoMatter) {
-    constexpr int depth = 200000;
-    std::string nested = "<PowerTable MCC=\"US\">";
-    for (int level = 0; level < depth; ++level)
-        nested += "<a>";
-    for (int level = 0; level < depth; ++level)
-        nested += "</a>";
-    EXPECT_EQ(Read(nested + "</PowerTable>"), "code US");
+std::string Nested(int depth) {
+    std::string xml = "<PowerTable MCC=\"US\">";
+    for (int level = 1; level < depth; ++level)
+        xml += "<a>";
+    for (int level = 1; level < depth; ++level)
+        xml += "</a>";
+    return xml + "</PowerTable>";
+}
+
+TEST(ResultTreeTest, DepthThatNoResultHasIsRefused) {
+    EXPECT_EQ(Read(Nested(10000)), "code US");
+    for (const int depth : {10001, 1000000})
+        EXPECT_EQ(Read(Nested(depth)), "result.xml is not the result of a power test: its elements "
+                                       "are in one another too deeply");
+}
+
+TEST(ResultTreeTest, SizeIsNoMatter) {
     const std::string large(1 << 20, 'x');
     EXPECT_EQ(Read("<PowerTable MCC=\"US\" other=\"" + large + "\">" + large + "</PowerTable>"),
               "code US");
