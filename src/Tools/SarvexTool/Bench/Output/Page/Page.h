@@ -38,8 +38,8 @@ struct Page {
 };
 
 /// Writes one HTML file that needs nothing else: style, scripts and data are in it, and it asks the
-/// network for nothing. It is the same for the same values, and plain ASCII: texts of the run
-/// appear as text, whatever they hold, with control and direction characters made visible.
+/// network for nothing. It is the same for the same values. Texts of the run appear as text,
+/// whatever they hold, with control and direction characters made visible.
 void WritePage(const Page& page, std::ostream& out);
 
 } // namespace Bench
