@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -40,6 +41,10 @@ pid_t Start(const Command& command, int input, int output) {
     return child;
 }
 
+double MillisecondsOf(const timeval& time) {
+    return 1e3 * static_cast<double>(time.tv_sec) + 1e-3 * static_cast<double>(time.tv_usec);
+}
+
 void ReadToEnd(int descriptor) {
     static std::array<char, 1 << 16> buffer;
     while (::read(descriptor, buffer.data(), buffer.size()) > 0) {
@@ -48,7 +53,7 @@ void ReadToEnd(int descriptor) {
 
 } // namespace
 
-double MillisecondsOf(const Command& command) {
+ProcessFigures FiguresOf(const Command& command) {
     using Clock = std::chrono::steady_clock;
     const int input = FilledPipe(command.standardInput);
     std::array<int, 2> output{};
@@ -59,13 +64,22 @@ double MillisecondsOf(const Command& command) {
     ::close(output[1]);
     ReadToEnd(output[0]);
     int status = 0;
-    ::waitpid(child, &status, 0);
+    rusage usage{};
+    ::wait4(child, &status, 0, &usage);
     const std::chrono::duration<double, std::milli> time = Clock::now() - start;
     ::close(output[0]);
     ::close(input);
-    if (status != 0)
+    constexpr std::uint64_t unit = 1024;
+    return {time.count(), MillisecondsOf(usage.ru_utime) + MillisecondsOf(usage.ru_stime),
+            static_cast<std::uint64_t>(usage.ru_maxrss) * unit,
+            WIFEXITED(status) ? WEXITSTATUS(status) : -1};
+}
+
+double MillisecondsOf(const Command& command) {
+    const ProcessFigures figures = FiguresOf(command);
+    if (figures.exitCode != 0)
         throw std::runtime_error(command.words[0] + " failed");
-    return time.count();
+    return figures.milliseconds;
 }
 
 } // namespace Bench
