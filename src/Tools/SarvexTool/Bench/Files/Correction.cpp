@@ -79,7 +79,7 @@ private:
     void CopyCell(const TableRow& row, std::size_t place) {
         const Cell& cell = row.cells[place];
         const auto column = static_cast<std::uint32_t>(place + 1);
-        if (CanUnquote(cell))
+        if (CanUnquote(cell) || (cell.isQuoted && IsToBeFilled(row, cell)))
             Tell(quotes, row.line, column, "the quotes are gone");
         if (IsToBeFilled(row, cell)) {
             Tell(emptyCell, row.line, column, "the empty cell holds \"-\" now");
@@ -105,8 +105,9 @@ private:
 
     /// Whether the quotes hold nothing that would be something else without them.
     static bool CanUnquote(const Cell& cell) {
-        return cell.isQuoted && (cell.text.find_first_of("\",;\t\r") == std::string_view::npos ||
-                                 HasDecimalComma(cell.text));
+        return cell.isQuoted && !cell.text.empty() &&
+               (cell.text.find_first_of("\",;\t\r") == std::string_view::npos ||
+                HasDecimalComma(cell.text));
     }
 
     bool IsToBeFilled(const TableRow& row, const Cell& cell) const {

@@ -66,6 +66,7 @@ TEST(CorrectionTest, WhatIsCertainIsMended) {
                                      {"Band,Chains\n5;A\n", "Band,Chains\n5,A\n"},
                                      {"Band,Chains\n\"2,4\",A\n", "Band,Chains\n2.4,A\n"},
                                      {"Band,Chains\n5,\n", "Band,Chains\n5,-\n"},
+                                     {"Band,Chains\n5,\"\"\n", "Band,Chains\n5,-\n"},
                                      {"Band\r\n\r\n5", "Band\n\n5"}}) {
         SCOPED_TRACE(testing::PrintToString(bytes));
         EXPECT_EQ(CorrectTestFile(bytes).bytes, corrected);
@@ -85,6 +86,7 @@ TEST(CorrectionTest, WhatIsNotCertainStaysAnError) {
              // Quotes with more in them than a value.
              {"Band,Chains\n\"a\"\"b\",A\n", "Band,Chains\n\"a\"\"b\",A\n"},
              {"Band,Chains\n\"5;A\"\n", "Band,Chains\n\"5;A\"\n"},
+             {"Band,Chains\n\"\"\n", "Band,Chains\n\"\"\n"},
              {"Band,Chains\n\"5,A\n", "Band,Chains\n\"5,A\n"},
              {"Band,Chains\n ,A\n", "Band,Chains\n ,A\n"},
              {"Band,Chains\nB\xE4,A\n", "Band,Chains\nB\xE4,A\n"},
