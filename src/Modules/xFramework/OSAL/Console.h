@@ -20,7 +20,8 @@ bool IsTerminal(StandardStream stream);
 class PreparedConsole {
 public:
     PreparedConsole();
-    ~PreparedConsole();
+    // On one system only there is something to undo.
+    ~PreparedConsole(); // NOLINT(performance-trivially-destructible)
     PreparedConsole(const PreparedConsole&) = delete;
     PreparedConsole& operator=(const PreparedConsole&) = delete;
 
