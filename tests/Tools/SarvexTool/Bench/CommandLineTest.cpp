@@ -50,6 +50,18 @@ TEST_F(CommandLineTest, TheHelpOfASubcommandIsAskedForInTwoWays) {
     EXPECT_EQ(out.str(), help);
 }
 
+TEST_F(CommandLineTest, TheHelpOfASubcommandTellsItsExitCodesAndWhatItNeeds) {
+    for (const auto& [name, needed] :
+         {std::pair("check", "FILE ... REQUIRED"), std::pair("judge", "--limits FILE REQUIRED"),
+          std::pair("report", "--output FILE.html REQUIRED"),
+          std::pair("compare", "NEW REQUIRED")}) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(Run({name, "--help"}), 0);
+        EXPECT_THAT(out.str(), HasSubstr(needed));
+        EXPECT_THAT(out.str(), HasSubstr("\nExit code: 0 "));
+    }
+}
+
 TEST_F(CommandLineTest, TheVersionIsThatOfTheProject) {
     EXPECT_EQ(Run({"--version"}), 0);
     EXPECT_EQ(out.str(), "SarvexToolBench " SARVEX_BENCH_VERSION "\n");

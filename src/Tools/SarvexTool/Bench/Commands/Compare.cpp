@@ -99,16 +99,22 @@ Command AddCompare(CLI::App& program) {
     const auto options = std::make_shared<CompareOptions>();
     app->add_option("OLD", options->oldResult,
                     "result.csv of the older run or the folder that holds it, - for standard input")
-        ->required();
-    app->add_option("NEW", options->newResult, "The same of the newer run")->required();
-    app->add_option("--tolerance", options->tolerance, "Changes of up to so many dB are none [0.5]")
-        ->option_text("DB");
+        ->required()
+        ->type_name("");
+    app->add_option("NEW", options->newResult, "The same of the newer run")
+        ->required()
+        ->type_name("");
+    app->add_option("--tolerance", options->tolerance, "Changes of up to so many dB are none")
+        ->type_name("DB")
+        ->capture_default_str();
     app->add_option("--junit", options->junit, "Write a JUnit report, - for standard output")
-        ->option_text("FILE");
+        ->type_name("FILE");
     app->add_option("--json", options->json, "Write all as JSON, - for standard output")
-        ->option_text("FILE");
+        ->type_name("FILE");
     app->add_option("--html", options->html, "Write an HTML page, - for standard output")
-        ->option_text("FILE");
+        ->type_name("FILE");
+    app->footer("Exit code: 0 alike, 1 different, 2 wrong usage, a file that cannot be read or "
+                "written, or two runs without any power.");
     return {app, [options](Surroundings& surroundings) { return Compare(*options, surroundings); }};
 }
 

@@ -62,16 +62,19 @@ Command AddJudge(CLI::App& program) {
     const auto options = std::make_shared<JudgeOptions>();
     app->add_option("RESULT", options->result,
                     "result.csv or the folder that holds it, - for standard input")
-        ->required();
+        ->required()
+        ->type_name("");
     app->add_option("--limits", options->limits, "Table of limits, - for standard input")
         ->required()
-        ->option_text("FILE");
+        ->type_name("FILE");
     app->add_option("--junit", options->junit, "Write a JUnit report, - for standard output")
-        ->option_text("FILE");
+        ->type_name("FILE");
     app->add_option("--json", options->json, "Write all as JSON, - for standard output")
-        ->option_text("FILE");
+        ->type_name("FILE");
     app->add_option("--csv", options->csv, "Write a table for spreadsheets, - for standard output")
-        ->option_text("FILE");
+        ->type_name("FILE");
+    app->footer("Exit code: 0 all pass, 1 something did not pass, 2 wrong usage, or a file that "
+                "cannot be read or written.");
     return {app, [options](Surroundings& surroundings) { return Judge(*options, surroundings); }};
 }
 

@@ -110,15 +110,18 @@ Command AddReport(CLI::App& program) {
     const auto options = std::make_shared<ReportOptions>();
     app->add_option("RESULT", options->result,
                     "result.csv or the folder that holds it, - for standard input")
-        ->required();
+        ->required()
+        ->type_name("");
     app->add_option("--limits", options->limits, "Table of limits, - for standard input")
-        ->option_text("FILE");
+        ->type_name("FILE");
     app->add_option("--baseline", options->baseline,
                     "result.csv of another run to hold this one against, or its folder")
-        ->option_text("RESULT");
+        ->type_name("RESULT");
     app->add_option("-o,--output", options->output, "The page to write, - for standard output")
         ->required()
-        ->option_text("FILE.html");
+        ->type_name("FILE.html");
+    app->footer("Exit code: 0 the page is written, whatever the verdict, 2 wrong usage, or a file "
+                "that cannot be read or written.");
     return {app, [options](Surroundings& surroundings) { return Report(*options, surroundings); }};
 }
 
