@@ -75,7 +75,8 @@ class FirstSessionTest(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.stage = pathlib.Path(folder.name)
         (self.stage / "simulator").mkdir()
-        shutil.copy(PROGRAMS / "SarvexToolClient", self.stage)
+        for program in ("SarvexToolClient", "SarvexToolBench"):
+            shutil.copy(PROGRAMS / program, self.stage)
         shutil.copy(PROGRAMS / "vemo", self.stage / "simulator")
         shutil.copytree(ROOT / "examples", self.stage / "examples")
 

@@ -1,0 +1,178 @@
+"""Runs the examples of the pages about SarvexToolBench with the real programs, and holds the table of
+the problems that check finds against what it tells.
+
+usage: bench_pages_test.py PROGRAM_DIRECTORY [EMULATOR]
+"""
+import pathlib
+import re
+import shlex
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+PROGRAMS = pathlib.Path(sys.argv[1]).resolve()
+EMULATOR = sys.argv[2:]
+SUFFIX = ".exe" if EMULATOR else ""
+PAGES = ("bench.md", "bench-check.md", "bench-formats.md")
+END_OF_OUTPUT = "-- end of its output --"
+
+
+def blocks(page):
+    """The code blocks of a page whose kind is session or file, each as its kind, name and text."""
+    text = (ROOT / "docs" / page).read_text()
+    return re.findall(r"^```(session|file)(?: (\S+))?\n(.*?)^```$", text, re.DOTALL | re.MULTILINE)
+
+
+def steps(session):
+    """The commands of a session, each with what the page says that it prints."""
+    return [tuple(step.split("\n", 1))
+            for step in re.split(r"^\$ ", session, flags=re.MULTILINE)[1:]]
+
+
+class Stage:
+    """A directory as a user installs it, on a free port and without the pauses of a test run."""
+
+    def __init__(self, test):
+        folder = tempfile.TemporaryDirectory()
+        test.addCleanup(folder.cleanup)
+        self.test = test
+        self.folder = pathlib.Path(folder.name)
+        (self.folder / "simulator").mkdir()
+        self.install("SarvexToolBench", "SarvexToolBench")
+        self.install("SarvexToolClientWithoutPauses", "SarvexToolClient")
+        self.install("vemo", "simulator/vemo")
+        shutil.copytree(ROOT / "examples", self.folder / "examples")
+
+    def install(self, program, name):
+        installed = self.folder / (name + SUFFIX)
+        shutil.copy(PROGRAMS / (program + SUFFIX), installed)
+        if EMULATOR:
+            script = self.folder / name
+            script.write_text("#!/bin/sh\nexec " + shlex.join([*EMULATOR, str(installed)]) + ' "$@"\n')
+            script.chmod(0o755)
+
+    def start_simulator(self, command):
+        """What it prints first, with the usual port in the place of its own."""
+        simulator = subprocess.Popen(
+            [*shlex.split(command), "--port", "0"], cwd=self.folder, text=True,
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
+        self.test.addCleanup(simulator.stdout.close)
+        self.test.addCleanup(simulator.wait)
+        self.test.addCleanup(simulator.terminate)
+        first_line = simulator.stdout.readline()
+        port = first_line.rstrip("\n").rpartition(":")[2]
+        (self.folder / "Socket.cfg").write_text(port)
+        return first_line.replace(port, "8738")
+
+    def run(self, commands):
+        """What each command prints; they run in one shell, so that one can ask for another's code."""
+        script = "".join(f"{command}\ncode=$?; echo '{END_OF_OUTPUT}'; (exit $code)\n"
+                         for command in commands)
+        done = subprocess.run(
+            ["bash", "-c", script], cwd=self.folder, stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
+        return self.as_on_linux(done.stdout).split(END_OF_OUTPUT + "\n")[:-1]
+
+    @staticmethod
+    def as_on_linux(output):
+        """Windows ends the lines of the client's files in CR LF and joins names by a backslash."""
+        text = output.decode().replace("\r\n", "\n")
+        return re.sub(r"\\+result\.csv", "/result.csv", text) if EMULATOR else text
+
+
+class PagesTest(unittest.TestCase):
+    maxDiff = None
+
+    def outputs(self, stage, shown):
+        commands = [command for command, _ in shown]
+        if commands[0].startswith("simulator/vemo"):
+            self.assertEqual(1, len(commands), "the daemon has a console of its own")
+            return [stage.start_simulator(commands[0])]
+        return stage.run(commands)
+
+    def test_the_programs_print_what_the_pages_show(self):
+        for page in PAGES:
+            stage = Stage(self)
+            for kind, name, text in blocks(page):
+                if kind == "file":
+                    (stage.folder / name).parent.mkdir(exist_ok=True)
+                    (stage.folder / name).write_bytes(text.encode())
+                    continue
+                shown = steps(text)
+                with self.subTest(page=page, session=shown[0][0]):
+                    found = zip((command for command, _ in shown), self.outputs(stage, shown))
+                    self.assertEqual(shown, list(found))
+
+    def test_every_page_has_examples(self):
+        for page in PAGES:
+            with self.subTest(page=page):
+                self.assertGreater(len(blocks(page)), 0)
+
+
+HEADER = "Band,Chains,Channel\n"
+
+# Test files with the problems that the table names, each one at least once.
+FAULTY_FILES = (
+    "", "\n", HEADER, "\ufeff" + HEADER + "5,A,36\n", "Band;Chains\n5;A\n",
+    "Band\tChains\n5\tA\n", HEADER + "5;A;36\n", "Bnd,Chains\n5,A\n", "XYZ,Chains\n5,A\n",
+    "Band,,Chains\n5,A,36\n", "Band, ,Chains\n5,A,36\n", "Band,Band\n5,6\n", HEADER + "5,,36\n",
+    HEADER + "5,A, \n", HEADER + "5,A\n", HEADER + "5,A,36,1\n", HEADER + "5,A,36\n\n-,-,-\n",
+    HEADER.replace("\n", "\r\n") + "5,A,36\r\n\r\n", HEADER + "5,A\r,36\n",
+    "Band,Chains\r5,A\r", HEADER + "5,A,3\t6\n", HEADER + "5,A,3\x016\n", HEADER + "5,A,3\x1A6\n",
+    HEADER + '"5",A,36\n', HEADER + '5,A,3"6\n', "Band;Chains;Channel\n2,4;A;1\n",
+    HEADER + '"a,b",A,36\n', HEADER + "5,AC,36\n", HEADER + "5,XYZ,36\n", HEADER + "5,A,-1\n",
+    HEADER + "5,A,$(x)\n", HEADER + "5,A,<36\n", HEADER + "5,A,{int:0x24}\n",
+    HEADER + "5,A,36\n" * 40000)
+FAULTY_BYTES = (HEADER.encode("utf-16"), (HEADER + "5,A,\xFC\n").encode("latin-1"))
+
+
+def told(output):
+    """The problems in an output, each as its severity and its text."""
+    return set(re.findall(r"^.*?: (error|warning): (.*)$", output, re.MULTILINE))
+
+
+class ProblemTableTest(unittest.TestCase):
+    maxDiff = None
+
+    def rows(self):
+        """The table's messages; an ellipsis stands for any text."""
+        page = (ROOT / "docs" / "bench-check.md").read_text()
+        rows = re.findall(r"^\| `(.+?)` \| (error|warning) \|", page, re.MULTILINE)
+        self.assertGreater(len(rows), 0)
+        return [(severity, re.compile(".*".join(map(re.escape, message.split("…")))))
+                for message, severity in rows]
+
+    def problems_of_files(self, stage):
+        names = []
+        for contents in [*map(str.encode, FAULTY_FILES), *FAULTY_BYTES]:
+            names.append(f"{len(names)}.csv")
+            (stage.folder / names[-1]).write_bytes(contents)
+        return told(stage.run(["./SarvexToolBench check " + " ".join(names)])[0])
+
+    def problems_on_a_daemon(self, stage):
+        stage.start_simulator("simulator/vemo --fault 1:return-code=4")
+        (stage.folder / "together.csv").write_text(HEADER + "5,A,36\n")
+        (stage.folder / "refused.csv").write_text(HEADER + "5,A,500\n")
+        (stage.folder / "faulty.csv").write_text("")
+        outputs = stage.run(["./SarvexToolBench check --daemon 127.0.0.1 "
+                             "together.csv refused.csv faulty.csv", "./SarvexToolClient -exit"])
+        return told(outputs[0])
+
+    def test_the_table_holds_what_check_tells_and_nothing_else(self):
+        stage = Stage(self)
+        rows = self.rows()
+        problems = self.problems_of_files(stage) | self.problems_on_a_daemon(stage)
+        used = set()
+        for severity, text in sorted(problems):
+            fitting = [row for row in rows if row[0] == severity and row[1].fullmatch(text)]
+            with self.subTest(severity=severity, text=text):
+                self.assertEqual(1, len(fitting))
+            used.update(fitting)
+        self.assertEqual([], [row[1].pattern for row in rows if row not in used])
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
