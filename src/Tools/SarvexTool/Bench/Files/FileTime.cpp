@@ -17,11 +17,11 @@ std::string TwoDigits(unsigned number) {
 } // namespace
 
 std::string InWords(std::filesystem::file_time_type time) {
-    using namespace std::chrono;
-    const auto moment = floor<minutes>(file_clock::to_sys(time));
-    const auto day = floor<days>(moment);
-    const year_month_day date(day);
-    const hh_mm_ss clock(moment - day);
+    namespace chrono = std::chrono;
+    const auto moment = chrono::floor<chrono::minutes>(chrono::file_clock::to_sys(time));
+    const auto day = chrono::floor<chrono::days>(moment);
+    const chrono::year_month_day date(day);
+    const chrono::hh_mm_ss clock(moment - day);
     return std::to_string(int{date.year()}) + "-" + TwoDigits(unsigned{date.month()}) + "-" +
            TwoDigits(unsigned{date.day()}) + " " +
            TwoDigits(static_cast<unsigned>(clock.hours().count())) + ":" +
