@@ -74,7 +74,8 @@ private:
     struct Entry {
         std::uint64_t hash;
         std::uint32_t limit;
-        auto operator<=>(const Entry&) const = default;
+        // The check takes the zero of the comparison for a pointer.
+        auto operator<=>(const Entry&) const = default; // NOLINT(modernize-use-nullptr)
     };
 
     /// The limits that ask for plain values of the same settings, sorted.
