@@ -5,6 +5,7 @@
 #include "Tools/SarvexTool/Bench/Commands/Compare.h"
 #include "Tools/SarvexTool/Bench/Commands/Judge.h"
 #include "Tools/SarvexTool/Bench/Commands/Report.h"
+#include "Tools/SarvexTool/Bench/Core/Nearest.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
@@ -28,12 +29,21 @@ constexpr const char* programName = "SarvexToolBench";
 constexpr std::array<Command (*)(CLI::App&), 4> addCommands{AddCheck, AddJudge, AddReport,
                                                             AddCompare};
 
+[[noreturn]] void ThrowUnknown(const CLI::App& program, const std::string& name) {
+    std::vector<const char*> known;
+    for (const CLI::App* const subcommand : program.get_subcommands({}))
+        known.push_back(subcommand->get_name().c_str());
+    const std::string_view nearest = NearestName(name, known);
+    throw WrongUsage("there is no subcommand \"" + name + "\"" +
+                     (nearest.empty() ? "" : "; did you mean \"" + std::string(nearest) + "\"?"));
+}
+
 /// The options of the program or of the subcommand of that name.
 const CLI::App& Named(const CLI::App& program, const std::string& name) {
     const auto found = program.get_subcommands(
         [&name](const CLI::App* subcommand) { return subcommand->get_name() == name; });
     if (!name.empty() && found.empty())
-        throw WrongUsage("there is no subcommand " + name);
+        ThrowUnknown(program, name);
     return name.empty() ? program : *found.front();
 }
 
@@ -72,6 +82,7 @@ public:
     /// The exit code of what the arguments ask for.
     int Run(const std::vector<std::string>& arguments, Surroundings& surroundings) {
         try {
+            RequireKnownSubcommand(arguments);
             m_options.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
             return Chosen().run(surroundings);
         } catch (const CLI::CallForHelp&) {
@@ -88,6 +99,12 @@ public:
     }
 
 private:
+    /// Of an unknown one the option library says only that one is missing.
+    void RequireKnownSubcommand(const std::vector<std::string>& arguments) const {
+        if (!arguments.empty() && !arguments.front().starts_with('-'))
+            Named(m_options, arguments.front());
+    }
+
     const Command& Chosen() const {
         for (const Command& command : m_commands) {
             if (command.options->parsed())

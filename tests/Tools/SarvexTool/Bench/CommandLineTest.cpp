@@ -77,7 +77,10 @@ TEST_F(CommandLineTest, EveryWrongUsageEndsWithTwoAndSaysWhereHelpIs) {
     const std::string end = " --help for the options.\n";
     for (const auto& [arguments, message] : std::vector<WrongUsageCase>{
              {{}, "SarvexToolBench: A subcommand is required\nRun SarvexToolBench" + end},
-             {{"chekc"}, "SarvexToolBench: "},
+             {{"chekc", file},
+              "SarvexToolBench: there is no subcommand \"chekc\"; did you mean \"check\"?\n"},
+             {{"help", "reprot"},
+              "SarvexToolBench: there is no subcommand \"reprot\"; did you mean \"report\"?\n"},
              {{"--bad"}, "SarvexToolBench: "},
              {{"check"},
               "SarvexToolBench check: FILE is required\nRun SarvexToolBench check" + end},
@@ -87,7 +90,7 @@ TEST_F(CommandLineTest, EveryWrongUsageEndsWithTwoAndSaysWhereHelpIs) {
               "Run SarvexToolBench check" +
                   end},
              {{"help", "\x1B[2J"},
-              "SarvexToolBench: there is no subcommand \\x1B[2J\nRun SarvexToolBench" + end}}) {
+              "SarvexToolBench: there is no subcommand \"\\x1B[2J\"\nRun SarvexToolBench" + end}}) {
         SCOPED_TRACE(testing::PrintToString(arguments));
         EXPECT_EQ(Run(arguments), 2);
         EXPECT_EQ(out.str(), "");
