@@ -54,10 +54,13 @@ public:
 
     void Read(std::string_view bytes) {
         m_builder.Reserve(static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), '\n')));
-        ReadHeader(TakeLine(bytes));
+        const bool hasHeader = ReadHeader(TakeLine(bytes));
         while (!bytes.empty()) {
             ++m_line;
-            ReadRow(TakeLine(bytes));
+            const std::string_view line = TakeLine(bytes);
+            // Without its header it may be any other file, of whose lines nothing could be said.
+            if (hasHeader)
+                ReadRow(line);
         }
         if (m_line == 1)
             m_problems.Add(emptyKind, 1, 0,
@@ -69,19 +72,21 @@ public:
     RunResult Take() { return m_builder.Take(); }
 
 private:
-    void ReadHeader(std::string_view line) {
+    /// Whether it is the header of a result, with unknown columns or not.
+    bool ReadHeader(std::string_view line) {
         const std::string_view titles = PowerTest::powerTitles;
         if (!line.ends_with(titles)) {
             m_problems.Add(headerKind, 1, 0,
                            "the header is missing: it ends in \"" + std::string(titles) +
                                "\"; the client writes none when the test file has an unknown "
                                "column, so check the test file and run it again");
-            return;
+            return false;
         }
         line.remove_suffix(titles.size());
         PowerTest::SplitFields(line, m_fields);
         for (std::size_t place = 0; place < m_fields.size(); ++place)
             ReadTitle(place);
+        return true;
     }
 
     void ReadTitle(std::size_t place) {

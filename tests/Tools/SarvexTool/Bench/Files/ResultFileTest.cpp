@@ -77,6 +77,8 @@ TEST(ResultFileTest, ResultWithoutHeaderIsRefused) {
         "again\n";
     EXPECT_EQ(Read("5,A,1,NA\n6,A,1,NA\n"), missing);
     EXPECT_EQ(Read("Band,Chain-A Power,Chain B Power\n5,1,NA\n"), missing);
+    // A test file that was taken for its result.
+    EXPECT_EQ(Read("Band,Chains,Rate\n5,A,MCS0\n"), missing);
     EXPECT_EQ(Read(""), missing + std::string("1:0 there is no measurement, because the run ended "
                                               "before its first line; run the test again\n"));
 }
