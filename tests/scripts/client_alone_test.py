@@ -1,4 +1,5 @@
-"""Builds the client in a directory tree that holds a compiler, CMake, make and nothing else.
+"""Builds the client in a directory tree that holds a compiler, CMake, make and nothing else, and lays
+out a build without SarvexToolBench.
 
 The tree holds the files of these packages and of those that they depend on, and is the root directory
 of the programs that run in it. Fails where the system lets nobody change the root directory.
@@ -91,6 +92,15 @@ class ClientAloneTest(unittest.TestCase):
                 done = self.run_inside("cmake", "-S", "/source", "-B", f"/{name}", *left_out)
                 self.assertNotEqual(0, done.returncode)
                 self.assertIn("/usr/include/boost is missing", done.stderr)
+
+
+class LeftOutTest(unittest.TestCase):
+    def test_the_tests_of_the_others_are_laid_out_without_the_bench_program(self):
+        with tempfile.TemporaryDirectory() as build:
+            done = subprocess.run(["cmake", "-S", ROOT, "-B", build, "-DSARVEX_BUILD_BENCH=OFF"],
+                                  capture_output=True, text=True, check=False,
+                                  stdin=subprocess.DEVNULL)
+            self.assertEqual((0, ""), (done.returncode, done.stderr))
 
 
 if __name__ == "__main__":
