@@ -1,7 +1,7 @@
 """Runs the examples of the pages about SarvexToolBench with the real programs, and holds the table of
 the problems that check finds against what it tells.
 
-usage: bench_pages_test.py PROGRAM_DIRECTORY [EMULATOR]
+usage: bench_docs_test.py PROGRAM_DIRECTORY [EMULATOR]
 """
 import pathlib
 import re
