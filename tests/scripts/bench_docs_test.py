@@ -3,10 +3,12 @@ the problems that check finds against what it tells.
 
 usage: bench_docs_test.py PROGRAM_DIRECTORY [EMULATOR]
 """
+import os
 import pathlib
 import re
 import shlex
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -58,14 +60,21 @@ class Stage:
         """What it prints first, with the usual port in the place of its own."""
         simulator = subprocess.Popen(
             [*shlex.split(command), "--port", "0"], cwd=self.folder, text=True,
-            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, start_new_session=True)
         self.test.addCleanup(simulator.stdout.close)
-        self.test.addCleanup(simulator.wait)
-        self.test.addCleanup(simulator.terminate)
+        self.test.addCleanup(self.end, simulator)
         first_line = simulator.stdout.readline()
         port = first_line.rstrip("\n").rpartition(":")[2]
         (self.folder / "Socket.cfg").write_text(port)
         return first_line.replace(port, "8738")
+
+    @staticmethod
+    def end(simulator):
+        """Where a test has not come to its end: the script that starts wine waits for its program, so
+        that both are told."""
+        if simulator.poll() is None:
+            os.killpg(simulator.pid, signal.SIGTERM)
+        simulator.wait()
 
     def run(self, commands):
         """What each command prints; they run in one shell, so that one can ask for another's code."""
