@@ -100,6 +100,7 @@ TEST_F(CheckTest, WrongOptionsEndWithTwoBeforeAnythingIsRead) {
                                                {sound, "--exchange", "-1"},
                                                {sound, "--exchange", "1,5"},
                                                {sound, "--timeout", "0"},
+                                               {sound, "--exchange", "86400.5"},
                                                {sound, "--daemon", "::1"},
                                                {sound, "--daemon", "host:99999"}}) {
         SCOPED_TRACE(testing::PrintToString(arguments));
