@@ -102,9 +102,10 @@ public:
         int exitCode = ExitCode::Fine;
         for (const std::string& name : m_options.files)
             exitCode = std::max(exitCode, TryFile(name));
-        if (m_daemon && m_daemon->Exchanges() > 0)
+        if (m_daemon && m_daemon->MayHaveTakenCommands())
             m_console.stream << "The settings of the device at " << MakeHarmless(m_options.daemon)
-                             << " have changed.\n";
+                             << (m_daemon->Exchanges() > 0 ? " have" : " may have")
+                             << " changed.\n";
         return exitCode;
     }
 

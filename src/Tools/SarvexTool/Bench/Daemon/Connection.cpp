@@ -13,7 +13,6 @@
 
 #include <algorithm>
 #include <array>
-#include <stdexcept>
 #include <vector>
 
 namespace Bench {
@@ -48,16 +47,19 @@ public:
             text.erase(text.find_last_not_of('0') + 1);
             if (text.back() == '.')
                 text.pop_back();
-            throw std::runtime_error(std::string(m_isConnected ? "gives no whole answer within "
-                                                               : "cannot be reached within ") +
-                                     text + " s");
+            Fail((m_isConnected ? "gives no whole answer within " : "cannot be reached within ") +
+                 text + " s");
         }
         if (!m_failure.empty())
-            throw std::runtime_error(m_failure);
+            Fail(m_failure);
         return std::move(m_answer);
     }
 
 private:
+    [[noreturn]] void Fail(const std::string& text) const {
+        throw ExchangeFailure(text, m_isConnected);
+    }
+
     void Resolve() {
         error_code notNumeric;
         const auto address = asio::ip::make_address(m_host, notNumeric);

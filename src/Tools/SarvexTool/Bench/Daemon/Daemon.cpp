@@ -9,7 +9,7 @@
 #include "Tools/SarvexTool/Client/Request.h"
 
 #include <algorithm>
-#include <stdexcept>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -39,6 +39,14 @@ std::string CommandLineOf(const std::vector<std::string>& arguments) {
     CliClient client;
     client.SetArguments(values);
     return SarvexTool::BuildCommandLine("-vemo", client.BuildArguments());
+}
+
+/// The client takes an answer without one for 0. So it takes half an answer, and the page of any
+/// other server, which say nothing about the settings.
+bool HasReturnCode(const SarvexTool::Reply& reply) {
+    constexpr std::string_view marker = "Sarvex tool RETURN CODE\n";
+    return reply.allLines.starts_with(marker) ||
+           reply.allLines.find("\n" + std::string(marker)) != std::string::npos;
 }
 
 DaemonAnswer Understand(const SarvexTool::Reply& reply) {
@@ -74,15 +82,22 @@ DaemonAnswer Daemon::Ask(const std::vector<std::string>& arguments) {
     std::string bytes;
     try {
         bytes = ExchangeBytes(m_address.host, m_address.port, request, m_timeout);
-    } catch (const std::runtime_error& error) {
+    } catch (const ExchangeFailure& error) {
+        m_mayHaveTakenCommands = m_mayHaveTakenCommands || error.WasConnected();
         throw BadInput(m_address.ToText(), std::string("the daemon ") + error.what());
     }
-    m_total += Clock::now() - start;
-    ++m_exchanges;
+    m_mayHaveTakenCommands = true;
+    const Clock::duration taken = Clock::now() - start;
     const SarvexTool::Reply reply =
         SarvexTool::SortReply(SarvexTool::CutHttpHead(std::move(bytes)));
     if (reply.failure)
         throw BadInput(m_address.ToText(), "the daemon gives a return code that is no number");
+    if (!HasReturnCode(reply))
+        throw BadInput(m_address.ToText(),
+                       "the daemon gives no return code, so that it may have refused the settings; "
+                       "look whether it is another server or ended too early");
+    m_total += taken;
+    ++m_exchanges;
     return Understand(reply);
 }
 

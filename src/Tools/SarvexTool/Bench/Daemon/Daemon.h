@@ -39,6 +39,9 @@ public:
     /// How many commands were answered.
     std::size_t Exchanges() const { return m_exchanges; }
 
+    /// Whether a command may have reached the daemon, answered or not.
+    bool MayHaveTakenCommands() const { return m_mayHaveTakenCommands; }
+
     /// How long an exchange took in the mean, in seconds; 0 before the first.
     double MeanSeconds() const;
 
@@ -47,6 +50,7 @@ private:
     std::chrono::milliseconds m_timeout;
     std::chrono::duration<double> m_total{};
     std::size_t m_exchanges = 0;
+    bool m_mayHaveTakenCommands = false;
 };
 
 } // namespace Bench

@@ -125,7 +125,33 @@ TEST_F(CheckEndToEndTest, ADaemonThatDoesNotAnswerInTimeEndsWithTwo) {
         EXPECT_THAT(result.err, StartsWith(address + ": error: the daemon "));
         // What is known of the file is told all the same.
         EXPECT_THAT(result.out, HasSubstr("a.csv: no errors"));
+        // The daemon has got the command.
+        EXPECT_THAT(result.out, EndsWith("\nThe settings of the device at " + address +
+                                         " may have changed.\n"));
     }
+}
+
+TEST_F(CheckEndToEndTest, AnAnswerWithoutReturnCodeIsNoConsent) {
+    program.Write("a.csv", header + "5,AB,80,999,HE,MCS0,SISO,26,0,none\n");
+    // Half an answer, and one in which no line is a marker.
+    for (const char* const fault : {"*:close-after=100", "*:crlf"}) {
+        SCOPED_TRACE(fault);
+        const EndToEnd::Simulator daemon({"--fault", fault});
+        const std::string address = "127.0.0.1:" + daemon.Port();
+        const ProcessResult result = program.Run({"check", "a.csv", "--daemon", address});
+        EXPECT_EQ(result.exitCode, 2);
+        EXPECT_THAT(result.err,
+                    StartsWith(address + ": error: the daemon gives no return code, so that "));
+        EXPECT_THAT(result.out, EndsWith("\nThe settings of the device at " + address +
+                                         " may have changed.\n"));
+    }
+}
+
+TEST_F(CheckEndToEndTest, ADaemonThatIsNotThereHasTakenNothing) {
+    program.Write("a.csv", sound);
+    const ProcessResult result = program.Run({"check", "a.csv", "--daemon", "127.0.0.1:1"});
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_THAT(result.out, EndsWith("a run takes about 1 s\n"));
 }
 
 TEST_F(CheckEndToEndTest, TheTimeOfAnExchangeCountsForTheTimeOfARun) {
