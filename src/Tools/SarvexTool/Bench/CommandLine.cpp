@@ -14,10 +14,13 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <optional>
+#include <span>
 
 namespace Bench {
 
@@ -29,13 +32,55 @@ constexpr const char* programName = "SarvexToolBench";
 constexpr std::array<Command (*)(CLI::App&), 4> addCommands{AddCheck, AddJudge, AddReport,
                                                             AddCompare};
 
+/// That there is no such thing, with the nearest one that there is.
+std::string UnknownName(const std::string& thing, const std::string& name,
+                        std::span<const char* const> known) {
+    const std::string_view nearest = NearestName(name, known);
+    return "there is no " + thing + " \"" + name + "\"" +
+           (nearest.empty() ? "" : "; did you mean \"" + std::string(nearest) + "\"?");
+}
+
 [[noreturn]] void ThrowUnknown(const CLI::App& program, const std::string& name) {
     std::vector<const char*> known;
     for (const CLI::App* const subcommand : program.get_subcommands({}))
         known.push_back(subcommand->get_name().c_str());
-    const std::string_view nearest = NearestName(name, known);
-    throw WrongUsage("there is no subcommand \"" + name + "\"" +
-                     (nearest.empty() ? "" : "; did you mean \"" + std::string(nearest) + "\"?"));
+    throw WrongUsage(UnknownName("subcommand", name, known));
+}
+
+std::string UnknownOption(const CLI::App& options, const std::string& argument) {
+    std::vector<std::string> names;
+    for (const CLI::Option* const option : options.get_options()) {
+        for (const std::string& name : option->get_lnames())
+            names.push_back("--" + name);
+    }
+    std::vector<const char*> known;
+    known.reserve(names.size());
+    for (const std::string& name : names)
+        known.push_back(name.c_str());
+    return UnknownName("option", argument.substr(0, argument.find('=')), known);
+}
+
+bool IsGivenTooOften(const CLI::Option* option) {
+    return option->get_items_expected_max() == 1 && option->count() > 1;
+}
+
+/// What these options have got that they do not know; the option library tells it only when all
+/// that is required is there.
+std::optional<std::string> Unexpected(const CLI::App& options) {
+    const std::vector<std::string> extras = options.remaining();
+    const auto unknown =
+        std::find_if(extras.begin(), extras.end(),
+                     [](const std::string& argument) { return argument.starts_with('-'); });
+    if (unknown != extras.end())
+        return UnknownOption(options, *unknown);
+    if (!extras.empty())
+        return "the argument \"" + extras.front() +
+               "\" is one too many; put a name that holds blanks in quotes";
+    const std::vector<const CLI::Option*> all = options.get_options();
+    const auto repeated = std::find_if(all.begin(), all.end(), IsGivenTooOften);
+    if (repeated == all.end())
+        return std::nullopt;
+    return (*repeated)->get_name() + " is given more than once";
 }
 
 /// The options of the program or of the subcommand of that name.
@@ -92,7 +137,7 @@ public:
             surroundings.out.stream << m_options.version() << "\n";
             return ExitCode::Fine;
         } catch (const CLI::ParseError& error) {
-            return Complain(error.what(), surroundings);
+            return Complain(Unexpected(Parsed()).value_or(error.what()), surroundings);
         } catch (const WrongUsage& error) {
             return Complain(error.what(), surroundings);
         }
@@ -111,6 +156,12 @@ private:
                 return command;
         }
         throw WrongUsage("a subcommand is needed");
+    }
+
+    /// The subcommand that the arguments name, or the program.
+    const CLI::App& Parsed() const {
+        const std::vector<CLI::App*> parsed = m_options.get_subcommands();
+        return parsed.empty() ? m_options : *parsed.front();
     }
 
     int Complain(const std::string& problem, Surroundings& surroundings) const {

@@ -75,22 +75,33 @@ struct WrongUsageCase {
 TEST_F(CommandLineTest, EveryWrongUsageEndsWithTwoAndSaysWhereHelpIs) {
     const std::string file = directory.Create("a.csv", "Band\n5\n");
     const std::string end = " --help for the options.\n";
-    for (const auto& [arguments, message] : std::vector<WrongUsageCase>{
-             {{}, "SarvexToolBench: A subcommand is required\nRun SarvexToolBench" + end},
-             {{"chekc", file},
-              "SarvexToolBench: there is no subcommand \"chekc\"; did you mean \"check\"?\n"},
-             {{"help", "reprot"},
-              "SarvexToolBench: there is no subcommand \"reprot\"; did you mean \"report\"?\n"},
-             {{"--bad"}, "SarvexToolBench: "},
-             {{"check"},
-              "SarvexToolBench check: FILE is required\nRun SarvexToolBench check" + end},
-             {{"check", file, "--bad"}, "SarvexToolBench check: "},
-             {{"check", "-", "-"},
-              "SarvexToolBench check: standard input (-) can be read once only\n"
-              "Run SarvexToolBench check" +
-                  end},
-             {{"help", "\x1B[2J"},
-              "SarvexToolBench: there is no subcommand \"\\x1B[2J\"\nRun SarvexToolBench" + end}}) {
+    for (
+        const auto& [arguments, message] : std::vector<WrongUsageCase>{
+            {{}, "SarvexToolBench: A subcommand is required\nRun SarvexToolBench" + end},
+            {{"chekc", file},
+             "SarvexToolBench: there is no subcommand \"chekc\"; did you mean \"check\"?\n"},
+            {{"help", "reprot"},
+             "SarvexToolBench: there is no subcommand \"reprot\"; did you mean \"report\"?\n"},
+            {{"--verison"},
+             "SarvexToolBench: there is no option \"--verison\"; did you mean \"--version\"?\n"},
+            {{"check"}, "SarvexToolBench check: FILE is required\nRun SarvexToolBench check" + end},
+            {{"check", file, "--bad=1"},
+             "SarvexToolBench check: there is no option \"--bad\"\nRun SarvexToolBench check" +
+                 end},
+            {{"judge", file, "--limit", file},
+             "SarvexToolBench judge: there is no option \"--limit\"; did you mean \"--limits\"?\n"},
+            {{"judge", "Day", "1", "--limits", file},
+             "SarvexToolBench judge: the argument \"1\" is one too many; put a name that holds "
+             "blanks in quotes\n"},
+            {{"judge", file, "--limits", file, "--limits", file},
+             "SarvexToolBench judge: --limits is given more than once\n"},
+            {{"judge", file, "--limits"}, "SarvexToolBench judge: --limits: "},
+            {{"check", "-", "-"},
+             "SarvexToolBench check: standard input (-) can be read once only\n"
+             "Run SarvexToolBench check" +
+                 end},
+            {{"help", "\x1B[2J"},
+             "SarvexToolBench: there is no subcommand \"\\x1B[2J\"\nRun SarvexToolBench" + end}}) {
         SCOPED_TRACE(testing::PrintToString(arguments));
         EXPECT_EQ(Run(arguments), 2);
         EXPECT_EQ(out.str(), "");
@@ -109,6 +120,11 @@ TEST_F(CommandLineTest, AnUnreadableFileEndsWithTwo) {
     EXPECT_EQ(Run({"check", directory.Path("none.csv")}), 2);
     EXPECT_EQ(err.str(),
               directory.Path("none.csv") + ": error: cannot be read (No such file or directory)\n");
+}
+
+TEST_F(CommandLineTest, AnEmptyNameIsShownAsOne) {
+    EXPECT_EQ(Run({"check", ""}), 2);
+    EXPECT_EQ(err.str(), "\"\": error: cannot be read (No such file or directory)\n");
 }
 
 TEST_F(CommandLineTest, AStandardOutputThatTakesNothingEndsWithTwo) {

@@ -10,7 +10,7 @@ constexpr const char* bold = "\x1B[1m";
 constexpr const char* plain = "\x1B[0m";
 
 std::string PlaceOf(const std::string& file, const Problem& problem) {
-    std::string place = MakeHarmless(file);
+    std::string place = file.empty() ? "\"\"" : MakeHarmless(file);
     if (problem.line != 0)
         place += ":" + std::to_string(problem.line) + ":" + std::to_string(problem.column);
     return place + ":";
