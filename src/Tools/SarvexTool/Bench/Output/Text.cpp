@@ -47,6 +47,11 @@ std::string PlaceOf(const RunResult& run, const Measurement& measurement) {
            NameOf(measurement.chain);
 }
 
+/// For the summary, which fits a console of 80 columns.
+std::string ShortPlaceOf(const RunResult& run, const Measurement& measurement) {
+    return std::to_string(run.LineOf(measurement)) + " " + NameOf(measurement.chain);
+}
+
 std::vector<std::string> RowOf(const std::string& title, const VerdictCounts& counts,
                                const JudgedRun& judged) {
     std::vector<std::string> row{title};
@@ -55,7 +60,7 @@ std::vector<std::string> RowOf(const std::string& title, const VerdictCounts& co
     const Judgement* const worst = counts.worst ? &judged.judgements.all[*counts.worst] : nullptr;
     row.push_back(Decibels(worst != nullptr ? worst->margin : std::nullopt));
     const RunResult& run = judged.result.run;
-    row.push_back(worst != nullptr ? PlaceOf(run, run.measurements[worst->measurement]) : "-");
+    row.push_back(worst != nullptr ? ShortPlaceOf(run, run.measurements[worst->measurement]) : "-");
     return row;
 }
 
@@ -65,7 +70,7 @@ void PrintSummary(const Console& console, const JudgedRun& judged) {
     for (std::size_t verdict = 0; verdict < VerdictCount; ++verdict)
         titles.emplace_back(NameOf(static_cast<Verdict>(verdict)));
     titles.emplace_back("worst margin");
-    titles.emplace_back("at");
+    titles.emplace_back("at line");
     TextTable table(titles, 1);
     for (const VerdictCounts& band : summary.bands)
         table.Add(RowOf(band.band == nullptr ? "unknown" : *band.band, band, judged));

@@ -16,12 +16,12 @@ TEST(TextTest, JudgementsAreSummedUpAndListed) {
               R"(run/result.csv: 6 configurations, 8 measurements; country code US
   besides, 1 power of chains that are not expected, which do not count
 
-Band  pass  too low  too high  not measured  no limit  worst margin              at
-2.4      0        0         1             0         0       -0.5 dB  line 3 chain A
-5        3        1         0             0         0      -0.25 dB  line 2 chain B
-6        0        0         0             2         0             -               -
-7        0        0         0             0         1             -               -
-all      3        1         1             2         1       -0.5 dB  line 3 chain A
+Band  pass  too low  too high  not measured  no limit  worst margin  at line
+2.4      0        0         1             0         0       -0.5 dB      3 A
+5        3        1         0             0         0      -0.25 dB      2 B
+6        0        0         0             2         0             -        -
+7        0        0         0             0         1             -        -
+all      3        1         1             2         1       -0.5 dB      3 A
 
 line 4 chain A: not measured: no power was reported (Band 6, Chains A, Bandwidth 20, Channel 500, Rate MCS9)
 line 5 chain A: not measured: Band is uncertain since line 4 (Band 6, Chains A, Bandwidth 20, Channel 1, Rate MCS9)
@@ -47,9 +47,9 @@ TEST(TextTest, RunThatPassedSaysSo) {
         stream.str(),
         R"(run/result.csv: 1 configuration, 1 measurement; country code unknown: result.xml is not XML: \x1B
 
-Band     pass  too low  too high  not measured  no limit  worst margin  at
-unknown     1        0         0             0         0             -   -
-all         1        0         0             0         0             -   -
+Band     pass  too low  too high  not measured  no limit  worst margin  at line
+unknown     1        0         0             0         0             -        -
+all         1        0         0             0         0             -        -
 
 PASS: 1 measurement
 )");
