@@ -42,5 +42,26 @@ TEST(ProblemsTest, NeitherNameNorTextReachesTheTerminalWithEscapeSequences) {
         "\\x1B]0;a:1:1: error: the cell \"\\x1B[2J\\n\" is odd\n");
 }
 
+TEST(ProblemsTest, ATextLongerThanAScreenIsShownWithoutItsMiddle) {
+    const std::string whole = "the cell " + std::string(991, 'x');
+    EXPECT_EQ(Printed("a.csv", {{Severity::Error, 1, 1, whole}}, false),
+              "a.csv:1:1: error: " + whole + "\n");
+    EXPECT_EQ(Printed("a.csv", {{Severity::Error, 1, 1, whole + "; mend it"}}, false),
+              "a.csv:1:1: error: the cell " + std::string(491, 'x') + " [109 bytes] " +
+                  std::string(391, 'x') + "; mend it\n");
+}
+
+TEST(ProblemsTest, NoCharacterIsCutInTwo) {
+    std::string letters;
+    for (int i = 0; i < 1000; ++i)
+        letters += "\xC3\xA4";
+    const std::string expected = "a.csv:1:1: error: x" + letters.substr(0, 498) + " [1102 bytes] " +
+                                 letters.substr(0, 400) + "\n";
+    EXPECT_EQ(Printed("a.csv", {{Severity::Error, 1, 1, "x" + letters}}, false), expected);
+    EXPECT_EQ(Printed("a.csv", {{Severity::Error, 1, 1, letters + "x"}}, false),
+              "a.csv:1:1: error: " + letters.substr(0, 500) + " [1102 bytes] " +
+                  letters.substr(0, 398) + "x\n");
+}
+
 } // namespace
 } // namespace Bench
