@@ -134,32 +134,35 @@ private:
         TextPool pool;
         CheckedTestFile file =
             CheckTestFile(bytes, pool, MostLines({OSAL::MostOpenFiles(), OSAL::MostPorts()}));
-        const int daemonCode = TryOnDaemon(name, file);
+        const std::optional<BadFile> daemonFailure = TryOnDaemon(name, file);
         PrintProblems(m_console, name, file.problems.InOrder());
         PrintSummary(name, file);
-        return std::max<int>(daemonCode, file.problems.Count(Severity::Error) > 0 ? ExitCode::Found
-                                                                                  : ExitCode::Fine);
+        if (daemonFailure) {
+            // At the end, where it is seen: the file may be right, but the settings are not tried.
+            PrintProblems(m_surroundings.err, daemonFailure->File(), daemonFailure->Problems());
+            return ExitCode::Failed;
+        }
+        return file.problems.Count(Severity::Error) > 0 ? ExitCode::Found : ExitCode::Fine;
     }
 
-    /// What is found in the file is told, whether the daemon can be asked or not.
-    int TryOnDaemon(const std::string& name, CheckedTestFile& file) {
+    /// Why the daemon could not be asked, if so: what is found in the file is told all the same.
+    std::optional<BadFile> TryOnDaemon(const std::string& name, CheckedTestFile& file) {
         if (!m_daemon)
-            return ExitCode::Fine;
+            return std::nullopt;
         if (file.problems.Count(Severity::Error) > 0) {
             PrintProblems(m_surroundings.err, name,
                           std::vector<Problem>{{Severity::Warning, 0, 0,
                                                 "the daemon is asked when the file has no "
                                                 "errors"}});
-            return ExitCode::Fine;
+            return std::nullopt;
         }
         try {
             TrySettings(file, *m_daemon);
             if (m_options.exchange.empty())
                 m_conditions.exchangeSeconds = m_daemon->MeanSeconds();
-            return ExitCode::Fine;
+            return std::nullopt;
         } catch (const BadFile& bad) {
-            PrintProblems(m_surroundings.err, bad.File(), bad.Problems());
-            return ExitCode::Failed;
+            return bad;
         }
     }
 

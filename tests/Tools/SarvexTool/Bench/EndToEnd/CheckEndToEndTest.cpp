@@ -154,6 +154,14 @@ TEST_F(CheckEndToEndTest, ADaemonThatIsNotThereHasTakenNothing) {
     EXPECT_THAT(result.out, EndsWith("a run takes about 1 s\n"));
 }
 
+TEST_F(CheckEndToEndTest, ADaemonThatIsNotThereIsToldLast) {
+    program.Write("a.csv", sound);
+    const ProcessResult result =
+        program.Run({"check", "a.csv", "--write", "-", "--daemon", "127.0.0.1:1"});
+    EXPECT_THAT(result.err, HasSubstr("a run takes about 1 s\n"
+                                      "127.0.0.1:1: error: the daemon cannot be reached ("));
+}
+
 TEST_F(CheckEndToEndTest, TheTimeOfAnExchangeCountsForTheTimeOfARun) {
     const EndToEnd::Simulator daemon({"--latency", "500"});
     program.Write("a.csv", sound);
