@@ -32,10 +32,10 @@ namespace {
 
 struct CheckOptions {
     std::vector<std::string> files;
-    std::string write;
-    std::string macType;
-    std::string exchange;
-    std::string daemon;
+    std::optional<std::string> write;
+    std::optional<std::string> macType;
+    std::optional<std::string> exchange;
+    std::optional<std::string> daemon;
     std::string timeout = "10";
 };
 
@@ -54,7 +54,7 @@ bool IsSlow(const std::string& macType) {
     std::uint32_t number = 0;
     const char* const end = macType.data() + macType.size();
     const auto [rest, error] = std::from_chars(macType.data(), end, number);
-    if (!macType.empty() && (error != std::errc() || rest != end))
+    if (error != std::errc() || rest != end)
         throw WrongUsage("--mac-type " + macType + " is no number");
     return number == SlowMacType;
 }
@@ -85,17 +85,16 @@ public:
           m_surroundings(surroundings),
           // What is told must not get into a corrected file on standard output.
           m_console(options.write == StandardStreamName ? surroundings.err : surroundings.out) {
-        if (!options.write.empty() && options.files.size() > 1)
+        if (options.write && options.files.size() > 1)
             throw WrongUsage("--write takes one FILE");
-        RequireDistinctFiles(options.files, options.write.empty()
-                                                ? std::vector<std::string>()
-                                                : std::vector<std::string>{options.write});
-        m_conditions.isSlowDevice = IsSlow(options.macType);
-        if (!options.exchange.empty())
-            m_conditions.exchangeSeconds = SecondsOf("--exchange", options.exchange).ToDouble();
+        RequireDistinctFiles(options.files, options.write ? std::vector{*options.write}
+                                                          : std::vector<std::string>());
+        m_conditions.isSlowDevice = options.macType && IsSlow(*options.macType);
+        if (options.exchange)
+            m_conditions.exchangeSeconds = SecondsOf("--exchange", *options.exchange).ToDouble();
         const std::chrono::milliseconds timeout = TimeoutOf(options.timeout);
-        if (!options.daemon.empty())
-            m_daemon.emplace(AddressOf(options.daemon), timeout);
+        if (options.daemon)
+            m_daemon.emplace(AddressOf(*options.daemon), timeout);
     }
 
     int Run() {
@@ -103,7 +102,7 @@ public:
         for (const std::string& name : m_options.files)
             exitCode = std::max(exitCode, TryFile(name));
         if (m_daemon && m_daemon->MayHaveTakenCommands())
-            m_console.stream << "The settings of the device at " << MakeHarmless(m_options.daemon)
+            m_console.stream << "The settings of the device at " << MakeHarmless(*m_options.daemon)
                              << (m_daemon->Exchanges() > 0 ? " have" : " may have")
                              << " changed.\n";
         return exitCode;
@@ -122,12 +121,12 @@ private:
 
     int CheckFile(const std::string& name) {
         const std::string bytes = ReadInput(name, m_surroundings.in);
-        if (m_options.write.empty())
+        if (!m_options.write)
             return CheckBytes(name, bytes);
         const CorrectedTestFile corrected = CorrectTestFile(bytes);
-        WriteOutput(m_options.write, m_surroundings.out.stream, corrected.bytes);
+        WriteOutput(*m_options.write, m_surroundings.out.stream, corrected.bytes);
         PrintCorrections(m_console, name, corrected.changes.InOrder());
-        return CheckBytes(m_options.write, corrected.bytes);
+        return CheckBytes(*m_options.write, corrected.bytes);
     }
 
     int CheckBytes(const std::string& name, std::string_view bytes) {
@@ -158,7 +157,7 @@ private:
         }
         try {
             TrySettings(file, *m_daemon);
-            if (m_options.exchange.empty())
+            if (!m_options.exchange)
                 m_conditions.exchangeSeconds = m_daemon->MeanSeconds();
             return std::nullopt;
         } catch (const BadFile& bad) {

@@ -34,6 +34,8 @@ OutputFile::OutputFile(std::string name, std::ostream& standardOutput)
 }
 
 void OutputFile::Open() {
+    if (m_name.empty())
+        Fail("cannot be written", ENOENT);
     // The links stay and lead to the new file.
     m_target = EndOfLinks(PathOf(m_name));
     std::error_code ignored;

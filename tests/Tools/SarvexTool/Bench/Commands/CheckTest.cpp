@@ -102,6 +102,11 @@ TEST_F(CheckTest, WrongOptionsEndWithTwoBeforeAnythingIsRead) {
                                                {sound, "--timeout", "0"},
                                                {sound, "--exchange", "86400.5"},
                                                {sound, "--daemon", "::1"},
+                                               // As with a variable of a script that is not set.
+                                               {sound, "--daemon", ""},
+                                               {sound, "--exchange", ""},
+                                               {sound, "--mac-type", ""},
+                                               {sound, "--timeout", ""},
                                                {sound, "--daemon", "host:99999"}}) {
         SCOPED_TRACE(testing::PrintToString(arguments));
         EXPECT_EQ(Run(arguments), 2);
@@ -109,6 +114,13 @@ TEST_F(CheckTest, WrongOptionsEndWithTwoBeforeAnythingIsRead) {
         EXPECT_THAT(err.str(), HasSubstr("SarvexToolBench check: "));
     }
     EXPECT_EQ(TestSupport::ReadBytes(sound), "Chains,Channel\nAB,36\nA,40\n");
+}
+
+TEST_F(CheckTest, AnEmptyNameIsNoFile) {
+    EXPECT_EQ(Run({sound, "--write", ""}), 2);
+    EXPECT_EQ(err.str(), "\"\": error: cannot be written (No such file or directory)\n");
+    EXPECT_EQ(Run({""}), 2);
+    EXPECT_EQ(err.str(), "\"\": error: cannot be read (No such file or directory)\n");
 }
 
 TEST_F(CheckTest, ADaemonIsNotAskedAboutAFileWithErrors) {
