@@ -35,11 +35,12 @@ bool HasMarkup(std::string_view text) {
            text.find("\xEF\xBF\xBF") != std::string_view::npos;
 }
 
-/// The nearest chains' name for a text, without a sign between the letters; empty when none is
-/// near.
+/// The nearest chains' name for a text, without a sign between the letters and in whatever order;
+/// empty when none is near.
 std::string_view NearestChains(std::string_view text) {
     constexpr std::array<const char*, 3> names{"A", "B", "AB"};
-    return NearestName(text, names);
+    const std::string_view nearest = NearestName(text, names);
+    return nearest.empty() ? NearestName(std::string(text.rbegin(), text.rend()), names) : nearest;
 }
 
 /// Reads a test file line by line.

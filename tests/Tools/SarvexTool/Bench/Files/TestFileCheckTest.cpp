@@ -46,6 +46,7 @@ TEST(TestFileCheckTest, ChainsAreThoseThatPowersAreFiledFor) {
     EXPECT_THAT(ProblemsOfCell(1, "ab"), ElementsAre(problem + "ab" + rest + "; did you mean AB?"));
     EXPECT_THAT(ProblemsOfCell(1, "A+B"),
                 ElementsAre(problem + "A+B" + rest + "; did you mean AB?"));
+    EXPECT_THAT(ProblemsOfCell(1, "BA"), ElementsAre(problem + "BA" + rest + "; did you mean AB?"));
     EXPECT_THAT(ProblemsOfCell(1, "C"), ElementsAre(problem + "C" + rest));
     EXPECT_THAT(ProblemsOfCell(1, "B"), IsEmpty());
 }
