@@ -111,7 +111,9 @@ private:
     }
 
     bool IsToBeFilled(const TableRow& row, const Cell& cell) const {
-        return cell.text.empty() && row.line > 1 && row.cells.size() == m_table.Width();
+        const auto place = static_cast<std::size_t>(&cell - row.cells.data());
+        return cell.text.empty() && row.line > 1 && place < m_table.Width() &&
+               m_table.IsAsWideAsHeader(row);
     }
 
     void Tell(const ProblemKind& kind, LineNumber line, std::uint32_t column, std::string text) {

@@ -193,6 +193,14 @@ void Table::ReadColumnName(std::size_t place) {
     known = place;
 }
 
+bool Table::IsAsWideAsHeader(const TableRow& row) const {
+    const auto isNothing = [](const Cell& cell) { return cell.text.empty() && !cell.isQuoted; };
+    return row.cells.size() >= m_width &&
+           (row.cells.size() == m_width || row.cells.size() <= m_header.cells.size()) &&
+           std::all_of(row.cells.begin() + static_cast<std::ptrdiff_t>(m_width), row.cells.end(),
+                       isNothing);
+}
+
 bool Table::Read(TableRow& row) {
     if (m_rest.empty()) {
         // Only once, and not for an empty file.
@@ -334,12 +342,17 @@ void Table::CheckCount(const TableRow& row) {
         m_problems.Add(TableProblem::shortLine, row.line, 0,
                        "the line has " + CellsText(row.cells.size()) + " and the header " +
                            std::to_string(m_width) + "; " + m_rules.remedy);
-    else if (row.cells.size() > m_width && m_width > 0)
-        m_problems.Add(m_rules.longLines == Severity::Error ? TableProblem::longLineError
-                                                            : TableProblem::longLineWarning,
-                       row.line, static_cast<std::uint32_t>(m_width + 1),
-                       "the line has " + CellsText(row.cells.size()) + " and the header " +
-                           std::to_string(m_width) + "; those beyond it are ignored");
+    else if (m_width > 0 && !IsAsWideAsHeader(row))
+        TellLongLine(row);
+}
+
+void Table::TellLongLine(const TableRow& row) {
+    const bool isError = m_rules.longLines == Severity::Error;
+    m_problems.Add(isError ? TableProblem::longLineError : TableProblem::longLineWarning, row.line,
+                   static_cast<std::uint32_t>(m_width + 1),
+                   "the line has " + CellsText(row.cells.size()) + " and the header " +
+                       std::to_string(m_width) +
+                       (isError ? "; take those beyond it away" : "; those beyond it are ignored"));
 }
 
 void Table::Add(const ProblemKind& kind, const TableRow& row, std::size_t place, std::string text) {

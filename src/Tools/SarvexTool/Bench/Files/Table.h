@@ -52,6 +52,11 @@ public:
     /// How many cells the header has, without empty ones at its end.
     std::size_t Width() const { return m_width; }
 
+    /// Whether each cell of a row is below one of the header's. Spreadsheets save an empty column
+    /// at the end of all lines: its cells count neither in the header nor below it, as for the
+    /// client.
+    bool IsAsWideAsHeader(const TableRow& row) const;
+
     /// Whether the lines end in a carriage return alone.
     bool HasCarriageReturnsAlone() const { return m_lineEnd == '\r'; }
 
@@ -79,6 +84,7 @@ private:
     void CheckBytes(const TableRow& row, std::size_t place, const Cell& cell);
     void CheckQuotes(const TableRow& row, std::size_t place, const Cell& cell);
     void CheckCount(const TableRow& row);
+    void TellLongLine(const TableRow& row);
     char SeparatorOf(const TableRow& row);
     void Add(const ProblemKind& kind, const TableRow& row, std::size_t place, std::string text);
 

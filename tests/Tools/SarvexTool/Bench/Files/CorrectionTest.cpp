@@ -67,6 +67,8 @@ TEST(CorrectionTest, WhatIsCertainIsMended) {
                                      {"Band,Chains\n\"2,4\",A\n", "Band,Chains\n2.4,A\n"},
                                      {"Band,Chains\n5,\n", "Band,Chains\n5,-\n"},
                                      {"Band,Chains\n5,\"\"\n", "Band,Chains\n5,-\n"},
+                                     // An empty column at the end, which stays.
+                                     {"Band;Chains;\n5;;\n;A\n", "Band,Chains,\n5,-,\n-,A\n"},
                                      {"Band\r\n\r\n5", "Band\n\n5"}}) {
         SCOPED_TRACE(testing::PrintToString(bytes));
         EXPECT_EQ(CorrectTestFile(bytes).bytes, corrected);
@@ -78,6 +80,8 @@ TEST(CorrectionTest, WhatIsNotCertainStaysAnError) {
              // An empty cell in a line that is too short or too long, and one in the header.
              {"Band,Chains,Mode\n5,\n", "Band,Chains,Mode\n5,\n"},
              {"Band,Chains\n5,,A\n", "Band,Chains\n5,,A\n"},
+             {"Band,Chains,\n5,,A\n", "Band,Chains,\n5,,A\n"},
+             {"Band,Chains\n5,,\n", "Band,Chains\n5,,\n"},
              {"Band,,Chains\n5,6,A\n", "Band,,Chains\n5,6,A\n"},
              // A comma that is not between digits.
              {"Band,Chains\n\"a,b\",A\n", "Band,Chains\n\"a,b\",A\n"},

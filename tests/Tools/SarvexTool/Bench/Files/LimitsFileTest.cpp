@@ -101,7 +101,7 @@ TEST(LimitsFileTest, EverythingWrongIsToldAtOnce) {
 4:3 "-" is no chain; write A, B, A|B or *
 4:4 "-" is no decimal number; write one in dBm, or * for no bound
 4:5 "-" is no decimal number; write one in dBm, or * for no bound
-5:6 the line has 6 cells and the header 5; those beyond it are ignored
+5:6 the line has 6 cells and the header 5; take those beyond it away
 6:0 the line has 4 cells and the header 5; write * for any value, or for no bound
 7:2 the cell is empty, so that what follows moves one cell to the left; write * for any value, or for no bound
 8:0 the line is empty; take it away

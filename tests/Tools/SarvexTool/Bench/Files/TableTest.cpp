@@ -189,16 +189,24 @@ TEST(TableTest, ATableMayBeStricterAboutLinesAndHaveItsOwnRemedy) {
     rules.emptyLines = Severity::Error;
     rules.remedy = "write *";
     EXPECT_THAT(ProblemsOf("Band,Chains\n5,A,6\n\n,A\n", rules),
-                ElementsAre("E 2:3 the line has 3 cells and the header 2; those beyond it are "
-                            "ignored",
+                ElementsAre("E 2:3 the line has 3 cells and the header 2; take those beyond it "
+                            "away",
                             "E 3:0 the line is empty; take it away",
                             "E 4:1 the cell is empty, so that what follows moves one cell to the "
                             "left; write *"));
 }
 
-TEST(TableTest, EmptyCellsBeyondTheLastColumnMoveNothing) {
-    EXPECT_THAT(ProblemsOf("Band,Chains,,\n5,A,,\n"),
-                ElementsAre("W 2:3 the line has 4 cells and the header 2; those beyond it are "
+TEST(TableTest, AnEmptyColumnAtTheEndIsNone) {
+    EXPECT_THAT(ProblemsOf("Band,Chains,,\n5,A,,\n6,B,\n7,A\n"), ElementsAre());
+    EXPECT_THAT(ProblemsOf("Band,Chains,\n5,A,6\n5,A, \n5,A,,\n"),
+                ElementsAre("W 2:3 the line has 3 cells and the header 2; those beyond it are "
+                            "ignored",
+                            "W 3:3 the line has 3 cells and the header 2; those beyond it are "
+                            "ignored",
+                            "W 4:3 the line has 4 cells and the header 2; those beyond it are "
+                            "ignored"));
+    EXPECT_THAT(ProblemsOf("Band,Chains\n5,A,\n"),
+                ElementsAre("W 2:3 the line has 3 cells and the header 2; those beyond it are "
                             "ignored"));
 }
 
