@@ -36,13 +36,15 @@ OutputFile::OutputFile(std::string name, std::ostream& standardOutput)
 void OutputFile::Open() {
     if (m_name.empty())
         Fail("cannot be written", ENOENT);
-    // The links stay and lead to the new file.
-    m_target = EndOfLinks(PathOf(m_name));
+    m_target = PathOf(m_name);
     std::error_code ignored;
     const fs::file_status status = fs::status(m_target, ignored);
     if (fs::is_directory(status))
         Fail("cannot be written", EISDIR);
     const bool isOnDisk = !fs::exists(status) || fs::is_regular_file(status);
+    // The links stay and lead to the new file. Those of a pipe in /dev/fd lead to no name.
+    if (isOnDisk)
+        m_target = EndOfLinks(m_target);
     const fs::path opened = isOnDisk ? FreeNameBeside(m_target) : m_target;
     errno = 0;
     m_file.open(opened, std::ios::binary | std::ios::trunc);

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <array>
 #include <filesystem>
 #include <iostream>
 
@@ -17,6 +20,18 @@ using TestSupport::ReadBytes;
 TEST(DeviceTest, ADeviceIsWrittenAndNotReplaced) {
     WriteOutput("/dev/null", std::cout, "text");
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
+TEST(DeviceTest, APipeIsWrittenByTheNameThatAShellGivesIt) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(::pipe(ends.data()), 0);
+    // As in --json >(jq .passed)
+    WriteOutput("/dev/fd/" + std::to_string(ends[1]), std::cout, "text");
+    ::close(ends[1]);
+    std::array<char, 16> bytes{};
+    const ssize_t count = ::read(ends[0], bytes.data(), bytes.size());
+    ::close(ends[0]);
+    EXPECT_EQ(std::string(bytes.data(), static_cast<std::size_t>(count)), "text");
 }
 
 TEST(DeviceTest, AFullDiskIsTold) {
