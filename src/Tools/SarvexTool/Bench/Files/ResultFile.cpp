@@ -53,6 +53,12 @@ public:
     explicit ResultReader(TextPool& texts) : m_texts(texts) {}
 
     void Read(std::string_view bytes) {
+        if (bytes.empty()) {
+            m_problems.Add(emptyKind, 1, 0,
+                           "the file is empty: the run could not open its test file, was ended, or "
+                           "goes on; run the test again");
+            return;
+        }
         m_builder.Reserve(static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), '\n')));
         const bool hasHeader = ReadHeader(TakeLine(bytes));
         while (!bytes.empty()) {

@@ -79,8 +79,15 @@ TEST(ResultFileTest, ResultWithoutHeaderIsRefused) {
     EXPECT_EQ(Read("Band,Chain-A Power,Chain B Power\n5,1,NA\n"), missing);
     // A test file that was taken for its result.
     EXPECT_EQ(Read("Band,Chains,Rate\n5,A,MCS0\n"), missing);
-    EXPECT_EQ(Read(""), missing + std::string("1:0 there is no measurement, because the run ended "
-                                              "before its first line; run the test again\n"));
+    EXPECT_EQ(Read("\n"),
+              missing + std::string("1:0 there is no measurement, because the run ended "
+                                    "before its first line; run the test again\n"));
+}
+
+TEST(ResultFileTest, AnEmptyFileIsOnlyThat) {
+    EXPECT_EQ(Read(""),
+              "1:0 the file is empty: the run could not open its test file, was ended, or "
+              "goes on; run the test again\n");
 }
 
 TEST(ResultFileTest, ResultWithoutAMeasurementIsRefused) {
