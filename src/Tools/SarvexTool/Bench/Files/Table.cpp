@@ -175,6 +175,12 @@ void Table::ReadColumnName(std::size_t place) {
     const std::string_view name = m_header.cells[place].text;
     if (IsBlank(name))
         return;
+    if (place == 0 && name.starts_with("sep=")) {
+        Add(TableProblem::columnName, m_header, place,
+            "the line with \"sep=\" is for a spreadsheet alone, and the client takes it for the "
+            "header; take the line away");
+        return;
+    }
     const auto found = std::find(m_rules.columns.begin(), m_rules.columns.end(), name);
     if (found == m_rules.columns.end()) {
         const std::string_view nearest = NearestName(name, m_rules.columns);

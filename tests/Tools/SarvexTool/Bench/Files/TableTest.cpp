@@ -175,6 +175,9 @@ TEST(TableTest, EachProblemIsToldWithItsPlaceAndRemedy) {
             {"Antenna\n5\n",
              {"E 1:1 there is no column \"Antenna\"; the columns are Band, Chains, Channel, "
               "Resource Unit"}},
+            {"sep=,\n5\n",
+             {"E 1:1 the line with \"sep=\" is for a spreadsheet alone, and the client takes it for "
+              "the header; take the line away"}},
             {"Band,Chains,Band\n5,A,6\n",
              {"E 1:3 the column \"Band\" is cell 1 already; take one of them away"}},
         }) {
