@@ -1,6 +1,7 @@
 #include "Tools/SarvexTool/Bench/Files/ResultFile.h"
 
 #include "Tools/SarvexTool/Bench/Core/ProblemList.h"
+#include "Tools/SarvexTool/Bench/Files/Encoding.h"
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/ResultTree.h"
@@ -68,7 +69,7 @@ public:
             if (hasHeader)
                 ReadRow(line);
         }
-        if (m_line == 1)
+        if (hasHeader && m_line == 1)
             m_problems.Add(emptyKind, 1, 0,
                            "there is no measurement, because the run ended before its first line; "
                            "run the test again");
@@ -81,6 +82,13 @@ private:
     /// Whether it is the header of a result, with unknown columns or not.
     bool ReadHeader(std::string_view line) {
         const std::string_view titles = PowerTest::powerTitles;
+        if (!line.ends_with(titles) && WasChanged(line)) {
+            m_problems.Add(
+                headerKind, 1, 0,
+                "the header was changed after the run, perhaps by a spreadsheet that has "
+                "saved the file; take the file as the client has written it");
+            return false;
+        }
         if (!line.ends_with(titles)) {
             m_problems.Add(headerKind, 1, 0,
                            "the header is missing: it ends in \"" + std::string(titles) +
@@ -93,6 +101,14 @@ private:
         for (std::size_t place = 0; place < m_fields.size(); ++place)
             ReadTitle(place);
         return true;
+    }
+
+    /// Whether a line was the header of a result: it still names a power, or is in an encoding that
+    /// the client does not write.
+    static bool WasChanged(std::string_view line) {
+        const std::string_view titles = PowerTest::powerTitles;
+        const std::string_view first = titles.substr(1, titles.find(',', 1) - 1);
+        return line.find(first) != std::string_view::npos || MarkOf(line) != ByteOrderMark::None;
     }
 
     void ReadTitle(std::size_t place) {
