@@ -2,6 +2,17 @@
 
 namespace Bench {
 
+namespace {
+
+std::uint16_t BitsOf(const Settings& own) {
+    unsigned bits = 0;
+    for (std::size_t index = 0; index < SettingCount; ++index)
+        bits |= static_cast<unsigned>(own[static_cast<Setting>(index)] != nullptr) << index;
+    return static_cast<std::uint16_t>(bits);
+}
+
+} // namespace
+
 std::size_t PlanBuilder::Hash::operator()(std::uint32_t index) const {
     constexpr std::uint64_t factor = 0x9E3779B97F4A7C15;
     constexpr int shift = 29;
@@ -22,7 +33,7 @@ LineNumber PlanBuilder::Add(LineNumber line, const Settings& own) {
     m_plan.configurationsOfUnknownChains += std::size_t{!chains.AreKnown()};
     NoteUnset(line, effective);
 
-    m_plan.distinct.push_back({line, effective});
+    m_plan.distinct.push_back({line, BitsOf(own), effective});
     const auto index = static_cast<std::uint32_t>(m_plan.distinct.size() - 1);
     const auto [known, isNew] = m_known.insert(index);
     if (isNew)

@@ -16,6 +16,19 @@ struct UnsetSetting {
     LineNumber line = 0;
 };
 
+/// An effective configuration that no line before its own has.
+struct PlannedConfiguration {
+    LineNumber line = 0;
+    /// A bit for each setting that the line writes itself; it carries the others over.
+    std::uint16_t ownSettings = 0;
+    Settings settings;
+
+    bool IsOwn(Setting setting) const {
+        return (ownSettings >> static_cast<unsigned>(setting) & 1U) != 0;
+    }
+};
+static_assert(SettingCount <= 16);
+
 /// What the lines of a test file ask for.
 struct Plan {
     std::size_t configurations = 0;
@@ -25,7 +38,7 @@ struct Plan {
     /// One for each setting, in the order of the columns.
     std::vector<UnsetSetting> unset;
     /// Each effective configuration once, with the first line that has it.
-    std::vector<Configuration> distinct;
+    std::vector<PlannedConfiguration> distinct;
 };
 
 /// Makes a plan of the lines, taken in their order. The texts belong to one pool.
@@ -47,11 +60,11 @@ public:
 
 private:
     struct Hash {
-        const std::vector<Configuration>* pConfigurations;
+        const std::vector<PlannedConfiguration>* pConfigurations;
         std::size_t operator()(std::uint32_t index) const;
     };
     struct Equal {
-        const std::vector<Configuration>* pConfigurations;
+        const std::vector<PlannedConfiguration>* pConfigurations;
         bool operator()(std::uint32_t left, std::uint32_t right) const {
             return (*pConfigurations)[left].settings == (*pConfigurations)[right].settings;
         }

@@ -2,7 +2,9 @@
 
 #include "Tools/SarvexTool/Bench/Files/TestFileProblems.h"
 
+#include <array>
 #include <string>
+#include <utility>
 
 namespace Bench {
 
@@ -14,7 +16,7 @@ public:
     Trial(CheckedTestFile& file, IDaemon& daemon) : m_file(file), m_daemon(daemon) {}
 
     void Run() {
-        for (const Configuration& configuration : m_file.plan.distinct)
+        for (const PlannedConfiguration& configuration : m_file.plan.distinct)
             Try(configuration);
     }
 
@@ -26,7 +28,7 @@ private:
         arguments.push_back(text);
     }
 
-    void Try(const Configuration& configuration) {
+    void Try(const PlannedConfiguration& configuration) {
         Arguments arguments;
         for (std::size_t index = 0; index < SettingCount; ++index) {
             const auto setting = static_cast<Setting>(index);
@@ -42,7 +44,7 @@ private:
     }
 
     /// Whether there is a setting that the daemon refuses by itself.
-    bool TellRefusedSettings(const Configuration& configuration) {
+    bool TellRefusedSettings(const PlannedConfiguration& configuration) {
         bool isFound = false;
         for (std::size_t index = 0; index < SettingCount; ++index) {
             const auto setting = static_cast<Setting>(index);
@@ -55,6 +57,10 @@ private:
             if (!answer.isRefusal)
                 continue;
             isFound = true;
+            const std::string* const pTold = std::exchange(m_told[index], pText);
+            // Where it was written, not in each line that carries it over.
+            if (pTold == pText && !configuration.IsOwn(setting))
+                continue;
             m_file.problems.Add(TestFileProblem::refused, configuration.line, m_file.columns[index],
                                 std::string("the daemon refuses ") + NameOf(setting) + " \"" +
                                     *pText + "\": " + answer.words);
@@ -64,6 +70,8 @@ private:
 
     CheckedTestFile& m_file;
     IDaemon& m_daemon;
+    /// The value of each setting that was refused last.
+    std::array<const std::string*, SettingCount> m_told{};
 };
 
 } // namespace

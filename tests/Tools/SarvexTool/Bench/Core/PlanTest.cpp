@@ -54,6 +54,16 @@ TEST_F(PlanTest, ALineRepeatsOneWithTheSameEffectiveSettings) {
     EXPECT_EQ(*plan.distinct[1].settings[Setting::Channel], "40");
 }
 
+TEST_F(PlanTest, AConfigurationTellsWhatItsLineWritesFromWhatItCarriesOver) {
+    Add(2, {{Setting::Band, "5"}, {Setting::LargeRuSize, "none"}});
+    Add(3, {{Setting::Channel, "40"}});
+    const Plan plan = builder.Take();
+    EXPECT_TRUE(plan.distinct[0].IsOwn(Setting::LargeRuSize));
+    EXPECT_FALSE(plan.distinct[0].IsOwn(Setting::Channel));
+    EXPECT_FALSE(plan.distinct[1].IsOwn(Setting::LargeRuSize));
+    EXPECT_TRUE(plan.distinct[1].IsOwn(Setting::Channel));
+}
+
 TEST_F(PlanTest, SettingsThatTheFirstLineLacksAreUnsetThere) {
     Add(2, {{Setting::Band, "5"},
             {Setting::Rate, "MCS7"},

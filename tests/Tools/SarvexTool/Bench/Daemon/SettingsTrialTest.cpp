@@ -62,6 +62,25 @@ TEST_F(SettingsTrialTest, ARefusedSettingIsFoundByItself) {
                 ElementsAre("-wifi-band 5 -wifi-channel 999", "-wifi-band 5", "-wifi-channel 999"));
 }
 
+TEST_F(SettingsTrialTest, ARefusedSettingIsToldWhereItIsWrittenAndNotWhereItIsCarriedOver) {
+    FakeDaemon daemon(
+        [](const std::string& command) { return command.find("999") != std::string::npos; });
+    EXPECT_THAT(Try("Channel,Rate\n999,1\n-,2\n999,3\n36,3\n999,4\n-,5\n", daemon),
+                ElementsAre("2:1 the daemon refuses Channel \"999\": not this",
+                            "4:1 the daemon refuses Channel \"999\": not this",
+                            "6:1 the daemon refuses Channel \"999\": not this"));
+}
+
+TEST_F(SettingsTrialTest, ASettingThatIsRefusedOnlyAfterItWasTakenIsToldWhereItIsCarriedOver) {
+    bool isNarrow = false;
+    FakeDaemon daemon([&isNarrow](const std::string& command) {
+        isNarrow = isNarrow || command.find("band 2.4") != std::string::npos;
+        return isNarrow && command.find("channel 100") != std::string::npos;
+    });
+    EXPECT_THAT(Try("Channel,Band\n100,5\n-,2.4\n", daemon),
+                ElementsAre("3:1 the daemon refuses Channel \"100\": not this"));
+}
+
 TEST_F(SettingsTrialTest, SettingsThatAreRefusedTogetherOnlyAreToldForTheLine) {
     FakeDaemon daemon(
         [](const std::string& command) { return command == "-wifi-band 5 -wifi-channel 1"; });
