@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <fstream>
+#include <string_view>
 #include <system_error>
 
 namespace Bench {
@@ -43,11 +44,21 @@ std::string ReadToEnd(const std::string& name, std::istream& stream, std::size_t
     return bytes;
 }
 
+/// A workbook is the most likely file of another kind, and as a text it would be full of problems.
+std::string RequireNoWorkbook(const std::string& name, std::string bytes) {
+    // A ZIP archive (xlsx, ods), and the older compound file (xls).
+    for (const std::string_view start : {"PK\x03\x04", "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1"}) {
+        if (bytes.starts_with(start))
+            throw BadInput(name, "is a spreadsheet's workbook; save the sheet as CSV");
+    }
+    return bytes;
+}
+
 } // namespace
 
 std::string ReadInput(const std::string& name, std::istream& standardInput) {
     if (name == StandardStreamName)
-        return ReadToEnd(name, standardInput, 0);
+        return RequireNoWorkbook(name, ReadToEnd(name, standardInput, 0));
     const std::filesystem::path path = PathOf(name);
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored))
@@ -56,7 +67,7 @@ std::string ReadInput(const std::string& name, std::istream& standardInput) {
     std::ifstream file(path, std::ios::binary);
     if (!file)
         Fail(name, errno);
-    return ReadToEnd(name, file, ExpectedSize(path));
+    return RequireNoWorkbook(name, ReadToEnd(name, file, ExpectedSize(path)));
 }
 
 } // namespace Bench

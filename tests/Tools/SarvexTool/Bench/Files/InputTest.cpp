@@ -61,6 +61,16 @@ TEST_F(InputTest, AFolderIsNoFile) {
     EXPECT_EQ(ProblemOf(directory.Path()), "cannot be read (Is a directory)");
 }
 
+TEST_F(InputTest, AWorkbookIsNoText) {
+    const std::string problem = "is a spreadsheet's workbook; save the sheet as CSV";
+    const std::string archive("PK\x03\x04\x14\0", 6);
+    EXPECT_EQ(ProblemOf(directory.Create("a.xlsx", archive)), problem);
+    EXPECT_EQ(ProblemOf(directory.Create("a.xls", "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1 ")), problem);
+    standardInput.str(archive);
+    EXPECT_EQ(ProblemOf("-"), problem);
+    EXPECT_EQ(ProblemOf(directory.Create("a.csv", "PK\n")), "none");
+}
+
 TEST_F(InputTest, AStreamThatFailsIsToldAndNotTakenForItsEnd) {
     class FailingBuffer : public std::streambuf {
         int underflow() override { throw std::runtime_error("the disk is gone"); }
