@@ -32,6 +32,34 @@ constexpr const char* programName = "SarvexToolBench";
 constexpr std::array<Command (*)(CLI::App&), 4> addCommands{AddCheck, AddJudge, AddReport,
                                                             AddCompare};
 
+/// A text in lines of at most so many characters, cut at blanks.
+std::string Wrapped(std::string text, std::size_t width) {
+    std::size_t start = 0;
+    while (text.size() - start > width) {
+        const std::size_t blank = text.rfind(' ', start + width);
+        if (blank == std::string::npos || blank < start)
+            break;
+        text[blank] = '\n';
+        start = blank + 1;
+    }
+    return text;
+}
+
+/// Help texts for a console of 80 columns.
+class Formatter : public CLI::Formatter {
+public:
+    std::string make_option_desc(const CLI::Option* option) const override {
+        return Wrapped(CLI::Formatter::make_option_desc(option), columns - get_column_width());
+    }
+    std::string make_footer(const CLI::App* app) const override {
+        return Wrapped(CLI::Formatter::make_footer(app), columns);
+    }
+
+private:
+    // The last column stays free, because some consoles break the line there.
+    static constexpr std::size_t columns = 79;
+};
+
 /// That there is no such thing, with the nearest one that there is.
 std::string UnknownName(const std::string& thing, const std::string& name,
                         std::span<const char* const> known) {
@@ -114,6 +142,7 @@ public:
     Parser() : m_options("Everything around a power test of SarvexToolClient.", programName) {
         // A file name may begin with a slash on every system.
         m_options.allow_windows_style_options(false);
+        m_options.formatter(std::make_shared<Formatter>());
         m_options.set_help_flag("-h,--help", "Show this help and end");
         m_options.set_version_flag("--version", std::string(programName) + " " SARVEX_BENCH_VERSION,
                                    "Show the version and end");

@@ -50,6 +50,21 @@ TEST_F(CommandLineTest, TheHelpOfASubcommandIsAskedForInTwoWays) {
     EXPECT_EQ(out.str(), help);
 }
 
+TEST_F(CommandLineTest, TheHelpFitsAConsole) {
+    for (const char* const name : {"help", "check", "judge", "report", "compare"}) {
+        Run({name, "--help"});
+        std::istringstream help(out.str());
+        for (std::string line; std::getline(help, line);)
+            EXPECT_LT(line.size(), 80) << line;
+    }
+    EXPECT_EQ(Run({"check", "--help"}), 0);
+    EXPECT_THAT(
+        out.str(),
+        HasSubstr(
+            "  --daemon HOST[:PORT]        Try the settings on a daemon, without calibrating\n"
+            "                              or starting anything; its settings are changed.\n"));
+}
+
 TEST_F(CommandLineTest, TheHelpOfASubcommandTellsItsExitCodesAndWhatItNeeds) {
     for (const auto& [name, needed] :
          {std::pair("check", "FILE ... REQUIRED"), std::pair("judge", "--limits FILE REQUIRED"),
