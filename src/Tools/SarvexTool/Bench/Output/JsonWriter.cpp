@@ -30,7 +30,8 @@ void JsonWriter::Text(std::string_view text) {
         m_text.append("\"").append(text).append("\"");
         return;
     }
-    Plain(nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+    // In ASCII no character of the text is an order to a terminal.
+    Plain(nlohmann::json(text).dump(-1, ' ', true, nlohmann::json::error_handler_t::replace));
 }
 
 void JsonWriter::Number(double number) {

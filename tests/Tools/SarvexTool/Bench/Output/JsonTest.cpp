@@ -66,7 +66,7 @@ TEST(JsonTest, AnyBytesOfACellMakeValidJson) {
     fixture.JudgeChannel(std::string_view("\"\\\x1B\xFF\0", 5));
     std::ostringstream stream;
     WriteJson(stream, fixture.Judged());
-    EXPECT_NE(stream.str().find("\"Channel\": \"\\\"\\\\\\u001b\xEF\xBF\xBD\\u0000\""),
+    EXPECT_NE(stream.str().find("\"Channel\": \"\\\"\\\\\\u001b\\ufffd\\u0000\""),
               std::string::npos)
         << stream.str();
 }

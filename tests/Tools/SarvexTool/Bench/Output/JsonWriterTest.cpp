@@ -39,6 +39,20 @@ TEST(JsonWriterTest, DecimalsKeepAllDigits) {
     EXPECT_EQ(stream.str(), "[123456789.123456789, -0.1, 0.1]\n");
 }
 
+TEST(JsonWriterTest, TextsAreInAsciiSoThatNoneReachesATerminal) {
+    std::ostringstream stream;
+    JsonWriter json(stream);
+    json.BeginArray();
+    json.Text("\x1B[31m \x7F \xC2\x9B");
+    json.Text("\xE2\x80\xAE \xE2\x80\xA8 \xF3\xA0\x81\x81 \xC3\xA4");
+    json.Text("\xFF\xC0\xBC \"\\");
+    json.EndArray();
+    json.Finish();
+    EXPECT_EQ(stream.str(), R"(["\u001b[31m \u007f \u009b", "\u202e \u2028 \udb40\udc41 \u00e4", )"
+                            R"("\ufffd\ufffd\ufffd \"\\"]
+)");
+}
+
 TEST(JsonWriterTest, LargeTextsLoseNothing) {
     std::ostringstream stream;
     JsonWriter json(stream);
