@@ -17,10 +17,14 @@ namespace {
 /// A JSON string in ASCII without "<": such a text neither ends a script element nor begins a
 /// comment in it.
 std::string Quoted(std::string_view text) {
-    std::string json = nlohmann::json(MakeHarmless(text)).dump(-1, ' ', true);
-    for (std::size_t place = json.find('<'); place != std::string::npos; place = json.find('<'))
-        json.replace(place, 1, "\\u003c");
-    return json;
+    std::string quoted;
+    for (const char character : nlohmann::json(MakeHarmless(text)).dump(-1, ' ', true)) {
+        if (character == '<')
+            quoted += "\\u003c";
+        else
+            quoted += character;
+    }
+    return quoted;
 }
 
 std::string DecimalOrNull(const std::optional<Decimal>& number) {

@@ -125,5 +125,12 @@ TEST_F(DataBlockTest, NoTextEndsTheScriptElementOrHidesItself) {
     }
 }
 
+/// A copy of the rest for each character would take minutes.
+TEST_F(DataBlockTest, ALongTextTakesTimeByItsLengthOnly) {
+    constexpr std::size_t count = 1'000'000;
+    const std::string text(count, '<');
+    EXPECT_GT(BlockOf(RunOf({{"36", text, "1"}})).size(), count * 6);
+}
+
 } // namespace
 } // namespace Bench
