@@ -24,6 +24,8 @@ void WriteOutputs(const std::vector<Output>& outputs, Surroundings& surroundings
             output.write(files.emplace_back(*output.name, surroundings.out.stream).Stream());
     }
     for (OutputFile& file : files)
+        file.Finish();
+    for (OutputFile& file : files)
         file.Commit();
 }
 

@@ -27,8 +27,33 @@ fs::path FreeNameBeside(const fs::path& target) {
 
 } // namespace
 
+template <typename Result, typename Write>
+Result OutputFile::Buffer::Noting(Result failed, Write write) {
+    if (OSAL::HeldInterruption::IsWanted())
+        return failed;
+    errno = 0;
+    const Result result = write();
+    if (result == failed && m_error == 0)
+        m_error = errno;
+    return result;
+}
+
+OutputFile::Buffer::int_type OutputFile::Buffer::overflow(int_type character) {
+    return Noting(traits_type::eof(), [&] { return std::filebuf::overflow(character); });
+}
+
+std::streamsize OutputFile::Buffer::xsputn(const char* text, std::streamsize size) {
+    // Less than all of it is a failure.
+    const auto write = [&] { return std::filebuf::xsputn(text, size) == size ? size : -1; };
+    return Noting(std::streamsize{-1}, write);
+}
+
+int OutputFile::Buffer::sync() {
+    return Noting(-1, [&] { return std::filebuf::sync(); });
+}
+
 OutputFile::OutputFile(std::string name, std::ostream& standardOutput)
-    : m_name(std::move(name)), m_pStream(&standardOutput) {
+    : m_name(std::move(name)), m_file(&m_buffer), m_pStream(&standardOutput) {
     if (m_name != StandardStreamName)
         Open();
 }
@@ -46,9 +71,10 @@ void OutputFile::Open() {
     if (isOnDisk)
         m_target = EndOfLinks(m_target);
     const fs::path opened = isOnDisk ? FreeNameBeside(m_target) : m_target;
+    if (isOnDisk)
+        m_held.emplace();
     errno = 0;
-    m_file.open(opened, std::ios::binary | std::ios::trunc);
-    if (!m_file)
+    if (m_buffer.open(opened, std::ios::out | std::ios::binary | std::ios::trunc) == nullptr)
         Fail("cannot be written", errno);
     if (isOnDisk)
         m_written = opened;
@@ -61,18 +87,20 @@ OutputFile::~OutputFile() {
     if (m_written.empty())
         return;
     // Windows removes no file that is open.
-    m_file.close();
+    m_buffer.close();
     std::error_code ignored;
     fs::remove(m_written, ignored);
 }
 
-void OutputFile::Commit() {
+void OutputFile::Finish() {
     errno = 0;
     m_pStream->flush();
-    if (m_file.is_open())
-        m_file.close();
-    if (!*m_pStream)
-        Fail("cannot be written to its end", errno);
+    const bool isClosed = !m_buffer.is_open() || m_buffer.close() != nullptr;
+    if (!*m_pStream || !isClosed)
+        Fail("cannot be written to its end", m_buffer.Error() != 0 ? m_buffer.Error() : errno);
+}
+
+void OutputFile::Commit() {
     if (m_written.empty())
         return;
     std::error_code error;
@@ -91,6 +119,7 @@ void OutputFile::Fail(const std::string& what, int error) const {
 void WriteOutput(const std::string& name, std::ostream& standardOutput, const std::string& text) {
     OutputFile file(name, standardOutput);
     file.Stream() << text;
+    file.Finish();
     file.Commit();
 }
 

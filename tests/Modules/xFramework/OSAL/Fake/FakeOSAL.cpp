@@ -1,6 +1,7 @@
 #include "Modules/xFramework/OSAL/Console.h"
 #include "Modules/xFramework/OSAL/CriticalSection.h"
 #include "Modules/xFramework/OSAL/DebugOutput.h"
+#include "Modules/xFramework/OSAL/Interruption.h"
 #include "tests/Modules/xFramework/OSAL/Fake/World.h"
 
 #include <algorithm>
@@ -44,6 +45,18 @@ PreparedConsole::PreparedConsole() {
 }
 
 PreparedConsole::~PreparedConsole() = default;
+
+HeldInterruption::HeldInterruption() {
+    ++TheWorld().heldInterruptions;
+}
+
+HeldInterruption::~HeldInterruption() {
+    --TheWorld().heldInterruptions;
+}
+
+bool HeldInterruption::IsWanted() {
+    return TheWorld().isEndWanted;
+}
 
 bool AreSameFileName(const std::string& first, const std::string& second) {
     return first == second;

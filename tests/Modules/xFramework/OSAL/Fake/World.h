@@ -40,6 +40,10 @@ struct World {
     /// Called when the output of a command is read; may throw.
     std::function<void()> onReadPipe = [] {};
 
+    // Interruption
+    bool isEndWanted = false;
+    int heldInterruptions = 0;
+
     // Console
     std::set<StandardStream> terminals;
 

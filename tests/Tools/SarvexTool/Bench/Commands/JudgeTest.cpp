@@ -92,5 +92,14 @@ TEST_F(JudgeTest, NothingIsWrittenWhenOneOutputCannotBe) {
     EXPECT_EQ(ReadBytes("j.json"), "");
 }
 
+TEST_F(JudgeTest, NoOutputTakesItsPlaceWhenALaterOneCannotBeWrittenToItsEnd) {
+    directory.Create("j.json", "old");
+    out.setstate(std::ios::badbit);
+    EXPECT_EQ(Run({"judge", ResultOf("a.csv", "11"), "--limits", limits, "--json",
+                   directory.Path("j.json"), "--csv", "-"}),
+              2);
+    EXPECT_EQ(ReadBytes("j.json"), "old");
+}
+
 } // namespace
 } // namespace Bench

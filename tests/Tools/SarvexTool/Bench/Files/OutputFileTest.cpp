@@ -1,6 +1,7 @@
 #include "Tools/SarvexTool/Bench/Files/OutputFile.h"
 
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
+#include "tests/Modules/xFramework/OSAL/Fake/World.h"
 #include "tests/Support/Files.h"
 
 #include <gmock/gmock.h>
@@ -17,6 +18,8 @@ using TestSupport::ReadBytes;
 
 class OutputFileTest : public testing::Test {
 protected:
+    OutputFileTest() { OSAL::Fake::Reset(); }
+
     std::vector<std::string> Files() const {
         std::vector<std::string> names;
         for (const auto& entry : std::filesystem::directory_iterator(directory.Path()))
@@ -52,6 +55,8 @@ TEST_F(OutputFileTest, TheOldFileStaysUntilTheNewOneIsWhole) {
     OutputFile file(target, standardOutput);
     file.Stream() << "new" << std::flush;
     EXPECT_EQ(ReadBytes(target), "old");
+    file.Finish();
+    EXPECT_EQ(ReadBytes(target), "old");
     file.Commit();
     EXPECT_EQ(ReadBytes(target), "new");
     EXPECT_THAT(Files(), ElementsAre("out.csv"));
@@ -71,10 +76,30 @@ TEST_F(OutputFileTest, WhatCannotBeWrittenToItsEndLeavesTheOldFile) {
         OutputFile file(target, standardOutput);
         file.Stream() << "new";
         file.Stream().setstate(std::ios::badbit);
-        EXPECT_THROW(file.Commit(), BadOutput);
+        EXPECT_THROW(file.Finish(), BadOutput);
     }
     EXPECT_EQ(ReadBytes(target), "old");
     EXPECT_THAT(Files(), ElementsAre("out.csv"));
+}
+
+TEST_F(OutputFileTest, ARequestToEndInTheMiddleWaitsUntilNothingHalfWrittenIsLeft) {
+    const std::string target = directory.Create("out.csv", "old");
+    {
+        OutputFile file(target, standardOutput);
+        EXPECT_EQ(OSAL::Fake::TheWorld().heldInterruptions, 1);
+        file.Stream() << std::string(100'000, 'a');
+        OSAL::Fake::TheWorld().isEndWanted = true;
+        file.Stream() << std::string(100'000, 'b');
+        EXPECT_THROW(file.Finish(), BadOutput);
+    }
+    EXPECT_EQ(OSAL::Fake::TheWorld().heldInterruptions, 0);
+    EXPECT_EQ(ReadBytes(target), "old");
+    EXPECT_THAT(Files(), ElementsAre("out.csv"));
+}
+
+TEST_F(OutputFileTest, ARequestToEndDoesNotWaitForStandardOutput) {
+    const OutputFile file("-", standardOutput);
+    EXPECT_EQ(OSAL::Fake::TheWorld().heldInterruptions, 0);
 }
 
 TEST_F(OutputFileTest, ADashIsStandardOutput) {

@@ -3,11 +3,12 @@
 #include "Tools/SarvexTool/Bench/Files/OutputFile.h"
 #include "tests/Support/Files.h"
 
-#include <gtest/gtest.h>
-
 #include <unistd.h>
 
+#include <gtest/gtest.h>
+
 #include <array>
+#include <cerrno>
 #include <filesystem>
 #include <iostream>
 
@@ -37,6 +38,20 @@ TEST(DeviceTest, APipeIsWrittenByTheNameThatAShellGivesIt) {
 TEST(DeviceTest, AFullDiskIsTold) {
     try {
         WriteOutput("/dev/full", std::cout, "text");
+        FAIL() << "nothing was thrown";
+    } catch (const BadOutput& bad) {
+        EXPECT_EQ(bad.Problems().at(0).text,
+                  "cannot be written to its end (No space left on device)");
+    }
+}
+
+TEST(DeviceTest, ADiskThatIsFullBeforeTheEndIsTold) {
+    OutputFile file("/dev/full", std::cout);
+    // The second piece finds the first one refused.
+    file.Stream() << std::string(100'000, 'a') << std::string(100'000, 'b');
+    errno = 0;
+    try {
+        file.Finish();
         FAIL() << "nothing was thrown";
     } catch (const BadOutput& bad) {
         EXPECT_EQ(bad.Problems().at(0).text,
