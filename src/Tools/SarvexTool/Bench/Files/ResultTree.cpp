@@ -110,8 +110,11 @@ DeviceFacts ReadResultTree(const std::string& name) {
     std::error_code ignored;
     if (!std::filesystem::exists(path, ignored))
         return Unknown(treeName + " is missing");
-    std::ifstream file(path, std::ios::binary);
-    if (!file || std::filesystem::is_directory(path, ignored))
+    // Opening a pipe would wait for somebody who writes into it.
+    std::ifstream file;
+    if (std::filesystem::is_regular_file(path, ignored))
+        file.open(path, std::ios::binary);
+    if (!file.is_open())
         return Unknown(treeName + " cannot be read");
     return ReadResultTree(file);
 }

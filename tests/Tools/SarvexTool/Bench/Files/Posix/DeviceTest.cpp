@@ -1,8 +1,10 @@
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/OutputFile.h"
+#include "Tools/SarvexTool/Bench/Files/ResultTree.h"
 #include "tests/Support/Files.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -57,6 +59,13 @@ TEST(DeviceTest, ADiskThatIsFullBeforeTheEndIsTold) {
         EXPECT_EQ(bad.Problems().at(0).text,
                   "cannot be written to its end (No space left on device)");
     }
+}
+
+TEST(DeviceTest, ATreeThatIsAPipeIsNotWaitedFor) {
+    const TestSupport::TemporaryDirectory directory;
+    const std::string pipe = directory.Path("result.xml");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(ReadResultTree(pipe).whyUnknown, "result.xml cannot be read");
 }
 
 TEST(DeviceTest, ALinkStaysAndLeadsToTheNewFile) {
