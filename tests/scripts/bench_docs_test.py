@@ -95,6 +95,12 @@ class Stage:
 class PagesTest(unittest.TestCase):
     maxDiff = None
 
+    @staticmethod
+    def without_measured_time(steps_of_session):
+        """A daemon that is asked for the time of its exchanges needs more on a busy machine."""
+        return [(command, re.sub(r"takes about \d+ s", "takes about N s", output)
+                 if "--daemon" in command else output) for command, output in steps_of_session]
+
     def outputs(self, stage, shown):
         commands = [command for command, _ in shown]
         if commands[0].startswith("simulator/vemo"):
@@ -113,7 +119,8 @@ class PagesTest(unittest.TestCase):
                 shown = steps(text)
                 with self.subTest(page=page, session=shown[0][0]):
                     found = zip((command for command, _ in shown), self.outputs(stage, shown))
-                    self.assertEqual(shown, list(found))
+                    self.assertEqual(self.without_measured_time(shown),
+                                     self.without_measured_time(found))
 
     def test_every_page_has_examples(self):
         for page in PAGES:

@@ -1,6 +1,7 @@
 #include "tests/EndToEnd/Support/ScriptedPeer.h"
 
 #include "tests/EndToEnd/Support/Process.h"
+#include "tests/EndToEnd/Support/ReservedPort.h"
 #include "tests/EndToEnd/Support/SocketTable.h"
 
 // The library's coroutine header lacks this one.
@@ -11,7 +12,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <random>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 
@@ -125,32 +126,10 @@ void Connection::Reset() {
 
 namespace {
 
-/// Four digits: the client's port file holds no more.
-tcp::acceptor ListenOnFreePort(asio::io_context& context, const std::string& address) {
-    std::random_device random;
-    std::uniform_int_distribution<unsigned short> ports(2000, 9999);
-    for (int attempt = 0; attempt < 1000; ++attempt) {
-        tcp::acceptor acceptor(context);
-        const tcp::endpoint endpoint(asio::ip::make_address(address), ports(random));
-        Error error;
-        acceptor.open(endpoint.protocol());
-        // A later peer may take the port over while connections of this one linger.
-        acceptor.set_option(tcp::acceptor::reuse_address(true), error);
-        acceptor.bind(endpoint, error);
-        if (!error)
-            acceptor.listen(tcp::acceptor::max_listen_connections, error);
-        if (!error)
-            return acceptor;
-    }
-    throw std::runtime_error("no free four-digit port");
-}
-
-tcp::acceptor Listen(asio::io_context& context, const std::string& address,
-                     const std::string& port) {
-    if (port.empty())
-        return ListenOnFreePort(context, address);
-    const auto number = static_cast<unsigned short>(std::stoi(port));
-    return tcp::acceptor(context, tcp::endpoint(asio::ip::make_address(address), number));
+tcp::acceptor Listen(asio::io_context& context, const std::string& address, std::uint16_t port) {
+    // The constructor sets the option to reuse the address: a later peer may take the port over
+    // while connections of this one linger.
+    return {context, tcp::endpoint(asio::ip::make_address(address), port)};
 }
 
 } // namespace
@@ -158,7 +137,10 @@ tcp::acceptor Listen(asio::io_context& context, const std::string& address,
 struct ScriptedPeer::System {
     System(Script givenScript, const std::string& address, const std::string& port)
         : script(std::move(givenScript)),
-          acceptor(Listen(context, address, port)),
+          reserved(port.empty() ? std::optional<ReservedPort>(ReservedPort()) : std::nullopt),
+          acceptor(
+              Listen(context, address,
+                     reserved ? reserved->Number() : static_cast<std::uint16_t>(std::stoi(port)))),
           endpoint(acceptor.local_endpoint()) {
         KeepFromChildren(static_cast<std::uint64_t>(acceptor.native_handle()));
     }
@@ -180,6 +162,7 @@ struct ScriptedPeer::System {
 
     Script script;
     asio::io_context context;
+    std::optional<ReservedPort> reserved;
     tcp::acceptor acceptor;
     tcp::endpoint endpoint;
     std::vector<std::unique_ptr<Connection>> connections;
@@ -227,8 +210,8 @@ std::string ScriptedPeer::Port() const {
 }
 
 std::string UnusedPort() {
-    asio::io_context context;
-    return std::to_string(ListenOnFreePort(context, "127.0.0.1").local_endpoint().port());
+    static std::vector<ReservedPort> reserved;
+    return std::to_string(reserved.emplace_back().Number());
 }
 
 } // namespace EndToEnd

@@ -53,7 +53,7 @@ public:
     /// number counts the connections from 0.
     using Script = std::function<void(Connection& connection, int number)>;
 
-    /// An empty port means any free one.
+    /// An empty port means any free one, which is reserved for as long as the peer lives.
     explicit ScriptedPeer(Script script, const std::string& address = "127.0.0.1",
                           const std::string& port = "");
     ~ScriptedPeer();
@@ -77,7 +77,7 @@ private:
     std::unique_ptr<System> m_system;
 };
 
-/// A port on which nobody listened a moment ago.
+/// A port on which nobody listens, and no other test will until this program ends.
 std::string UnusedPort();
 
 } // namespace EndToEnd

@@ -11,7 +11,7 @@ std::string SimulatorPath() {
 }
 
 Simulator::Simulator(const std::vector<std::string>& options) {
-    std::vector<std::string> arguments = {"--port", "0"};
+    std::vector<std::string> arguments = {"--port", std::to_string(m_reserved.Number())};
     arguments.insert(arguments.end(), options.begin(), options.end());
     m_process = std::make_unique<Process>(SimulatorPath(), arguments, m_directory.Path());
     for (int attempt = 0; attempt < 3000; ++attempt) {

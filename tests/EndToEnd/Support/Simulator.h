@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/EndToEnd/Support/Bench.h"
+#include "tests/EndToEnd/Support/ReservedPort.h"
 
 #include <memory>
 #include <string>
@@ -25,6 +26,7 @@ public:
 
 private:
     TestSupport::TemporaryDirectory m_directory;
+    ReservedPort m_reserved;
     std::unique_ptr<Process> m_process;
     std::string m_port;
 };

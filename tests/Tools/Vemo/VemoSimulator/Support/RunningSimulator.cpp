@@ -12,16 +12,17 @@ namespace VemoSimulator {
 
 namespace {
 
-std::vector<std::string> WithFreePort(std::vector<std::string> arguments) {
+std::vector<std::string> WithPort(std::vector<std::string> arguments, std::uint16_t port) {
     if (std::ranges::find(arguments, "--port") == arguments.end())
-        arguments.insert(arguments.end(), {"--port", "0"});
+        arguments.insert(arguments.end(), {"--port", std::to_string(port)});
     return arguments;
 }
 
 } // namespace
 
 RunningSimulator::RunningSimulator(std::vector<std::string> arguments)
-    : m_process(SimulatorPath(), WithFreePort(std::move(arguments)), m_directory.Path()),
+    : m_process(SimulatorPath(), WithPort(std::move(arguments), m_reserved.Number()),
+                m_directory.Path()),
       m_port(PortIn(WaitForLine(m_process))) {}
 
 EndToEnd::ProcessResult RunningSimulator::End() {

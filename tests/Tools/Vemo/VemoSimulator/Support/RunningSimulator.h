@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/EndToEnd/Support/Process.h"
+#include "tests/EndToEnd/Support/ReservedPort.h"
 #include "tests/EndToEnd/Support/Simulator.h"
 #include "tests/Support/Files.h"
 
@@ -16,7 +17,7 @@ using EndToEnd::SimulatorPath;
 /// unless it has ended by then.
 class RunningSimulator {
 public:
-    /// Adds "--port 0" to the arguments unless they name a port. Returns when the program is ready.
+    /// Adds a port to the arguments unless they name one. Returns when the program is ready.
     explicit RunningSimulator(std::vector<std::string> arguments = {});
     ~RunningSimulator() { m_process.End(); }
     RunningSimulator(const RunningSimulator&) = delete;
@@ -37,6 +38,7 @@ public:
 
 private:
     TestSupport::TemporaryDirectory m_directory;
+    EndToEnd::ReservedPort m_reserved;
     EndToEnd::Process m_process;
     std::uint16_t m_port = 0;
 };
