@@ -166,7 +166,7 @@ public:
             surroundings.out.stream << m_options.version() << "\n";
             return ExitCode::Fine;
         } catch (const CLI::ParseError& error) {
-            return Complain(Unexpected(Parsed()).value_or(error.what()), surroundings);
+            return Complain(UnexpectedIn(arguments).value_or(error.what()), surroundings);
         } catch (const WrongUsage& error) {
             return Complain(error.what(), surroundings);
         }
@@ -187,10 +187,14 @@ private:
         throw WrongUsage("a subcommand is needed");
     }
 
-    /// The subcommand that the arguments name, or the program.
-    const CLI::App& Parsed() const {
+    /// What neither the program nor the subcommand that the arguments name knows.
+    std::optional<std::string> UnexpectedIn(const std::vector<std::string>& arguments) const {
         const std::vector<CLI::App*> parsed = m_options.get_subcommands();
-        return parsed.empty() ? m_options : *parsed.front();
+        if (parsed.empty())
+            return Unexpected(m_options);
+        if (arguments.front().starts_with('-'))
+            return "\"" + arguments.front() + "\" is in front of the subcommand; write it after it";
+        return Unexpected(*parsed.front());
     }
 
     int Complain(const std::string& problem, Surroundings& surroundings) const {

@@ -105,6 +105,9 @@ TEST_F(CommandLineTest, EveryWrongUsageEndsWithTwoAndSaysWhereHelpIs) {
                  end},
             {{"judge", file, "--limit", file},
              "SarvexToolBench judge: there is no option \"--limit\"; did you mean \"--limits\"?\n"},
+            {{"--limits", file, "judge", file},
+             "SarvexToolBench judge: \"--limits\" is in front of the subcommand; write it after "
+             "it\n"},
             {{"judge", "Day", "1", "--limits", file},
              "SarvexToolBench judge: the argument \"1\" is one too many; put a name that holds "
              "blanks in quotes\n"},
