@@ -19,6 +19,9 @@ constexpr std::size_t mostCombinations = 64;
 /// So many limits are faster looked through all together than one by one.
 constexpr std::size_t fewestInCrowd = 64;
 
+/// A list of a limit that is longer than this is looked up as well.
+constexpr std::size_t mostInShort = 100;
+
 bool FitsChain(const Limit& limit, Chain chain) {
     switch (chain) {
     case Chain::A:
@@ -59,6 +62,12 @@ std::vector<std::uint64_t> Hashes(const Limit& limit, const std::vector<Setting>
         hashes = std::move(longer);
     }
     return hashes;
+}
+
+bool HasLongPattern(const Limit& limit) {
+    return std::any_of(limit.settings.begin(), limit.settings.end(), [](const auto* pattern) {
+        return pattern != nullptr && pattern->values.size() + pattern->ranges.size() > mostInShort;
+    });
 }
 
 } // namespace
@@ -117,7 +126,10 @@ void LimitTable::FindCrowds(Group& group) {
         for (; end < group.entries.size() && group.entries[end].hash == group.entries[begin].hash;
              ++end)
             limits.push_back(group.entries[end].limit);
-        if (limits.size() >= fewestInCrowd)
+        const bool isLong = std::any_of(limits.begin(), limits.end(), [this](std::uint32_t limit) {
+            return HasLongPattern(m_limits.lines[limit]);
+        });
+        if (limits.size() >= fewestInCrowd || isLong)
             group.crowds.emplace_back(begin, std::make_unique<LimitBits>(m_limits.lines, limits));
     }
 }

@@ -1,7 +1,7 @@
 #include "Tools/SarvexTool/Bench/Core/Limits.h"
 #include "tests/Tools/SarvexTool/Bench/Core/CoreFixture.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <random>
 #include <vector>
@@ -176,6 +176,25 @@ TEST_F(LimitsTest, ListOfManyValuesIsFoundLikeAShortOne) {
     EXPECT_EQ(Find(table, fixture.Of({{Setting::Channel, "100"}, {Setting::Band, "6"}})), 2U);
     EXPECT_EQ(Find(table, fixture.Of({{Setting::Channel, "101"}, {Setting::Band, "6"}})), 0U);
     EXPECT_EQ(Find(table, fixture.Of({{Setting::Channel, "100"}, {Setting::Band, "7"}})), 0U);
+}
+
+TEST_F(LimitsTest, ListOfVeryManyValuesAndRangesIsFoundInShortTime) {
+    constexpr int count = 100'000;
+    Pattern channels;
+    for (int channel = 0; channel < count; ++channel) {
+        channels.values.push_back("v" + std::to_string(channel));
+        const Decimal end = Decimal::FromInteger(2 * channel);
+        channels.ranges.push_back({end, end});
+    }
+    LimitTable table({{With(2, {{Setting::Channel, channels}})}, {}});
+    EXPECT_THAT(NeverFitting(table), testing::ElementsAre(2U));
+    for (int channel = 0; channel < count; ++channel) {
+        const std::string number = std::to_string(channel);
+        ASSERT_EQ(Find(table, fixture.Of({{Setting::Channel, "v" + number}})), 2U);
+        ASSERT_EQ(Find(table, fixture.Of({{Setting::Channel, number}})),
+                  channel % 2 == 0 ? 2U : 0U);
+    }
+    EXPECT_THAT(NeverFitting(table), testing::IsEmpty());
 }
 
 } // namespace
