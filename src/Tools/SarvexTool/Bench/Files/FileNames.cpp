@@ -39,6 +39,16 @@ bool AreSame(const std::string& first, const std::string& second) {
            WouldBeSame(PathOf(first), PathOf(second));
 }
 
+/// Whether an output would replace the file that an input is read from.
+bool Replaces(const std::string& output, const std::string& input) {
+    if (input != StandardStreamName)
+        return AreSame(input, output);
+    // A system without this name replaces no file that is open.
+    std::error_code ignored;
+    return fs::is_regular_file(PathOf(output), ignored) &&
+           AreSameExisting("/dev/stdin", PathOf(output));
+}
+
 std::ptrdiff_t CountStandard(const std::vector<std::string>& names) {
     return std::count(names.begin(), names.end(), StandardStreamName);
 }
@@ -75,11 +85,14 @@ std::optional<std::string> ProblemOfNames(const std::vector<std::string>& inputs
     if (CountStandard(outputs) > 1)
         return "standard output (-) can be written once only";
     for (auto output = outputs.begin(); output != outputs.end(); ++output) {
-        const auto isOutput = [&output](const std::string& name) { return AreSame(name, *output); };
-        const auto input = std::find_if(inputs.begin(), inputs.end(), isOutput);
+        const auto input = std::find_if(inputs.begin(), inputs.end(), [&](const std::string& name) {
+            return Replaces(*output, name);
+        });
         if (input != inputs.end())
             return "the output " + *output + " would replace the input " + *input;
-        const auto other = std::find_if(outputs.begin(), output, isOutput);
+        const auto other = std::find_if(outputs.begin(), output, [&](const std::string& name) {
+            return AreSame(name, *output);
+        });
         if (other != output)
             return "the output " + *output + " would replace the output " + *other;
     }

@@ -70,6 +70,8 @@ void OutputFile::Open() {
     // The links stay and lead to the new file. Those of a pipe in /dev/fd lead to no name.
     if (isOnDisk)
         m_target = EndOfLinks(m_target);
+    if (fs::is_symlink(m_target, ignored) && isOnDisk)
+        Fail("cannot be written", ELOOP);
     const fs::path opened = isOnDisk ? FreeNameBeside(m_target) : m_target;
     if (isOnDisk)
         m_held.emplace();

@@ -4,6 +4,7 @@
 #include "Tools/SarvexTool/Bench/Files/ResultTree.h"
 #include "tests/Support/Files.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -78,6 +79,29 @@ TEST(DeviceTest, ALinkStaysAndLeadsToTheNewFile) {
     EXPECT_EQ(ReadBytes(target), "first");
     EXPECT_EQ(ReadBytes(directory.Path("new.csv")), "second");
     EXPECT_TRUE(fs::is_symlink(directory.Path("link.csv")));
+}
+
+TEST(DeviceTest, LinksThatLeadToEachOtherAreNotReplaced) {
+    const TestSupport::TemporaryDirectory directory;
+    fs::create_symlink("second.csv", directory.Path("first.csv"));
+    fs::create_symlink("first.csv", directory.Path("second.csv"));
+    EXPECT_THROW(WriteOutput(directory.Path("first.csv"), std::cout, "text"), BadOutput);
+    EXPECT_TRUE(fs::is_symlink(directory.Path("first.csv")));
+    EXPECT_TRUE(fs::is_symlink(directory.Path("second.csv")));
+}
+
+TEST(DeviceTest, AnOutputIsNotTheFileThatStandardInputIsReadFrom) {
+    const TestSupport::TemporaryDirectory directory;
+    const std::string file = directory.Create("in.csv", "Band\n");
+    const int saved = ::dup(STDIN_FILENO);
+    const int opened = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(::dup2(opened, STDIN_FILENO), STDIN_FILENO);
+    EXPECT_EQ(ProblemOfNames({"-"}, {file}), "the output " + file + " would replace the input -");
+    EXPECT_EQ(ProblemOfNames({}, {"-", file}), std::nullopt);
+    EXPECT_EQ(ProblemOfNames({"-"}, {directory.Path("other.csv")}), std::nullopt);
+    ::dup2(saved, STDIN_FILENO);
+    ::close(saved);
+    ::close(opened);
 }
 
 TEST(DeviceTest, TheNewFileHasThePermissionsOfTheOldOne) {
