@@ -12,8 +12,11 @@ constexpr std::array<int, 3> endingSignals{SIGHUP, SIGINT, SIGTERM};
 volatile std::sig_atomic_t wantedSignal = 0;
 int heldCount = 0;
 
+using Handler = void (*)(int);
+
 /// A signal that is ignored, or has a handler of its own, is left alone.
-void Replace(void (*from)(int), void (*to)(int)) {
+// cppcheck-suppress constParameter ; a function cannot be const
+void Replace(Handler from, Handler to) {
     for (const int signal : endingSignals) {
         struct sigaction action {};
         if (::sigaction(signal, nullptr, &action) != 0 || action.sa_handler != from)

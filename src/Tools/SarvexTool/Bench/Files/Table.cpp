@@ -25,16 +25,21 @@ enum ByteKind : unsigned char {
     Comma = 32
 };
 
-constexpr std::array<unsigned char, 256> byteKinds = [] {
+constexpr std::array<unsigned char, 256> MakeByteKinds() {
     std::array<unsigned char, 256> kinds{};
-    for (std::size_t byte = 0; byte < kinds.size(); ++byte)
-        kinds[byte] = byte < 0x20 || byte == 0x7F ? Control : byte >= 0x80 ? BeyondAscii : Plain;
+    for (std::size_t byte = 0; byte < 0x20; ++byte)
+        kinds[byte] = Control;
+    kinds[0x7F] = Control;
+    for (std::size_t byte = 0x80; byte < kinds.size(); ++byte)
+        kinds[byte] = BeyondAscii;
     kinds['\t'] = Tab;
     kinds['\r'] = CarriageReturn;
     kinds['"'] = Quote;
     kinds[','] = Comma;
     return kinds;
-}();
+}
+
+constexpr std::array<unsigned char, 256> byteKinds = MakeByteKinds();
 
 unsigned char KindsIn(std::string_view text) {
     unsigned char kinds = Plain;
