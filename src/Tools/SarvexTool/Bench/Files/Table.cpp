@@ -122,7 +122,7 @@ void Table::TellMark(std::string_view bytes) {
     const ByteOrderMark mark = MarkOf(bytes);
     if (mark == ByteOrderMark::Utf8)
         m_problems.Add(TableProblem::encoding, 1, 1,
-                       "the file begins with a byte order mark, which the client takes for a part "
+                       "the file begins with a byte order mark, which counts as a part "
                        "of the first column's name; save it as UTF-8 without one");
     else if (mark != ByteOrderMark::None)
         m_problems.Add(TableProblem::encoding, 1, 0,
@@ -137,8 +137,8 @@ void Table::ChooseLineEnd() {
         return;
     m_lineEnd = '\r';
     m_problems.Add(TableProblem::carriageReturn, 1, 0,
-                   "the lines end in a carriage return alone, so that the client takes all of them "
-                   "for the header; end them with a line feed");
+                   "the lines end in a carriage return alone, so that all of them count as the "
+                   "header; end them with a line feed");
 }
 
 void Table::ReadHeader() {
@@ -173,7 +173,7 @@ void Table::ChooseSeparator(std::string_view header) {
     if (m_separator != ',')
         m_problems.Add(TableProblem::separator, 1, 0,
                        "the cells are separated by " + NameOf(m_separator) +
-                           ", of which the client knows nothing; separate them by commas");
+                           "; separate them by commas");
 }
 
 void Table::ReadColumnName(std::size_t place) {
@@ -182,8 +182,8 @@ void Table::ReadColumnName(std::size_t place) {
         return;
     if (place == 0 && name.starts_with("sep=")) {
         Add(TableProblem::columnName, m_header, place,
-            "the line with \"sep=\" is for a spreadsheet alone, and the client takes it for the "
-            "header; take the line away");
+            "the line with \"sep=\" is for a spreadsheet alone, and counts as the header; take "
+            "the line away");
         return;
     }
     const auto found = std::find(m_rules.columns.begin(), m_rules.columns.end(), name);
@@ -335,13 +335,13 @@ void Table::CheckBytes(const TableRow& row, std::size_t place, const Cell& cell)
     else
         Add(TableProblem::comma, row, place,
             "the cell \"" + std::string(cell.text) +
-                "\" holds a comma, at which the client cuts it; a cell cannot hold one");
+                "\" holds a comma, at which it is cut; a cell cannot hold one");
 }
 
 void Table::CheckQuotes(const TableRow& row, std::size_t place, const Cell& cell) {
     if (cell.isQuoted)
         Add(TableProblem::quotes, row, place,
-            "the cell is in quotes, which the client takes for a part of it; take them away");
+            "the cell is in quotes, which count as a part of it; take them away");
     else
         Add(TableProblem::quotes, row, place,
             "the cell " + std::string(cell.text) +

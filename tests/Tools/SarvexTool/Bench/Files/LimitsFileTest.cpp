@@ -105,7 +105,7 @@ TEST(LimitsFileTest, EverythingWrongIsToldAtOnce) {
 6:0 the line has 4 cells and the header 5; write * for any value, or for no bound
 7:2 the cell is empty, so that what follows moves one cell to the left; write * for any value, or for no bound
 8:0 the line is empty; take it away
-9:1 the cell is in quotes, which the client takes for a part of it; take them away
+9:1 the cell is in quotes, which count as a part of it; take them away
 10:1 the range 64..36 is the wrong way round; write the lower end first
 11:1 "1...2" is no range of numbers; write one like 36..64
 11:2 the list "|" has an empty place; take one | away

@@ -99,44 +99,38 @@ TEST(TableTest, EachProblemIsToldWithItsPlaceAndRemedy) {
             {"\n5\n", {"E 1:0 the header is empty; the first line names the columns"}},
             {"\xEF\xBB\xBF"
              "Band\n5\n",
-             {"E 1:1 the file begins with a byte order mark, which the client takes for a part of "
+             {"E 1:1 the file begins with a byte order mark, which counts as a part of "
               "the first column's name; save it as UTF-8 without one"}},
             {"\xFF\xFE"
              "B\0a\0n\0d\0\n\0"
              "5\0\n\0"sv,
              {"E 1:0 the file is in UTF-16; save it as UTF-8 without byte order mark"}},
             {"Band;Chains\n5;AB\n",
-             {"E 1:0 the cells are separated by semicolons, of which the client knows nothing; "
-              "separate them by commas"}},
+             {"E 1:0 the cells are separated by semicolons; separate them by commas"}},
             {"Band\tChains\n5\tAB\n",
-             {"E 1:0 the cells are separated by tabs, of which the client knows nothing; separate "
-              "them by commas"}},
+             {"E 1:0 the cells are separated by tabs; separate them by commas"}},
             {"Band,Chains\n5;AB\n",
              {"E 2:0 the line's cells are separated by semicolons; separate them by commas"}},
             {"Band,Chains\n5\tAB\n",
              {"E 2:0 the line's cells are separated by tabs; separate them by commas"}},
             {"Band,\"Chains\"\n",
              {"E 1:0 there is no line after the header; add at least one",
-              "E 1:2 the cell is in quotes, which the client takes for a part of it; take them "
-              "away"}},
+              "E 1:2 the cell is in quotes, which count as a part of it; take them away"}},
             {"Band,Chains\n5,A\"B\n",
              {"E 2:2 the cell A\"B holds a quote, which would end its text in the command; take it "
               "away"}},
             {"Band;Channel\n2,4;1\n",
-             {"E 1:0 the cells are separated by semicolons, of which the client knows nothing; "
-              "separate them by commas",
+             {"E 1:0 the cells are separated by semicolons; separate them by commas",
               "E 2:1 the number 2,4 has a decimal comma; write a point"}},
             {"Band\n\"a,b\"\n",
-             {"E 2:1 the cell is in quotes, which the client takes for a part of it; take them "
-              "away",
-              "E 2:1 the cell \"a,b\" holds a comma, at which the client cuts it; a cell cannot "
-              "hold one"}},
+             {"E 2:1 the cell is in quotes, which count as a part of it; take them away",
+              "E 2:1 the cell \"a,b\" holds a comma, at which it is cut; a cell cannot hold one"}},
             {"Band,Chains\n5\r,AB\n",
              {"E 2:0 there is a carriage return in the line; take it away"}},
             {"Band\n5\r", {"E 2:0 there is a carriage return in the line; take it away"}},
             {"Band\r5\r6\r",
-             {"E 1:0 the lines end in a carriage return alone, so that the client takes all of "
-              "them for the header; end them with a line feed"}},
+             {"E 1:0 the lines end in a carriage return alone, so that all of them count as "
+              "the header; end them with a line feed"}},
             {"Band\n5\0\n"sv, {"E 2:1 the cell holds the control byte 0x00; take it away"}},
             {"Band\n5\x1B[m\n", {"E 2:1 the cell holds the control byte 0x1B; take it away"}},
             {"Band\n5\n6\x1A\n",
@@ -176,8 +170,8 @@ TEST(TableTest, EachProblemIsToldWithItsPlaceAndRemedy) {
              {"E 1:1 there is no column \"Antenna\"; the columns are Band, Chains, Channel, "
               "Resource Unit"}},
             {"sep=,\n5\n",
-             {"E 1:1 the line with \"sep=\" is for a spreadsheet alone, and the client takes it for "
-              "the header; take the line away"}},
+             {"E 1:1 the line with \"sep=\" is for a spreadsheet alone, and counts as the "
+              "header; take the line away"}},
             {"Band,Chains,Band\n5,A,6\n",
              {"E 1:3 the column \"Band\" is cell 1 already; take one of them away"}},
         }) {
