@@ -208,8 +208,8 @@ Command AddCheck(CLI::App& program) {
     CLI::App* const app = program.add_subcommand("check", "Tell all that is wrong with test files");
     const auto options = std::make_shared<CheckOptions>();
     AddOptions(*app, *options);
-    app->footer("Exit code: 0 no error, 1 errors found, 2 wrong usage, or a file or daemon that "
-                "cannot be asked.");
+    app->footer("Exit code: 0 no error, 1 errors found, 2 wrong usage, a file that cannot be "
+                "read or written, or a daemon that does not answer.");
     return {app,
             [options](Surroundings& surroundings) { return Check(*options, surroundings).Run(); }};
 }

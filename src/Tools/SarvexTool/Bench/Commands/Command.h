@@ -17,7 +17,8 @@ enum ExitCode : int {
     Fine = 0,
     /// What the subcommand looks for is there: errors, measurements that did not pass, differences.
     Found = 1,
-    /// Wrong usage, or a file that cannot be read or written.
+    /// Wrong usage, a file that cannot be read or written, a daemon that does not answer, or two
+    /// runs without a power.
     Failed = 2
 };
 

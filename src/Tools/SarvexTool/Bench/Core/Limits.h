@@ -82,7 +82,8 @@ private:
     struct Group {
         std::vector<Setting> settings;
         std::vector<Entry> entries;
-        /// Where many limits ask for the same values, by the place of the first.
+        /// Where many limits, or one with many values, would take long to look through; by the
+        /// place of the first.
         std::vector<std::pair<std::size_t, std::unique_ptr<LimitBits>>> crowds;
     };
 

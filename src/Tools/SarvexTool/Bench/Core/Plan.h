@@ -35,7 +35,7 @@ struct Plan {
     /// Those of configurations whose chains are known.
     std::size_t measurements = 0;
     std::size_t configurationsOfUnknownChains = 0;
-    /// One for each setting, in the order of the columns.
+    /// One for each setting that some line is run without, in the order of the columns.
     std::vector<UnsetSetting> unset;
     /// Each effective configuration once, with the first line that has it.
     std::vector<PlannedConfiguration> distinct;

@@ -21,7 +21,8 @@ namespace Bench {
 /// differences     [kind, measurement or -1, old line or 0, old power or null, change or null,
 ///                 1 when within noise], and for one in the old run only also
 ///                 [configuration, chain]; null without a baseline
-/// tolerance, noise  in dB as texts, or null
+/// tolerance       in dB as a text; absent without a baseline, as the two below
+/// noise           in dB as a text, or null
 /// shifts          [band or -1, rate or -1, pairs, mean change in dB as a text]
 void WriteDataBlock(const Page& page, std::ostream& out);
 
