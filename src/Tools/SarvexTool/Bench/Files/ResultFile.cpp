@@ -61,10 +61,15 @@ public:
             return;
         }
         m_builder.Reserve(static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), '\n')));
+        const bool isWhole = bytes.ends_with('\n');
         const bool hasHeader = ReadHeader(TakeLine(bytes));
         while (!bytes.empty()) {
             ++m_line;
             const std::string_view line = TakeLine(bytes);
+            if (hasHeader && bytes.empty() && !isWhole) {
+                TellCutLine();
+                return;
+            }
             // Without its header it may be any other file, of whose lines nothing could be said.
             if (hasHeader)
                 ReadRow(line);
@@ -119,6 +124,13 @@ private:
             m_problems.Add(headerKind, 1, static_cast<std::uint32_t>(place + 1),
                            "there is no column \"" + std::string(m_fields[place]) +
                                "\"; the header was changed after the run");
+    }
+
+    /// The client writes a line and its end in one piece: where the end is missing, digits may be.
+    void TellCutLine() {
+        m_problems.Add(rowKind, m_line, 0,
+                       "the last line has no end, so that its power may be cut off; copy the file "
+                       "again, or run the test again");
     }
 
     void ReadRow(std::string_view line) {

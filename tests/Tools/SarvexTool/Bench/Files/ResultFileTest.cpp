@@ -54,10 +54,19 @@ TEST(ResultFileTest, OddLinesDoNotShiftThePowers) {
 }
 
 TEST(ResultFileTest, LineEndsOfBothSystemsAreRead) {
-    EXPECT_EQ(Read("Band,Chains,Chain-A Power, Chain B Power\r\n5,A,1,NA\r\n6,-,2,NA"),
+    EXPECT_EQ(Read("Band,Chains,Chain-A Power, Chain B Power\r\n5,A,1,NA\r\n6,-,2,NA\r\n"),
               "2: 5 A\n3: 6 A\n2 A 1\n3 A 2\n");
     // A file with CR LF, run on Linux: the client keeps the CR before the powers.
     EXPECT_EQ(Read("Band,Chains\r,Chain-A Power, Chain B Power\n5,A\r,1,NA\n"), "2: 5 A\n2 A 1\n");
+}
+
+TEST(ResultFileTest, ALastLineWithoutItsEndMayBeCutOff) {
+    const char* const cut = "the last line has no end, so that its power may be cut off; copy the "
+                            "file again, or run the test again\n";
+    // The power was 17.86.
+    EXPECT_EQ(Read("Band,Chains,Chain-A Power, Chain B Power\n5,A,17.9,NA\n5,B,NA,17."),
+              std::string("3:0 ") + cut);
+    EXPECT_EQ(Read("Band,Chains,Chain-A Power, Chain B Power\n5"), std::string("2:0 ") + cut);
 }
 
 TEST(ResultFileTest, RepeatedColumnTakesTheLaterPlace) {
