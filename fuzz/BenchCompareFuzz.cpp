@@ -42,7 +42,7 @@ void CheckChains(const Bench::RunResult& run) {
 /// The run; nothing when its file is no result, whose problems are shown then.
 std::optional<Bench::RunResult> Read(const std::string& result, Bench::TextPool& texts) {
     try {
-        Bench::RunResult run = Bench::ParseResult(result, "result.csv", texts);
+        Bench::RunResult run = Bench::ParseResult(EndLastLine(result), "result.csv", texts);
         CheckChains(run);
         return run;
     } catch (const Bench::BadInput& bad) {

@@ -137,7 +137,8 @@ void JudgeResult(const std::string& limits, const std::string& result) {
     Bench::LimitTable table(Bench::ParseLimits(limits, "limits.csv", texts));
     const std::size_t end = std::min(result.find('\n'), result.size());
     const Bench::RunResult run = Bench::ParseResult(
-        result.substr(0, end) + PowerTest::powerTitles + result.substr(end), "result.csv", texts);
+        EndLastLine(result.substr(0, end) + PowerTest::powerTitles + result.substr(end)),
+        "result.csv", texts);
     const Bench::Judgements judgements = Bench::Judge(run, table);
     CheckJudgements(judgements, run, table, LimitsOf(limits));
     const Bench::DeviceFacts device{"US", ""};

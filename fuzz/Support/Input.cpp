@@ -30,3 +30,9 @@ std::vector<std::string> Parts::From(std::size_t index) const {
 std::string UpToNul(const std::string& text) {
     return text.substr(0, text.find('\0'));
 }
+
+std::string EndLastLine(std::string text) {
+    if (!text.empty() && !text.ends_with('\n'))
+        text += '\n';
+    return text;
+}

@@ -32,3 +32,6 @@ private:
 
 /// The text as a caller in C sees it: up to its first NUL.
 std::string UpToNul(const std::string& text);
+
+/// The text with an end after its last line, where that has none.
+std::string EndLastLine(std::string text);
