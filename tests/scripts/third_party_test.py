@@ -9,7 +9,7 @@ FOLDER = pathlib.Path(__file__).resolve().parents[2] / "third_party"
 
 class ThirdPartyTest(unittest.TestCase):
     def test_each_file_has_the_checksum_of_its_readme(self):
-        for folder in FOLDER.iterdir():
+        for folder in filter(pathlib.Path.is_dir, FOLDER.iterdir()):
             written = re.findall(r"^([0-9a-f]{64})  (\S+)$", (folder / "README.md").read_text(), re.MULTILINE)
             present = [(hashlib.sha256(file.read_bytes()).hexdigest(), file.name)
                        for file in folder.iterdir() if file.name not in ("README.md", "LICENSE")]
