@@ -44,7 +44,7 @@ HeldInterruption::~HeldInterruption() {
         return;
     Replace(&Note, SIG_DFL);
     if (IsWanted())
-        ::raise(wantedSignal);
+        static_cast<void>(::raise(wantedSignal));
 }
 
 bool HeldInterruption::IsWanted() {
