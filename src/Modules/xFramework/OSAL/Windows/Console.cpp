@@ -1,5 +1,7 @@
 #include "Modules/xFramework/OSAL/Console.h"
 
+#include "Modules/xFramework/OSAL/Windows/WideText.h"
+
 #include <windows.h>
 
 #include <fcntl.h>
@@ -23,23 +25,6 @@ constexpr std::array<DWORD, 3> systemNumbers{STD_INPUT_HANDLE, STD_OUTPUT_HANDLE
 
 HANDLE SystemHandle(StandardStream stream) {
     return ::GetStdHandle(systemNumbers.at(static_cast<std::size_t>(stream)));
-}
-
-std::string ToUtf8(const std::wstring& wide) {
-    const int wideSize = static_cast<int>(wide.size());
-    const int size =
-        ::WideCharToMultiByte(CP_UTF8, 0, wide.data(), wideSize, nullptr, 0, nullptr, nullptr);
-    std::string text(static_cast<std::size_t>(size), '\0');
-    ::WideCharToMultiByte(CP_UTF8, 0, wide.data(), wideSize, text.data(), size, nullptr, nullptr);
-    return text;
-}
-
-std::wstring FromUtf8(const std::string& text) {
-    const int size = static_cast<int>(text.size());
-    const int wideSize = ::MultiByteToWideChar(CP_UTF8, 0, text.data(), size, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(wideSize), L'\0');
-    ::MultiByteToWideChar(CP_UTF8, 0, text.data(), size, wide.data(), wideSize);
-    return wide;
 }
 
 void ObeyEscapeSequences(StandardStream stream) {
