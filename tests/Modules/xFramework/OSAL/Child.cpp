@@ -3,7 +3,11 @@
 //   OSALTestsChild exit CODE       ends with the status for a return code
 //   OSALTestsChild echo TEXT...    prints its arguments in brackets
 //   OSALTestsChild sockets COUNT   prints how many sockets it could open at once
+//   OSALTestsChild lock PATH END   prints whether it got the lock of the file ("taken" or "other"),
+//   keeps
+//                                  it until there is a file END, and ends without giving it back
 
+#include "Modules/xFramework/OSAL/FileLock.h"
 #include "Modules/xFramework/OSAL/Process.h"
 #include "Modules/xFramework/OSAL/Socket.h"
 
@@ -11,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -60,6 +65,16 @@ int OpenSockets(const Arguments& arguments) {
     return 0;
 }
 
+int Lock(const Arguments& arguments) {
+    constexpr std::uint32_t pause = 5;
+    const std::optional<OSAL::FileLock> lock =
+        OSAL::FileLock::TryLock(arguments.at(2), "the tests' child");
+    std::cout << (lock ? "taken" : "other") << std::flush;
+    while (!std::filesystem::exists(arguments.at(3)))
+        OSAL::Sleep(pause);
+    std::_Exit(0);
+}
+
 } // namespace
 
 int main(int count, char** texts) {
@@ -71,5 +86,7 @@ int main(int count, char** texts) {
         return Echo(arguments);
     if (mode == "sockets")
         return OpenSockets(arguments);
+    if (mode == "lock")
+        return Lock(arguments);
     return TellHowStarted(arguments);
 }
