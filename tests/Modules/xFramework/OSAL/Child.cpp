@@ -4,9 +4,17 @@
 //   OSALTestsChild echo TEXT...    prints its arguments in brackets
 //   OSALTestsChild sockets COUNT   prints how many sockets it could open at once
 //   OSALTestsChild lock PATH END   prints whether it got the lock of the file ("taken" or "other"),
-//   keeps
-//                                  it until there is a file END, and ends without giving it back
+//                                  keeps it until there is a file END, and ends without giving it
+//                                  back
+//   OSALTestsChild utf8 TEXT...    prints its arguments, as UTF-8, in brackets
+//   OSALTestsChild streams         tells how its standard streams and its directory are
+//   OSALTestsChild hold PORT       connects to the port, then waits until it is ended
+//   OSALTestsChild starter HOLD OWN
+//                                  starts one that holds HOLD; ends without tidying up when it gets
+//                                  a byte from OWN
 
+#include "Modules/xFramework/OSAL/ChildProcess.h"
+#include "Modules/xFramework/OSAL/Console.h"
 #include "Modules/xFramework/OSAL/FileLock.h"
 #include "Modules/xFramework/OSAL/Process.h"
 #include "Modules/xFramework/OSAL/Socket.h"
@@ -75,6 +83,39 @@ int Lock(const Arguments& arguments) {
     std::_Exit(0);
 }
 
+int PrintUtf8(int count, char** texts) {
+    const Arguments arguments = OSAL::ReadArguments(count, texts);
+    for (std::size_t i = 1; i < arguments.size(); ++i)
+        std::cout << "[" << arguments[i] << "]";
+    return 0;
+}
+
+int TellStreams() {
+    std::cout << (std::cin.get() == EOF ? "no input\n" : "input\n") << std::flush;
+    std::cerr << "an error\n";
+    std::cout << std::filesystem::current_path().filename().string() << "\n";
+    return 7;
+}
+
+/// Waits for a byte on a new connection; false when the connection ended.
+bool WaitOn(const std::string& port) {
+    OSAL::AddressInfo* const address = Resolve(port);
+    const OSAL::SocketHandle socket = OSAL::CreateSocket(address);
+    OSAL::ConnectSocket(socket, address);
+    OSAL::SendSocket(socket, "+", 1);
+    char byte = 0;
+    return OSAL::ReceiveSocket(socket, &byte, 1) > 0;
+}
+
+int Start(const Arguments& arguments) {
+    std::string program;
+    OSAL::ReadModulePath(program);
+    const OSAL::ChildProcess child({program, {"hold", arguments.at(2)}, ".", "started.log"});
+    if (WaitOn(arguments.at(3)))
+        std::_Exit(3);
+    return 4;
+}
+
 } // namespace
 
 int main(int count, char** texts) {
@@ -88,5 +129,13 @@ int main(int count, char** texts) {
         return OpenSockets(arguments);
     if (mode == "lock")
         return Lock(arguments);
+    if (mode == "utf8")
+        return PrintUtf8(count, texts);
+    if (mode == "streams")
+        return TellStreams();
+    if (mode == "hold")
+        return WaitOn(arguments.at(2)) ? 0 : 1;
+    if (mode == "starter")
+        return Start(arguments);
     return TellHowStarted(arguments);
 }
