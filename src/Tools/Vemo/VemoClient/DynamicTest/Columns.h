@@ -63,6 +63,9 @@ struct ResultLevel {
     const char* unit;
 };
 
+/// The attribute of such an element that holds its value.
+inline constexpr const char* valueAttribute = "value";
+
 /// The path from the top.
 inline constexpr std::array<ResultLevel, 4> resultLevels{
     {{Column::band, ""}, {Column::bandwidth, " MHz"}, {Column::channel, ""}, {Column::rate, ""}}};

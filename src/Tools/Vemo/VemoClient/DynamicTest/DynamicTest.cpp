@@ -4,22 +4,17 @@
 #include "Modules/xFramework/Utilities/Format.h"
 #include "Modules/xFramework/Utilities/FunctionTrace.h"
 #include "Modules/xFramework/Utilities/StringToInt.h"
-#include "Modules/xFramework/XML/Writer.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/Columns.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/Failure.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/ReplySearch.h"
 
-#include <algorithm>
 #include <iostream>
 #include <optional>
 #include <stdexcept>
 
 namespace {
 
-namespace Column = PowerTest::Column;
 using PowerTest::Chain;
-using PowerTest::ChainPower;
-using PowerTest::chainPowers;
 using PowerTest::chains;
 using PowerTest::ColumnCommand;
 using PowerTest::columnCommands;
@@ -27,12 +22,8 @@ using PowerTest::FailureOf;
 using PowerTest::Fields;
 using PowerTest::FindInReply;
 using PowerTest::PrintError;
-using PowerTest::resultAttributes;
-using PowerTest::resultColumns;
-using PowerTest::resultLevels;
 using PowerTest::SplitFields;
 using PowerTest::TestFiles;
-using PowerTest::TrimField;
 using Utilities::Format;
 using Utilities::FunctionTrace;
 
@@ -41,24 +32,10 @@ constexpr int failed = 1;
 constexpr std::uint32_t linePause = 1000;
 constexpr std::uint32_t slowDevicePause = 4000;
 
-bool IsColumnName(const std::string& name) {
-    return std::any_of(columnCommands.begin(), columnCommands.end(),
-                       [&name](const ColumnCommand& row) { return row.column == name; });
-}
-
 /// Writes a line in one piece, and at once: a run that is killed leaves whole lines only. A long
 /// line and its end apart would be two calls of the system.
 void WriteLine(std::ostream& csv, const std::string& line) {
     csv << line + '\n' << std::flush;
-}
-
-/// The power that is filed for a line, empty for a Chains cell that files none.
-std::string RecordedPower(const std::string& chainsCell, const Fields& extendedFields) {
-    for (const ChainPower& power : chainPowers) {
-        if (power.chains == chainsCell && power.fieldFromEnd <= extendedFields.size())
-            return extendedFields[extendedFields.size() - power.fieldFromEnd];
-    }
-    return "";
 }
 
 } // namespace
@@ -80,10 +57,7 @@ int DynamicTest::Run() {
 }
 
 void DynamicTest::StartPowerTable(const std::string& countryCode) {
-    powerTableNode = resultDocument.GetTopNode()->AddChild("PowerTable");
-    powerTableNode->SetAttribute("MCC", countryCode.c_str());
-    // No version is ever queried: the attribute is there for the readers of result.xml.
-    powerTableNode->SetAttribute("OTPVersion", notSetMarker.c_str());
+    powerTableNode = PowerTest::AddPowerTable(resultDocument, countryCode);
 }
 
 bool DynamicTest::ProcessTestFile(TestFiles& files, std::int32_t macType) {
@@ -105,9 +79,7 @@ bool DynamicTest::ProcessTestFile(TestFiles& files, std::int32_t macType) {
 
 bool DynamicTest::WriteResultDocument(std::ostream& xml) const {
     const std::optional<std::string> failure = FailureOf([&] {
-        XML::Writer writer(xml);
-        resultDocument.Save(writer);
-        if (!xml)
+        if (!PowerTest::WriteDocument(resultDocument, xml))
             throw std::runtime_error(m_xmlFileName + ": it could not be written to its end");
     });
     if (failure)
@@ -139,18 +111,16 @@ void DynamicTest::ProcessHeaderTestFile(std::ostream& csv, const std::string& he
 }
 
 bool DynamicTest::ValidateHeader(const Fields& fields) const {
-    const auto unknown = std::find_if_not(fields.begin(), fields.end(), IsColumnName);
-    if (unknown == fields.end())
+    const std::string* pUnknown = PowerTest::FindUnknownColumn(fields);
+    if (pUnknown == nullptr)
         return true;
     // The misspelling is kept: scripts look for the message as it is.
-    PrintError("Invalid On-demand Colunm: '${1}'.", *unknown);
+    PrintError("Invalid On-demand Colunm: '${1}'.", *pUnknown);
     return false;
 }
 
 void DynamicTest::BuildColumnIndex(const Fields& fields) {
-    columnIndex.clear();
-    for (std::size_t position = 0; position < fields.size(); ++position)
-        columnIndex[fields[position]] = position;
+    columnIndex = PowerTest::IndexColumns(fields);
 }
 
 void DynamicTest::ProcessLineTestFile(std::ostream& csv, std::string line) {
@@ -178,11 +148,7 @@ DynamicTest::Configuration DynamicTest::ReadConfiguration(const Fields& fields) 
 }
 
 bool DynamicTest::IsColumnSet(const std::string& column, const Fields& fields) const {
-    const auto found = columnIndex.find(column);
-    if (found == columnIndex.end() || found->second >= fields.size())
-        return false;
-    const std::string value = TrimField(fields[found->second]);
-    return !value.empty() && value != notSetMarker;
+    return PowerTest::IsColumnSet(columnIndex, column, fields);
 }
 
 std::string DynamicTest::CommitAndRunTest(Arguments arguments) {
@@ -243,31 +209,15 @@ std::string DynamicTest::GetPowerLimitCsvFormat(const std::string& reply) const 
 
 void DynamicTest::SaveResultsToXml(const std::string& extendedLine) {
     const FunctionTrace trace("DynamicTest::SaveResultsToXml");
-    const Fields fields = SplitFields(extendedLine);
-    std::map<std::string, std::string> cells;
-    for (const char* column : resultColumns)
-        cells[column] = GetResultValue(column, fields);
-    XML::Node* pNode = powerTableNode;
-    for (const auto& [column, unit] : resultLevels)
-        pNode = GetXmlNode(pNode, column, m_valueAttributeName, cells[column] + unit);
-    const std::string& chainsCell = cells[Column::chains];
-    XML::Node* pChain = pNode->AddChild(("chain" + chainsCell).c_str());
-    pChain->SetAttribute("power", (RecordedPower(chainsCell, fields) + "dBm").c_str());
-    for (const auto& [name, column] : resultAttributes)
-        pChain->SetAttribute(name, cells[column].c_str());
+    PowerTest::FileLine(*this, powerTableNode, m_valueAttributeName, extendedLine);
 }
 
 XML::Node* DynamicTest::GetXmlNode(XML::Node* pParent, const std::string& name,
                                    const std::string& attribute, const std::string& value) const {
     const FunctionTrace trace("DynamicTest::GetXmlNode");
-    for (const auto [childName, pChild] : pParent->GetChildren()) {
-        const std::string childValue = GetXmlNodeAttribute(*pChild, attribute);
-        if (childName == name && !childValue.empty() && childValue == value)
-            return pChild.get();
-    }
-    XML::Node* pAdded = pParent->AddChild(name.c_str());
-    pAdded->SetAttribute(attribute.c_str(), value.c_str());
-    return pAdded;
+    const auto read = [&](const XML::Node& node) { return GetXmlNodeAttribute(node, attribute); };
+    XML::Node* pFound = PowerTest::FindChild(*pParent, name, value, read);
+    return pFound != nullptr ? pFound : PowerTest::AddChild(*pParent, name, attribute, value);
 }
 
 std::string DynamicTest::GetXmlNodeAttribute(const XML::Node& node,
@@ -278,5 +228,5 @@ std::string DynamicTest::GetXmlNodeAttribute(const XML::Node& node,
 
 std::string DynamicTest::GetResultValue(const std::string& column, const Fields& fields) const {
     const FunctionTrace trace("DynamicTest::GetResultValue");
-    return IsColumnSet(column, fields) ? fields[columnIndex.at(column)] : notSetMarker;
+    return PowerTest::ResultValue(columnIndex, column, fields);
 }

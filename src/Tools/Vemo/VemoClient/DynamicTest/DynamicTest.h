@@ -3,12 +3,11 @@
 #include "Modules/xFramework/XML/Base.h"
 #include "Tools/SarvexTool/Client/CliClient.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/Columns.h"
+#include "Tools/Vemo/VemoClient/DynamicTest/PowerTable.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/TestFile.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <list>
-#include <map>
 #include <ostream>
 #include <string>
 
@@ -119,12 +118,12 @@ private:
         R"(Target Power: .*Chain ${1} \(${2}\) (-?\d+\.*\d*) dBm)";
     const std::string mccPattern = R"(Current MCC: (\w{2}))";
     const std::string macTypePattern = R"(Mac Type: (\d*))";
-    const std::string m_valueAttributeName = "value";
+    const std::string m_valueAttributeName = PowerTest::valueAttribute;
     /// Devices of this MAC type need a longer pause after each line.
     const std::uint32_t slowMacType = 16;
 
     /// Empty until a valid header is read.
-    std::map<std::string, std::size_t> columnIndex;
+    PowerTest::ColumnIndex columnIndex;
     std::string m_testFileName;
     CliClient daemonClient;
     XML::Base resultDocument;

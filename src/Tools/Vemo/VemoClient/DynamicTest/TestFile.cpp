@@ -1,6 +1,19 @@
 #include "Tools/Vemo/VemoClient/DynamicTest/TestFile.h"
 
+#include "Tools/Vemo/VemoClient/DynamicTest/Columns.h"
+
+#include <algorithm>
+
 namespace PowerTest {
+
+namespace {
+
+bool IsColumnName(const std::string& name) {
+    return std::any_of(columnCommands.begin(), columnCommands.end(),
+                       [&name](const ColumnCommand& row) { return row.column == name; });
+}
+
+} // namespace
 
 std::string TrimField(const std::string& text) {
     return std::string(TrimmedView(text));
@@ -28,6 +41,11 @@ void SplitFields(std::string_view line, std::vector<std::string_view>& fields) {
         fields.push_back(TrimmedView(line.substr(start, end - start)));
         start = line.find_first_not_of(',', end);
     }
+}
+
+const std::string* FindUnknownColumn(const Fields& header) {
+    const auto unknown = std::find_if_not(header.begin(), header.end(), IsColumnName);
+    return unknown == header.end() ? nullptr : &*unknown;
 }
 
 TestFiles::TestFiles(const std::string& testFileName, const std::string& csvFileName,

@@ -25,6 +25,10 @@ Fields SplitFields(const std::string& line);
 /// The same fields as parts of the line itself, in place of what the list holds.
 void SplitFields(std::string_view line, std::vector<std::string_view>& fields);
 
+/// The first field of a header that is the name of no column; null when all are names of columns,
+/// and when there is no field. With such a field the header counts for nothing.
+const std::string* FindUnknownColumn(const Fields& header);
+
 /// The files of a test run: the test file for reading, in text mode, and the two result files,
 /// which are created anew. All are closed when the object goes.
 struct TestFiles {

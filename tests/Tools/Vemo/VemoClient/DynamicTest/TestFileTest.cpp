@@ -62,6 +62,14 @@ TEST(TestFileLineTest, LinesAreCutAtRunsOfCommas) {
     }
 }
 
+TEST(TestFileHeaderTest, FirstUnknownColumnIsFound) {
+    const Fields known{"Band", "Chains", "Large RU Size", "Band"};
+    EXPECT_EQ(FindUnknownColumn(known), nullptr);
+    EXPECT_EQ(FindUnknownColumn({}), nullptr);
+    const Fields unknown{"Band", "band", "Chanel"};
+    EXPECT_EQ(FindUnknownColumn(unknown), &unknown[1]);
+}
+
 TEST(TestFileLineTest, LineOfOneMebibyteIsCut) {
     constexpr std::size_t size = 1 << 20;
     EXPECT_EQ(SplitFields(std::string(size, ',')), Fields());
