@@ -105,9 +105,9 @@ void CheckEarlyEnd(const EarlyEnd& end) {
               "a wrong command line is complained about");
 }
 
-/// Such a fault reads a file, which may be anything.
+/// Such a word makes it read a file, which may be anything.
 bool NamesAFile(const std::string& word) {
-    return word.find("raw") != std::string::npos;
+    return word.find("raw") != std::string::npos || word.starts_with("--replay");
 }
 
 } // namespace

@@ -74,11 +74,34 @@ bool StopsAtEnd(std::size_t headSize, std::string_view body) {
     return true;
 }
 
+/// The shortest first piece after which a client stops at the end of the answer; npos when that is
+/// the whole answer, or none does.
+std::size_t FirstPieceOf(std::string_view answer) {
+    if (!answer.ends_with(EndMark) || StopsAtEnd(0, answer))
+        return std::string::npos;
+    for (std::size_t size = 1; size < std::min(answer.size(), pieceSize); ++size) {
+        const bool isMarked =
+            size >= shortestMarkedPiece && answer.substr(0, size).ends_with(EndMark);
+        if (!isMarked && StopsAtEnd(0, answer.substr(size)))
+            return size;
+    }
+    return std::string::npos;
+}
+
 std::string BuildPaddedHead(std::string_view body) {
     std::string head = BuildHead("200 OK", body.size(), "");
     for (std::size_t padding = 1; padding <= pieceSize && !StopsAtEnd(head.size(), body); ++padding)
         head = BuildHead("200 OK", body.size(), "X-Padding: " + std::string(padding, '.') + "\r\n");
     return head;
+}
+
+/// Sends a piece ahead where a client would miss the mark without it.
+void MoveMark(Delivery& delivery) {
+    // Long enough for a client to read what is there.
+    constexpr std::chrono::milliseconds pause(100);
+    delivery.firstPiece = FirstPieceOf(delivery.bytes);
+    if (delivery.firstPiece != std::string::npos)
+        delivery.pause = pause;
 }
 
 } // namespace
@@ -102,6 +125,21 @@ std::string BuildAnswer(const AnswerPlan& plan, const Reply& reply) {
         return *plan.rawAnswer;
     const std::string body = BuildBody(plan, reply);
     return BuildPaddedHead(body) + body;
+}
+
+bool ChangesText(const AnswerPlan& plan) {
+    return !plan.missingChains.empty() || plan.isUncalibrated || plan.returnCode ||
+           plan.fillerBytes > 0 || plan.longLineBytes > 0 || plan.hasCrLf || !plan.hasEndMark ||
+           plan.nulPosition;
+}
+
+std::string ReturnCodeIn(std::string_view answer) {
+    constexpr std::string_view marker = "\nSarvex tool RETURN CODE\n";
+    const std::size_t start = answer.find(marker);
+    if (start == std::string_view::npos)
+        return "";
+    answer.remove_prefix(start + marker.size());
+    return std::string(answer.substr(0, answer.find('\n')));
 }
 
 std::string BuildRefusal(int httpStatus, const std::string& text) {
@@ -128,6 +166,8 @@ Delivery PlanDelivery(const AnswerPlan& plan, std::string answer) {
     delivery.delay = plan.delay;
     delivery.pause = plan.pause;
     delivery.ending = plan.ending;
+    if (!plan.isMarkApart && !plan.isDripped && !plan.rawAnswer)
+        MoveMark(delivery);
     return delivery;
 }
 

@@ -56,10 +56,18 @@ Reply ApplyToReply(const AnswerPlan& plan, Reply reply);
 /// the last piece is long enough and no other ends like the mark.
 std::string BuildAnswer(const AnswerPlan& plan, const Reply& reply);
 
+/// Whether the plan makes anything else of an answer than the device's own, but for a raw one.
+bool ChangesText(const AnswerPlan& plan);
+
+/// The text of the return-code line of an answer; empty when it has none.
+std::string ReturnCodeIn(std::string_view answer);
+
 /// The answer to a request that is no command: the text, without the end mark.
 std::string BuildRefusal(int httpStatus, const std::string& text);
 
-/// How the plan wants a finished answer to be sent.
+/// How the plan wants a finished answer to be sent: at once, unless the plan cuts it up. An answer
+/// of another program may have a length with which a client would miss the end mark; then a first
+/// piece is sent ahead and moves the mark in those after it.
 Delivery PlanDelivery(const AnswerPlan& plan, std::string answer);
 
 } // namespace VemoSimulator

@@ -20,6 +20,7 @@ constexpr std::uint32_t loudestNoise = 10'000;
 
 /// Option texts that become something else than text or number.
 struct RawOptions {
+    std::string recordingFile;
     std::uint32_t latency = 0;
     std::vector<std::string> faults;
 };
@@ -92,6 +93,13 @@ void AddDeviceOptions(CLI::App& app, Simulator::Settings& settings) {
         ->capture_default_str();
 }
 
+void AddReplayOption(CLI::App& app, RawOptions& raw) {
+    app.add_option("--replay", raw.recordingFile,
+                   "Answers as the daemon did whose exchanges a run has kept in this file, "
+                   "exchanges.jsonl; there is no simulated device then")
+        ->type_name("FILE");
+}
+
 void AddBehaviourOptions(CLI::App& app, RawOptions& raw) {
     app.add_option("--latency", raw.latency, "Milliseconds before each answer to a command")
         ->type_name("MS")
@@ -104,11 +112,32 @@ void AddBehaviourOptions(CLI::App& app, RawOptions& raw) {
         ->allow_extra_args(false);
 }
 
+/// Refuses what would have no effect on recorded answers.
+void CheckReplay(const CLI::App& app, const std::vector<FaultRule>& faults) {
+    for (const std::string name : {"--seed", "--noise", "--mac-type", "--mcc"}) {
+        if (app.count(name) > 0)
+            throw std::invalid_argument(name + " describes the simulated device; with --replay "
+                                               "there is none");
+    }
+    for (const FaultRule& rule : faults) {
+        AnswerPlan plan;
+        rule.ApplyTo(plan);
+        if (ChangesText(plan))
+            throw std::invalid_argument("the fault " + rule.Text() +
+                                        " changes the text of an answer; with --replay answers "
+                                        "are as they were recorded");
+    }
+}
+
 /// Takes what CLI11 read over into the options.
-void Finish(Options& options, const RawOptions& raw) {
+void Finish(const CLI::App& app, Options& options, const RawOptions& raw) {
     options.simulator.latency = std::chrono::milliseconds(raw.latency);
     for (const std::string& rule : raw.faults)
         options.simulator.faults.emplace_back(rule);
+    if (app.count("--replay") == 0)
+        return;
+    CheckReplay(app, options.simulator.faults);
+    options.simulator.pRecording = ReadRecording(raw.recordingFile);
 }
 
 EarlyEnd Complain(const std::string& problem) {
@@ -128,13 +157,14 @@ std::variant<Options, EarlyEnd> ParseOptions(const std::vector<std::string>& arg
     app.set_version_flag("--version", "vemo " VEMO_VERSION, "Print the version and end");
     AddServerOptions(app, options);
     AddDeviceOptions(app, options.simulator);
+    AddReplayOption(app, raw);
     AddBehaviourOptions(app, raw);
     const std::string footer = "Faults:\n" + DescribeFaults();
     // It gets a line end of its own.
     app.footer(footer.substr(0, footer.size() - 1));
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-        Finish(options, raw);
+        Finish(app, options, raw);
         return options;
     } catch (const CLI::CallForHelp&) {
         return EarlyEnd{app.help(), "", 0};

@@ -28,7 +28,8 @@ struct EarlyEnd {
     int exitCode = 0;
 };
 
-/// arguments are those after the program's name. Reads the files that fault rules name.
+/// arguments are those after the program's name. Reads the recording and
+/// the files that fault rules name.
 std::variant<Options, EarlyEnd> ParseOptions(const std::vector<std::string>& arguments);
 
 } // namespace VemoSimulator

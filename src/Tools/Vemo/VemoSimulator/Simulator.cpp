@@ -3,6 +3,7 @@
 #include "Tools/Vemo/VemoSimulator/Answer.h"
 #include "Tools/Vemo/VemoSimulator/Text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace VemoSimulator {
@@ -10,6 +11,18 @@ namespace VemoSimulator {
 namespace {
 
 constexpr const char* commandTarget = "/api/oemtools/command";
+
+/// The command that ends this program whether the recorded daemon was ever sent it or not.
+bool IsExit(const std::vector<std::string>& words) {
+    return words.size() == 1 && EqualsIgnoringCase(words.front(), "-exit");
+}
+
+/// The command as a part of a message: a line end in it would begin a line of its own.
+std::string InOneLine(std::string command) {
+    std::ranges::replace_if(
+        command, [](char character) { return character >= '\0' && character < ' '; }, ' ');
+    return command;
+}
 
 } // namespace
 
@@ -48,13 +61,44 @@ Delivery Simulator::Answer(const Request& request, const std::vector<std::string
         rule.ApplyTo(plan);
         record.faults.push_back(rule.Text());
     }
-    const Reply reply = ApplyToReply(plan, m_device.Execute(words));
-    Delivery delivery = PlanDelivery(plan, BuildAnswer(plan, reply));
-    delivery.endsProgram = reply.endsProgram;
-    record.returnCode = reply.returnCode;
+    const Answered answered =
+        m_settings.pRecording ? AskRecording(plan, request.body, words) : AskDevice(plan, words);
+    Delivery delivery = PlanDelivery(plan, answered.bytes);
+    delivery.endsProgram = answered.endsProgram;
+    record.returnCode = answered.returnCode;
     record.answerBytes = delivery.bytes.size();
     WriteLog(request, record);
     return delivery;
+}
+
+Simulator::Answered Simulator::AskDevice(const AnswerPlan& plan,
+                                         const std::vector<std::string>& words) {
+    const Reply reply = ApplyToReply(plan, m_device.Execute(words));
+    return {BuildAnswer(plan, reply), reply.returnCode, reply.endsProgram};
+}
+
+Simulator::Answered Simulator::AskRecording(const AnswerPlan& plan, const std::string& command,
+                                            const std::vector<std::string>& words) {
+    const std::string* const pRecorded = NextRecorded(command);
+    if (pRecorded != nullptr)
+        return {plan.rawAnswer.value_or(*pRecorded), ReturnCodeIn(*pRecorded), IsExit(words)};
+    if (IsExit(words))
+        return AskDevice(plan, words);
+    const std::string problem =
+        "The command '" + InOneLine(command) + "' is not in " + m_settings.pRecording->Name() + ".";
+    m_problemLog << problem << std::endl;
+    const Reply reply{{}, {problem}, std::to_string(UnknownOptionCode), false};
+    return {BuildAnswer(plan, reply), reply.returnCode, false};
+}
+
+const std::string* Simulator::NextRecorded(const std::string& command) {
+    const std::vector<std::string>* const pAnswers = m_settings.pRecording->AnswersTo(command);
+    if (pAnswers == nullptr)
+        return nullptr;
+    std::size_t& given = m_replayed[command];
+    const std::size_t due = std::min(given, pAnswers->size() - 1);
+    ++given;
+    return &(*pAnswers)[due];
 }
 
 Delivery Simulator::Refuse(const Request& request, int httpStatus, const std::string& problem) {

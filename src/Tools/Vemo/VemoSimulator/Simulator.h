@@ -3,12 +3,15 @@
 #include "Tools/Vemo/VemoSimulator/Device.h"
 #include "Tools/Vemo/VemoSimulator/FaultRule.h"
 #include "Tools/Vemo/VemoSimulator/IRequestHandler.h"
+#include "Tools/Vemo/VemoSimulator/Recording.h"
 #include "Tools/Vemo/VemoSimulator/RequestLog.h"
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <ostream>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace VemoSimulator {
@@ -24,10 +27,14 @@ public:
         /// Before each answer to a command.
         std::chrono::milliseconds latency{0};
         std::vector<FaultRule> faults;
+        /// The answers are taken from it when there is one, and the device does nothing. No fault
+        /// changes the text of an answer then.
+        std::shared_ptr<const Recording> pRecording;
     };
 
     /// Writes a line to the request log for each request, and one to the problem log for each that
-    /// is refused. Both streams outlive the simulator; pRequestLog may be null.
+    /// is refused or not in the recording. Both streams outlive the simulator; pRequestLog may be
+    /// null.
     Simulator(const Settings& settings, std::ostream* pRequestLog, std::ostream& problemLog);
 
     /// Commands count from 1; a request that is no command is refused and does not count.
@@ -36,7 +43,20 @@ public:
     Delivery HandleInvalid(int httpStatus, const std::string& problem) override;
 
 private:
+    /// A whole answer, before faults of its sending.
+    struct Answered {
+        std::string bytes;
+        /// The text of the return-code line.
+        std::string returnCode;
+        bool endsProgram = false;
+    };
+
     Delivery Answer(const Request& request, const std::vector<std::string>& words);
+    Answered AskDevice(const AnswerPlan& plan, const std::vector<std::string>& words);
+    Answered AskRecording(const AnswerPlan& plan, const std::string& command,
+                          const std::vector<std::string>& words);
+    /// The recorded answer that is due; null when the command was never answered.
+    const std::string* NextRecorded(const std::string& command);
     Delivery Refuse(const Request& request, int httpStatus, const std::string& problem);
     void WriteLog(const Request& request, const LogRecord& record);
 
@@ -45,6 +65,8 @@ private:
     std::ostream* m_pRequestLog;
     std::ostream& m_problemLog;
     std::uint64_t m_commandCount = 0;
+    /// How many answers of each command of the recording were given.
+    std::unordered_map<std::string, std::size_t> m_replayed;
 };
 
 } // namespace VemoSimulator

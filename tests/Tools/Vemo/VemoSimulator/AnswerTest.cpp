@@ -1,4 +1,6 @@
 #include "Tools/Vemo/VemoSimulator/Answer.h"
+#include "Tools/Vemo/VemoSimulator/FaultRule.h"
+#include "Tools/Vemo/VemoSimulator/FaultTable.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,6 +15,8 @@ using testing::StartsWith;
 using namespace std::chrono_literals;
 
 namespace {
+
+constexpr std::size_t npos = std::string::npos;
 
 const char* const targetA = "Target Power: Band 5 Chain A (1) 17.5 dBm";
 const char* const targetB = "Target Power: Band 5 Chain B (2) 18 dBm";
@@ -171,6 +175,64 @@ TEST(AnswerTest, AnAnswerGoesOutAtOnceAndInOnePiece) {
     EXPECT_EQ(delivery.delay, 0ms);
     EXPECT_EQ(delivery.ending, Ending::HalfClose);
     EXPECT_FALSE(delivery.endsProgram);
+}
+
+TEST(AnswerTest, AMarkThatAClientWouldMissIsMovedByAFirstPiece) {
+    const struct {
+        std::size_t size;
+        std::size_t firstPiece;
+    } rows[] = {{5, npos}, {512, npos}, {513, 1},     {514, 2},  {515, 3},
+                {516, 4},  {517, npos}, {1024, npos}, {1025, 1}, {1028, 4}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.size);
+        const Delivery delivery = PlanDelivery({}, std::string(row.size - 4, '.') + "Done");
+        EXPECT_EQ(delivery.firstPiece, row.firstPiece);
+        EXPECT_EQ(delivery.nextPieces, npos);
+        EXPECT_EQ(delivery.pause, row.firstPiece == npos ? 0ms : 100ms);
+    }
+}
+
+TEST(AnswerTest, AMarkWithinAnAnswerIsMovedByAFirstPiece) {
+    const std::string within = std::string(508, '.') + "Done";
+    EXPECT_EQ(PlanDelivery({}, within + "and on Done").firstPiece, 1U);
+    // A first piece of one byte would show the second mark, of two bytes neither.
+    EXPECT_EQ(PlanDelivery({}, within + std::string(509, '.') + "Done" + "........Done").firstPiece,
+              2U);
+    EXPECT_EQ(PlanDelivery({}, within + "no mark at the end").firstPiece, npos);
+}
+
+TEST(AnswerTest, OnlyWholeAnswersGetAFirstPiece) {
+    const std::string answer = std::string(509, '.') + "Done";
+    AnswerPlan cut;
+    cut.cutAfter = 512;
+    EXPECT_EQ(PlanDelivery(cut, answer).firstPiece, npos);
+    AnswerPlan raw;
+    raw.rawAnswer = answer;
+    EXPECT_EQ(PlanDelivery(raw, answer).firstPiece, npos);
+    AnswerPlan apart;
+    apart.isMarkApart = true;
+    EXPECT_EQ(PlanDelivery(apart, answer).firstPiece, 509U);
+}
+
+TEST(AnswerTest, FaultsOfTheSendingLeaveTheTextAsItIs) {
+    for (const std::string& name : FaultNames()) {
+        SCOPED_TRACE(name);
+        const bool isOfSending = name == "close-before" || name == "close-after" ||
+                                 name == "reset" || name == "no-answer" || name == "delay" ||
+                                 name == "split-mark" || name == "drip" || name == "raw";
+        const auto row = std::ranges::find(FaultTable(), name, &FaultRow::name);
+        AnswerPlan plan;
+        row->apply(plan, {1, "A"});
+        EXPECT_EQ(ChangesText(plan), !isOfSending);
+    }
+}
+
+TEST(AnswerTest, TheReturnCodeOfAnAnswerIsFound) {
+    EXPECT_EQ(ReturnCodeIn(BuildAnswer({}, {{"one"}, {"two"}, "34"})), "34");
+    EXPECT_EQ(ReturnCodeIn("\nSarvex tool RETURN CODE\n"), "");
+    EXPECT_EQ(ReturnCodeIn("\nSarvex tool RETURN CODE\n7"), "7");
+    EXPECT_EQ(ReturnCodeIn("\r\nSarvex tool RETURN CODE\r\n7\r\nDone"), "");
+    EXPECT_EQ(ReturnCodeIn(""), "");
 }
 
 TEST(AnswerTest, TheMarkCanGoOutApart) {

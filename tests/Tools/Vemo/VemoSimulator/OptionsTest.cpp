@@ -1,5 +1,7 @@
 #include "Tools/Vemo/VemoSimulator/Options.h"
 
+#include "tests/Support/Files.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -83,6 +85,28 @@ TEST(OptionsTest, NumbersAreDecimalWhateverTheyBeginWith) {
     EXPECT_EQ(options.simulator.latency, 10ms);
 }
 
+TEST(OptionsTest, ARecordingIsReadWithTheFaultsOfItsSending) {
+    const TestSupport::TemporaryDirectory directory;
+    const std::string file =
+        directory.Create("exchanges.jsonl", R"({"command":"c","answer":"a","end":"answered"})");
+    const Options options = Accepted({"--replay", file, "--fault", "*:drip", "--latency", "1"});
+    EXPECT_EQ(options.simulator.pRecording->AnswersTo("c")->front(), "a");
+    EXPECT_EQ(options.simulator.faults.size(), 1U);
+    EXPECT_EQ(Refused({"--replay", file, "--fault", "*:drip", "--fault", "2:crlf"}).error,
+              "vemo: the fault 2:crlf changes the text of an answer; with --replay answers are as "
+              "they were recorded\nRun vemo --help for the options.\n");
+}
+
+TEST(OptionsTest, ARecordingLeavesNoDeviceToDescribe) {
+    for (const std::string option : {"--seed=1", "--noise=0", "--mac-type=5", "--mcc=US"}) {
+        const EarlyEnd end = Refused({"--replay", "none", option});
+        EXPECT_EQ(end.error, "vemo: " + option.substr(0, option.find('=')) +
+                                 " describes the simulated device; with --replay there is none\n"
+                                 "Run vemo --help for the options.\n");
+        EXPECT_EQ(end.exitCode, 2);
+    }
+}
+
 TEST(OptionsTest, HelpNamesEveryFault) {
     const EarlyEnd end = Refused({"--help"});
     EXPECT_EQ(end.exitCode, 0);
@@ -115,6 +139,8 @@ TEST(OptionsTest, AWrongCommandLineIsExplained) {
         {{"--mac-type", "12345678901"}, "--mac-type: a MAC type has one to ten digits"},
         {{"--mcc", "USA"}, "--mcc: a country code has two capital letters or digits"},
         {{"--mcc", "us"}, "--mcc: a country code has two capital letters or digits"},
+        {{"--replay", "no/such/file"}, "cannot read no/such/file"},
+        {{"--replay", ""}, "cannot read "},
         {{"--fault", "1:bogus"}, "unknown fault 'bogus'"},
         {{"--fault", "1:crlf", "2:crlf"}, "The following argument was not expected: 2:crlf"},
         {{"--bogus"}, "The following argument was not expected: --bogus"},

@@ -86,13 +86,19 @@ Lines ExampleCommands() {
     return commands;
 }
 
-/// A folder with the program, a port file and a file for a raw answer.
+/// The recording that the page shows, under the name that it goes by there.
+RunningSimulator::File PageRecording() {
+    return {"exchanges.jsonl", JoinLines(Blocks("jsonl").front())};
+}
+
+/// A folder with the program, a port file, a file for a raw answer and a recording.
 class Stage {
 public:
     explicit Stage(const std::string& port) {
         std::filesystem::copy_file(SimulatorPath(), Program());
         TestSupport::WriteBytes(m_directory.Path("Socket.cfg"), port);
         TestSupport::WriteBytes(m_directory.Path("answer.bin"), "raw");
+        TestSupport::WriteBytes(m_directory.Path(PageRecording().first), PageRecording().second);
     }
 
     std::string Program() const {
@@ -106,7 +112,7 @@ private:
 
 /// Runs one session of the page; its first line starts the program, lines after "> " are commands.
 void RunSession(const Lines& session) {
-    const RunningSimulator simulator(ArgumentsOf(session.front().substr(2)));
+    const RunningSimulator simulator(ArgumentsOf(session.front().substr(2)), {PageRecording()});
     for (auto line = session.begin() + 1; line != session.end();) {
         SCOPED_TRACE(*line);
         const std::string command = line->substr(2);
@@ -150,7 +156,7 @@ TEST(PageTest, EveryOptionHasAnExample) {
         EXPECT_THAT(examples, HasSubstr((*match)[1].str()));
         ++count;
     }
-    EXPECT_EQ(count, 12);
+    EXPECT_EQ(count, 13);
 }
 
 TEST(PageTest, EveryFaultHasAnExample) {
@@ -184,7 +190,7 @@ TEST(PageTest, EverySessionGoesAsShown) {
         RunSession(session);
         ++count;
     }
-    EXPECT_EQ(count, 3);
+    EXPECT_EQ(count, 4);
 }
 
 TEST(PageTest, WithoutOptionsThePortFileCounts) {

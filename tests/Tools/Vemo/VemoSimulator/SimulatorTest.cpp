@@ -147,4 +147,37 @@ TEST_F(SimulatorTest, ARequestLogThatFailsIsReportedOnceAndGivenUp) {
     EXPECT_EQ(m_problemLog.str(), "The request log cannot be written; it ends here.\n");
 }
 
+TEST_F(SimulatorTest, ARecordingAnswersInPlaceOfTheDevice) {
+    std::istringstream lines(R"({"command":"CLI -1 -wifi-start","answer":"1","end":"answered"})"
+                             "\n"
+                             R"({"command":"CLI -1 -wifi-start","answer":"2","end":"answered"})");
+    m_settings.pRecording = std::make_shared<Recording>(lines, "FILE");
+    AddFault("4:delay=5");
+    EXPECT_EQ(Send("CLI -1 -wifi-start").bytes, "1");
+    EXPECT_THAT(Send("CLI -1 -vemo -wifi-start").bytes,
+                EndsWith("\r\n\r\nSarvex tool ERROR\n"
+                         "The command 'CLI -1 -vemo -wifi-start' is not in FILE.\n"
+                         "Sarvex tool RETURN CODE\n1\nDone"));
+    EXPECT_EQ(m_problemLog.str(), "The command 'CLI -1 -vemo -wifi-start' is not in FILE.\n");
+    EXPECT_EQ(Send("CLI -1 -wifi-start").bytes, "2");
+    const Delivery late = Send("CLI -1 -wifi-start");
+    EXPECT_EQ(late.bytes, "2");
+    EXPECT_EQ(late.delay, 5ms);
+}
+
+TEST_F(SimulatorTest, ExitEndsAReplayToo) {
+    std::istringstream lines(R"({"command":"CLI -1  -exit","answer":"bye","end":"answered"})");
+    m_settings.pRecording = std::make_shared<Recording>(lines, "FILE");
+    m_simulator.emplace(m_settings, &m_requestLog, m_problemLog);
+    const Delivery recorded = Send("CLI -1  -exit");
+    EXPECT_EQ(recorded.bytes, "bye");
+    EXPECT_TRUE(recorded.endsProgram);
+    const Delivery own = Send("CLI -1 -vemo  -Exit");
+    EXPECT_THAT(own.bytes, EndsWith("The simulated daemon ends.\n"
+                                    "Sarvex tool RETURN CODE\n0\nDone"));
+    EXPECT_TRUE(own.endsProgram);
+    EXPECT_FALSE(Send("CLI -1  -exit -wifi-stop").endsProgram);
+    EXPECT_EQ(m_problemLog.str(), "The command 'CLI -1  -exit -wifi-stop' is not in FILE.\n");
+}
+
 } // namespace VemoSimulator

@@ -20,8 +20,10 @@ std::vector<std::string> WithPort(std::vector<std::string> arguments, std::uint1
 
 } // namespace
 
-RunningSimulator::RunningSimulator(std::vector<std::string> arguments)
-    : m_process(SimulatorPath(), WithPort(std::move(arguments), m_reserved.Number()),
+RunningSimulator::RunningSimulator(std::vector<std::string> arguments,
+                                   const std::vector<File>& files)
+    : m_directory(files),
+      m_process(SimulatorPath(), WithPort(std::move(arguments), m_reserved.Number()),
                 m_directory.Path()),
       m_port(PortIn(WaitForLine(m_process))) {}
 

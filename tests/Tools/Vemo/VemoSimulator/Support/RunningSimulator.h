@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace VemoSimulator {
@@ -17,8 +18,13 @@ using EndToEnd::SimulatorPath;
 /// unless it has ended by then.
 class RunningSimulator {
 public:
-    /// Adds a port to the arguments unless they name one. Returns when the program is ready.
-    explicit RunningSimulator(std::vector<std::string> arguments = {});
+    /// A name in the working directory, and the content.
+    using File = std::pair<std::string, std::string>;
+
+    /// Adds a port to the arguments unless they name one. The files are there when the program
+    /// starts. Returns when it is ready.
+    explicit RunningSimulator(std::vector<std::string> arguments = {},
+                              const std::vector<File>& files = {});
     ~RunningSimulator() { m_process.End(); }
     RunningSimulator(const RunningSimulator&) = delete;
     RunningSimulator& operator=(const RunningSimulator&) = delete;
@@ -37,7 +43,14 @@ public:
     }
 
 private:
-    TestSupport::TemporaryDirectory m_directory;
+    struct Folder : TestSupport::TemporaryDirectory {
+        explicit Folder(const std::vector<File>& files) {
+            for (const File& file : files)
+                Create(file.first, file.second);
+        }
+    };
+
+    Folder m_directory;
     EndToEnd::ReservedPort m_reserved;
     EndToEnd::Process m_process;
     std::uint16_t m_port = 0;
