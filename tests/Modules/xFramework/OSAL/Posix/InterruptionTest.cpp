@@ -1,4 +1,4 @@
-#include "Modules/xFramework/OSAL/Interruption.h"
+#include "tests/Modules/xFramework/OSAL/CountedInterruptions.h"
 
 #include <signal.h>
 
@@ -57,6 +57,64 @@ TEST(InterruptionTest, AnIgnoredSignalStaysIgnored) {
 TEST(InterruptionTest, NothingIsHeldAfterwards) {
     const auto raiseAfterwards = [] {
         { const HeldInterruption held; }
+        ::raise(SIGTERM);
+    };
+    EXPECT_EXIT(raiseAfterwards(), testing::KilledBySignal(SIGTERM), "");
+}
+
+TEST(InterruptionListenerTest, HearsOfEachSignal) {
+    CountedInterruptions count;
+    const InterruptionListener listener(count.Function());
+    for (int round = 0; round < 3; ++round) {
+        ::raise(SIGINT);
+        count.WaitFor(2 * round + 1);
+        ::raise(SIGTERM);
+        count.WaitFor(2 * round + 2);
+    }
+    EXPECT_EQ(count.Count(), 6);
+}
+
+TEST(InterruptionListenerTest, HearsOfTheFirstHangUpOnly) {
+    CountedInterruptions count;
+    {
+        const InterruptionListener listener(count.Function());
+        ::raise(SIGHUP);
+        ::raise(SIGHUP);
+        ::raise(SIGINT);
+        // What was raised before the end is told.
+    }
+    EXPECT_EQ(count.Count(), 2);
+}
+
+TEST(InterruptionListenerTest, HearsOfASignalThatIsHeld) {
+    CountedInterruptions count;
+    const InterruptionListener listener(count.Function());
+    {
+        const HeldInterruption held;
+        ::raise(SIGINT);
+        count.WaitFor(1);
+        EXPECT_FALSE(HeldInterruption::IsWanted());
+    }
+    ::raise(SIGINT);
+    count.WaitFor(2);
+    EXPECT_EQ(count.Count(), 2);
+}
+
+TEST(InterruptionListenerTest, LeavesAnIgnoredSignalIgnored) {
+    const auto before = ::signal(SIGHUP, SIG_IGN);
+    CountedInterruptions count;
+    {
+        const InterruptionListener listener(count.Function());
+        ::raise(SIGHUP);
+    }
+    EXPECT_EQ(count.Count(), 0);
+    EXPECT_EQ(::signal(SIGHUP, before), SIG_IGN);
+}
+
+TEST(InterruptionListenerTest, NothingIsHeardAfterwards) {
+    const auto raiseAfterwards = [] {
+        CountedInterruptions count;
+        { const InterruptionListener listener(count.Function()); }
         ::raise(SIGTERM);
     };
     EXPECT_EXIT(raiseAfterwards(), testing::KilledBySignal(SIGTERM), "");
