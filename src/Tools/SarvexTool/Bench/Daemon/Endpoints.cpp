@@ -1,0 +1,45 @@
+#include "Tools/SarvexTool/Bench/Daemon/Endpoints.h"
+
+#include "Modules/xFramework/OSAL/Socket.h"
+
+namespace Bench {
+
+namespace {
+
+using boost::system::error_code;
+
+/// The program holds the system's resolver; the first look-up of the system's seam tells it which
+/// services it may ask, and Asio uses the same resolver.
+void PrepareResolver(const std::string& host, const std::string& port) {
+    OSAL::AddressInfo* const addresses = OSAL::ResolveAddress(host, port);
+    if (addresses != nullptr)
+        OSAL::FreeAddress(addresses);
+}
+
+} // namespace
+
+Endpoints::Endpoints(boost::asio::io_context& context, const DaemonAddress& address)
+    : m_resolver(context), m_host(address.host), m_port(std::to_string(address.port)) {
+    error_code notNumeric;
+    const auto numeric = boost::asio::ip::make_address(m_host, notNumeric);
+    if (!notNumeric)
+        m_all.emplace_back(numeric, address.port);
+}
+
+void Endpoints::Find(Callback callback) {
+    if (!m_all.empty()) {
+        callback("");
+        return;
+    }
+    PrepareResolver(m_host, m_port);
+    m_resolver.async_resolve(
+        m_host, m_port,
+        [self = shared_from_this(), callback = std::move(callback)](
+            const error_code& error, const Tcp::resolver::results_type& found) {
+            if (!error)
+                self->m_all.assign(found.begin(), found.end());
+            callback(error ? "cannot be found (" + error.message() + ")" : "");
+        });
+}
+
+} // namespace Bench
