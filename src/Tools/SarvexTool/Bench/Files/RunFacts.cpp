@@ -1,0 +1,160 @@
+#include "Tools/SarvexTool/Bench/Files/RunFacts.h"
+
+#include "Modules/xFramework/OSAL/DurableFile.h"
+#include "Tools/SarvexTool/Bench/Files/BadFile.h"
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
+#include "Tools/SarvexTool/Bench/Files/Input.h"
+#include "Tools/SarvexTool/Bench/Files/JsonFields.h"
+
+#include <filesystem>
+#include <sstream>
+
+namespace Bench {
+
+namespace {
+
+/// Grows when an older program would misunderstand what is written.
+constexpr std::uint64_t formatVersion = 1;
+
+Json ToJson(const RunOptions& options) {
+    Json json{{"segment", options.segment},
+              {"answerTimeout", options.answerTimeout},
+              {"retries", options.retries},
+              {"wait", options.wait},
+              {"stopTimeout", options.stopTimeout}};
+    if (options.limits)
+        PutText(json, "limits", *options.limits);
+    json["failFast"] = options.failFast;
+    json["force"] = options.force;
+    PutText(json, "client", options.client);
+    PutTexts(json, "firstCommand", options.firstCommand);
+    json["firstCommandAnswered"] = options.firstCommandAnswered;
+    return json;
+}
+
+RunOptions OptionsOf(const JsonFields& fields) {
+    RunOptions options;
+    options.segment = fields.Line("segment");
+    options.answerTimeout = fields.Seconds("answerTimeout");
+    options.retries = fields.Line("retries");
+    options.wait = fields.Seconds("wait");
+    options.stopTimeout = fields.Seconds("stopTimeout");
+    if (fields.Has("limits"))
+        options.limits = fields.Text("limits");
+    options.failFast = fields.Flag("failFast");
+    options.force = fields.Flag("force");
+    options.client = fields.Text("client");
+    options.firstCommand = fields.Texts("firstCommand");
+    options.firstCommandAnswered = fields.Flag("firstCommandAnswered");
+    return options;
+}
+
+/// Who, when and what.
+void PutOrigin(Json& json, const RunFacts& facts) {
+    PutText(json, "programVersion", facts.programVersion);
+    PutText(json, "user", facts.user);
+    PutText(json, "host", facts.host);
+    json["started"] = facts.started;
+    if (facts.ended)
+        json["ended"] = *facts.ended;
+    Json testFile = Json::object();
+    PutText(testFile, "name", facts.testFile.name);
+    testFile["sha256"] = facts.testFile.sha256;
+    json["testFile"] = testFile;
+    PutText(json, "daemon", facts.daemon);
+    if (facts.macType)
+        json["macType"] = *facts.macType;
+    if (facts.countryCode)
+        PutText(json, "countryCode", *facts.countryCode);
+}
+
+/// How far it has come.
+void PutState(Json& json, const RunFacts& facts) {
+    json["startPassedOn"] = facts.startPassedOn;
+    json["stopConfirmed"] = facts.stopConfirmed;
+    json["linesTotal"] = facts.linesTotal;
+    json["linesDone"] = facts.linesDone;
+    PutText(json, "outcome", facts.outcome);
+    if (facts.exitCode)
+        json["exitCode"] = *facts.exitCode;
+    PutTexts(json, "notes", facts.notes);
+    json["closesIdleConnections"] = facts.closesIdleConnections;
+}
+
+void ReadOrigin(const JsonFields& fields, RunFacts& facts) {
+    facts.programVersion = fields.Text("programVersion");
+    facts.user = fields.Text("user");
+    facts.host = fields.Text("host");
+    facts.started = fields.Text("started");
+    if (fields.Has("ended"))
+        facts.ended = fields.Text("ended");
+    const JsonFields testFile = fields.Object("testFile");
+    facts.testFile = {testFile.Text("name"), testFile.Text("sha256")};
+    facts.daemon = fields.Text("daemon");
+    if (fields.Has("macType"))
+        facts.macType = fields.Integer("macType");
+    if (fields.Has("countryCode"))
+        facts.countryCode = fields.Text("countryCode");
+}
+
+void ReadState(const JsonFields& fields, RunFacts& facts) {
+    facts.startPassedOn = fields.Flag("startPassedOn");
+    facts.stopConfirmed = fields.Flag("stopConfirmed");
+    facts.linesTotal = fields.Count("linesTotal");
+    facts.linesDone = fields.Count("linesDone");
+    facts.outcome = fields.Text("outcome");
+    if (fields.Has("exitCode"))
+        facts.exitCode = fields.Integer("exitCode");
+    facts.notes = fields.Texts("notes");
+    facts.closesIdleConnections = fields.Flag("closesIdleConnections");
+}
+
+RunFacts FactsOf(const JsonFields& fields) {
+    if (fields.Count("format") != formatVersion)
+        throw WrongJson("the run was written by another version of this program");
+    RunFacts facts;
+    ReadOrigin(fields, facts);
+    facts.options = OptionsOf(fields.Object("options"));
+    ReadState(fields, facts);
+    return facts;
+}
+
+} // namespace
+
+std::string ToJsonText(const RunFacts& facts) {
+    constexpr int indentation = 2;
+    Json json{{"format", formatVersion}};
+    PutOrigin(json, facts);
+    json["options"] = ToJson(facts.options);
+    PutState(json, facts);
+    return json.dump(indentation, ' ', true) + "\n";
+}
+
+RunFacts ParseRunFacts(std::string_view text, const std::string& name) {
+    try {
+        return FactsOf(JsonFields::Parse(text));
+    } catch (const WrongJson& wrong) {
+        throw BadInput(name, wrong.what());
+    }
+}
+
+RunFacts ReadRunFacts(const std::string& name) {
+    std::istringstream noStandardInput;
+    return ParseRunFacts(ReadInput(name, noStandardInput), name);
+}
+
+void WriteRunFacts(const std::string& name, const RunFacts& facts) {
+    const std::string beside = name + ".part";
+    {
+        OSAL::DurableFile file(beside, OSAL::DurableFile::Opening::Either);
+        // One that a crash has left.
+        file.Truncate(0);
+        file.Append(ToJsonText(facts));
+        file.Sync();
+    }
+    std::filesystem::rename(PathOf(beside), PathOf(name));
+    const std::filesystem::path folder = PathOf(name).parent_path();
+    OSAL::SyncDirectory(folder.empty() ? "." : NameOf(folder));
+}
+
+} // namespace Bench
