@@ -1,0 +1,72 @@
+#include "Tools/SarvexTool/Bench/Files/ClientFolder.h"
+
+#include "Modules/xFramework/OSAL/DurableFile.h"
+#include "Tools/SarvexTool/Bench/Files/BadFile.h"
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace Bench {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Where the client itself would look for its files: beside what a link leads to.
+fs::path RealPath(const std::string& client) {
+    std::error_code error;
+    fs::path path = fs::canonical(PathOf(client), error);
+    if (!error && !fs::is_regular_file(path, error) && !error)
+        error = std::make_error_code(std::errc::is_a_directory);
+    if (error)
+        throw BadInput(client, "cannot be used as the client (" + error.message() + ")");
+    return path;
+}
+
+/// A copy, not a link: the client does not read files that have two names.
+void CopyCommandTable(const fs::path& source, const fs::path& folder) {
+    std::error_code error;
+    if (!fs::exists(fs::symlink_status(source, error)))
+        return;
+    if (fs::is_symlink(source) || fs::hard_link_count(source) > 1)
+        throw BadInput(NameOf(source), "is a link, which the client does not read");
+    fs::copy_file(source, folder / source.filename());
+    fs::permissions(folder / source.filename(), fs::perms::owner_write, fs::perm_options::add);
+}
+
+} // namespace
+
+ClientFolder::ClientFolder(std::string folder, const std::string& client, std::uint16_t port)
+    : m_folder(std::move(folder)) {
+    const fs::path path = PathOf(m_folder);
+    fs::remove_all(path);
+    fs::create_directory(path);
+    try {
+        Fill(client, port);
+    } catch (...) {
+        std::error_code ignored;
+        fs::remove_all(path, ignored);
+        throw;
+    }
+}
+
+ClientFolder::~ClientFolder() {
+    std::error_code ignored;
+    fs::remove_all(PathOf(m_folder), ignored);
+}
+
+void ClientFolder::Fill(const std::string& client, std::uint16_t port) {
+    const fs::path folder = PathOf(m_folder);
+    const fs::path source = RealPath(client);
+    fs::copy_file(source, folder / source.filename());
+    // Not every system removes what is read-only.
+    fs::permissions(folder / source.filename(), fs::perms::owner_write, fs::perm_options::add);
+    m_program = m_folder + "/" + NameOf(source.filename());
+    CopyCommandTable(source.parent_path() / "SarvexToolCmds.txt", folder);
+    OSAL::DurableFile(m_folder + "/Socket.cfg", OSAL::DurableFile::Opening::New)
+        .Append(std::to_string(port));
+}
+
+} // namespace Bench
