@@ -1,0 +1,67 @@
+#include "Tools/SarvexTool/Bench/Files/Locks.h"
+
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
+
+#include <array>
+#include <fstream>
+
+namespace Bench {
+
+namespace {
+
+/// In one line; the folder's name may hold anything.
+std::string InWords(const LockHolder& holder) {
+    return "process " + std::to_string(holder.processId) + ", since " + holder.since +
+           ", with the run in " + holder.directory;
+}
+
+/// What the holder has written; a holder that has just come may not have written yet.
+std::string HolderOf(const std::string& file) {
+    std::ifstream stream(PathOf(file), std::ios::binary);
+    // The text is somebody's: no more of it than a path can have.
+    std::array<char, 8192> text{};
+    stream.read(text.data(), text.size());
+    const std::string holder(text.data(), static_cast<std::size_t>(stream.gcount()));
+    return holder.empty() ? "another process" : holder;
+}
+
+bool IsPlain(char character) {
+    return (character >= '0' && character <= '9') || (character >= 'a' && character <= 'z') ||
+           character == '.' || character == '-';
+}
+
+/// A text as a part of a file's name, different for each text.
+std::string AsFileName(const std::string& text) {
+    constexpr const char* digits = "0123456789abcdef";
+    std::string name;
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (IsPlain(character))
+            name += character;
+        else
+            name += {'%', digits[byte >> 4], digits[byte & 0xF]};
+    }
+    return name;
+}
+
+} // namespace
+
+OSAL::FileLock TakeLock(const std::string& file, const std::string& what,
+                        const LockHolder& holder) {
+    std::optional<OSAL::FileLock> lock = OSAL::FileLock::TryLock(file, InWords(holder));
+    if (!lock)
+        throw InUse(file, what + " is in use by " + HolderOf(file));
+    return std::move(*lock);
+}
+
+OSAL::FileLock LockDaemon(const std::string& host, std::uint16_t port, const LockHolder& holder) {
+    return TakeLock(DaemonLockFile(host, port),
+                    "the daemon at " + host + " port " + std::to_string(port), holder);
+}
+
+std::string DaemonLockFile(const std::string& host, std::uint16_t port) {
+    const std::string folder = OSAL::MakeUserFolder("SarvexToolBench");
+    return folder + "/daemon-" + AsFileName(host) + "-" + std::to_string(port) + ".lock";
+}
+
+} // namespace Bench

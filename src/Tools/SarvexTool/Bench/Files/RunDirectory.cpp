@@ -1,0 +1,210 @@
+#include "Tools/SarvexTool/Bench/Files/RunDirectory.h"
+
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
+#include "Tools/SarvexTool/Bench/Files/Sha256.h"
+#include "Tools/SarvexTool/Bench/Files/UtcTime.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace Bench {
+
+namespace {
+
+namespace fs = std::filesystem;
+using OSAL::DurableFile;
+
+/// Reads a file piece by piece. Throws BadInput.
+void ReadPieces(const std::string& name, const std::function<void(std::string_view)>& take) {
+    constexpr std::size_t pieceSize = 65536;
+    errno = 0;
+    std::ifstream file(PathOf(name), std::ios::binary);
+    std::vector<char> piece(pieceSize);
+    while (file) {
+        file.read(piece.data(), pieceSize);
+        take({piece.data(), static_cast<std::size_t>(file.gcount())});
+    }
+    if (!file.is_open() || file.bad())
+        throw BadInput(name, "cannot be read (" + std::generic_category().message(errno) + ")");
+}
+
+std::string HashOf(const std::string& name) {
+    Sha256 hash;
+    ReadPieces(name, [&hash](std::string_view piece) { hash.Add(piece); });
+    return hash.Finish();
+}
+
+/// Copies a file byte for byte and returns its SHA-256.
+std::string Copy(const std::string& source, const std::string& target) {
+    DurableFile copy(target, DurableFile::Opening::New);
+    Sha256 hash;
+    ReadPieces(source, [&](std::string_view piece) {
+        hash.Add(piece);
+        copy.Append(piece);
+    });
+    copy.Sync();
+    return hash.Finish();
+}
+
+/// All that a run leaves. The lock is nothing that could be lost.
+std::vector<std::string> KeptFiles(const RunFiles& files) {
+    return {files.testFile,  files.result,  files.tree,    files.facts,
+            files.exchanges, files.journal, files.console, files.client};
+}
+
+void RequireUnused(const RunFiles& files) {
+    for (const std::string& name : KeptFiles(files)) {
+        if (fs::exists(fs::symlink_status(PathOf(name))))
+            throw BadOutput(files.directory, "holds a run or results already (" +
+                                                 NameOf(PathOf(name).filename()) +
+                                                 "), and old results are never overwritten; name "
+                                                 "another folder");
+    }
+}
+
+/// Takes back what was made of a run that could not begin.
+class Undo {
+public:
+    Undo(const RunFiles& files, bool isNewFolder) : m_files(files), m_isNewFolder(isNewFolder) {}
+    ~Undo() {
+        if (m_isDone)
+            return;
+        std::error_code ignored;
+        for (const std::string& name : KeptFiles(m_files))
+            fs::remove(PathOf(name), ignored);
+        // On a system that removes no open file, the lock keeps the folder.
+        fs::remove(PathOf(m_files.lock), ignored);
+        if (m_isNewFolder)
+            fs::remove(PathOf(m_files.directory), ignored);
+    }
+    Undo(const Undo&) = delete;
+    Undo& operator=(const Undo&) = delete;
+
+    void Forget() { m_isDone = true; }
+
+private:
+    const RunFiles& m_files;
+    bool m_isNewFolder;
+    bool m_isDone = false;
+};
+
+void SyncNames(const std::string& directory) {
+    OSAL::SyncDirectory(directory);
+    OSAL::SyncDirectory(NameOf(fs::absolute(PathOf(directory)).parent_path()));
+}
+
+void RequireSameTestFile(const RunFiles& files, const RunTestFile& testFile) {
+    if (HashOf(files.testFile) != testFile.sha256)
+        throw BadInput(files.testFile, "is not the test file that the run began with; begin a new "
+                                       "run");
+    // A run may be resumed where its test file never was.
+    if (fs::exists(PathOf(testFile.name)) && HashOf(testFile.name) != testFile.sha256)
+        throw BadInput(testFile.name, "has changed since the run began; begin a new run");
+}
+
+/// The last entry of a journal, of line 0 where there is none; what follows it is cut off.
+JournalEntry CutJournal(const std::string& name) {
+    JournalEntry last;
+    DurableFile journal(name, DurableFile::Opening::Existing);
+    std::ifstream stream(PathOf(name), std::ios::binary);
+    JournalReader reader(stream, name);
+    while (reader.Read(last)) {
+    }
+    journal.Truncate(reader.End());
+    journal.Sync();
+    return last;
+}
+
+bool EndsWithLineEnd(const std::string& name, std::uint64_t size) {
+    std::ifstream file(PathOf(name), std::ios::binary);
+    file.seekg(static_cast<std::streamoff>(size) - 1);
+    return file.get() == '\n';
+}
+
+/// A header without rows is cut off too: whether it is whole cannot be told.
+DurableFile CutResult(const std::string& name, std::uint64_t size) {
+    DurableFile result(name, DurableFile::Opening::Existing);
+    if (result.Size() < size || (size > 0 && !EndsWithLineEnd(name, size)))
+        throw BadInput(name, "does not hold the rows that the journal tells of; the file was "
+                             "changed");
+    result.Truncate(size);
+    result.Sync();
+    return result;
+}
+
+} // namespace
+
+RunDirectory RunDirectory::Create(const std::string& directory, const std::string& testFile,
+                                  RunFacts facts, const LockHolder& holder) {
+    const RunFiles files(directory);
+    RequireUnused(files);
+    const bool isNewFolder = fs::create_directories(PathOf(directory));
+    OSAL::FileLock lock = TakeLock(files.lock, "the folder", holder);
+    // Another run may have come and gone in between.
+    RequireUnused(files);
+    Undo undo(files, isNewFolder);
+    facts.testFile = {NameOf(fs::absolute(PathOf(testFile))), Copy(testFile, files.testFile)};
+    DurableFile result(files.result, DurableFile::Opening::New);
+    DurableFile journal(files.journal, DurableFile::Opening::New);
+    DurableFile(files.tree, DurableFile::Opening::New);
+    DurableFile(files.exchanges, DurableFile::Opening::New);
+    WriteRunFacts(files.facts, facts);
+    SyncNames(directory);
+    undo.Forget();
+    return {files, std::move(lock), std::move(facts), std::move(result), std::move(journal), 0};
+}
+
+RunDirectory RunDirectory::Resume(const std::string& directory, const LockHolder& holder) {
+    const RunFiles files(directory);
+    if (!fs::exists(PathOf(files.facts)))
+        throw BadInput(directory, "holds no run: run.json is missing");
+    OSAL::FileLock lock = TakeLock(files.lock, "the run", holder);
+    RunFacts facts = ReadRunFacts(files.facts);
+    RequireSameTestFile(files, facts.testFile);
+    const JournalEntry last = CutJournal(files.journal);
+    DurableFile result = CutResult(files.result, last.csvEnd);
+    DurableFile journal(files.journal, DurableFile::Opening::Existing);
+    return {files,    std::move(lock), std::move(facts), std::move(result), std::move(journal),
+            last.line};
+}
+
+RunDirectory::RunDirectory(RunFiles files, OSAL::FileLock lock, RunFacts facts,
+                           OSAL::DurableFile result, OSAL::DurableFile journal, LineNumber lastLine)
+    : m_files(std::move(files)),
+      m_lock(std::move(lock)),
+      m_facts(std::move(facts)),
+      m_result(std::move(result)),
+      m_journal(std::move(journal)),
+      m_lastLine(lastLine) {}
+
+void RunDirectory::KeepHeader(std::string_view header) {
+    m_result.Append(header);
+    m_result.Sync();
+}
+
+void RunDirectory::KeepLine(const FinishedLine& line, const std::string& started, double seconds) {
+    m_result.Append(line.row);
+    m_result.Sync();
+    m_journal.Append({line.line, line.outcome, m_result.Size(), started, seconds});
+    m_lastLine = line.line;
+}
+
+std::string NewRunName(const std::string& testFile, std::chrono::system_clock::time_point now) {
+    constexpr std::size_t toTheSecond = 19;
+    std::string time = UtcTime(now).substr(0, toTheSecond);
+    std::erase_if(time, [](char character) { return character == '-' || character == ':'; });
+    std::replace(time.begin(), time.end(), 'T', '-');
+    const std::string name = "runs/" + NameOf(PathOf(testFile).stem()) + "-" + time;
+    std::string free = name;
+    for (int count = 2; fs::exists(fs::symlink_status(PathOf(free))); ++count)
+        free = name + "-" + std::to_string(count);
+    return free;
+}
+
+} // namespace Bench
