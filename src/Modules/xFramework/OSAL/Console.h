@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +16,10 @@ std::vector<std::string> ReadArguments(int argc, const char* const argv[]);
 
 /// Whether somebody sits at the other end of a standard stream.
 bool IsTerminal(StandardStream stream);
+
+/// How many columns the terminal at the other end has now; nothing when there is no terminal, or it
+/// does not tell. Somebody may change it at any time.
+std::optional<std::size_t> TerminalWidth(StandardStream stream);
 
 /// While it lives, bytes pass the standard streams unchanged, and a console shows them as UTF-8 and
 /// obeys escape sequences. The console is as it was before when it goes.

@@ -1,5 +1,6 @@
 #include "Modules/xFramework/OSAL/Console.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace OSAL {
@@ -10,6 +11,14 @@ std::vector<std::string> ReadArguments(int argc, const char* const argv[]) {
 
 bool IsTerminal(StandardStream stream) {
     return ::isatty(static_cast<int>(stream)) == 1;
+}
+
+std::optional<std::size_t> TerminalWidth(StandardStream stream) {
+    winsize size{};
+    // A terminal on a serial line has the width 0.
+    if (::ioctl(static_cast<int>(stream), TIOCGWINSZ, &size) != 0 || size.ws_col == 0)
+        return std::nullopt;
+    return size.ws_col;
 }
 
 PreparedConsole::PreparedConsole() = default;

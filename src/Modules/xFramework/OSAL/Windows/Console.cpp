@@ -62,6 +62,17 @@ bool IsTerminal(StandardStream stream) {
     return ::GetConsoleMode(SystemHandle(stream), &mode) != FALSE;
 }
 
+std::optional<std::size_t> TerminalWidth(StandardStream stream) {
+    CONSOLE_SCREEN_BUFFER_INFO information{};
+    if (!::GetConsoleScreenBufferInfo(SystemHandle(stream), &information))
+        return std::nullopt;
+    // The buffer may be wider than what is seen of it.
+    const SMALL_RECT& window = information.srWindow;
+    if (window.Right < window.Left)
+        return std::nullopt;
+    return static_cast<std::size_t>(window.Right - window.Left + 1);
+}
+
 PreparedConsole::PreparedConsole() : m_codePage(::GetConsoleOutputCP()) {
     for (FILE* const file : {stdin, stdout, stderr})
         ::_setmode(::_fileno(file), _O_BINARY);

@@ -40,6 +40,13 @@ bool IsTerminal(StandardStream stream) {
     return TheWorld().terminals.contains(stream);
 }
 
+std::optional<std::size_t> TerminalWidth(StandardStream stream) {
+    const auto found = TheWorld().terminalWidths.find(stream);
+    if (found == TheWorld().terminalWidths.end())
+        return std::nullopt;
+    return found->second;
+}
+
 PreparedConsole::PreparedConsole() {
     Record("PreparedConsole");
 }

@@ -46,6 +46,8 @@ struct World {
 
     // Console
     std::set<StandardStream> terminals;
+    /// Of terminals that tell it.
+    std::map<StandardStream, std::size_t> terminalWidths;
 
     // Files, by path
     std::map<std::string, File> files;

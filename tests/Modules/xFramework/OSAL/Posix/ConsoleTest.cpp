@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <stdlib.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <array>
@@ -47,6 +48,28 @@ TEST(ConsoleTest, ATerminalIsToldFromOtherFiles) {
     {
         const InputFrom input(null);
         EXPECT_FALSE(IsTerminal(StandardStream::Input));
+    }
+    ::close(null);
+}
+
+TEST(ConsoleTest, TheWidthOfATerminalIsItsOwn) {
+    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_GE(terminal, 0);
+    {
+        const InputFrom input(terminal);
+        EXPECT_EQ(TerminalWidth(StandardStream::Input), std::nullopt);
+        for (const unsigned width : {132U, 40U}) {
+            winsize size{};
+            size.ws_col = static_cast<unsigned short>(width);
+            ASSERT_EQ(::ioctl(terminal, TIOCSWINSZ, &size), 0);
+            EXPECT_EQ(TerminalWidth(StandardStream::Input), width);
+        }
+    }
+    ::close(terminal);
+    const int null = ::open("/dev/null", O_RDONLY);
+    {
+        const InputFrom input(null);
+        EXPECT_EQ(TerminalWidth(StandardStream::Input), std::nullopt);
     }
     ::close(null);
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
 #include <fcntl.h>
 #include <io.h>
 
@@ -25,6 +27,42 @@ TEST(ConsoleTest, BytesPassTheStandardStreamsUnchanged) {
     ::_setmode(::_fileno(stdin), old);
     ::_setmode(::_fileno(stdout), _O_TEXT);
     ::_setmode(::_fileno(stderr), _O_TEXT);
+}
+
+/// Puts another handle in the place of standard output while it lives, and closes it then.
+class OutputTo {
+public:
+    explicit OutputTo(HANDLE handle) : m_handle(handle), m_old(::GetStdHandle(STD_OUTPUT_HANDLE)) {
+        ::SetStdHandle(STD_OUTPUT_HANDLE, m_handle);
+    }
+    ~OutputTo() {
+        ::SetStdHandle(STD_OUTPUT_HANDLE, m_old);
+        ::CloseHandle(m_handle);
+    }
+    OutputTo(const OutputTo&) = delete;
+    OutputTo& operator=(const OutputTo&) = delete;
+
+private:
+    HANDLE m_handle;
+    HANDLE m_old;
+};
+
+TEST(ConsoleTest, TheWidthOfAConsoleIsThatOfItsWindow) {
+    const HANDLE buffer = ::CreateConsoleScreenBuffer(GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                                      CONSOLE_TEXTMODE_BUFFER, nullptr);
+    if (buffer == INVALID_HANDLE_VALUE)
+        GTEST_SKIP() << "the tests were started without a console";
+    const OutputTo output(buffer);
+    CONSOLE_SCREEN_BUFFER_INFO information{};
+    ASSERT_TRUE(::GetConsoleScreenBufferInfo(buffer, &information));
+    EXPECT_EQ(TerminalWidth(StandardStream::Output),
+              information.srWindow.Right - information.srWindow.Left + 1);
+}
+
+TEST(ConsoleTest, WhatIsNoConsoleHasNoWidth) {
+    const OutputTo output(
+        ::CreateFileW(L"NUL", GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    EXPECT_EQ(TerminalWidth(StandardStream::Output), std::nullopt);
 }
 
 TEST(ConsoleTest, NamesInDifferentCaseAreTheSameFile) {
