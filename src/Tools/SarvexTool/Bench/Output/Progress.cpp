@@ -1,0 +1,60 @@
+#include "Tools/SarvexTool/Bench/Output/Progress.h"
+
+#include "Tools/SarvexTool/Bench/Output/ProgressText.h"
+#include "Tools/SarvexTool/Bench/Output/ShownWidth.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Bench {
+
+using namespace std::chrono_literals;
+
+TerminalProgress::TerminalProgress(std::ostream& stream, std::function<std::size_t()> width)
+    : m_stream(stream), m_width(std::move(width)) {}
+
+void TerminalProgress::Update(const RunProgress& progress, TimePoint now) {
+    if (now < m_nextDrawing)
+        return;
+    m_nextDrawing = now + 100ms;
+    // A character in the last column would move the cursor to the next line on some terminals.
+    const std::size_t room = std::max<std::size_t>(m_width(), 1) - 1;
+    const std::string text = CutToWidth(ProgressText(progress), room);
+    const std::size_t width = ShownWidth(text);
+    const std::size_t before = std::min(m_drawnWidth, room);
+    m_stream << "\r" << text << std::string(std::max(before, width) - width, ' ') << std::flush;
+    m_drawnWidth = width;
+}
+
+void TerminalProgress::MakeRoom() {
+    if (m_drawnWidth > 0)
+        m_stream << "\r" << std::string(m_drawnWidth, ' ') << "\r" << std::flush;
+    m_drawnWidth = 0;
+}
+
+void TerminalProgress::End(const RunSummary& /*summary*/) {
+    MakeRoom();
+}
+
+bool StateChange::Note(const RunState& state) {
+    const bool isOther = state.kind != m_last.kind || state.detail != m_last.detail;
+    m_last = state;
+    return isOther;
+}
+
+void LineProgress::Begin(const RunProgress& progress, TimePoint now) {
+    m_change.Note(progress.state);
+    Write(progress, now);
+}
+
+void LineProgress::Update(const RunProgress& progress, TimePoint now) {
+    if (m_change.Note(progress.state) || now >= m_nextLine)
+        Write(progress, now);
+}
+
+void LineProgress::Write(const RunProgress& progress, TimePoint now) {
+    m_nextLine = now + 30s;
+    m_stream << ProgressText(progress) << "\n" << std::flush;
+}
+
+} // namespace Bench
