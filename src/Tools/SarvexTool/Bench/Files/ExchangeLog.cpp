@@ -48,6 +48,17 @@ LoggedExchange Parse(const std::string& line) {
 
 } // namespace
 
+std::string LineOf(const LoggedExchange& exchange) {
+    Json json{{"number", exchange.number}, {"line", exchange.line}};
+    json["by"] = NameIn(senders, exchange.by);
+    PutText(json, "command", exchange.command);
+    PutText(json, "answer", exchange.answer);
+    json["end"] = NameIn(results, exchange.result);
+    json["seconds"] = exchange.seconds;
+    json["time"] = exchange.time;
+    return LineOf(json);
+}
+
 ExchangeLog::ExchangeLog(const std::string& name)
     : m_file(name, OSAL::DurableFile::Opening::Either) {
     std::ifstream file(PathOf(name), std::ios::binary);
@@ -59,14 +70,7 @@ ExchangeLog::ExchangeLog(const std::string& name)
 
 void ExchangeLog::Append(LoggedExchange exchange) {
     exchange.number = ++m_count;
-    Json json{{"number", exchange.number}, {"line", exchange.line}};
-    json["by"] = NameIn(senders, exchange.by);
-    PutText(json, "command", exchange.command);
-    PutText(json, "answer", exchange.answer);
-    json["end"] = NameIn(results, exchange.result);
-    json["seconds"] = exchange.seconds;
-    json["time"] = exchange.time;
-    m_file.Append(LineOf(json));
+    m_file.Append(LineOf(exchange));
 }
 
 ExchangeReader::ExchangeReader(std::istream& stream, std::string name)

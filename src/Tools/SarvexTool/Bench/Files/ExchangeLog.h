@@ -36,6 +36,9 @@ struct LoggedExchange {
     bool operator==(const LoggedExchange&) const = default;
 };
 
+/// The exchange as a line of the log, with its end.
+std::string LineOf(const LoggedExchange& exchange);
+
 /// Writes the exchanges of a run, one line of JSON each.
 class ExchangeLog {
 public:

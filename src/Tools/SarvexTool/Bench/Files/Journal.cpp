@@ -53,12 +53,16 @@ void RequireOrder(const JournalEntry& last, const JournalEntry& next) {
 
 } // namespace
 
-void Journal::Append(const JournalEntry& entry) {
+std::string LineOf(const JournalEntry& entry) {
     const Json json{{"line", entry.line},           {"accepted", entry.outcome.isAccepted},
                     {"a", ToJson(entry.outcome.a)}, {"b", ToJson(entry.outcome.b)},
                     {"csvEnd", entry.csvEnd},       {"started", entry.started},
                     {"seconds", entry.seconds}};
-    m_file.Append(LineOf(json));
+    return LineOf(json);
+}
+
+void Journal::Append(const JournalEntry& entry) {
+    m_file.Append(LineOf(entry));
     m_file.Sync();
 }
 

@@ -25,6 +25,9 @@ struct JournalEntry {
     bool operator==(const JournalEntry&) const = default;
 };
 
+/// The entry as a line of the journal, with its end.
+std::string LineOf(const JournalEntry& entry);
+
 /// Writes the journal of a run: each finished line, in the order of the lines.
 class Journal {
 public:
