@@ -2,6 +2,7 @@
 #include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/OutputFile.h"
 #include "Tools/SarvexTool/Bench/Files/ResultTree.h"
+#include "Tools/SarvexTool/Bench/Files/ResultTreeWriter.h"
 #include "tests/Support/Files.h"
 
 #include <fcntl.h>
@@ -60,6 +61,22 @@ TEST(DeviceTest, ADiskThatIsFullBeforeTheEndIsTold) {
         EXPECT_EQ(bad.Problems().at(0).text,
                   "cannot be written to its end (No space left on device)");
     }
+}
+
+TEST(DeviceTest, ATreeOnAFullDiskLeavesTheFormerOne) {
+    const TestSupport::TemporaryDirectory directory;
+    const std::string rows = directory.Create("result.csv", ",Chain-A Power, Chain B Power\n");
+    const std::string tree = directory.Create("result.xml", "former");
+    fs::create_symlink("/dev/full", tree + ".part");
+    try {
+        WriteResultTree({rows, "", "US"}, tree);
+        FAIL() << "nothing was thrown";
+    } catch (const BadOutput& bad) {
+        EXPECT_EQ(bad.Problems().at(0).text,
+                  "cannot be written to its end (No space left on device)");
+    }
+    EXPECT_EQ(ReadBytes(tree), "former");
+    EXPECT_FALSE(fs::is_symlink(tree + ".part"));
 }
 
 TEST(DeviceTest, ATreeThatIsAPipeIsNotWaitedFor) {
