@@ -47,7 +47,7 @@ TEST(CommonProcessTest, SleepsAndReturnsZero) {
 }
 
 TEST(CommonProcessTest, SleepsAtLeastAsLongAsAsked) {
-    for (const std::uint32_t milliseconds : {20u, 1000u, 1020u}) {
+    for (const std::uint32_t milliseconds : {20u, 1020u}) {
         const auto start = std::chrono::steady_clock::now();
         Sleep(milliseconds);
         // Windows counts in ticks of its clock and may end up to one tick early.

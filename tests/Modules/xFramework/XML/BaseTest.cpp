@@ -124,7 +124,7 @@ public:
 };
 
 TEST(BaseTest, DeepTreeIsReplayedWithoutRecursion) {
-    constexpr int depth = 1'000'000;
+    constexpr int depth = 250'000;
     Base document;
     Node* node = document.GetTopNode();
     for (int level = 0; level < depth; ++level)

@@ -135,7 +135,7 @@ TEST(ChildrenTest, ListBelowADeletedNodeOutlivesItInACopy) {
 }
 
 TEST(ChildrenTest, DeepTreeIsDeletedWithoutRecursion) {
-    constexpr int depth = 1'000'000;
+    constexpr int depth = 250'000;
     Children children;
     Node* innermost = children.Add("a");
     for (int level = 1; level < depth; ++level)
