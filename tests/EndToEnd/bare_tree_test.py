@@ -59,7 +59,7 @@ class BareTreeTest(unittest.TestCase):
         reports = []
         for way_in in WAYS_IN:
             run = subprocess.run(self.inside(way_in, "/simulator", "--help"), capture_output=True,
-                                 text=True, timeout=60, check=False)
+                                 text=True, timeout=240, check=False)
             if run.returncode == 0:
                 return way_in
             reports.append(f"{' '.join(way_in)}: {run.stderr.strip()}")
@@ -68,7 +68,7 @@ class BareTreeTest(unittest.TestCase):
 
     def run_client(self, *arguments):
         return subprocess.run(self.inside(self.way_in, "/SarvexToolClient", *arguments),
-                              capture_output=True, text=True, timeout=60, check=False)
+                              capture_output=True, text=True, timeout=240, check=False)
 
     def test_the_tree_holds_nothing_but_the_programs(self):
         self.assertEqual({"SarvexToolClient", "simulator"}, set(os.listdir(self.tree)))

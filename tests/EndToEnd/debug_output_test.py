@@ -48,7 +48,7 @@ class DebugOutputTest(unittest.TestCase):
         """The texts of the debugger messages that wine reports, without their line feeds."""
         run = subprocess.run(
             [wine, self.client, *arguments], cwd=self.folder, capture_output=True, text=True,
-            timeout=120, env=dict(os.environ, WINEDEBUG="+debugstr"), check=False)
+            timeout=240, env=dict(os.environ, WINEDEBUG="+debugstr"), check=False)
         marker = "OutputDebugStringA \""
         return [line.split(marker, 1)[1].rstrip().removesuffix("\"").removesuffix("\\n")
                 for line in run.stderr.splitlines() if marker in line]

@@ -91,7 +91,7 @@ class NginxTest(unittest.TestCase):
         return text
 
     def exchange(self, arguments):
-        return subprocess.run([self.client, *arguments], capture_output=True, timeout=30)
+        return subprocess.run([self.client, *arguments], capture_output=True, timeout=240)
 
     def test_request_is_accepted_and_its_body_arrives_whole(self):
         result = self.exchange(["-wifi-band", "5", "a b", "ä\t\\"])

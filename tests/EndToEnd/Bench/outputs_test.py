@@ -60,7 +60,7 @@ class OutputsTest(unittest.TestCase):
         (self.folder / name).write_bytes(content)
 
     def run_program(self, *arguments):
-        return subprocess.run([*PROGRAM, *arguments], cwd=self.folder, capture_output=True, timeout=120)
+        return subprocess.run([*PROGRAM, *arguments], cwd=self.folder, capture_output=True, timeout=240)
 
     def judge(self, *arguments):
         return self.run_program("judge", "result.csv", "--limits", "limits.csv", *arguments)
@@ -187,7 +187,7 @@ class OutputsTest(unittest.TestCase):
                                  (("compare", "-", "result.csv"), OLD)):
             with self.subTest(arguments=arguments):
                 ended = subprocess.run([*PROGRAM, *arguments], cwd=self.folder, capture_output=True,
-                                       timeout=120, input=given)
+                                       timeout=240, input=given)
                 self.assertEqual(ended.returncode, 1, ended.stderr)
 
 

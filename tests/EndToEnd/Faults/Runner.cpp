@@ -21,7 +21,7 @@ constexpr unsigned workers = 3;
 // What takes longer is told as a hang. A peer that sends byte by byte looks twice into the system's
 // table of connections for each; with the thousands of a long run in it that takes wine tens of
 // milliseconds, and a busy machine more.
-constexpr double timeLimitSeconds = 120;
+constexpr double timeLimitSeconds = 240;
 
 /// Counts what ran and tells at the end.
 class Tally : public testing::Environment {

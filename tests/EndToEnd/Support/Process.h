@@ -65,8 +65,9 @@ public:
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
-    /// Waits for the end; kills the program, and says so in exitCode, after the given time.
-    ProcessResult Wait(double timeoutSeconds = 60);
+    /// Waits for the end; kills the program, and says so in exitCode, when it has run for the given
+    /// time. That is for programs that never end: on a busy machine everything takes long.
+    ProcessResult Wait(double timeoutSeconds = 240);
 
     void Kill();
 

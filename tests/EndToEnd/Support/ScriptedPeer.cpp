@@ -74,7 +74,7 @@ namespace {
 /// Asks until the answer is yes or it is clear that it never will be.
 template <typename Condition>
 void WaitFor(const Condition& condition) {
-    for (int attempt = 0; attempt < 30'000 && !condition(); ++attempt)
+    for (int attempt = 0; attempt < 240'000 && !condition(); ++attempt)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 

@@ -14,7 +14,7 @@ Simulator::Simulator(const std::vector<std::string>& options) {
     std::vector<std::string> arguments = {"--port", std::to_string(m_reserved.Number())};
     arguments.insert(arguments.end(), options.begin(), options.end());
     m_process = std::make_unique<Process>(SimulatorPath(), arguments, m_directory.Path());
-    for (int attempt = 0; attempt < 3000; ++attempt) {
+    for (int attempt = 0; attempt < 24'000; ++attempt) {
         const std::string out = m_process->OutSoFar();
         const std::size_t lineEnd = out.find_first_of("\r\n");
         if (lineEnd != std::string::npos) {

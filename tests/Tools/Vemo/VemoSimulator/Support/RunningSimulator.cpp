@@ -34,7 +34,7 @@ EndToEnd::ProcessResult RunningSimulator::End() {
 }
 
 std::string WaitForLine(const EndToEnd::Process& process) {
-    constexpr int longestWait = 60'000;
+    constexpr int longestWait = 240'000;
     for (int waited = 0; waited < longestWait; ++waited) {
         const std::string output = process.OutSoFar();
         const std::size_t end = output.find_first_of("\r\n");
