@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <regex>
+
 namespace Bench {
 namespace {
 
@@ -168,8 +170,12 @@ TEST_F(CheckEndToEndTest, TheTimeOfAnExchangeCountsForTheTimeOfARun) {
     const ProcessResult result =
         program.Run({"check", "a.csv", "--daemon", "127.0.0.1:" + daemon.Port()});
     EXPECT_EQ(result.exitCode, 0);
-    // One second and four exchanges of half a second and a little.
-    EXPECT_THAT(result.out, HasSubstr("a run takes about 3 s\n"));
+    // One second and four exchanges of half a second and, on a busy machine, more.
+    std::smatch seconds;
+    ASSERT_TRUE(
+        std::regex_search(result.out, seconds, std::regex("a run takes about ([0-9]+) s\n")))
+        << result.out;
+    EXPECT_GE(std::stoi(seconds[1]), 3);
 }
 
 } // namespace
