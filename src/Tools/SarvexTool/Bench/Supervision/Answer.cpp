@@ -1,0 +1,88 @@
+#include "Tools/SarvexTool/Bench/Supervision/Answer.h"
+
+#include "Modules/xFramework/Utilities/StringToInt.h"
+#include "Tools/SarvexTool/Client/Reply.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+namespace Bench {
+
+namespace {
+
+constexpr std::int32_t uncalibratedCode = 10;
+constexpr std::string_view endMark = "Done";
+
+/// The line after the last return-code marker; nothing where there is none.
+std::optional<std::string_view> CodeLine(std::string_view body) {
+    constexpr std::string_view marker = "Sarvex tool RETURN CODE\n";
+    for (std::size_t place = body.rfind(marker); place != std::string_view::npos;
+         place = place == 0 ? std::string_view::npos : body.rfind(marker, place - 1)) {
+        const std::string_view rest = body.substr(place + marker.size());
+        if ((place == 0 || body[place - 1] == '\n') && !rest.empty())
+            return rest.substr(0, rest.find('\n'));
+    }
+    return std::nullopt;
+}
+
+std::optional<std::int32_t> ExplicitCode(std::string_view body) {
+    const std::optional<std::string_view> line = CodeLine(body);
+    if (!line)
+        return std::nullopt;
+    try {
+        return Utilities::StringToInt(std::string(*line));
+    } catch (const std::logic_error&) {
+        return std::nullopt;
+    }
+}
+
+std::string WordsOf(const SarvexTool::Reply& reply) {
+    std::string errors = InOneLine(reply.Error());
+    if (!errors.empty())
+        return errors;
+    std::string information = InOneLine(reply.Information());
+    if (!information.empty())
+        return information;
+    return "return code " + std::to_string(reply.returnCode);
+}
+
+} // namespace
+
+bool Answer::IsUncalibrated() const {
+    return code == uncalibratedCode;
+}
+
+Answer ReadAnswer(std::string bytes) {
+    std::string body = SarvexTool::CutHttpHead(std::move(bytes));
+    if (body.ends_with(endMark))
+        body.resize(body.size() - endMark.size());
+    Answer answer;
+    answer.explicitCode = ExplicitCode(body);
+    SarvexTool::Reply reply = SarvexTool::SortReply(std::move(body));
+    answer.code = reply.returnCode;
+    answer.hasErrors = !InOneLine(reply.Error()).empty();
+    answer.words = WordsOf(reply);
+    answer.lines = std::move(reply.allLines);
+    return answer;
+}
+
+bool HasReturnCode(std::string_view body) {
+    return CodeLine(body).has_value();
+}
+
+std::string InOneLine(std::string_view text) {
+    std::string line;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        std::string_view part = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        while (part.ends_with('\r') || part.ends_with(' '))
+            part.remove_suffix(1);
+        if (!part.empty())
+            line.append(line.empty() ? "" : "; ").append(part);
+    }
+    return line;
+}
+
+} // namespace Bench

@@ -1,0 +1,522 @@
+#include "Tools/SarvexTool/Bench/Supervision/Supervisor.h"
+
+#include "Tools/SarvexTool/Bench/Supervision/RowOutcome.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace Bench {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Between two tries to reach a daemon that is gone.
+constexpr std::chrono::milliseconds waitPause = 1s;
+/// Between two tries to stop the last transmission.
+constexpr std::chrono::milliseconds stopPause = 250ms;
+/// A client pauses for five seconds at most; one that takes longer than this does not go on.
+constexpr std::chrono::milliseconds clientLimit = 60s;
+/// What the system leaves to a program whose console was closed.
+constexpr std::chrono::milliseconds closingLimit = 3s;
+/// After so many lost connections, with a daemon that was there whenever it was asked, the daemon
+/// is taken for one that closes those which are not used.
+constexpr unsigned lossesOfAnIdleCloser = 3;
+/// The exchanges of a client before its first line.
+constexpr std::size_t exchangesAhead = 3;
+
+} // namespace
+
+Supervisor::Supervisor(SupervisorOptions options, ISupervisorHands& hands)
+    : m_options(std::move(options)), m_hands(hands), m_mayTransmit(m_options.mayTransmit) {}
+
+// The daemon, there and gone.
+
+void Supervisor::Begin() {
+    m_doing = Doing::WaitingForDaemon;
+    m_hands.SetTimer(Timer::Wait, m_options.wait);
+    ConnectIdle();
+}
+
+void Supervisor::ConnectIdle() {
+    m_isConnectingIdle = true;
+    m_hands.ConnectIdle();
+}
+
+void Supervisor::IdleConnected() {
+    m_isConnectingIdle = false;
+    m_hasIdle = true;
+    // From here on a restart shows; whether there was one before is not known.
+    m_mustRestore = true;
+    if (m_doing != Doing::WaitingForDaemon)
+        return;
+    if (m_mayTransmit || m_request)
+        SendStop(Doing::StoppingAfterWait);
+    else
+        DaemonBack();
+}
+
+void Supervisor::IdleFailed(const std::string& words) {
+    m_isConnectingIdle = false;
+    if (m_doing != Doing::WaitingForDaemon)
+        return;
+    m_whyGone = words;
+    WaitForDaemon();
+}
+
+void Supervisor::IdleLost() {
+    m_hasIdle = false;
+    if (m_isEnding || m_closesIdle)
+        return;
+    if (++m_idleLosses < lossesOfAnIdleCloser) {
+        ConnectIdle();
+        return;
+    }
+    m_closesIdle = true;
+    m_hands.Note("the daemon closes connections that are not used, so that its restart may not "
+                 "show; the settings are sent again for each segment");
+}
+
+void Supervisor::WaitForDaemon() {
+    m_doing = Doing::WaitingForDaemon;
+    m_hands.ShowState("waiting for the daemon, which " + m_whyGone);
+    m_hands.SetTimer(Timer::Pause, waitPause);
+}
+
+void Supervisor::DaemonGone(const std::string& words) {
+    m_whyGone = words;
+    m_idleLosses = 0;
+    // A line at which the daemon dies each time would keep the run waiting for ever.
+    if (++m_request->timesGone > m_options.retries + 1) {
+        EndEarly("the daemon went away " + std::to_string(m_request->timesGone) + " times at " +
+                 Place() + ": at last it " + words);
+        return;
+    }
+    m_hands.SetTimer(Timer::Wait, m_options.wait);
+    WaitForDaemon();
+}
+
+void Supervisor::DaemonBack() {
+    m_doing = Doing::Nothing;
+    m_hands.CancelTimer(Timer::Wait);
+    m_hands.ShowState("");
+    if (!m_request) {
+        StartNextClient();
+        return;
+    }
+    m_request->failures = 0;
+    TryRequest();
+}
+
+// The client and its requests.
+
+void Supervisor::StartNextClient() {
+    const std::optional<Segment> segment = m_hands.StartClient();
+    if (!segment) {
+        EndRun(RunEnd::Kind::Complete, "");
+        return;
+    }
+    m_segment = *segment;
+    m_exchanges = 0;
+    m_isClientRunning = true;
+    m_mustRestore = m_mustRestore || m_closesIdle;
+    m_hands.SetTimer(Timer::Client, clientLimit);
+}
+
+Supervisor::Kind Supervisor::NextKind() const {
+    constexpr std::array<Kind, exchangesAhead> ahead{Kind::FirstCommand, Kind::MacType,
+                                                     Kind::CountryCode};
+    if (m_exchanges < ahead.size())
+        return ahead.at(m_exchanges);
+    return (m_exchanges - ahead.size()) % 2 == 0 ? Kind::Start : Kind::Stop;
+}
+
+void Supervisor::ClientRequested(const std::string& request) {
+    if (m_isEnding)
+        return;
+    m_hands.CancelTimer(Timer::Client);
+    if (m_request || m_exchanges == exchangesAhead + 2 * m_segment.lines) {
+        EndEarly("the client sends a command too many at " + Place());
+        return;
+    }
+    if (NextKind() == Kind::Start) {
+        RequireRow();
+        if (m_isEnding)
+            return;
+        BeginLine();
+    }
+    m_request = Request{NextKind(), request};
+    ++m_exchanges;
+    TryRequest();
+}
+
+void Supervisor::BeginLine() {
+    m_line = RunningLine();
+    m_line->line =
+        m_segment.firstLine + static_cast<LineNumber>((m_exchanges - exchangesAhead) / 2);
+    m_line->own = m_hands.SettingsOf(m_line->line);
+    m_hands.ShowLine(m_line->line);
+}
+
+void Supervisor::TryRequest() {
+    if (m_request->kind != Kind::Start) {
+        PassRequestOn();
+        return;
+    }
+    if (!m_hasIdle && !m_closesIdle) {
+        m_mustRestore = true;
+        if (!m_isConnectingIdle)
+            ConnectIdle();
+    }
+    const std::vector<std::string> command = m_options.settings.Command();
+    if (!m_mustRestore || command.empty()) {
+        m_mustRestore = false;
+        PassRequestOn();
+        return;
+    }
+    m_doing = Doing::Restoring;
+    m_mustRestore = false;
+    m_hands.Send(command);
+}
+
+bool Supervisor::StartsTransmission(Kind kind) const {
+    return kind == Kind::Start || (kind == Kind::FirstCommand && IsStart(m_options.firstCommand));
+}
+
+void Supervisor::PassRequestOn() {
+    if (StartsTransmission(m_request->kind)) {
+        m_hands.NoteTransmission();
+        m_mayTransmit = true;
+    }
+    m_doing = Doing::PassingOn;
+    m_hands.PassOn(m_request->bytes);
+}
+
+void Supervisor::SendStop(Doing doing) {
+    m_doing = doing;
+    m_hands.Send({"-wifi-stop"});
+}
+
+// What comes of an exchange.
+
+void Supervisor::ExchangeEnded(const ExchangeEnd& end) {
+    switch (m_doing) {
+    case Doing::PassingOn:
+        return RequestEnded(end);
+    case Doing::Restoring:
+        return RestoreEnded(end);
+    case Doing::StoppingBeforeRepeat:
+        return StopBeforeRepeatEnded(end);
+    case Doing::StoppingAfterWait:
+        return StopAfterWaitEnded(end);
+    case Doing::AwaitingLastAnswer:
+        return StopLast();
+    case Doing::StoppingLast:
+        return LastStopEnded(end);
+    case Doing::Nothing:
+    case Doing::WaitingForDaemon:
+        return;
+    }
+}
+
+void Supervisor::RequestEnded(const ExchangeEnd& end) {
+    m_doing = Doing::Nothing;
+    if (end.kind == ExchangeEnd::Kind::Answered)
+        TakeAnswer(end.bytes);
+    else if (end.kind == ExchangeEnd::Kind::Unreachable)
+        DaemonGone(end.words);
+    else
+        RepeatAfter(end);
+}
+
+void Supervisor::RestoreEnded(const ExchangeEnd& end) {
+    m_doing = Doing::Nothing;
+    if (end.kind != ExchangeEnd::Kind::Answered) {
+        m_mustRestore = true;
+        if (end.kind == ExchangeEnd::Kind::Unreachable)
+            DaemonGone(end.words);
+        else
+            RepeatAfter(end);
+        return;
+    }
+    const Answer answer = ReadAnswer(end.bytes);
+    if (answer.IsAccepted())
+        PassRequestOn();
+    else
+        EndEarly("the daemon refuses settings that it had accepted before: " + answer.words);
+}
+
+void Supervisor::RepeatAfter(const ExchangeEnd& end) {
+    ++m_request->failures;
+    m_whyGone = end.words;
+    // Whether the daemon has taken the settings is not known.
+    m_mustRestore = true;
+    if (m_line)
+        m_line->failure = {end.kind == ExchangeEnd::Kind::TimedOut ? Outcome::TimedOut
+                                                                   : Outcome::ConnectionLost,
+                           end.words};
+    m_hands.ShowState("repeating at " + Place() + ", where the daemon " + end.words);
+    if (m_request->kind != Kind::Stop)
+        SendStop(Doing::StoppingBeforeRepeat);
+    else if (m_request->failures <= m_options.retries)
+        PassRequestOn();
+    else
+        DaemonGone(end.words);
+}
+
+void Supervisor::StopBeforeRepeatEnded(const ExchangeEnd& end) {
+    m_doing = Doing::Nothing;
+    if (end.kind != ExchangeEnd::Kind::Answered) {
+        DaemonGone(end.words);
+        return;
+    }
+    NoteStop(end);
+    if (m_request->failures <= m_options.retries)
+        TryRequest();
+    else
+        GiveUp();
+}
+
+void Supervisor::StopAfterWaitEnded(const ExchangeEnd& end) {
+    if (end.kind != ExchangeEnd::Kind::Answered) {
+        m_whyGone = end.words;
+        WaitForDaemon();
+        return;
+    }
+    NoteStop(end);
+    DaemonBack();
+}
+
+void Supervisor::NoteStop(const ExchangeEnd& end) {
+    if (ReadAnswer(end.bytes).IsConfirmation())
+        m_mayTransmit = false;
+}
+
+void Supervisor::TakeAnswer(const std::string& bytes) {
+    Answer answer = ReadAnswer(bytes);
+    switch (m_request->kind) {
+    case Kind::FirstCommand:
+        TakeFirstAnswer(answer);
+        break;
+    case Kind::MacType:
+        m_hands.NoteMacType(answer);
+        break;
+    case Kind::CountryCode:
+        m_hands.NoteCountryCode(answer);
+        break;
+    case Kind::Start:
+        if (answer.IsAccepted())
+            m_options.settings.Accept(m_line->own);
+        m_line->answer = std::move(answer);
+        break;
+    case Kind::Stop:
+        if (answer.IsConfirmation())
+            m_mayTransmit = false;
+        m_line->isStopped = true;
+        break;
+    }
+    ReplyToClient(bytes);
+}
+
+void Supervisor::TakeFirstAnswer(const Answer& answer) {
+    if (answer.IsAccepted())
+        m_options.settings.Accept(SettingsIn(m_options.firstCommand));
+    if (!m_options.firstCommand.empty())
+        m_hands.NoteFirstCommand(answer);
+    m_options.firstCommand.clear();
+}
+
+void Supervisor::GiveUp() {
+    if (m_request->kind == Kind::Start)
+        ReplyToClient("");
+    else
+        EndEarly("there is no answer to " + Place() + ": the daemon " + m_whyGone);
+}
+
+void Supervisor::ReplyToClient(const std::string& bytes) {
+    m_request.reset();
+    m_hands.ShowState("");
+    m_hands.SetTimer(Timer::Client, clientLimit);
+    m_hands.Reply(bytes);
+}
+
+// Rows.
+
+/// Whether there is no line to be kept, or its row was there.
+bool Supervisor::KeepLine() {
+    if (!m_line || !m_line->isStopped)
+        return !m_line;
+    std::optional<std::string> row = m_hands.TakeRow();
+    if (!row)
+        return false;
+    const RunningLine line = *std::exchange(m_line, std::nullopt);
+    LineOutcome outcome = line.answer ? OutcomeOfRow(*row, *line.answer, line.own)
+                                      : LineOutcome{line.failure, line.failure, false};
+    m_hands.Keep({line.line, std::move(outcome), std::move(*row)});
+    return true;
+}
+
+void Supervisor::RequireRow() {
+    if (!KeepLine())
+        EndEarly("the client has written no row for " + Place());
+}
+
+void Supervisor::ClientEnded(int code, const std::string& words) {
+    m_isClientRunning = false;
+    m_hands.CancelTimer(Timer::Client);
+    if (m_isEnding) {
+        KeepLine();
+        EndIfAllIsDone();
+        return;
+    }
+    if (code == 0 && !m_request && m_exchanges == exchangesAhead + 2 * m_segment.lines) {
+        RequireRow();
+        if (!m_isEnding)
+            StartNextClient();
+        return;
+    }
+    // The client may have failed at this very row, for instance at filing it in result.xml.
+    const std::optional<std::string> row =
+        m_line && m_line->isStopped ? m_hands.TakeRow() : std::nullopt;
+    const std::string reason = "the client ended with code " + std::to_string(code) + " at " +
+                               Place() + (words.empty() ? "" : ": " + words);
+    m_line.reset();
+    if (row)
+        m_hands.KeepUnfinished(*row);
+    EndEarly(reason);
+}
+
+// The end.
+
+void Supervisor::TimerExpired(Timer timer) {
+    switch (timer) {
+    case Timer::Pause:
+        if (m_doing == Doing::WaitingForDaemon) {
+            m_hands.DropIdle();
+            m_hasIdle = false;
+            ConnectIdle();
+        } else if (m_doing == Doing::StoppingLast) {
+            SendStop(Doing::StoppingLast);
+        }
+        return;
+    case Timer::Wait:
+        return EndEarly("the daemon is gone: it " + m_whyGone);
+    case Timer::Client:
+        return EndEarly("the client does not go on after " + Place());
+    case Timer::Stop:
+        m_hands.AbandonExchange();
+        if (m_doing == Doing::AwaitingLastAnswer)
+            return StopLast();
+        m_doing = Doing::Nothing;
+        return EndIfAllIsDone();
+    }
+}
+
+void Supervisor::Interrupted() {
+    if (!std::exchange(m_isInterrupted, true)) {
+        EndRun(RunEnd::Kind::Interrupted, "it was interrupted");
+        return;
+    }
+    m_hands.AbandonExchange();
+    m_doing = Doing::Nothing;
+    m_isClientRunning = false;
+    EndIfAllIsDone();
+}
+
+void Supervisor::Closing() {
+    if (m_hasEnded)
+        return;
+    m_options.stopTimeout = closingLimit;
+    const bool isStopping = m_doing == Doing::StoppingLast ||
+                            (m_doing == Doing::PassingOn && m_request->kind == Kind::Stop);
+    if (!isStopping) {
+        m_hands.AbandonExchange();
+        m_doing = Doing::Nothing;
+    }
+    EndRun(RunEnd::Kind::Interrupted, "the console was closed");
+    if (m_doing == Doing::StoppingLast)
+        m_hands.SetTimer(Timer::Stop, closingLimit);
+    else
+        StopLast();
+}
+
+void Supervisor::EndEarly(const std::string& reason) {
+    if (m_isEnding)
+        m_hands.Note(reason);
+    EndRun(RunEnd::Kind::Early, reason);
+    EndIfAllIsDone();
+}
+
+void Supervisor::EndRun(RunEnd::Kind kind, const std::string& reason) {
+    if (std::exchange(m_isEnding, true))
+        return;
+    m_end.kind = kind;
+    m_end.reason = reason;
+    for (const Timer timer : {Timer::Pause, Timer::Wait, Timer::Client})
+        m_hands.CancelTimer(timer);
+    if (m_isClientRunning)
+        m_hands.KillClient();
+    EndTransmission();
+}
+
+/// Takes up the exchange that is under way: a start is to be answered before the stop is sent, and
+/// a stop is the last one.
+void Supervisor::EndTransmission() {
+    const std::optional<Request> request = std::exchange(m_request, std::nullopt);
+    const bool isPassingOn = m_doing == Doing::PassingOn;
+    if (isPassingOn && StartsTransmission(request->kind)) {
+        m_doing = Doing::AwaitingLastAnswer;
+        m_hands.SetTimer(Timer::Stop, m_options.stopTimeout);
+    } else if ((isPassingOn && request->kind == Kind::Stop) ||
+               m_doing == Doing::StoppingBeforeRepeat || m_doing == Doing::StoppingAfterWait) {
+        m_doing = Doing::StoppingLast;
+        m_hands.SetTimer(Timer::Stop, m_options.stopTimeout);
+    } else {
+        m_hands.AbandonExchange();
+        StopLast();
+    }
+}
+
+void Supervisor::StopLast() {
+    if (!m_mayTransmit) {
+        m_doing = Doing::Nothing;
+        EndIfAllIsDone();
+        return;
+    }
+    m_hands.ShowState("stopping the transmission");
+    m_hands.SetTimer(Timer::Stop, m_options.stopTimeout);
+    SendStop(Doing::StoppingLast);
+}
+
+void Supervisor::LastStopEnded(const ExchangeEnd& end) {
+    if (end.kind == ExchangeEnd::Kind::Answered)
+        NoteStop(end);
+    if (m_mayTransmit) {
+        m_hands.SetTimer(Timer::Pause, stopPause);
+        return;
+    }
+    m_doing = Doing::Nothing;
+    EndIfAllIsDone();
+}
+
+void Supervisor::EndIfAllIsDone() {
+    if (!m_isEnding || m_doing != Doing::Nothing || m_isClientRunning || m_hasEnded)
+        return;
+    m_hasEnded = true;
+    m_end.mayTransmit = m_mayTransmit;
+    m_hands.DropIdle();
+    for (const Timer timer : {Timer::Pause, Timer::Stop})
+        m_hands.CancelTimer(timer);
+}
+
+std::string Supervisor::Place() const {
+    if (m_line)
+        return "line " + std::to_string(m_line->line);
+    constexpr std::array<const char*, exchangesAhead + 1> places{
+        "the beginning of a segment", "the first command", "the question for the MAC type",
+        "the question for the country code"};
+    return places.at(std::min(m_exchanges, exchangesAhead));
+}
+
+} // namespace Bench
