@@ -28,6 +28,9 @@ public:
 /// none.
 std::uint16_t ReadPortBesideProgram();
 
+/// The request of a command, as the client's power test would send it to a daemon of that host.
+std::string BuildCommandRequest(const std::string& host, const std::vector<std::string>& arguments);
+
 /// A daemon over the network, asked with the very bytes that the client's test would send.
 class Daemon : public IDaemon {
 public:

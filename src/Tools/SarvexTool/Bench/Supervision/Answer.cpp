@@ -61,6 +61,7 @@ Answer ReadAnswer(std::string bytes) {
     answer.explicitCode = ExplicitCode(body);
     SarvexTool::Reply reply = SarvexTool::SortReply(std::move(body));
     answer.code = reply.returnCode;
+    answer.isCodeUnreadable = reply.failure != nullptr;
     answer.hasErrors = !InOneLine(reply.Error()).empty();
     answer.words = WordsOf(reply);
     answer.lines = std::move(reply.allLines);

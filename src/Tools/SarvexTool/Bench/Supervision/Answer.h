@@ -20,6 +20,8 @@ struct Answer {
     std::int32_t code = 0;
     /// The code that the answer itself gives; nothing where it gives none, or no number.
     std::optional<std::int32_t> explicitCode;
+    /// Whether the line after a marker is no number, which ends the client.
+    bool isCodeUnreadable = false;
     bool hasErrors = false;
     /// Its error lines, or else its information lines, in one line; "return code N" where it has
     /// neither.

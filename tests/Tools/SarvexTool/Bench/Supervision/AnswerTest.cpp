@@ -51,6 +51,11 @@ TEST(AnswerTest, OnlyAnExplicitZeroIsAConfirmation) {
     EXPECT_FALSE(ReadAnswer("").IsConfirmation());
 }
 
+TEST(AnswerTest, CodeThatIsNoNumberIsTold) {
+    EXPECT_TRUE(ReadAnswer("Sarvex tool RETURN CODE\nabc\nDone").isCodeUnreadable);
+    EXPECT_FALSE(ReadAnswer("Sarvex tool RETURN CODE\n12abc\nDone").isCodeUnreadable);
+}
+
 TEST(AnswerTest, ReturnCodeIsThereWhenItsLineHasBegun) {
     EXPECT_TRUE(HasReturnCode("Sarvex tool RETURN CODE\n0"));
     EXPECT_TRUE(HasReturnCode("one\nSarvex tool RETURN CODE\n0\n"));
