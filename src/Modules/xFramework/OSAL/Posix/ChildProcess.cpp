@@ -103,7 +103,7 @@ public:
     [[noreturn]] void Become(pid_t parent) const {
         // A parent that was gone before this call is not noticed by the system.
         if (::prctl(PR_SET_PDEATHSIG, SIGKILL) == 0 && ::getppid() != parent)
-            ::raise(SIGKILL);
+            static_cast<void>(::raise(SIGKILL));
         const Failure failure = TryToBecome();
         const bool isTold = ::write(reportDescriptor, &failure, sizeof failure) == sizeof failure;
         ::_exit(isTold ? 1 : 2);

@@ -1,6 +1,7 @@
 #include "Modules/xFramework/OSAL/ChildProcess.h"
 
 #include "Modules/xFramework/OSAL/Handle.h"
+#include "Modules/xFramework/OSAL/Windows/WideText.h"
 
 #include <windows.h>
 
@@ -22,14 +23,6 @@ HANDLE ToSystem(const OwnedHandle& handle) {
 
 OwnedHandle Own(HANDLE handle) {
     return OwnedHandle(reinterpret_cast<Handle>(handle));
-}
-
-std::wstring FromUtf8(const std::string& text) {
-    const int size = static_cast<int>(text.size());
-    const int wideSize = ::MultiByteToWideChar(CP_UTF8, 0, text.data(), size, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(wideSize), L'\0');
-    ::MultiByteToWideChar(CP_UTF8, 0, text.data(), size, wide.data(), wideSize);
-    return wide;
 }
 
 /// An argument as the C runtime's splitting gives it back: backslashes are doubled before a quote
