@@ -1,6 +1,7 @@
 #include "Tools/SarvexTool/Bench/Files/ClientFolder.h"
 
 #include "Modules/xFramework/OSAL/DurableFile.h"
+#include "Modules/xFramework/OSAL/File.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
 
@@ -30,7 +31,9 @@ void CopyCommandTable(const fs::path& source, const fs::path& folder) {
     std::error_code error;
     if (!fs::exists(fs::symlink_status(source, error)))
         return;
-    if (fs::is_symlink(source) || fs::hard_link_count(source) > 1)
+    // The client's own rule.
+    const OSAL::PathKind kind = OSAL::LookAtPath(NameOf(source));
+    if (kind.isToBeArchived && (kind.isSymbolicLink || OSAL::CountNames(NameOf(source)) > 1))
         throw BadInput(NameOf(source), "is a link, which the client does not read");
     fs::copy_file(source, folder / source.filename());
     fs::permissions(folder / source.filename(), fs::perms::owner_write, fs::perm_options::add);

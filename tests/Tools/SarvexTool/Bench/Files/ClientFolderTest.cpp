@@ -2,6 +2,7 @@
 
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
+#include "tests/Modules/xFramework/OSAL/Fake/World.h"
 #include "tests/Support/Files.h"
 
 #include <gmock/gmock.h>
@@ -21,6 +22,7 @@ using TestSupport::ReadBytes;
 class ClientFolderTest : public testing::Test {
 protected:
     ClientFolderTest() {
+        OSAL::Fake::Reset();
         fs::create_directory(directory.Path("programs"));
         directory.Create("programs/client.exe", "the client");
     }
@@ -86,9 +88,22 @@ TEST_F(ClientFolderTest, OfAClientThatIsNoFileIsNotLeft) {
 }
 
 TEST_F(ClientFolderTest, ATableOfCommandsThatIsALinkIsRefusedAsTheClientDoes) {
-    const std::string table = directory.Create("programs/other.txt", "-wifi-stop 0\n");
-    fs::create_hard_link(table, directory.Path("programs/SarvexToolCmds.txt"));
-    EXPECT_THROW(ClientFolder(folder, program, 4321), BadInput);
+    const std::string table = directory.Create("programs/SarvexToolCmds.txt", "-wifi-stop 0\n");
+    OSAL::Fake::File& file = OSAL::Fake::TheWorld().files[NameOf(fs::canonical(table))];
+    const auto problem = [&]() -> std::string {
+        try {
+            const ClientFolder client(folder, program, 4321);
+        } catch (const BadInput& bad) {
+            return bad.Problems().at(0).text;
+        }
+        return "none";
+    };
+    file.hardLinks = 2;
+    EXPECT_EQ(problem(), "is a link, which the client does not read");
+    file.hardLinks = 1;
+    EXPECT_EQ(problem(), "none");
+    file.kind.isSymbolicLink = true;
+    EXPECT_EQ(problem(), "is a link, which the client does not read");
     EXPECT_FALSE(fs::exists(folder));
 }
 

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -20,7 +22,6 @@ using std::chrono::seconds;
 using std::chrono::system_clock;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using TestSupport::ReadBytes;
 using TestSupport::WriteBytes;
 
 const LockHolder holder{.processId = 1, .directory = "here", .since = "now"};
@@ -32,6 +33,15 @@ protected:
 
     static void KeepLine(RunDirectory& run, LineNumber line, const std::string& row) {
         run.KeepLine({.line = line, .outcome = {}, .row = row}, "2026-03-09T08:05:00.007Z", 0.5);
+    }
+
+    // The names of the tests' support are not in UTF-8 everywhere.
+    static std::string Read(const std::string& name) {
+        std::ifstream file(PathOf(name), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    static void Write(const std::string& name, const std::string& bytes) {
+        std::ofstream(PathOf(name), std::ios::binary) << bytes;
     }
 
     /// A run of two lines that has ended.
@@ -66,15 +76,6 @@ protected:
     const std::string folder = directory.Path() + "/the runs/Prüf lauf";
     const std::string result = folder + "/result.csv";
     const RunFiles files{folder};
-    std::string Read(const std::string& name) const {
-        // The names of the tests' support are not in UTF-8 everywhere.
-        fs::copy_file(PathOf(name), directory.Path("copy"), fs::copy_options::overwrite_existing);
-        return ReadBytes(directory.Path("copy"));
-    }
-    void Write(const std::string& name, const std::string& bytes) const {
-        WriteBytes(directory.Path("copy"), bytes);
-        fs::copy_file(directory.Path("copy"), PathOf(name), fs::copy_options::overwrite_existing);
-    }
 };
 
 TEST_F(RunDirectoryTest, ANewRunHasACopyOfItsTestFileAndEmptyResults) {
