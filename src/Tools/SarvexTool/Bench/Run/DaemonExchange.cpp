@@ -47,7 +47,8 @@ public:
     }
 
     void Abandon() {
-        m_timer.cancel();
+        boost::system::error_code ignored;
+        m_timer.cancel(ignored);
         m_ended = nullptr;
         m_pExchange->Abandon();
     }

@@ -38,8 +38,8 @@ public:
 
     void Close() {
         m_isOver = true;
-        m_timer.cancel();
         error_code ignored;
+        m_timer.cancel(ignored);
         m_socket.close(ignored);
     }
 
@@ -61,8 +61,8 @@ private:
         if (m_isOver)
             return;
         m_isConnected = true;
-        m_timer.cancel();
         error_code ignored;
+        m_timer.cancel(ignored);
         // A host that is gone without a word is noticed at last.
         m_socket.set_option(asio::socket_base::keep_alive(true), ignored);
         Watch();

@@ -133,10 +133,11 @@ private:
             HandOver(pIncoming);
     }
 
-    void Drop(std::shared_ptr<Incoming> pIncoming) {
-        m_incomplete.remove(pIncoming);
+    /// What is given may be the list's own.
+    void Drop(const std::shared_ptr<Incoming>& pIncoming) {
         error_code ignored;
         pIncoming->socket.close(ignored);
+        m_incomplete.remove(pIncoming);
     }
 
     void HandOver(const std::shared_ptr<Incoming>& pIncoming) {
