@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -31,6 +32,10 @@ inline constexpr std::size_t SettingCount = PowerTest::columnCommands.size();
 inline const char* NameOf(Setting setting) {
     return PowerTest::columnCommands[static_cast<std::size_t>(setting)].column;
 }
+
+/// The settings that a line, or a command, writes itself, as the client sends them; nothing for the
+/// others.
+using OwnSettings = std::array<std::optional<std::string>, SettingCount>;
 
 /// One text for each setting, each kept by a TextPool; null where there is none. Settings of one
 /// pool are equal when their texts are.

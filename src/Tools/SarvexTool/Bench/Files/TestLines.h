@@ -3,7 +3,6 @@
 #include "Tools/SarvexTool/Bench/Core/Configurations.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/PowerTable.h"
 
-#include <array>
 #include <cstdint>
 #include <fstream>
 #include <optional>
@@ -11,10 +10,6 @@
 #include <string>
 
 namespace Bench {
-
-/// The settings that a line of a test file has of its own, as the client sends them; nothing for
-/// the others.
-using OwnSettings = std::array<std::optional<std::string>, SettingCount>;
 
 /// A line of a test file.
 struct TestLine {

@@ -2,15 +2,10 @@
 
 #include "Tools/SarvexTool/Bench/Core/Settings.h"
 
-#include <array>
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace Bench {
-
-/// The settings that a line, or a command, writes itself.
-using OwnSettings = std::array<std::optional<std::string>, SettingCount>;
 
 /// The settings that a command of the user's own holds: the daemon's options for them, each with
 /// the argument after it.

@@ -80,7 +80,7 @@ void Supervisor::IdleLost() {
 
 void Supervisor::WaitForDaemon() {
     m_doing = Doing::WaitingForDaemon;
-    m_hands.ShowState("waiting for the daemon, which " + m_whyGone);
+    m_hands.ShowState(RunState::Kind::WaitingForDaemon, m_whyGone);
     m_hands.SetTimer(Timer::Pause, waitPause);
 }
 
@@ -100,7 +100,7 @@ void Supervisor::DaemonGone(const std::string& words) {
 void Supervisor::DaemonBack() {
     m_doing = Doing::Nothing;
     m_hands.CancelTimer(Timer::Wait);
-    m_hands.ShowState("");
+    m_hands.ShowState(RunState::Kind::Measuring, "");
     if (!m_request) {
         StartNextClient();
         return;
@@ -256,7 +256,7 @@ void Supervisor::RepeatAfter(const ExchangeEnd& end) {
         m_line->failure = {end.kind == ExchangeEnd::Kind::TimedOut ? Outcome::TimedOut
                                                                    : Outcome::ConnectionLost,
                            end.words};
-    m_hands.ShowState("repeating at " + Place() + ", where the daemon " + end.words);
+    m_hands.ShowState(RunState::Kind::Repeating, end.words);
     if (m_request->kind != Kind::Stop)
         SendStop(Doing::StoppingBeforeRepeat);
     else if (m_request->failures <= m_options.retries)
@@ -336,7 +336,7 @@ void Supervisor::GiveUp() {
 
 void Supervisor::ReplyToClient(const std::string& bytes) {
     m_request.reset();
-    m_hands.ShowState("");
+    m_hands.ShowState(RunState::Kind::Measuring, "");
     m_hands.SetTimer(Timer::Client, clientLimit);
     m_hands.Reply(bytes);
 }
@@ -484,7 +484,7 @@ void Supervisor::StopLast() {
         EndIfAllIsDone();
         return;
     }
-    m_hands.ShowState("stopping the transmission");
+    m_hands.ShowState(RunState::Kind::Stopping, "");
     m_hands.SetTimer(Timer::Stop, m_options.stopTimeout);
     SendStop(Doing::StoppingLast);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Tools/SarvexTool/Bench/Core/Outcomes.h"
+#include "Tools/SarvexTool/Bench/Core/RunProgress.h"
 #include "Tools/SarvexTool/Bench/Supervision/Answer.h"
 #include "Tools/SarvexTool/Bench/Supervision/DeviceSettings.h"
 
@@ -100,8 +101,9 @@ public:
 
     /// Something that the user should know at the end of the run too, without an end mark.
     virtual void Note(const std::string& text) = 0;
-    /// What the run does now, for the user to watch; empty when it simply runs its lines.
-    virtual void ShowState(const std::string& text) = 0;
+    /// What the run does now, for the user to watch; with what is wrong with the daemon, as in "the
+    /// daemon ...".
+    virtual void ShowState(RunState::Kind state, const std::string& detail) = 0;
     virtual void ShowLine(LineNumber line) = 0;
 };
 

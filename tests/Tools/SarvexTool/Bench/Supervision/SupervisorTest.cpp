@@ -79,7 +79,9 @@ public:
     }
     void CancelTimer(Timer /*timer*/) override {}
     void Note(const std::string& text) override { notes.push_back(text); }
-    void ShowState(const std::string& text) override { state = text; }
+    void ShowState(RunState::Kind kind, const std::string& detail) override {
+        state = std::string(Bench::NameOf(kind)) + ": " + detail;
+    }
     void ShowLine(LineNumber line) override { shownLine = line; }
 
     std::deque<Segment> segments{{2, 2}};
@@ -186,12 +188,12 @@ TEST_F(SupervisorTest, WhatIsNoAnswerIsRepeatedAfterAStopWhileTheClientWaits) {
     Supervisor& supervisor = StartLines();
     supervisor.ClientRequested("start");
     TimeOut();
-    EXPECT_EQ(hands.state, "repeating at line 2, where the daemon is silent");
+    EXPECT_EQ(hands.state, "repeating: is silent");
     Answer();
     Lose();
     Answer();
     Answer();
-    EXPECT_EQ(hands.state, "");
+    EXPECT_EQ(hands.state, "measuring: ");
     EXPECT_THAT(hands.Taken(), ElementsAre("pass on start", "send -wifi-stop", "pass on start",
                                            "send -wifi-stop", "pass on start", "reply"));
 }
@@ -246,7 +248,7 @@ TEST_F(SupervisorTest, DaemonThatAnswersNoStopCountsAsGoneAndTheLineGoesOnWhenIt
     Lose();
     Lose();
     EXPECT_THAT(hands.Taken(), ElementsAre("send -wifi-stop", "wait 300000", "pause 1000"));
-    EXPECT_EQ(hands.state, "waiting for the daemon, which closes the connection");
+    EXPECT_EQ(hands.state, "waiting for the daemon: closes the connection");
     supervisor.TimerExpired(Timer::Pause);
     supervisor.IdleFailed("is away");
     supervisor.TimerExpired(Timer::Pause);

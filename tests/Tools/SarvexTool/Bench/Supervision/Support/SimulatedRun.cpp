@@ -164,8 +164,8 @@ void SimulatedRun::EndExchange(ExchangeEnd::Kind kind, const std::string& body) 
     const bool isBroken = std::exchange(m_isExchangeBroken, false);
     const bool isTaken = body == accepted || body == withoutCode;
     // What is not answered may have been carried out all the same.
-    if (isTaken || (kind != ExchangeEnd::Kind::Unreachable && body.empty() && !isBroken &&
-                    m_choice(2) == 0))
+    if (isTaken ||
+        (kind != ExchangeEnd::Kind::Unreachable && body.empty() && !isBroken && m_choice(2) == 0))
         CarryOut(command);
     if (isTaken && command.line != 0)
         m_expectedRate = command.rate ? command.rate : m_expectedRate;

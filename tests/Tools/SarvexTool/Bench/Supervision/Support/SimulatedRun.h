@@ -48,7 +48,7 @@ public:
     void SetTimer(Timer timer, std::chrono::milliseconds time) override;
     void CancelTimer(Timer timer) override;
     void Note(const std::string& /*text*/) override {}
-    void ShowState(const std::string& /*text*/) override {}
+    void ShowState(RunState::Kind /*state*/, const std::string& /*detail*/) override {}
     void ShowLine(LineNumber /*line*/) override {}
 
 private:
