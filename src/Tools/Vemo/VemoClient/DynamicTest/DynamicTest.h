@@ -4,6 +4,7 @@
 #include "Tools/SarvexTool/Client/CliClient.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/Columns.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/PowerTable.h"
+#include "Tools/Vemo/VemoClient/DynamicTest/ReplySearch.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/TestFile.h"
 
 #include <cstdint>
@@ -116,8 +117,8 @@ private:
     /// The number may hold any count of dots. It is never converted, only copied.
     const std::string targetPowerPattern =
         R"(Target Power: .*Chain ${1} \(${2}\) (-?\d+\.*\d*) dBm)";
-    const std::string mccPattern = R"(Current MCC: (\w{2}))";
-    const std::string macTypePattern = R"(Mac Type: (\d*))";
+    const std::string mccPattern = PowerTest::countryCodePattern;
+    const std::string macTypePattern = PowerTest::macTypePattern;
     const std::string m_valueAttributeName = PowerTest::valueAttribute;
     /// Devices of this MAC type need a longer pause after each line.
     const std::uint32_t slowMacType = 16;

@@ -5,6 +5,11 @@
 
 namespace PowerTest {
 
+/// The patterns of what the daemon tells of its device: the digits of the MAC type, perhaps none,
+/// and the country code.
+inline constexpr const char* macTypePattern = R"(Mac Type: (\d*))";
+inline constexpr const char* countryCodePattern = R"(Current MCC: (\w{2}))";
+
 /// Searches a reply of the daemon with a regular expression (ECMAScript grammar, case-sensitive)
 /// and returns what its first group captured in the first match; nothing when there is no match or
 /// the group took no part in it. Finds what std::regex_search finds, without its recursion: a line
