@@ -1,6 +1,7 @@
 #include "Tools/SarvexTool/Bench/Run/DaemonExchange.h"
 
 #include "Tools/SarvexTool/Bench/Daemon/Exchange.h"
+#include "Tools/SarvexTool/Bench/Supervision/Answer.h"
 
 #include <boost/asio/steady_timer.hpp>
 
@@ -12,15 +13,6 @@ namespace Bench {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-/// Whether a text has the line that announces a return code, and something in the line after it.
-bool HasReturnCode(std::string_view text) {
-    constexpr std::string_view marker = "Sarvex tool RETURN CODE\n";
-    std::size_t found = text.find(marker);
-    while (found != std::string_view::npos && found > 0 && text[found - 1] != '\n')
-        found = text.find(marker, found + 1);
-    return found != std::string_view::npos && found + marker.size() < text.size();
-}
 
 } // namespace
 
@@ -84,13 +76,13 @@ private:
 
     void TakeEnd(const std::string& failure) {
         if (IsAnswered())
-            return End(ExchangeEnd::Answered, "");
+            return End(ExchangeEnd::Kind::Answered, "");
         if (m_pExchange->Step() == ExchangeStep::Connecting)
-            return End(ExchangeEnd::Unreachable, failure);
+            return End(ExchangeEnd::Kind::Unreachable, failure);
         if (m_pExchange->Step() == ExchangeStep::Sending)
-            return End(ExchangeEnd::Lost, failure);
+            return End(ExchangeEnd::Kind::Lost, failure);
         const std::string reason = failure.empty() ? "" : " (" + failure + ")";
-        End(ExchangeEnd::Lost,
+        End(ExchangeEnd::Kind::Lost,
             (m_bytes.empty() ? "closes the connection without an answer"
                              : "closes the connection before the end of its answer") +
                 reason);
@@ -100,11 +92,11 @@ private:
         const double seconds = std::chrono::duration<double>(m_timeout).count();
         const std::string within = "within " + SecondsText(seconds) + " s";
         if (IsAnswered())
-            End(ExchangeEnd::Answered, "");
+            End(ExchangeEnd::Kind::Answered, "");
         else if (m_pExchange->Step() == ExchangeStep::Connecting)
-            End(ExchangeEnd::Unreachable, "cannot be reached " + within);
+            End(ExchangeEnd::Kind::Unreachable, "cannot be reached " + within);
         else
-            End(ExchangeEnd::TimedOut, "gives no whole answer " + within);
+            End(ExchangeEnd::Kind::TimedOut, "gives no whole answer " + within);
     }
 
     void End(ExchangeEnd::Kind kind, const std::string& words) {

@@ -2,7 +2,7 @@
 
 #include "Tools/SarvexTool/Bench/Daemon/DaemonAddress.h"
 #include "Tools/SarvexTool/Bench/Run/EventLoop.h"
-#include "Tools/SarvexTool/Bench/Run/ExchangeEnd.h"
+#include "Tools/SarvexTool/Bench/Supervision/Supervisor.h"
 
 #include <chrono>
 #include <functional>

@@ -64,7 +64,7 @@ TEST_F(DaemonExchangeTest, EndsWithTheEndMark) {
         connection.Send(answer);
         connection.WaitForClose();
     });
-    Expect(told, ExchangeEnd::Answered, answer, "");
+    Expect(told, ExchangeEnd::Kind::Answered, answer, "");
     EXPECT_EQ(got, request);
 }
 
@@ -76,7 +76,7 @@ TEST_F(DaemonExchangeTest, EndsWithAMarkThatComesAfterTheRest) {
         connection.WaitForClose();
     });
     // The mark alone is text.
-    Expect(told, ExchangeEnd::Answered, head + "some text\nDone\nDone", "");
+    Expect(told, ExchangeEnd::Kind::Answered, head + "some text\nDone\nDone", "");
 }
 
 TEST_F(DaemonExchangeTest, AReturnCodeIsAnAnswerWithoutTheMark) {
@@ -86,10 +86,10 @@ TEST_F(DaemonExchangeTest, AReturnCodeIsAnAnswerWithoutTheMark) {
                     connection.Send(answer);
                     connection.Close();
                 }),
-           ExchangeEnd::Answered, answer, "");
+           ExchangeEnd::Kind::Answered, answer, "");
     peer.reset();
     Expect(With(brief, [&](Connection& connection) { connection.Send(answer); }),
-           ExchangeEnd::Answered, answer, "");
+           ExchangeEnd::Kind::Answered, answer, "");
     peer.reset();
     Expect(With(ample,
                 [&](Connection& connection) {
@@ -97,7 +97,7 @@ TEST_F(DaemonExchangeTest, AReturnCodeIsAnAnswerWithoutTheMark) {
                     connection.WaitUntilTaken();
                     connection.Reset();
                 }),
-           ExchangeEnd::Answered, answer, "");
+           ExchangeEnd::Kind::Answered, answer, "");
 }
 
 TEST_F(DaemonExchangeTest, LessThanAReturnCodeIsLost) {
@@ -113,14 +113,14 @@ TEST_F(DaemonExchangeTest, LessThanAReturnCodeIsLost) {
                         connection.Send(head + answer);
                         connection.Close();
                     }),
-               ExchangeEnd::Lost, head + answer,
+               ExchangeEnd::Kind::Lost, head + answer,
                "closes the connection before the end of its answer");
     }
 }
 
 TEST_F(DaemonExchangeTest, NothingIsLost) {
-    Expect(With(ample, [](Connection& connection) { connection.Close(); }), ExchangeEnd::Lost, "",
-           "closes the connection without an answer");
+    Expect(With(ample, [](Connection& connection) { connection.Close(); }), ExchangeEnd::Kind::Lost,
+           "", "closes the connection without an answer");
 }
 
 TEST_F(DaemonExchangeTest, ABrokenConnectionIsLostInTheSystemsWords) {
@@ -129,7 +129,7 @@ TEST_F(DaemonExchangeTest, ABrokenConnectionIsLostInTheSystemsWords) {
         connection.WaitUntilTaken();
         connection.Reset();
     });
-    EXPECT_EQ(told.kind, ExchangeEnd::Lost);
+    EXPECT_EQ(told.kind, ExchangeEnd::Kind::Lost);
     EXPECT_EQ(told.bytes, "half");
     EXPECT_EQ(told.words.find("closes the connection before the end of its answer ("), 0u)
         << told.words;
@@ -137,9 +137,9 @@ TEST_F(DaemonExchangeTest, ABrokenConnectionIsLostInTheSystemsWords) {
 
 TEST_F(DaemonExchangeTest, TimesOutWhenNothingMoreComes) {
     Expect(With(brief, [](Connection& connection) { connection.Send("half"); }),
-           ExchangeEnd::TimedOut, "half", "gives no whole answer within 0.05 s");
+           ExchangeEnd::Kind::TimedOut, "half", "gives no whole answer within 0.05 s");
     peer.reset();
-    Expect(With(brief, [](Connection&) {}), ExchangeEnd::TimedOut, "",
+    Expect(With(brief, [](Connection&) {}), ExchangeEnd::Kind::TimedOut, "",
            "gives no whole answer within 0.05 s");
 }
 
@@ -156,13 +156,13 @@ TEST_F(DaemonExchangeTest, TheTimeCountsFromTheLastByte) {
         connection.SendApart("the end Done");
         connection.WaitForClose();
     });
-    EXPECT_EQ(told.kind, ExchangeEnd::Answered) << told.words;
+    EXPECT_EQ(told.kind, ExchangeEnd::Kind::Answered) << told.words;
     EXPECT_EQ(told.bytes, sent + "the end Done");
 }
 
 TEST_F(DaemonExchangeTest, IsUnreachableWhereNobodyListens) {
     const ExchangeEnd told = Exchange(EndToEnd::UnusedPort(), ample);
-    EXPECT_EQ(told.kind, ExchangeEnd::Unreachable);
+    EXPECT_EQ(told.kind, ExchangeEnd::Kind::Unreachable);
     EXPECT_EQ(told.bytes, "");
     EXPECT_EQ(told.words.find("cannot be reached ("), 0u) << told.words;
 }
@@ -174,7 +174,8 @@ TEST_F(DaemonExchangeTest, AHostNameServesAllExchanges) {
         connection.Close();
     });
     for (const char* const answer : {"0Done", "1Done"})
-        Expect(Exchange(daemon.Port(), ample, "localhost"), ExchangeEnd::Answered, answer, "");
+        Expect(Exchange(daemon.Port(), ample, "localhost"), ExchangeEnd::Kind::Answered, answer,
+               "");
 }
 
 TEST_F(DaemonExchangeTest, KeepsNulsAndReadsToThemAsTheClientDoes) {
@@ -185,7 +186,7 @@ TEST_F(DaemonExchangeTest, KeepsNulsAndReadsToThemAsTheClientDoes) {
                     connection.SendApart("and Done");
                     connection.WaitForClose();
                 }),
-           ExchangeEnd::Answered, first + "and Done", "");
+           ExchangeEnd::Kind::Answered, first + "and Done", "");
     peer.reset();
     const std::string nul(1, '\0');
     // Nothing before a NUL is the end of the answer for the client.
@@ -195,7 +196,7 @@ TEST_F(DaemonExchangeTest, KeepsNulsAndReadsToThemAsTheClientDoes) {
                     connection.SendApart(nul + "Sarvex tool RETURN CODE\n0\nDone");
                     connection.WaitForClose();
                 }),
-           ExchangeEnd::Lost, head + nul + "Sarvex tool RETURN CODE\n0\nDone",
+           ExchangeEnd::Kind::Lost, head + nul + "Sarvex tool RETURN CODE\n0\nDone",
            "closes the connection before the end of its answer");
 }
 
@@ -209,7 +210,7 @@ TEST_F(DaemonExchangeTest, TakesAHugeAnswerWhole) {
         connection.Send(answer);
         connection.WaitForClose();
     });
-    EXPECT_EQ(told.kind, ExchangeEnd::Answered);
+    EXPECT_EQ(told.kind, ExchangeEnd::Kind::Answered);
     EXPECT_TRUE(told.bytes == answer) << told.bytes.size();
 }
 
