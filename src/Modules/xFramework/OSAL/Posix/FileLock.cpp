@@ -51,7 +51,7 @@ FileLock::~FileLock() {
 }
 
 std::string MakeUserFolder(const std::string& name) {
-    const std::string path = "/tmp/" + name + "-" + std::to_string(::geteuid());
+    std::string path = "/tmp/" + name + "-" + std::to_string(::geteuid());
     if (::mkdir(path.c_str(), ownersAlone) != 0 && errno != EEXIST)
         Throw(errno, "cannot make", path);
     struct stat status;

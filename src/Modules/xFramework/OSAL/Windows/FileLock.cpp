@@ -61,7 +61,7 @@ std::string MakeUserFolder(const std::string& name) {
     if (size == 0 || size >= folder.size())
         Throw(ERROR_ENVVAR_NOT_FOUND, "cannot find", "%LOCALAPPDATA%");
     const std::wstring wide = std::wstring(folder.data(), size) + L"\\" + FromUtf8(name);
-    const std::string path = ToUtf8(wide);
+    std::string path = ToUtf8(wide);
     // What is below that folder is the user's own.
     if (!::CreateDirectoryW(wide.c_str(), nullptr) && ::GetLastError() != ERROR_ALREADY_EXISTS)
         Throw(::GetLastError(), "cannot make", path);

@@ -152,8 +152,8 @@ RunDirectory RunDirectory::Create(const std::string& directory, const std::strin
     facts.testFile = {NameOf(fs::absolute(PathOf(testFile))), Copy(testFile, files.testFile)};
     DurableFile result(files.result, DurableFile::Opening::New);
     DurableFile journal(files.journal, DurableFile::Opening::New);
-    DurableFile(files.tree, DurableFile::Opening::New);
-    DurableFile(files.exchanges, DurableFile::Opening::New);
+    for (const std::string& name : {files.tree, files.exchanges})
+        const DurableFile empty(name, DurableFile::Opening::New);
     WriteRunFacts(files.facts, facts);
     SyncNames(directory);
     undo.Forget();
