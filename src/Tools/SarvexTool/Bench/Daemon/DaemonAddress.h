@@ -18,6 +18,11 @@ struct DaemonAddress {
     std::string ToText() const;
 };
 
+/// The address that the system finds for the host first, as digits; the host as it is where it
+/// finds none. All names of this machine's own loopback give one. May block for as long as the
+/// system's resolver takes.
+std::string ResolvedHost(const DaemonAddress& address);
+
 /// Reads HOST, HOST:PORT, [IPv6] or [IPv6]:PORT; nothing for any other text.
 std::optional<DaemonAddress> ParseDaemonAddress(std::string_view text);
 

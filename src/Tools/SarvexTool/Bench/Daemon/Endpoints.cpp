@@ -42,4 +42,15 @@ void Endpoints::Find(Callback callback) {
         });
 }
 
+std::string ResolvedHost(const DaemonAddress& address) {
+    boost::asio::io_context context;
+    const auto pEndpoints = std::make_shared<Endpoints>(context, address);
+    pEndpoints->Find([](const std::string&) {});
+    context.run();
+    if (pEndpoints->All().empty())
+        return address.host;
+    const boost::asio::ip::address found = pEndpoints->All().front().address();
+    return found == boost::asio::ip::address_v6::loopback() ? "127.0.0.1" : found.to_string();
+}
+
 } // namespace Bench

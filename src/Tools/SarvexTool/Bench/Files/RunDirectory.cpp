@@ -195,6 +195,11 @@ void RunDirectory::KeepLine(const FinishedLine& line, const std::string& started
     m_lastLine = line.line;
 }
 
+void RunDirectory::KeepUnfinishedRow(std::string_view row) {
+    m_result.Append(row);
+    m_result.Sync();
+}
+
 std::string NewRunName(const std::string& testFile, std::chrono::system_clock::time_point now) {
     constexpr std::size_t toTheSecond = 19;
     std::string time = UtcTime(now).substr(0, toTheSecond);

@@ -48,6 +48,9 @@ public:
     /// Keeps the line after LastLine. started is as UtcTime writes it.
     void KeepLine(const FinishedLine& line, const std::string& started, double seconds);
 
+    /// Adds the row of a line that is not finished; it goes when the run is resumed.
+    void KeepUnfinishedRow(std::string_view row);
+
 private:
     RunDirectory(RunFiles files, OSAL::FileLock lock, RunFacts facts, OSAL::DurableFile result,
                  OSAL::DurableFile journal, LineNumber lastLine);

@@ -29,6 +29,7 @@ Json ToJson(const RunOptions& options) {
     PutText(json, "client", options.client);
     PutTexts(json, "firstCommand", options.firstCommand);
     json["firstCommandAnswered"] = options.firstCommandAnswered;
+    json["firstCommandAccepted"] = options.firstCommandAccepted;
     return json;
 }
 
@@ -46,6 +47,7 @@ RunOptions OptionsOf(const JsonFields& fields) {
     options.client = fields.Text("client");
     options.firstCommand = fields.Texts("firstCommand");
     options.firstCommandAnswered = fields.Flag("firstCommandAnswered");
+    options.firstCommandAccepted = fields.Flag("firstCommandAccepted");
     return options;
 }
 

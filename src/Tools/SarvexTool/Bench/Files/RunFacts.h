@@ -24,6 +24,8 @@ struct RunOptions {
     /// The arguments of the client's own first command.
     std::vector<std::string> firstCommand;
     bool firstCommandAnswered = false;
+    /// Whether the daemon keeps its settings.
+    bool firstCommandAccepted = false;
 
     bool operator==(const RunOptions&) const = default;
 };

@@ -33,7 +33,8 @@ RunFacts FullFacts() {
                      .force = true,
                      .client = "/opt/SarvexToolClient",
                      .firstCommand = {"-wifi-band", "\xFE"},
-                     .firstCommandAnswered = true};
+                     .firstCommandAnswered = true,
+                     .firstCommandAccepted = true};
     facts.startPassedOn = true;
     facts.stopConfirmed = true;
     facts.linesTotal = 40000;
@@ -95,7 +96,8 @@ TEST(RunFactsTest, AreWrittenInAFixedOrder) {
         "base64": "/g=="
       }
     ],
-    "firstCommandAnswered": true
+    "firstCommandAnswered": true,
+    "firstCommandAccepted": true
   },
   "startPassedOn": true,
   "stopConfirmed": true,

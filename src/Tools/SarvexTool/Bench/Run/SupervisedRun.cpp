@@ -1,0 +1,393 @@
+#include "Tools/SarvexTool/Bench/Run/SupervisedRun.h"
+
+#include "Modules/xFramework/OSAL/Interruption.h"
+#include "Modules/xFramework/Utilities/StringToInt.h"
+#include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
+#include "Tools/SarvexTool/Bench/Files/ExchangeLog.h"
+#include "Tools/SarvexTool/Bench/Files/ResultTreeWriter.h"
+#include "Tools/SarvexTool/Bench/Files/UtcTime.h"
+#include "Tools/SarvexTool/Bench/Run/ClientFeed.h"
+#include "Tools/SarvexTool/Bench/Run/ClientLog.h"
+#include "Tools/SarvexTool/Bench/Run/ClientProcess.h"
+#include "Tools/SarvexTool/Bench/Run/DaemonExchange.h"
+#include "Tools/SarvexTool/Bench/Run/IdleConnection.h"
+#include "Tools/SarvexTool/Bench/Run/Relay.h"
+#include "Tools/SarvexTool/Bench/Run/Timers.h"
+#include "Tools/Vemo/VemoClient/DynamicTest/ReplySearch.h"
+
+#include <algorithm>
+#include <functional>
+#include <stdexcept>
+#include <utility>
+
+namespace Bench {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// A timer beside those of the supervisor.
+constexpr int tick = static_cast<int>(Timer::Stop) + 1;
+constexpr std::chrono::milliseconds tickTime(100);
+/// A daemon that is there takes a connection at once.
+constexpr std::chrono::milliseconds longestConnecting(10'000);
+
+std::chrono::milliseconds Milliseconds(double seconds) {
+    constexpr double perSecond = 1000;
+    return std::chrono::milliseconds(static_cast<std::int64_t>(seconds * perSecond));
+}
+
+std::string Now() {
+    return UtcTime(std::chrono::system_clock::now());
+}
+
+/// What went wrong, in one line.
+std::string WordsOf(const std::exception& error) {
+    const auto* const pBadFile = dynamic_cast<const BadFile*>(&error);
+    if (pBadFile == nullptr)
+        return error.what();
+    const Problem& first = pBadFile->Problems().front();
+    return pBadFile->File() +
+           (first.line == 0 ? " " : ", line " + std::to_string(first.line) + ": ") + first.text;
+}
+
+std::string BodyOf(const std::string& request) {
+    constexpr std::string_view headEnd = "\r\n\r\n";
+    const std::size_t end = request.find(headEnd);
+    return end == std::string::npos ? request : request.substr(end + headEnd.size());
+}
+
+ExchangeResult ResultOf(ExchangeEnd::Kind kind) {
+    switch (kind) {
+    case ExchangeEnd::Kind::Answered:
+        return ExchangeResult::Answered;
+    case ExchangeEnd::Kind::TimedOut:
+        return ExchangeResult::TimedOut;
+    case ExchangeEnd::Kind::Lost:
+        return ExchangeResult::ConnectionLost;
+    case ExchangeEnd::Kind::Unreachable:
+        break;
+    }
+    return ExchangeResult::Unreachable;
+}
+
+DaemonAddress AddressOf(const RunFacts& facts) {
+    const std::optional<DaemonAddress> address = ParseDaemonAddress(facts.daemon);
+    if (!address || address->port == 0)
+        throw std::runtime_error("the run's daemon \"" + facts.daemon + "\" is no address");
+    return *address;
+}
+
+std::optional<std::int32_t> MacTypeIn(const Answer& answer) {
+    try {
+        const auto digits = PowerTest::FindInReply(answer.lines, PowerTest::macTypePattern);
+        return digits ? std::optional(Utilities::StringToInt(*digits)) : std::nullopt;
+    } catch (const std::logic_error&) {
+        return std::nullopt;
+    }
+}
+
+/// What the daemon was set to by the lines that a run has already.
+DeviceSettings SettingsSoFar(const RunDirectory& directory, const RunOptions& options) {
+    DeviceSettings settings;
+    if (options.firstCommandAccepted)
+        settings.Accept(SettingsIn(options.firstCommand));
+    TestLines lines(directory.Files().testFile);
+    TestLine line;
+    for (const JournalEntry& entry : ReadJournal(directory.Files().journal)) {
+        if (lines.Read(line) && entry.outcome.isAccepted)
+            settings.Accept(line.own);
+    }
+    return settings;
+}
+
+SupervisorOptions OptionsOf(RunDirectory& directory) {
+    const RunFacts& facts = directory.Facts();
+    SupervisorOptions options;
+    options.retries = facts.options.retries;
+    options.wait = Milliseconds(facts.options.wait);
+    options.stopTimeout = Milliseconds(facts.options.stopTimeout);
+    if (!facts.options.firstCommandAnswered)
+        options.firstCommand = facts.options.firstCommand;
+    options.settings = SettingsSoFar(directory, facts.options);
+    options.mayTransmit = facts.startPassedOn && !facts.stopConfirmed;
+    return options;
+}
+
+/// The hands of a supervisor, on a loop of their own.
+class Hands : private ISupervisorHands {
+public:
+    Hands(RunDirectory& directory, IRunWatcher& watcher)
+        : m_directory(directory),
+          m_watcher(watcher),
+          m_address(AddressOf(directory.Facts())),
+          m_log(directory.Files().exchanges),
+          m_peer(m_loop, m_address),
+          m_relay(
+              m_loop,
+              [this](const std::string& request) {
+                  Tell([&request](Supervisor& supervisor) { supervisor.ClientRequested(request); });
+              }),
+          m_timers(m_loop, [this](int timer) { TimerExpired(timer); }),
+          m_folder(directory.Files().client, directory.Facts().options.client, m_relay.Port()),
+          m_feed(directory.Files().testFile, directory.LastLine()),
+          m_supervisor(OptionsOf(directory), *this) {}
+
+    RunEnd Run() {
+        const OSAL::InterruptionListener listener([this](OSAL::InterruptionKind kind) {
+            m_loop.Post([this, kind] {
+                Tell([kind](Supervisor& supervisor) {
+                    if (kind == OSAL::InterruptionKind::ConsoleClosing)
+                        supervisor.Closing();
+                    else
+                        supervisor.Interrupted();
+                });
+            });
+        });
+        m_loop.Post([this] { Tell([](Supervisor& supervisor) { supervisor.Begin(); }); });
+        m_timers.Set(tick, tickTime);
+        m_loop.Run();
+        m_client.reset();
+        m_directory.Facts().closesIdleConnections = m_supervisor.ClosesIdleConnections();
+        return CompleteResult(m_supervisor.End());
+    }
+
+private:
+    /// Tells the supervisor what happened. An error of its hands is one more event.
+    void Tell(const std::function<void(Supervisor&)>& event) {
+        try {
+            event(m_supervisor);
+        } catch (const std::exception& error) {
+            m_supervisor.EndEarly(WordsOf(error));
+        }
+        if (m_supervisor.HasEnded())
+            m_loop.Stop();
+    }
+
+    void TimerExpired(int timer) {
+        if (timer == tick) {
+            m_watcher.Tick();
+            m_timers.Set(tick, tickTime);
+            return;
+        }
+        Tell([timer](Supervisor& supervisor) {
+            supervisor.TimerExpired(static_cast<Timer>(timer));
+        });
+    }
+
+    RunEnd CompleteResult(RunEnd end) {
+        try {
+            KeepHeader();
+            if (end.kind == RunEnd::Kind::Complete)
+                WriteResultTree({m_directory.Files().result, m_feed.Header(),
+                                 m_directory.Facts().countryCode.value_or(PowerTest::unsetCell)},
+                                m_directory.Files().tree);
+        } catch (const std::exception& error) {
+            if (end.kind == RunEnd::Kind::Complete)
+                end = {RunEnd::Kind::Early, WordsOf(error), end.mayTransmit};
+        }
+        return end;
+    }
+
+    // The daemon.
+
+    void ConnectIdle() override {
+        m_idle.emplace(
+            m_loop, m_peer,
+            std::min(Milliseconds(m_directory.Facts().options.answerTimeout), longestConnecting),
+            IdleConnection::Events{
+                [this] { Tell([](Supervisor& supervisor) { supervisor.IdleConnected(); }); },
+                [this](const std::string& words) {
+                    Tell([words](Supervisor& supervisor) { supervisor.IdleFailed(words); });
+                },
+                [this] { Tell([](Supervisor& supervisor) { supervisor.IdleLost(); }); }});
+    }
+
+    void DropIdle() override { m_idle.reset(); }
+
+    void PassOn(const std::string& request) override { Exchange(request, Sender::Client); }
+
+    void Send(const std::vector<std::string>& command) override {
+        Exchange(BuildCommandRequest(m_address.host, command), Sender::Supervisor);
+    }
+
+    void Exchange(const std::string& request, Sender sender) {
+        LoggedExchange logged;
+        logged.line = m_line;
+        logged.by = sender;
+        logged.command = BodyOf(request);
+        logged.time = Now();
+        m_exchange.emplace(
+            m_loop, m_peer, request, Milliseconds(m_directory.Facts().options.answerTimeout),
+            [this, logged, start = Clock::now()](ExchangeEnd end) mutable {
+                logged.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+                EndExchange(std::move(logged), std::move(end));
+            });
+    }
+
+    /// The supervisor hears of the end even if it cannot be logged.
+    void EndExchange(LoggedExchange logged, ExchangeEnd end) {
+        logged.result = ResultOf(end.kind);
+        logged.answer = end.bytes;
+        std::string failure;
+        try {
+            m_log.Append(std::move(logged));
+        } catch (const std::exception& error) {
+            failure = WordsOf(error);
+        }
+        Tell([&](Supervisor& supervisor) {
+            supervisor.ExchangeEnded(end);
+            if (!failure.empty())
+                supervisor.EndEarly(failure);
+        });
+    }
+
+    void AbandonExchange() override { m_exchange.reset(); }
+
+    // The client.
+
+    void Reply(const std::string& answer) override { m_relay.Reply(answer); }
+
+    std::optional<Segment> StartClient() override {
+        m_feed.WriteNext(m_folder, m_directory.Facts().options.segment);
+        const std::vector<TestLine>& lines = m_feed.Lines();
+        // A file without lines has a header, which its client writes too.
+        const bool isWithoutLines = !m_client && m_directory.LastLine() == 0;
+        if (lines.empty() && !isWithoutLines)
+            return std::nullopt;
+        OSAL::ChildStart start;
+        start.program = m_folder.Program();
+        start.arguments = {"-wifi-test-by-file", "lines.csv"};
+        const RunOptions& options = m_directory.Facts().options;
+        if (!options.firstCommandAnswered)
+            start.arguments.insert(start.arguments.end(), options.firstCommand.begin(),
+                                   options.firstCommand.end());
+        start.workingDirectory = m_folder.Path();
+        start.outputFile = m_directory.Files().console;
+        m_clientLog = ClientLog(start.outputFile);
+        m_client.emplace(m_loop, start, [this](OSAL::ChildEnd end) { ClientEnded(end); });
+        return Segment{lines.empty() ? 0 : lines.front().number, lines.size()};
+    }
+
+    void ClientEnded(OSAL::ChildEnd end) {
+        std::string words = m_clientLog.LastLine();
+        if (end.isBySignal)
+            words = "killed by signal " + std::to_string(end.code);
+        Tell([&](Supervisor& supervisor) { supervisor.ClientEnded(end.code, words); });
+    }
+
+    void KillClient() override { m_client->Kill(); }
+
+    OwnSettings SettingsOf(LineNumber line) override { return m_feed.Line(line).own; }
+
+    // What is kept.
+
+    std::optional<std::string> TakeRow() override {
+        std::optional<std::string> row = m_feed.TakeRow();
+        KeepHeader();
+        return row;
+    }
+
+    void KeepHeader() {
+        if (m_client && m_directory.IsResultEmpty() && !m_feed.ResultHeader().empty())
+            m_directory.KeepHeader(m_feed.ResultHeader());
+    }
+
+    void Keep(const FinishedLine& line) override {
+        const std::chrono::duration<double> taken = Clock::now() - m_lineStart;
+        m_directory.KeepLine(line, m_lineStarted, taken.count());
+        const std::string reason = m_watcher.FinishLine(line, SettingsOf(line.line));
+        if (!reason.empty())
+            m_supervisor.EndEarly(reason);
+    }
+
+    void KeepUnfinished(const std::string& row) override { m_directory.KeepUnfinishedRow(row); }
+
+    void NoteTransmission() override {
+        RunFacts& facts = m_directory.Facts();
+        if (facts.startPassedOn && !facts.stopConfirmed)
+            return;
+        facts.startPassedOn = true;
+        facts.stopConfirmed = false;
+        m_directory.SaveFacts();
+    }
+
+    void NoteFirstCommand(const Answer& answer) override {
+        RunFacts& facts = m_directory.Facts();
+        facts.options.firstCommandAnswered = true;
+        facts.options.firstCommandAccepted = answer.IsAccepted();
+        if (!answer.IsAccepted())
+            Note("the daemon refused the first command: " + answer.words);
+        m_directory.SaveFacts();
+    }
+
+    void NoteMacType(const Answer& answer) override {
+        const std::optional<std::int32_t> macType = MacTypeIn(answer);
+        RunFacts& facts = m_directory.Facts();
+        if (!facts.macType)
+            facts.macType = macType;
+        else if (macType != facts.macType)
+            Note("the device's MAC type has changed while the run went on");
+    }
+
+    void NoteCountryCode(const Answer& answer) override {
+        const auto code = PowerTest::FindInReply(answer.lines, PowerTest::countryCodePattern);
+        RunFacts& facts = m_directory.Facts();
+        if (facts.countryCode && code != facts.countryCode)
+            Note("the device's country code has changed while the run went on");
+        if (facts.countryCode || !code)
+            return;
+        facts.countryCode = code;
+        m_directory.SaveFacts();
+    }
+
+    void SetTimer(Timer timer, std::chrono::milliseconds time) override {
+        m_timers.Set(static_cast<int>(timer), time);
+    }
+    void CancelTimer(Timer timer) override { m_timers.Cancel(static_cast<int>(timer)); }
+
+    void Note(const std::string& text) override {
+        std::vector<std::string>& notes = m_directory.Facts().notes;
+        if (std::find(notes.begin(), notes.end(), text) == notes.end())
+            notes.push_back(text);
+    }
+
+    void ShowState(RunState::Kind state, const std::string& detail) override {
+        m_watcher.ShowState(state, detail);
+    }
+
+    void ShowLine(LineNumber line) override {
+        m_line = line;
+        m_lineStart = Clock::now();
+        m_lineStarted = Now();
+        m_watcher.BeginLine(line, SettingsOf(line));
+    }
+
+    EventLoop m_loop;
+    RunDirectory& m_directory;
+    IRunWatcher& m_watcher;
+    DaemonAddress m_address;
+    ExchangeLog m_log;
+    DaemonPeer m_peer;
+    Relay m_relay;
+    Timers m_timers;
+    ClientFolder m_folder;
+    ClientFeed m_feed;
+    Supervisor m_supervisor;
+    std::optional<IdleConnection> m_idle;
+    std::optional<DaemonExchange> m_exchange;
+    std::optional<ClientProcess> m_client;
+    ClientLog m_clientLog;
+    /// The line that is under way.
+    LineNumber m_line = 0;
+    Clock::time_point m_lineStart;
+    std::string m_lineStarted;
+};
+
+} // namespace
+
+RunEnd RunSupervised(RunDirectory& directory, IRunWatcher& watcher) {
+    return Hands(directory, watcher).Run();
+}
+
+} // namespace Bench
