@@ -4,6 +4,7 @@ schemas of docs/, JUnit by xmllint with the schema of Jenkins and by a reader of
 
 usage: outputs_test.py [LAUNCHER] PROGRAM      (LAUNCHER runs a program of another system)
 """
+import base64
 import csv
 import json
 import pathlib
@@ -45,6 +46,18 @@ HOSTILE = [
     b"<script>alert(1)</script>", b"]]>", b"&amp;&bogus;", b"\"'`", b"=1+1", b"@SUM(A1)", b"+cmd|' /C calc'!A0",
     b"-2+3", b"\xe2\x80\xae", b"\\u0000", b"{}", b"a\rb", b"a\tb", b"$(Band)", b"%s%n", b"\xc3\xa4",
 ]
+
+
+def journal(result, refusals):
+    """The journal of a run that wrote this result, each line of which was refused with those bytes."""
+    lines, end = [], len(HEADER)
+    rows = result[len(HEADER):].split(b"\n")[:-1]
+    for number, (row, refusal) in enumerate(zip(rows, refusals, strict=True), 2):
+        end += len(row) + 1
+        chain = {"outcome": "refused", "textBase64": base64.b64encode(refusal).decode("ascii")}
+        lines.append(json.dumps({"line": number, "accepted": False, "a": chain, "b": chain, "csvEnd": end,
+                                 "started": "2026-11-22T07:30:00Z", "seconds": 1.25}))
+    return "".join(line + "\n" for line in lines).encode("ascii")
 
 
 class OutputsTest(unittest.TestCase):
@@ -164,6 +177,33 @@ class OutputsTest(unittest.TestCase):
         for row in rows:
             for key in ("Channel", "Reason"):
                 self.assertFalse(row[key].startswith(("=", "+", "-2", "@")), row)
+
+    def test_words_of_the_daemon_are_nothing_but_texts(self):
+        result = HEADER + b"".join(b"5,A,80,%d,MCS0,NA,NA\n" % channel for channel in range(len(HOSTILE)))
+        self.write("result.csv", result)
+        self.write("journal.jsonl", journal(result, HOSTILE))
+        self.write("run.json", b'{"linesTotal": 100}')
+        ended = self.judge("--json", "out.json", "--junit", "out.xml", "--csv", "out.csv")
+        self.assertEqual(ended.returncode, 1, ended.stderr)
+        document = self.check_json("out.json", "judgement.schema.json")
+        self.assertEqual(document["result"]["endedEarly"],
+                         {"linesDone": len(HOSTILE), "linesTotal": 100})
+        self.assertEqual({shown["cause"] for shown in document["measurements"]}, {"refused"})
+        self.assertEqual(document["measurements"][5]["reason"],
+                         "the daemon refused the line: " + HOSTILE[5].decode())
+        self.assertEqual(self.check_junit("out.xml"), (len(HOSTILE) + 1, len(HOSTILE) + 1))
+        for shown in (ended.stdout, (self.folder / "out.csv").read_bytes(),
+                      (self.folder / "out.xml").read_bytes()):
+            self.assertEqual([byte for byte in set(shown) if byte < 0x20 and byte != 0x0A], [])
+            self.assertNotIn("\u202e", shown.decode("utf-8"))
+
+    def test_comparison_of_runs_that_ended_early_fits_its_schema(self):
+        rows = RUN[len(HEADER):].count(b"\n")
+        self.write("journal.jsonl", journal(RUN, [b"No."] * rows))
+        ended = self.run_program("compare", "old.csv", "result.csv", "--json", "out.json")
+        self.assertEqual(ended.returncode, 1, ended.stderr)
+        document = self.check_json("out.json", "comparison.schema.json")
+        self.assertEqual(document["new"]["endedEarly"], {"linesDone": rows, "linesTotal": None})
 
     def test_outputs_are_the_same_bytes_as_on_standard_output(self):
         for option in ("--json", "--junit", "--csv"):

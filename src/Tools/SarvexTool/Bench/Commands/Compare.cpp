@@ -50,8 +50,10 @@ bool HasPower(const RunResult& run) {
 void WriteComparedPage(const ResultNames& oldNames, const ResultNames& newNames,
                        const ComparedRuns& compared, std::ostream& stream) {
     const PageBaseline baseline{compared.oldResult.run, compared.differences, compared.tolerance};
-    std::vector<PageFact> facts = FactsOf(newNames, compared.newResult.device);
-    for (PageFact& fact : FactsOfBaseline(oldNames, compared.oldResult.device))
+    std::vector<PageFact> facts =
+        FactsOf(newNames, compared.newResult.run, compared.newResult.device);
+    for (PageFact& fact :
+         FactsOfBaseline(oldNames, compared.oldResult.run, compared.oldResult.device))
         facts.push_back(std::move(fact));
     WritePage({"Comparison of two transmit power tests", SubjectOf(newNames.table),
                std::move(facts), compared.newResult.run, nullptr, &baseline},

@@ -11,11 +11,13 @@ namespace Bench {
 /// A name of a file as a page's heading: standard input is called so.
 std::string SubjectOf(const std::string& name);
 
-/// What is known of a run beside its measurements: when its file was written, and the device's
-/// country code or why it is not known.
-std::vector<PageFact> FactsOf(const ResultNames& names, const DeviceFacts& device);
+/// What is known of a run beside its measurements: when its file was written, the device's country
+/// code or why it is not known, and whether the run ended early.
+std::vector<PageFact> FactsOf(const ResultNames& names, const RunResult& run,
+                              const DeviceFacts& device);
 
 /// The same of a run that another one is held against, with its name.
-std::vector<PageFact> FactsOfBaseline(const ResultNames& names, const DeviceFacts& device);
+std::vector<PageFact> FactsOfBaseline(const ResultNames& names, const RunResult& run,
+                                      const DeviceFacts& device);
 
 } // namespace Bench

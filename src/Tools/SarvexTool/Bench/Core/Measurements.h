@@ -2,6 +2,7 @@
 
 #include "Tools/SarvexTool/Bench/Core/Configurations.h"
 #include "Tools/SarvexTool/Bench/Core/Decimal.h"
+#include "Tools/SarvexTool/Bench/Core/Outcomes.h"
 
 #include <optional>
 #include <string>
@@ -22,16 +23,25 @@ struct NotMeasured {
         /// The daemon reported no power of the chain.
         NoPower,
         /// A setting was carried over from a line that the daemon refused.
-        Uncertain
+        Uncertain,
+        /// The journal of the run tells another outcome than a measured power.
+        Journalled
     };
 
     Cause cause = Cause::NoPower;
     /// For Uncertain: the setting and the refused line.
     Setting setting{};
     LineNumber since = 0;
+    /// For Journalled. The text belongs to the pool of the run; null where there is none.
+    Outcome outcome = Outcome::Measured;
+    const std::string* text = nullptr;
 
-    /// A sentence without an end mark, for example "Band is uncertain since line 12".
+    /// A sentence without an end mark, for example "Band is uncertain since line 12". It may hold
+    /// what the daemon has said, any bytes.
     std::string ToText() const;
+
+    /// The cause in few words that do not change: "no power", "uncertain", or the outcome's name.
+    const char* CauseName() const;
 };
 
 /// One line of a run: its number and its effective settings.
@@ -51,6 +61,19 @@ struct Measurement {
     NotMeasured reason;
 };
 
+/// A run that did not come to its last line.
+struct EarlyEnd {
+    /// Without the header.
+    std::size_t linesDone = 0;
+    /// Nothing where it is not known.
+    std::optional<std::size_t> linesTotal;
+
+    /// "the run ended early: 5 of 12 lines were run"
+    std::string ToText() const;
+
+    bool operator==(const EarlyEnd&) const = default;
+};
+
 /// The measurements of one run, in the order of its lines. The texts belong to the pool that they
 /// were kept in, which outlives the run.
 struct RunResult {
@@ -59,6 +82,8 @@ struct RunResult {
     /// Powers of chains that their configuration does not name. They are neither judged nor
     /// compared.
     std::size_t unexpectedPowers = 0;
+    /// Nothing for a run that is complete, or of which nothing tells whether it is.
+    std::optional<EarlyEnd> earlyEnd;
 
     const Settings& SettingsOf(const Measurement& measurement) const {
         return configurations[measurement.configuration].settings;
@@ -68,12 +93,28 @@ struct RunResult {
     }
 };
 
+/// What a run's journal tells of a chain of a line. The text belongs to the pool of the run; null
+/// where there is none.
+struct JournalledChain {
+    Outcome outcome = Outcome::Measured;
+    const std::string* text = nullptr;
+};
+
+/// What a run's journal tells of a line.
+struct JournalledLine {
+    JournalledChain a;
+    JournalledChain b;
+    bool isAccepted = false;
+};
+
 /// One row of a result: the settings that its line wrote, and the powers that the daemon reported.
 struct Row {
     LineNumber line = 0;
     Settings own;
     std::optional<Decimal> powerA;
     std::optional<Decimal> powerB;
+    /// Nothing for a run without a journal: then a line with a power is one that the daemon took.
+    std::optional<JournalledLine> journalled = {};
 };
 
 /// Makes a run's measurements from its rows, taken in their order.
@@ -88,9 +129,10 @@ public:
     RunResult Take();
 
 private:
-    void AddMeasurement(Chain chain, const std::optional<Decimal>& power);
-    void AddExpected(const Row& row, ExpectedChains chains);
-    void AddWhatIsThere(const Row& row);
+    void AddMeasurement(Chain chain, const Row& row);
+    /// Both return whether there is a power that speaks for the line's acceptance.
+    bool AddExpected(const Row& row, ExpectedChains chains);
+    bool AddWhatIsThere(const Row& row);
 
     CarriedSettings m_carried;
     RunResult m_run;

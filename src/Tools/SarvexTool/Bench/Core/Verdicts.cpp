@@ -50,6 +50,7 @@ std::optional<Decimal> MarginOf(Decimal power, const Limit& limit) {
 Judgements Judge(const RunResult& run, LimitTable& table) {
     Judgements judgements;
     judgements.all.reserve(run.measurements.size());
+    judgements.hasEndedEarly = run.earlyEnd.has_value();
     for (std::size_t index = 0; index < run.measurements.size(); ++index) {
         const Judgement judgement = JudgeOne(run, index, table);
         judgements.all.push_back(judgement);

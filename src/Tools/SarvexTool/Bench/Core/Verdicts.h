@@ -29,9 +29,11 @@ struct Judgement {
 struct Judgements {
     std::vector<Judgement> all;
     std::array<std::size_t, VerdictCount> counts{};
+    /// Such a run has not passed, whatever its measurements.
+    bool hasEndedEarly = false;
 
     std::size_t Count(Verdict verdict) const { return counts[static_cast<std::size_t>(verdict)]; }
-    bool HaveAllPassed() const { return Count(Verdict::Pass) == all.size(); }
+    bool HaveAllPassed() const { return !hasEndedEarly && Count(Verdict::Pass) == all.size(); }
 };
 
 /// Judges each measurement of a run. The judgements point into the table.

@@ -5,9 +5,11 @@
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/ResultTree.h"
+#include "Tools/SarvexTool/Bench/Files/RunEnd.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/TestFile.h"
 
 #include <algorithm>
+#include <fstream>
 #include <utility>
 
 namespace Bench {
@@ -18,6 +20,7 @@ constexpr ProblemKind headerKind{Severity::Error, "wrong headers"};
 constexpr ProblemKind rowKind{Severity::Error, "lines without their two powers"};
 constexpr ProblemKind powerKind{Severity::Error, "cells that are no power"};
 constexpr ProblemKind emptyKind{Severity::Error, "results without a measurement"};
+constexpr ProblemKind journalKind{Severity::Error, "rows that are not those of the journal"};
 
 /// The next line without its end, taken off the text. A result that was written on Windows ends its
 /// lines in CR LF.
@@ -51,7 +54,7 @@ std::optional<Setting> SettingNamed(std::string_view title) {
 /// Reads the lines of a result.csv.
 class ResultReader {
 public:
-    explicit ResultReader(TextPool& texts) : m_texts(texts) {}
+    ResultReader(TextPool& texts, JournalReader* pJournal) : m_texts(texts), m_pJournal(pJournal) {}
 
     void Read(std::string_view bytes) {
         if (bytes.empty()) {
@@ -61,20 +64,27 @@ public:
             return;
         }
         m_builder.Reserve(static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), '\n')));
+        const std::size_t size = bytes.size();
         const bool isWhole = bytes.ends_with('\n');
-        const bool hasHeader = ReadHeader(TakeLine(bytes));
-        while (!bytes.empty()) {
+        // Without its header it may be any other file, of whose lines nothing could be said.
+        if (!ReadHeader(TakeLine(bytes)))
+            return;
+        while (!bytes.empty() && IsFinished()) {
             ++m_line;
             const std::string_view line = TakeLine(bytes);
-            if (hasHeader && bytes.empty() && !isWhole) {
+            if (bytes.empty() && !isWhole) {
                 TellCutLine();
                 return;
             }
-            // Without its header it may be any other file, of whose lines nothing could be said.
-            if (hasHeader)
-                ReadRow(line);
+            if (!IsJournalled(size - bytes.size()))
+                return;
+            ReadRow(line);
         }
-        if (hasHeader && m_line == 1)
+        if (m_pJournal != nullptr && bytes.empty() && m_pJournal->Read(m_entry))
+            m_problems.Add(journalKind, m_line + 1, 0,
+                           "the row is missing, although the journal has its line; the file was "
+                           "changed after the run");
+        if (m_line == 1)
             m_problems.Add(emptyKind, 1, 0,
                            "there is no measurement, because the run ended before its first line; "
                            "run the test again");
@@ -84,6 +94,20 @@ public:
     RunResult Take() { return m_builder.Take(); }
 
 private:
+    /// Whether the next row is that of a finished line. A row that is not journalled is of a line
+    /// that was under way when the run ended.
+    bool IsFinished() { return m_pJournal == nullptr || m_pJournal->Read(m_entry); }
+
+    /// Whether a row that ends after so many bytes is the one that the journal has.
+    bool IsJournalled(std::uint64_t end) {
+        if (m_pJournal == nullptr || (m_entry.line == m_line && m_entry.csvEnd == end))
+            return true;
+        m_problems.Add(journalKind, m_line, 0,
+                       "the row does not end where the journal says; the file was changed after "
+                       "the run");
+        return false;
+    }
+
     /// Whether it is the header of a result, with unknown columns or not.
     bool ReadHeader(std::string_view line) {
         const std::string_view titles = PowerTest::powerTitles;
@@ -149,7 +173,14 @@ private:
         row.powerB = ReadPower(*powerB, m_fields.size() + 2);
         for (std::size_t index = 0; index < SettingCount; ++index)
             row.own[static_cast<Setting>(index)] = OwnText(index);
+        if (m_pJournal != nullptr)
+            row.journalled = {KeptOf(m_entry.outcome.a), KeptOf(m_entry.outcome.b),
+                              m_entry.outcome.isAccepted};
         m_builder.Add(row);
+    }
+
+    JournalledChain KeptOf(const ChainOutcome& chain) {
+        return {chain.outcome, chain.text.empty() ? nullptr : m_texts.Keep(chain.text)};
     }
 
     /// The text of a setting that the line writes; null where it writes none.
@@ -178,6 +209,10 @@ private:
     }
 
     TextPool& m_texts;
+    /// Null for a run without a journal.
+    JournalReader* m_pJournal;
+    /// What the journal has of the row that is read.
+    JournalEntry m_entry;
     RunResultBuilder m_builder;
     ProblemList m_problems;
     LineNumber m_line = 1;
@@ -187,12 +222,31 @@ private:
     std::vector<std::string_view> m_fields;
 };
 
+constexpr const char* tableName = "result.csv";
+
+RunResult ReadJournalledRun(const ResultNames& names, std::string_view table, TextPool& texts) {
+    const std::filesystem::path path = PathOf(*names.journal);
+    std::error_code ignored;
+    std::ifstream file;
+    // Opening a pipe would wait for somebody who writes into it.
+    if (std::filesystem::is_regular_file(path, ignored))
+        file.open(path, std::ios::binary);
+    if (!file.is_open())
+        throw BadInput(*names.journal, "cannot be read");
+    JournalReader journal(file, *names.journal);
+    RunResult run = ParseResult(table, names.table, texts, &journal);
+    run.earlyEnd = ReadEarlyEnd(*names.facts, run.configurations.size());
+    return run;
+}
+
 } // namespace
 
 std::vector<std::string> ResultNames::All() const {
     std::vector<std::string> names{table};
-    if (tree)
-        names.push_back(*tree);
+    for (const std::optional<std::string>& name : {tree, journal, facts}) {
+        if (name)
+            names.push_back(*name);
+    }
     return names;
 }
 
@@ -203,19 +257,30 @@ ResultNames NamesOf(const std::string& result) {
     std::error_code ignored;
     const bool isFolder = std::filesystem::is_directory(path, ignored);
     const std::filesystem::path folder = isFolder ? path : path.parent_path();
-    return {isFolder ? NameOf(folder / "result.csv") : result, NameOf(folder / "result.xml")};
+    ResultNames names{isFolder ? NameOf(folder / tableName) : result,
+                      NameOf(folder / "result.xml")};
+    // Another file beside a journal is none of its run.
+    const bool isOfRun = isFolder || path.filename() == tableName;
+    if (isOfRun && std::filesystem::exists(folder / "journal.jsonl", ignored)) {
+        names.journal = NameOf(folder / "journal.jsonl");
+        names.facts = NameOf(folder / "run.json");
+    }
+    return names;
 }
 
 Result ReadResult(const ResultNames& names, std::istream& standardInput, TextPool& texts) {
     Result result;
-    result.run = ParseResult(ReadInput(names.table, standardInput), names.table, texts);
+    const std::string table = ReadInput(names.table, standardInput);
+    result.run = names.journal ? ReadJournalledRun(names, table, texts)
+                               : ParseResult(table, names.table, texts);
     result.device = names.tree ? ReadResultTree(*names.tree)
                                : DeviceFacts{std::nullopt, "standard input has no result.xml"};
     return result;
 }
 
-RunResult ParseResult(std::string_view bytes, const std::string& name, TextPool& texts) {
-    ResultReader reader(texts);
+RunResult ParseResult(std::string_view bytes, const std::string& name, TextPool& texts,
+                      JournalReader* pJournal) {
+    ResultReader reader(texts, pJournal);
     reader.Read(bytes);
     if (reader.Problems().Count(Severity::Error) != 0)
         throw BadInput(name, reader.Problems().InOrder());

@@ -3,6 +3,7 @@
 #include "Tools/SarvexTool/Bench/Core/DeviceFacts.h"
 #include "Tools/SarvexTool/Bench/Core/Measurements.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
+#include "Tools/SarvexTool/Bench/Files/Journal.h"
 
 #include <istream>
 #include <optional>
@@ -18,6 +19,10 @@ struct ResultNames {
     std::string table;
     /// result.xml beside it; nothing beside standard input.
     std::optional<std::string> tree;
+    /// journal.jsonl and run.json beside a result.csv of a supervised run; nothing without a
+    /// journal.
+    std::optional<std::string> journal = {};
+    std::optional<std::string> facts = {};
 
     /// All names that are files.
     std::vector<std::string> All() const;
@@ -34,10 +39,15 @@ struct Result {
 };
 
 /// Reads a run. Its texts are kept by the pool. Throws BadInput when result.csv cannot be read, and
-/// with all that is wrong with it. A result.xml that is missing or broken is only said.
+/// with all that is wrong with it. A result.xml that is missing or broken is only said. Where there
+/// is a journal, it tells why a power is missing and which rows count: those after its last entry
+/// are of a line that was not finished. BadInput is thrown for a journal that cannot be read, or is
+/// not that of the rows.
 Result ReadResult(const ResultNames& names, std::istream& standardInput, TextPool& texts);
 
-/// The measurements of a result.csv, whose name is for the problems only.
-RunResult ParseResult(std::string_view bytes, const std::string& name, TextPool& texts);
+/// The measurements of a result.csv, whose name is for the problems only. The journal is null for a
+/// run without one.
+RunResult ParseResult(std::string_view bytes, const std::string& name, TextPool& texts,
+                      JournalReader* pJournal = nullptr);
 
 } // namespace Bench

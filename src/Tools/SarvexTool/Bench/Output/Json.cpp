@@ -31,6 +31,17 @@ void WriteText(JsonWriter& json, const std::string* text) {
         json.Null();
 }
 
+void WriteEarlyEnd(JsonWriter& json, const EarlyEnd& earlyEnd) {
+    json.BeginObject();
+    json.Key("linesDone").Count(earlyEnd.linesDone);
+    json.Key("linesTotal");
+    if (earlyEnd.linesTotal)
+        json.Count(*earlyEnd.linesTotal);
+    else
+        json.Null();
+    json.EndObject();
+}
+
 void WriteResult(JsonWriter& json, const NamedRun& result) {
     json.BeginObject();
     json.Key("file").Text(result.name);
@@ -39,6 +50,8 @@ void WriteResult(JsonWriter& json, const NamedRun& result) {
     json.Key("configurations").Count(result.run.configurations.size());
     json.Key("measurements").Count(result.run.measurements.size());
     json.Key("unexpectedPowers").Count(result.run.unexpectedPowers);
+    if (result.run.earlyEnd)
+        WriteEarlyEnd(json.Key("endedEarly"), *result.run.earlyEnd);
     json.EndObject();
 }
 
@@ -55,8 +68,10 @@ void WriteSettings(JsonWriter& json, const Settings& settings) {
 /// The power, or why there is none.
 void WritePower(JsonWriter& json, const Measurement& measurement) {
     WriteDecimal(json.Key("power"), measurement.power);
-    if (!measurement.power)
-        json.Key("reason").Text(measurement.reason.ToText());
+    if (measurement.power)
+        return;
+    json.Key("cause").Text(measurement.reason.CauseName());
+    json.Key("reason").Text(measurement.reason.ToText());
 }
 
 void WriteCounts(JsonWriter& json, const VerdictCounts& counts, const Judgements& judgements) {

@@ -97,17 +97,32 @@ public:
     Report(std::vector<Case> cases, std::function<Failure(std::size_t)> failureOf)
         : m_cases(std::move(cases)), m_failureOf(std::move(failureOf)) {}
 
-    void Write(std::ostream& stream, const char* name) const {
+    /// A run that ended early is one more case, which failed.
+    void Write(std::ostream& stream, const char* name,
+               const std::optional<EarlyEnd>& earlyEnd = std::nullopt) const {
         const auto failures = static_cast<std::size_t>(std::count_if(
             m_cases.begin(), m_cases.end(), [](const Case& shown) { return shown.hasFailed; }));
+        const std::size_t endFailures{earlyEnd.has_value()};
         stream << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites"
-               << Attribute("name", name) << CountAttributes(m_cases.size(), failures) << ">\n";
+               << Attribute("name", name)
+               << CountAttributes(m_cases.size() + endFailures, failures + endFailures) << ">\n";
         for (const Suite& suite : SuitesOf(m_cases))
             WriteSuite(stream, suite);
+        if (earlyEnd)
+            WriteEarlyEnd(stream, *earlyEnd);
         stream << "</testsuites>\n";
     }
 
 private:
+    static void WriteEarlyEnd(std::ostream& stream, const EarlyEnd& earlyEnd) {
+        stream << "  <testsuite" << Attribute("name", "Run") << CountAttributes(1, 1)
+               << Attribute("skipped", "0") << ">\n    <testcase"
+               << Attribute("name", "all lines were run") << Attribute("classname", "Run")
+               << ">\n      <failure" << Attribute("type", "ended early")
+               << Attribute("message", earlyEnd.ToText())
+               << "/>\n    </testcase>\n  </testsuite>\n";
+    }
+
     void WriteSuite(std::ostream& stream, const Suite& suite) const {
         stream << "  <testsuite" << Attribute("name", suite.name)
                << CountAttributes(suite.cases.size(), suite.failures) << Attribute("skipped", "0")
@@ -164,7 +179,7 @@ void WriteJunit(std::ostream& stream, const JudgedRun& judged) {
         return Failure{NameOf(judgement.verdict),
                        PhraseOf(run, judgement) + " (" + AtLine(run, judgement.measurement) + ")"};
     });
-    report.Write(stream, "judge");
+    report.Write(stream, "judge", run.earlyEnd);
 }
 
 void WriteJunit(std::ostream& stream, const ComparedRuns& compared) {

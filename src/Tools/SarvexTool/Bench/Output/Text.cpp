@@ -30,6 +30,8 @@ void PrintRun(const Console& console, const NamedRun& result) {
     if (result.run.unexpectedPowers != 0)
         console.stream << "  besides, " << Counted(result.run.unexpectedPowers, "power")
                        << " of chains that are not expected, which do not count\n";
+    if (result.run.earlyEnd)
+        console.stream << "  " << result.run.earlyEnd->ToText() << "\n";
 }
 
 /// A measurement's settings between brackets; nothing where none is known.
@@ -78,9 +80,11 @@ void PrintSummary(const Console& console, const JudgedRun& judged) {
     table.Print(console.stream);
 }
 
-void PrintNotPassed(const Console& console, const JudgedRun& judged) {
+/// Returns how many there are.
+std::size_t PrintNotPassed(const Console& console, const JudgedRun& judged) {
     const RunResult& run = judged.result.run;
-    for (const std::uint32_t place : NotPassed(judged.judgements)) {
+    const std::vector<std::uint32_t> places = NotPassed(judged.judgements);
+    for (const std::uint32_t place : places) {
         const Judgement& judgement = judged.judgements.all[place];
         const Measurement& measurement = run.measurements[judgement.measurement];
         console.stream << PlaceOf(run, measurement) << ": "
@@ -88,6 +92,20 @@ void PrintNotPassed(const Console& console, const JudgedRun& judged) {
                                        Bracketed(run.SettingsOf(measurement)))
                        << "\n";
     }
+    return places.size();
+}
+
+/// Measurements, or the lines that were not run, or both.
+std::string WhyNotPassed(const JudgedRun& judged) {
+    const std::size_t count = judged.judgements.all.size();
+    const std::size_t notPassed = count - judged.judgements.Count(Verdict::Pass);
+    const std::optional<EarlyEnd>& earlyEnd = judged.result.run.earlyEnd;
+    std::string text;
+    if (notPassed != 0)
+        text = std::to_string(notPassed) + " of " + Counted(count, "measurement") + " did not pass";
+    if (earlyEnd)
+        text += (text.empty() ? "" : ", and ") + earlyEnd->ToText();
+    return text;
 }
 
 /// Where a difference is in the files.
@@ -152,12 +170,9 @@ void PrintJudgements(const Console& console, const JudgedRun& judged) {
         PrintConclusion(console, true, "PASS", Counted(count, "measurement"));
         return;
     }
-    PrintNotPassed(console, judged);
-    console.stream << "\n";
-    const std::size_t notPassed = count - judgements.Count(Verdict::Pass);
-    PrintConclusion(console, false, "FAIL",
-                    std::to_string(notPassed) + " of " + Counted(count, "measurement") +
-                        " did not pass");
+    if (PrintNotPassed(console, judged) != 0)
+        console.stream << "\n";
+    PrintConclusion(console, false, "FAIL", WhyNotPassed(judged));
 }
 
 void PrintDifferences(const Console& console, const ComparedRuns& compared) {

@@ -30,6 +30,19 @@ protected:
 
     static std::string Header() { return "Band,Chains,Chain-A Power, Chain B Power\n"; }
 
+    /// Makes the directory that of a supervised run that ended after one of two lines. The daemon
+    /// has refused that line.
+    void CreateEarlyRun() const {
+        const std::string result = ResultOf("result.csv", "NA");
+        directory.Create("journal.jsonl",
+                         R"({"line":2,"accepted":false,"a":{"outcome":"refused","text":"<No>"},)"
+                         R"("b":{"outcome":"refused"},"csvEnd":)" +
+                             std::to_string(ReadBytes("result.csv").size()) +
+                             R"(,"started":"2026-11-22T07:30:00Z","seconds":1.25})"
+                             "\n");
+        directory.Create("run.json", R"({"linesTotal":2,"linesDone":1,"outcome":"interrupted"})");
+    }
+
     std::string ReadBytes(const std::string& name) const {
         return TestSupport::ReadBytes(directory.Path(name));
     }

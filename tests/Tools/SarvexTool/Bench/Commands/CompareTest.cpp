@@ -58,6 +58,22 @@ TEST_F(CompareTest, ThePageHoldsTheNewRunAgainstTheOldOne) {
     EXPECT_NE(err.str().find("DIFFERENT: 1 difference"), std::string::npos);
 }
 
+TEST_F(CompareTest, RunDirectoryTellsReasonsAndAnEarlyEnd) {
+    CreateEarlyRun();
+    const std::string newer = ResultOf("new.csv", "10");
+    EXPECT_EQ(Run({"compare", directory.Path(), newer, "--html", directory.Path("c.html")}), 1);
+    EXPECT_NE(out.str().find("\n  the run ended early: 1 of 2 lines were run\n"), std::string::npos)
+        << out.str();
+    EXPECT_NE(
+        out.str().find("line 2 chain A: measured in the new run only: 10 dBm, before that not "
+                       "measured: the daemon refused the line: <No> (Band 5, Chains A)\n"),
+        std::string::npos)
+        << out.str();
+    EXPECT_NE(ReadBytes("c.html").find(
+                  "<dt>Baseline&#39;s lines run</dt><dd>1 of 2: the run ended early</dd>"),
+              std::string::npos);
+}
+
 TEST_F(CompareTest, OutputsAreWritten) {
     const std::string older = ResultOf("old.csv", "10");
     EXPECT_EQ(Run({"compare", older, "-", "--json", directory.Path("c.json"), "--junit", "-"},

@@ -73,6 +73,68 @@ TEST_F(JudgeTest, BadInputsAreToldWithTheirPlaces) {
     EXPECT_EQ(Run({"judge", bad}), 2) << "limits are needed";
 }
 
+/// A supervised run of two lines on chain A with the powers 11 and NA.
+class JudgedRunTest : public JudgeTest {
+protected:
+    void SetUp() override {
+        const std::string rows = Header() + "5,A,11,NA\n-,-,NA,NA\n";
+        directory.Create("result.csv", rows);
+        directory.Create("journal.jsonl",
+                         EntryOf(2, R"({"outcome":"measured"})", rows.size() - 10) +
+                             EntryOf(3, R"({"outcome":"refused","text":"No."})", rows.size()));
+        directory.Create("run.json", R"({"linesTotal":2,"linesDone":2,"outcome":"complete"})");
+    }
+
+    static std::string EntryOf(int line, const std::string& chain, std::size_t csvEnd) {
+        return R"({"line":)" + std::to_string(line) + R"(,"accepted":true,"a":)" + chain +
+               R"(,"b":{"outcome":"chain not active"},"csvEnd":)" + std::to_string(csvEnd) +
+               R"(,"started":"2026-11-22T07:30:00Z","seconds":1.25})"
+               "\n";
+    }
+
+    int Judge(const std::vector<std::string>& more = {}) {
+        std::vector<std::string> arguments{"judge", directory.Path(), "--limits", limits};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return Run(arguments);
+    }
+};
+
+TEST_F(JudgedRunTest, ReasonIsThatOfTheJournal) {
+    EXPECT_EQ(Judge(), 1);
+    EXPECT_NE(out.str().find("line 3 chain A: not measured: the daemon refused the line: No. (Band "
+                             "5, Chains A)\n\nFAIL: 1 of 2 measurements did not pass\n"),
+              std::string::npos)
+        << out.str();
+}
+
+TEST_F(JudgedRunTest, RunThatEndedEarlyNeverPasses) {
+    directory.Create("journal.jsonl",
+                     EntryOf(2, R"({"outcome":"measured"})", Header().size() + 10));
+    EXPECT_EQ(Judge(), 1);
+    EXPECT_NE(out.str().find("\n\nFAIL: the run ended early: 1 of 2 lines were run\n"),
+              std::string::npos)
+        << out.str();
+    directory.Create("run.json", R"({"linesTotal":1,"linesDone":1,"outcome":"complete"})");
+    EXPECT_EQ(Judge(), 0) << out.str();
+}
+
+TEST_F(JudgedRunTest, JournalAndFactsAreInputs) {
+    for (const char* name : {"journal.jsonl", "run.json"}) {
+        const std::string before = ReadBytes(name);
+        EXPECT_EQ(Judge({"--json", directory.Path(name)}), 2);
+        EXPECT_EQ(ReadBytes(name), before);
+    }
+}
+
+TEST_F(JudgedRunTest, JournalThatCannotBeReadIsToldWithItsLine) {
+    directory.Create("journal.jsonl",
+                     EntryOf(2, R"({"outcome":"\u001b[2J"})", 1) + EntryOf(3, "{}", 2));
+    EXPECT_EQ(Judge(), 2);
+    EXPECT_EQ(err.str(),
+              directory.Path("journal.jsonl") + ":1:0: error: there is no outcome \"\\x1B[2J\"\n");
+    EXPECT_EQ(out.str(), "");
+}
+
 TEST_F(JudgeTest, OutputIsNeverAnInput) {
     const std::string result = ResultOf("result.csv", "11");
     const std::string tree = directory.Create("result.xml", "<PowerTable MCC=\"US\"/>");

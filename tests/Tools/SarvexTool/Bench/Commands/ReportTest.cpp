@@ -46,6 +46,15 @@ TEST_F(ReportTest, TheTreeBesideTheResultGivesTheCountryCode) {
     EXPECT_THAT(out.str(), HasSubstr("<dt>Country code</dt><dd>not known: "));
 }
 
+TEST_F(ReportTest, RunDirectoryTellsReasonsAndAnEarlyEnd) {
+    CreateEarlyRun();
+    EXPECT_EQ(Run({"report", directory.Path(), "-o", "-"}), 0);
+    EXPECT_THAT(out.str(),
+                AllOf(HasSubstr("<dt>Lines run</dt><dd>1 of 2: the run ended early</dd>"),
+                      HasSubstr("<span>The run ended early: 1 of 2 lines were run. No limits"),
+                      HasSubstr("\"the daemon refused the line: \\u003cNo>\"")));
+}
+
 TEST_F(ReportTest, ABaselineIsHeldAgainstTheRun) {
     const std::string result = ResultOf("result.csv", "9");
     const std::string old = ResultOf("old.csv", "10");

@@ -12,8 +12,16 @@ protected:
         builder.Add(fixture.RowOf(line, cells, powerA, powerB));
     }
 
+    void AddJournalled(LineNumber line, CoreFixture::Cells cells, const char* powerA,
+                       const char* powerB, const JournalledLine& journalled) {
+        Row row = fixture.RowOf(line, cells, powerA, powerB);
+        row.journalled = journalled;
+        builder.Add(row);
+    }
+
     CoreFixture fixture;
     RunResultBuilder builder;
+    const JournalledChain measured;
 };
 
 TEST_F(MeasurementsTest, EachExpectedChainIsOneMeasurement) {
@@ -45,6 +53,14 @@ TEST_F(MeasurementsTest, WithoutKnownChainsWhatIsThereIsTaken) {
     const RunResult run = builder.Take();
     EXPECT_EQ(Describe(run), "2 A 1\n2 B 2\n3 B 3\n4 A 4\n5 ? no power was reported\n");
     EXPECT_EQ(run.unexpectedPowers, 0U);
+}
+
+TEST_F(MeasurementsTest, CauseHasAName) {
+    Add(2, {{Setting::Chains, "A"}}, "", "");
+    Add(3, {}, "1", "");
+    const RunResult run = builder.Take();
+    EXPECT_STREQ(run.measurements[0].reason.CauseName(), "no power");
+    EXPECT_STREQ(run.measurements[1].reason.CauseName(), "uncertain");
 }
 
 TEST_F(MeasurementsTest, PowerWithAnUncertainSettingIsNotMeasured) {
@@ -83,6 +99,70 @@ TEST_F(MeasurementsTest, UncertainChainsAreStillThoseThatAreExpected) {
                                         "2 B no power was reported\n"
                                         "3 A Chains is uncertain since line 2\n"
                                         "3 B Chains is uncertain since line 2\n");
+}
+
+TEST_F(MeasurementsTest, ReasonIsWhatTheJournalTells) {
+    const std::pair<JournalledChain, const char*> cases[] = {
+        {{Outcome::Refused, fixture.Text("Band 7 is none.")},
+         "the daemon refused the line: Band 7 is none."},
+        {{Outcome::Refused, nullptr}, "the daemon refused the line"},
+        {{Outcome::Uncalibrated, fixture.Text("")}, "the transmission was not calibrated"},
+        {{Outcome::ChainNotActive, nullptr}, "the chain was not active"},
+        {{Outcome::TimedOut, nullptr}, "no whole answer came in time"},
+        {{Outcome::ConnectionLost, nullptr}, "the connection to the daemon was lost"},
+        {{Outcome::OtherConfiguration, fixture.Text("Channel 36")},
+         "the power is one of another configuration: Channel 36"},
+        {{Outcome::Measured, nullptr}, "no power was reported"},
+    };
+    for (const auto& [chain, reason] : cases) {
+        SCOPED_TRACE(reason);
+        AddJournalled(2, {{Setting::Chains, "AB"}}, "1", "", {measured, chain, true});
+        const RunResult run = builder.Take();
+        EXPECT_EQ(Describe(run), std::string("2 A 1\n2 B ") + reason + "\n");
+        const bool isTold = chain.outcome != Outcome::Measured;
+        EXPECT_STREQ(run.measurements[1].reason.CauseName(),
+                     isTold ? NameOf(chain.outcome) : "no power");
+    }
+}
+
+TEST_F(MeasurementsTest, PowerOfAnotherConfigurationIsNotMeasured) {
+    AddJournalled(2, {{Setting::Chains, "A"}}, "12", "",
+                  {{Outcome::OtherConfiguration, nullptr}, measured, true});
+    AddJournalled(3, {{Setting::Chains, "A+B"}}, "13", "",
+                  {{Outcome::OtherConfiguration, nullptr}, measured, true});
+    EXPECT_EQ(Describe(builder.Take()), "2 A the power is one of another configuration\n"
+                                        "3 A the power is one of another configuration\n");
+}
+
+TEST_F(MeasurementsTest, JournalTellsWhetherALineWasAccepted) {
+    const JournalledChain uncalibrated{Outcome::Uncalibrated, nullptr};
+    AddJournalled(2, {{Setting::Chains, "A"}, {Setting::Band, "5"}}, "", "",
+                  {uncalibrated, measured, true});
+    AddJournalled(3, {{Setting::Rate, "1"}}, "12", "", {measured, measured, false});
+    AddJournalled(4, {{Setting::Channel, "36"}}, "13", "", {measured, measured, true});
+    AddJournalled(5, {}, "", "", {{Outcome::TimedOut, nullptr}, measured, true});
+    EXPECT_EQ(Describe(builder.Take()), "2 A the transmission was not calibrated\n"
+                                        "3 A 12\n"
+                                        "4 A Rate is uncertain since line 3\n"
+                                        "5 A no whole answer came in time\n");
+}
+
+TEST_F(MeasurementsTest, ChainThatIsNotJustInactiveSaysWhyNothingIsThere) {
+    const JournalledChain inactive{Outcome::ChainNotActive, nullptr};
+    const JournalledChain lost{Outcome::ConnectionLost, nullptr};
+    AddJournalled(2, {}, "", "", {lost, inactive, true});
+    AddJournalled(3, {}, "", "", {inactive, lost, true});
+    AddJournalled(4, {}, "", "", {inactive, inactive, true});
+    EXPECT_EQ(Describe(builder.Take()), "2 ? the connection to the daemon was lost\n"
+                                        "3 ? the connection to the daemon was lost\n"
+                                        "4 ? the chain was not active\n");
+}
+
+TEST(EarlyEndTest, IsToldInWords) {
+    EXPECT_EQ((EarlyEnd{5, 12}.ToText()), "the run ended early: 5 of 12 lines were run");
+    EXPECT_EQ((EarlyEnd{0, 1}.ToText()), "the run ended early: 0 of 1 line was run");
+    EXPECT_EQ((EarlyEnd{1, std::nullopt}.ToText()), "the run ended early: 1 line was run");
+    EXPECT_EQ((EarlyEnd{0, std::nullopt}.ToText()), "the run ended early: 0 lines were run");
 }
 
 TEST_F(MeasurementsTest, MeasurementHasTheEffectiveSettingsOfItsLine) {

@@ -44,6 +44,17 @@ TEST(VerdictsTest, MissingBoundIsNoBound) {
     EXPECT_EQ(JudgeOne("4", Between(std::nullopt, std::nullopt)), "pass -");
 }
 
+TEST(VerdictsTest, RunThatEndedEarlyHasNotPassed) {
+    CoreFixture fixture;
+    RunResultBuilder builder;
+    builder.Add(fixture.RowOf(2, {{Setting::Chains, "A"}}, "10", ""));
+    RunResult run = builder.Take();
+    LimitTable table({{Between(std::nullopt, std::nullopt)}, {}});
+    EXPECT_TRUE(Judge(run, table).HaveAllPassed());
+    run.earlyEnd = EarlyEnd{1, 2};
+    EXPECT_FALSE(Judge(run, table).HaveAllPassed());
+}
+
 TEST(VerdictsTest, AllButPassCountAsNotPassed) {
     CoreFixture fixture;
     RunResultBuilder builder;

@@ -4,16 +4,17 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <sstream>
 
 namespace Bench {
 namespace {
 
 /// The settings and powers of a result, line by line; or what is wrong with it.
-std::string Read(std::string_view bytes) {
+std::string Read(std::string_view bytes, JournalReader* pJournal = nullptr) {
     TextPool texts;
     try {
-        const RunResult run = ParseResult(bytes, "result.csv", texts);
+        const RunResult run = ParseResult(bytes, "result.csv", texts, pJournal);
         std::string text;
         for (const Configuration& configuration : run.configurations) {
             text += std::to_string(configuration.line) + ":";
@@ -137,6 +138,83 @@ TEST(ResultFileTest, EverythingWrongIsToldWithItsPlace) {
               "7:3 \"1234567890\" is no power: it has too many digits; run the line again\n");
 }
 
+/// The same of a run with a journal.
+std::string ReadWith(const std::string& journal, std::string_view bytes) {
+    std::istringstream stream(journal);
+    JournalReader reader(stream, "journal.jsonl");
+    return Read(bytes, &reader);
+}
+
+/// An entry of a journal whose line was refused, or gave a power on chain A.
+std::string EntryOf(LineNumber line, std::size_t csvEnd, bool isRefused = false) {
+    return "{\"line\":" + std::to_string(line) +
+           (isRefused ? R"(,"accepted":false,"a":{"outcome":"refused","text":"No."})"
+                      : R"(,"accepted":true,"a":{"outcome":"measured"})") +
+           R"(,"b":{"outcome":"chain not active"},"csvEnd":)" + std::to_string(csvEnd) +
+           R"(,"started":"2026-11-22T07:30:00Z","seconds":1})"
+           "\n";
+}
+
+class JournalledResultTest : public testing::Test {
+protected:
+    std::string header = "Band,Chains,Chain-A Power, Chain B Power\n";
+    std::size_t start = header.size();
+};
+
+TEST_F(JournalledResultTest, JournalTellsWhyAPowerIsMissing) {
+    EXPECT_EQ(
+        ReadWith(EntryOf(2, start + 9) + EntryOf(3, start + 18, true) + EntryOf(4, start + 27),
+                 header + "5,A,1,NA\n6,-,NA,NA\n-,-,3,NA\n"),
+        "3:0 the row does not end where the journal says; the file was changed after the "
+        "run\n");
+    EXPECT_EQ(
+        ReadWith(EntryOf(2, start + 9) + EntryOf(3, start + 19, true) + EntryOf(4, start + 28),
+                 header + "5,A,1,NA\n6,-,NA,NA\n-,-,3,NA\n"),
+        "2: 5 A\n3: 6 A\n4: 6 A\n"
+        "2 A 1\n3 A the daemon refused the line: No.\n4 A Band is uncertain since line 3\n");
+}
+
+TEST_F(JournalledResultTest, RowsOfUnfinishedLinesDoNotCount) {
+    const std::string entry = EntryOf(2, start + 9);
+    const std::string first = "2: 5 A\n2 A 1\n";
+    EXPECT_EQ(ReadWith(entry, header + "5,A,1,NA\n6,A,2,NA\n"), first);
+    EXPECT_EQ(ReadWith(entry, header + "5,A,1,NA\n6,A,2."), first) << "torn";
+    EXPECT_EQ(
+        ReadWith(entry + EntryOf(3, start + 18).substr(0, 20), header + "5,A,1,NA\n6,A,2,NA\n"),
+        first)
+        << "a torn entry";
+    EXPECT_EQ(ReadWith("", header + "5,A,1,NA\n"),
+              "1:0 there is no measurement, because the run ended before its first line; run the "
+              "test again\n");
+}
+
+TEST_F(JournalledResultTest, RowsThatAreNotTheJournalsAreTold) {
+    const std::string entries = EntryOf(2, start + 9) + EntryOf(3, start + 18);
+    EXPECT_EQ(ReadWith(entries, header + "5,A,1,NA\n"),
+              "3:0 the row is missing, although the journal has its line; the file was changed "
+              "after the run\n");
+    EXPECT_EQ(ReadWith(entries, header + "5,A,1.5,NA\n6,A,2,NA\n"),
+              "2:0 the row does not end where the journal says; the file was changed after the "
+              "run\n");
+    EXPECT_EQ(ReadWith(entries, header + "5,A,1,NA\n6,A,2,NA"),
+              "3:0 the last line has no end, so that its power may be cut off; copy the file "
+              "again, or run the test again\n");
+}
+
+TEST_F(JournalledResultTest, JournalThatCannotBeReadIsToldWithItsLine) {
+    std::istringstream stream(EntryOf(2, start + 9) + "{\"line\":3,\x1B]\n" +
+                              EntryOf(4, start + 18));
+    JournalReader reader(stream, "journal.jsonl");
+    TextPool texts;
+    try {
+        ParseResult(header + "5,A,1,NA\n6,A,2,NA\n", "result.csv", texts, &reader);
+        FAIL() << "nothing was thrown";
+    } catch (const BadInput& bad) {
+        EXPECT_EQ(bad.File(), "journal.jsonl");
+        EXPECT_EQ(bad.Problems().at(0).line, 2U);
+    }
+}
+
 class ResultFileNamesTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -147,6 +225,10 @@ protected:
     Result Read(const std::string& name) {
         std::istringstream in("Band,Chain-A Power, Chain B Power\n6,2,NA\n");
         return ReadResult(NamesOf(name), in, texts);
+    }
+
+    std::string ReadBytesOf(const std::string& name) const {
+        return TestSupport::ReadBytes(directory.Path(name));
     }
 
     TestSupport::TemporaryDirectory directory;
@@ -173,6 +255,36 @@ TEST_F(ResultFileNamesTest, StandardInputHasNoTree) {
     const Result result = Read("-");
     EXPECT_EQ(Describe(result.run), "2 A 2\n");
     EXPECT_EQ(result.device.whyUnknown, "standard input has no result.xml");
+}
+
+TEST_F(ResultFileNamesTest, JournalBesideTheResultIsRead) {
+    const std::string table = ReadBytesOf("result.csv");
+    directory.Create("journal.jsonl", EntryOf(2, table.size(), true));
+    for (const std::string& name : {directory.Path(), directory.Path("result.csv")}) {
+        const Result result = Read(name);
+        EXPECT_EQ(Describe(result.run), "2 A the daemon refused the line: No.\n");
+        EXPECT_EQ(result.run.earlyEnd, (EarlyEnd{1, std::nullopt})) << "run.json is missing";
+    }
+    directory.Create("run.json", "{\"linesTotal\":1}");
+    EXPECT_EQ(Read(directory.Path()).run.earlyEnd, std::nullopt);
+    EXPECT_EQ(
+        NamesOf(directory.Path("result.csv")).All(),
+        (std::vector<std::string>{directory.Path("result.csv"), directory.Path("result.xml"),
+                                  directory.Path("journal.jsonl"), directory.Path("run.json")}));
+}
+
+TEST_F(ResultFileNamesTest, JournalIsNotThatOfAnotherFileBesideIt) {
+    directory.Create("journal.jsonl", "anything");
+    directory.Create("other.csv", ReadBytesOf("result.csv"));
+    const Result result = Read(directory.Path("other.csv"));
+    EXPECT_EQ(Describe(result.run), "2 A 1\n");
+    EXPECT_EQ(result.run.earlyEnd, std::nullopt);
+    EXPECT_EQ(Read("-").run.earlyEnd, std::nullopt);
+}
+
+TEST_F(ResultFileNamesTest, JournalThatIsNoFileIsTold) {
+    std::filesystem::create_directory(directory.Path("journal.jsonl"));
+    EXPECT_THROW(Read(directory.Path()), BadInput);
 }
 
 } // namespace

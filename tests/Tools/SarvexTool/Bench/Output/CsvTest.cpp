@@ -54,5 +54,14 @@ TEST(CsvTest, WhatWouldBeAFormulaGetsAnApostrophe) {
         EXPECT_EQ(CsvCell(text), cell) << text;
 }
 
+TEST(CsvTest, WordsOfTheDaemonAreACell) {
+    OutputFixture fixture;
+    fixture.JudgeRefusal("a,\"b\"\n=1");
+    std::ostringstream stream;
+    WriteCsv(stream, fixture.Judged());
+    const std::string end = ",\"the daemon refused the line: a,\"\"b\"\"\\n=1\"\n";
+    EXPECT_EQ(stream.str().substr(stream.str().size() - end.size()), end);
+}
+
 } // namespace
 } // namespace Bench

@@ -26,14 +26,50 @@ TEST(JsonTest, JudgementHoldsEveryMeasurement) {
 {"line": 2, "chain": "A", "settings": {"Band": "5", "Chains": "AB", "Bandwidth": "80", "Channel": "36", "Rate": "MCS9"}, "power": 12.5, "verdict": "pass", "limit": {"line": 2, "minimum": 12, "maximum": 14}, "margin": 0.5},
 {"line": 2, "chain": "B", "settings": {"Band": "5", "Chains": "AB", "Bandwidth": "80", "Channel": "36", "Rate": "MCS9"}, "power": 11.75, "verdict": "too low", "limit": {"line": 2, "minimum": 12, "maximum": 14}, "margin": -0.25},
 {"line": 3, "chain": "A", "settings": {"Band": "2.4", "Chains": "A", "Bandwidth": "20", "Channel": "6", "Rate": "MCS9"}, "power": 15, "verdict": "too high", "limit": {"line": 3, "minimum": null, "maximum": 14.5}, "margin": -0.5},
-{"line": 4, "chain": "A", "settings": {"Band": "6", "Chains": "A", "Bandwidth": "20", "Channel": "500", "Rate": "MCS9"}, "power": null, "reason": "no power was reported", "verdict": "not measured", "limit": {"line": 4, "minimum": null, "maximum": null}, "margin": null},
-{"line": 5, "chain": "A", "settings": {"Band": "6", "Chains": "A", "Bandwidth": "20", "Channel": "1", "Rate": "MCS9"}, "power": null, "reason": "Band is uncertain since line 4", "verdict": "not measured", "limit": {"line": 4, "minimum": null, "maximum": null}, "margin": null},
+{"line": 4, "chain": "A", "settings": {"Band": "6", "Chains": "A", "Bandwidth": "20", "Channel": "500", "Rate": "MCS9"}, "power": null, "cause": "no power", "reason": "no power was reported", "verdict": "not measured", "limit": {"line": 4, "minimum": null, "maximum": null}, "margin": null},
+{"line": 5, "chain": "A", "settings": {"Band": "6", "Chains": "A", "Bandwidth": "20", "Channel": "1", "Rate": "MCS9"}, "power": null, "cause": "uncertain", "reason": "Band is uncertain since line 4", "verdict": "not measured", "limit": {"line": 4, "minimum": null, "maximum": null}, "margin": null},
 {"line": 6, "chain": "B", "settings": {"Band": "7", "Chains": "B", "Bandwidth": "20", "Channel": "1", "Rate": "MCS9"}, "power": 1, "verdict": "no limit", "limit": null, "margin": null},
 {"line": 7, "chain": "A", "settings": {"Band": "5", "Chains": "AB", "Bandwidth": "80", "Channel": "36", "Rate": "MCS9"}, "power": 13, "verdict": "pass", "limit": {"line": 2, "minimum": 12, "maximum": 14}, "margin": 1},
 {"line": 7, "chain": "B", "settings": {"Band": "5", "Chains": "AB", "Bandwidth": "80", "Channel": "36", "Rate": "MCS9"}, "power": 13, "verdict": "pass", "limit": {"line": 2, "minimum": 12, "maximum": 14}, "margin": 1}
 ]
 }
 )");
+}
+
+TEST(JsonTest, RunThatEndedEarlyHasNotPassed) {
+    OutputFixture fixture;
+    fixture.JudgeEarlyEnd();
+    std::ostringstream stream;
+    WriteJson(stream, fixture.Judged());
+    EXPECT_NE(stream.str().find(
+                  R"("unexpectedPowers": 0, "endedEarly": {"linesDone": 1, "linesTotal": 5}},
+"limits": "limits.csv",
+"passed": false, "counts": {"pass": 1, )"),
+              std::string::npos)
+        << stream.str();
+}
+
+TEST(JsonTest, ComparedRunThatEndedEarlyIsTold) {
+    OutputFixture fixture;
+    fixture.run.earlyEnd = EarlyEnd{6, std::nullopt};
+    std::ostringstream stream;
+    WriteJson(stream, fixture.Compared());
+    EXPECT_NE(stream.str().find(R"("endedEarly": {"linesDone": 6, "linesTotal": null}},
+"tolerance")"),
+              std::string::npos)
+        << stream.str();
+}
+
+TEST(JsonTest, CauseIsThatOfTheJournal) {
+    OutputFixture fixture;
+    fixture.JudgeRefusal("\x1B\xFF");
+    std::ostringstream stream;
+    WriteJson(stream, fixture.Judged());
+    EXPECT_NE(
+        stream.str().find(R"("power": null, "cause": "refused", "reason": "the daemon refused )"
+                          R"(the line: \u001b\ufffd", "verdict": "not measured")"),
+        std::string::npos)
+        << stream.str();
 }
 
 TEST(JsonTest, ComparisonHoldsTheDifferences) {
@@ -51,8 +87,8 @@ TEST(JsonTest, ComparisonHoldsTheDifferences) {
 "differences": [
 {"kind": "changed", "chain": "A", "settings": {"Band": "2.4", "Chains": "A", "Bandwidth": "20", "Channel": "6", "Rate": "MCS9"}, "old": {"line": 2, "power": 14.25}, "new": {"line": 3, "power": 15}, "change": 0.75, "withinNoise": false},
 {"kind": "changed", "chain": "B", "settings": {"Band": "5", "Chains": "AB", "Bandwidth": "80", "Channel": "36", "Rate": "MCS9"}, "old": {"line": 4, "power": 12.5}, "new": {"line": 2, "power": 11.75}, "change": -0.75, "withinNoise": false},
-{"kind": "measuredInOldOnly", "chain": "A", "settings": {"Band": "6", "Chains": "A", "Bandwidth": "20", "Channel": "500", "Rate": "MCS9"}, "old": {"line": 3, "power": 9}, "new": {"line": 4, "power": null, "reason": "no power was reported"}, "change": null, "withinNoise": false},
-{"kind": "inNewOnly", "chain": "A", "settings": {"Band": "6", "Chains": "A", "Bandwidth": "20", "Channel": "1", "Rate": "MCS9"}, "old": null, "new": {"line": 5, "power": null, "reason": "Band is uncertain since line 4"}, "change": null, "withinNoise": false},
+{"kind": "measuredInOldOnly", "chain": "A", "settings": {"Band": "6", "Chains": "A", "Bandwidth": "20", "Channel": "500", "Rate": "MCS9"}, "old": {"line": 3, "power": 9}, "new": {"line": 4, "power": null, "cause": "no power", "reason": "no power was reported"}, "change": null, "withinNoise": false},
+{"kind": "inNewOnly", "chain": "A", "settings": {"Band": "6", "Chains": "A", "Bandwidth": "20", "Channel": "1", "Rate": "MCS9"}, "old": null, "new": {"line": 5, "power": null, "cause": "uncertain", "reason": "Band is uncertain since line 4"}, "change": null, "withinNoise": false},
 {"kind": "inNewOnly", "chain": "B", "settings": {"Band": "7", "Chains": "B", "Bandwidth": "20", "Channel": "1", "Rate": "MCS9"}, "old": null, "new": {"line": 6, "power": 1}, "change": null, "withinNoise": false},
 {"kind": "inNewOnly", "chain": "A", "settings": {"Band": "5", "Chains": "AB", "Bandwidth": "80", "Channel": "36", "Rate": "MCS9"}, "old": null, "new": {"line": 7, "power": 13}, "change": null, "withinNoise": false},
 {"kind": "inNewOnly", "chain": "B", "settings": {"Band": "5", "Chains": "AB", "Bandwidth": "80", "Channel": "36", "Rate": "MCS9"}, "old": null, "new": {"line": 7, "power": 13}, "change": null, "withinNoise": false}

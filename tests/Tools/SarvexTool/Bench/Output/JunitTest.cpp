@@ -44,6 +44,36 @@ TEST(JunitTest, MeasurementsAreCasesInSuitesByBandAndBandwidth) {
 )xml");
 }
 
+TEST(JunitTest, RunThatEndedEarlyIsOneMoreCaseThatFailed) {
+    OutputFixture fixture;
+    fixture.JudgeEarlyEnd();
+    std::ostringstream stream;
+    WriteJunit(stream, fixture.Judged());
+    EXPECT_EQ(stream.str(), R"xml(<?xml version="1.0" encoding="UTF-8"?>
+<testsuites name="judge" tests="2" failures="1" errors="0">
+  <testsuite name="Band 5, Bandwidth unknown" tests="1" failures="0" errors="0" skipped="0">
+    <testcase name="Chains A, Channel 36, chain A" classname="Band 5, Bandwidth unknown"/>
+  </testsuite>
+  <testsuite name="Run" tests="1" failures="1" errors="0" skipped="0">
+    <testcase name="all lines were run" classname="Run">
+      <failure type="ended early" message="the run ended early: 1 of 5 lines were run"/>
+    </testcase>
+  </testsuite>
+</testsuites>
+)xml");
+}
+
+TEST(JunitTest, WordsOfTheDaemonAreTextOfXml) {
+    OutputFixture fixture;
+    fixture.JudgeRefusal("<\x01\">");
+    std::ostringstream stream;
+    WriteJunit(stream, fixture.Judged());
+    EXPECT_NE(stream.str().find("message=\"not measured: the daemon refused the line: "
+                                "&lt;\\x01&quot;&gt; (line 2)\""),
+              std::string::npos)
+        << stream.str();
+}
+
 TEST(JunitTest, CasesOfAComparisonAreThoseOfEitherRun) {
     const OutputFixture fixture;
     std::ostringstream stream;

@@ -50,6 +50,24 @@ public:
         return judgements;
     }
 
+    /// Judges a run of five lines of which one was run, and passed.
+    void JudgeEarlyEnd() {
+        JudgeChannel("36");
+        run.measurements[0].power = "13"_dB;
+        run.earlyEnd = EarlyEnd{1, 5};
+        judgements = Judge(run, *m_pTable);
+    }
+
+    /// Judges one measurement that the daemon refused with these words.
+    void JudgeRefusal(std::string_view words) {
+        Row row = fixture.RowOf(2, {{Setting::Band, "5"}, {Setting::Chains, "A"}}, "", "");
+        row.journalled = {{Outcome::Refused, fixture.Text(words)}, {}, false};
+        RunResultBuilder builder;
+        builder.Add(row);
+        run = builder.Take();
+        judgements = Judge(run, *m_pTable);
+    }
+
     CoreFixture fixture;
     RunResult run;
     RunResult oldRun;

@@ -55,6 +55,56 @@ PASS: 1 measurement
 )");
 }
 
+TEST(TextTest, RunThatEndedEarlyHasNotPassed) {
+    OutputFixture fixture;
+    fixture.JudgeEarlyEnd();
+    std::ostringstream stream;
+    PrintJudgements({stream}, fixture.Judged());
+    EXPECT_EQ(stream.str(),
+              R"(run/result.csv: 1 configuration, 1 measurement; country code US
+  the run ended early: 1 of 5 lines were run
+
+Band  pass  too low  too high  not measured  no limit  worst margin  at line
+5        1        0         0             0         0          1 dB      2 A
+all      1        0         0             0         0          1 dB      2 A
+
+FAIL: the run ended early: 1 of 5 lines were run
+)");
+}
+
+TEST(TextTest, BothReasonsNotToPassAreTold) {
+    OutputFixture fixture;
+    fixture.run.earlyEnd = EarlyEnd{6, 7};
+    fixture.judgements.hasEndedEarly = true;
+    std::ostringstream stream;
+    PrintJudgements({stream}, fixture.Judged());
+    const std::string end =
+        "\n\nFAIL: 5 of 8 measurements did not pass, and the run ended early: 6 "
+        "of 7 lines were run\n";
+    EXPECT_EQ(stream.str().substr(stream.str().size() - end.size()), end);
+}
+
+TEST(TextTest, WordsOfTheDaemonAreHarmless) {
+    OutputFixture fixture;
+    fixture.JudgeRefusal("\x1B[2J\xFF no\n");
+    std::ostringstream stream;
+    PrintJudgements({stream}, fixture.Judged());
+    EXPECT_NE(stream.str().find("line 2 chain A: not measured: the daemon refused the line: "
+                                "\\x1B[2J\\xFF no\\n (Band 5, Chains A)\n"),
+              std::string::npos)
+        << stream.str();
+}
+
+TEST(TextTest, ComparedRunThatEndedEarlyIsTold) {
+    OutputFixture fixture;
+    fixture.oldRun.earlyEnd = EarlyEnd{3, std::nullopt};
+    std::ostringstream stream;
+    PrintDifferences({stream}, fixture.Compared());
+    EXPECT_NE(stream.str().find("result.xml is missing\n  the run ended early: 3 lines were run\n"),
+              std::string::npos)
+        << stream.str();
+}
+
 TEST(TextTest, DifferencesAreListedAfterTheShifts) {
     const OutputFixture fixture;
     std::ostringstream stream;

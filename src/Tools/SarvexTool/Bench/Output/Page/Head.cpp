@@ -50,9 +50,18 @@ Banner BannerOfJudgements(const Judgements& judgements) {
                 total == 1 ? "The one measurement is within its limits."
                            : "All " + Measurements(total) + " are within their limits."};
     const std::size_t failed = total - judgements.Count(Verdict::Pass);
+    if (failed == 0)
+        return {"fail", "Not passed", "Of the lines that were run, all are within their limits."};
     return {"fail", "Not passed",
             std::to_string(failed) + " of " + Measurements(total) +
                 " did not pass: " + NamedFailures(judgements) + "."};
+}
+
+/// "The run ended early: 5 of 12 lines were run."
+std::string SentenceOf(const EarlyEnd& earlyEnd) {
+    std::string text = earlyEnd.ToText() + ".";
+    text.front() = 'T';
+    return text;
 }
 
 Banner BannerOfBaseline(const PageBaseline& baseline) {
@@ -153,7 +162,10 @@ std::string EscapeHtml(std::string_view text) {
 void WriteHead(const Page& page, std::ostream& out) {
     out << "<p class=\"kind\">" << EscapeHtml(page.kind) << "</p>\n"
         << "<h1>" << EscapeHtml(page.subject) << "</h1>\n";
-    WriteBanner(BannerOf(page), out);
+    Banner banner = BannerOf(page);
+    if (page.run.earlyEnd)
+        banner.sentence = SentenceOf(*page.run.earlyEnd) + " " + banner.sentence;
+    WriteBanner(banner, out);
     WriteCounts(page, out);
     WriteFacts(page, out);
 }

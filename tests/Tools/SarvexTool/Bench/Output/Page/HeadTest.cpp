@@ -50,6 +50,19 @@ TEST_F(HeadTest, TellsWhatIsKnownWithoutLimits) {
 )");
 }
 
+TEST_F(HeadTest, RunThatEndedEarlyHasNotPassed) {
+    RunResult run = RunOf({{"36", "0", "9"}});
+    run.earlyEnd = EarlyEnd{1, 5};
+    Limits limits;
+    limits.lines.emplace_back();
+    EXPECT_THAT(Judged(run, std::move(limits)),
+                HasSubstr(Banner("fail", "Not passed",
+                                 "The run ended early: 1 of 5 lines were run. Of the lines that "
+                                 "were run, all are within their limits.")));
+    EXPECT_THAT(HeadOf(Page{"", "", {}, run}),
+                HasSubstr("<span>The run ended early: 1 of 5 lines were run. No limits were "));
+}
+
 TEST_F(HeadTest, TextsAreEscapedAndMadeVisible) {
     const RunResult run = RunOf({});
     EXPECT_THAT(HeadOf(Page{"<k>", "a\"b'c&d\xE2\x80\xAE", {{"<n>", "</dd><script>"}}, run}),
