@@ -28,12 +28,13 @@ struct NotMeasured {
         Journalled
     };
 
+    // The small members come first: there are millions of these, and 16 bytes hold one so.
     Cause cause = Cause::NoPower;
-    /// For Uncertain: the setting and the refused line.
+    /// For Uncertain, with since, the refused line.
     Setting setting{};
-    LineNumber since = 0;
-    /// For Journalled. The text belongs to the pool of the run; null where there is none.
+    /// For Journalled, with text, which belongs to the pool of the run; null where there is none.
     Outcome outcome = Outcome::Measured;
+    LineNumber since = 0;
     const std::string* text = nullptr;
 
     /// A sentence without an end mark, for example "Band is uncertain since line 12". It may hold
