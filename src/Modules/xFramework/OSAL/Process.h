@@ -31,6 +31,9 @@ void PrepareStandardStreams();
 /// Blocks the calling thread; returns 0.
 int Sleep(std::uint32_t milliseconds);
 
+/// The system's number of the running process.
+std::uint64_t ProcessId();
+
 /// The error number of the calling thread's last failed call.
 std::uint32_t GetLastError();
 

@@ -5,6 +5,8 @@
 #include "Tools/SarvexTool/Bench/Commands/Compare.h"
 #include "Tools/SarvexTool/Bench/Commands/Judge.h"
 #include "Tools/SarvexTool/Bench/Commands/Report.h"
+#include "Tools/SarvexTool/Bench/Commands/Run.h"
+#include "Tools/SarvexTool/Bench/Commands/Stop.h"
 #include "Tools/SarvexTool/Bench/Core/Nearest.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
@@ -29,8 +31,8 @@ namespace {
 constexpr const char* programName = "SarvexToolBench";
 
 /// The subcommands, in the order in which the help shows them.
-constexpr std::array<Command (*)(CLI::App&), 4> addCommands{AddCheck, AddJudge, AddReport,
-                                                            AddCompare};
+constexpr std::array<Command (*)(CLI::App&), 6> addCommands{AddCheck, AddRun,    AddStop,
+                                                            AddJudge, AddReport, AddCompare};
 
 /// A text in lines of at most so many characters, cut at blanks.
 std::string Wrapped(std::string text, std::size_t width) {
@@ -154,8 +156,9 @@ public:
     }
 
     /// The exit code of what the arguments ask for.
-    int Run(const std::vector<std::string>& arguments, Surroundings& surroundings) {
+    int Run(std::vector<std::string> arguments, Surroundings& surroundings) {
         try {
+            HandOn(arguments, surroundings);
             RequireKnownSubcommand(arguments);
             m_options.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
             return Chosen().run(surroundings);
@@ -173,6 +176,15 @@ public:
     }
 
 private:
+    /// Takes what follows "--" off the arguments of run, which hands it on.
+    static void HandOn(std::vector<std::string>& arguments, Surroundings& surroundings) {
+        const auto dashes = std::find(arguments.begin(), arguments.end(), "--");
+        if (dashes == arguments.end() || arguments.front() != "run")
+            return;
+        surroundings.handedOn.assign(dashes + 1, arguments.end());
+        arguments.erase(dashes, arguments.end());
+    }
+
     /// Of an unknown one the option library says only that one is missing.
     void RequireKnownSubcommand(const std::vector<std::string>& arguments) const {
         if (!arguments.empty() && !arguments.front().starts_with('-'))

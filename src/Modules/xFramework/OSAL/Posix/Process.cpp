@@ -59,6 +59,10 @@ int Sleep(std::uint32_t milliseconds) {
     return 0;
 }
 
+std::uint64_t ProcessId() {
+    return static_cast<std::uint64_t>(::getpid());
+}
+
 std::uint32_t GetLastError() {
     return static_cast<std::uint32_t>(errno);
 }

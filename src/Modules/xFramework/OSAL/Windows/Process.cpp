@@ -31,6 +31,10 @@ int Sleep(std::uint32_t milliseconds) {
     return 0;
 }
 
+std::uint64_t ProcessId() {
+    return ::GetCurrentProcessId();
+}
+
 std::uint32_t GetLastError() {
     return ::GetLastError();
 }

@@ -2,6 +2,7 @@
 
 #include "Modules/xFramework/OSAL/Socket.h"
 #include "Tools/SarvexTool/Bench/Commands/FileArguments.h"
+#include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Core/Estimate.h"
 #include "Tools/SarvexTool/Bench/Daemon/SettingsTrial.h"
 #include "Tools/SarvexTool/Bench/Files/Correction.h"
@@ -39,17 +40,6 @@ struct CheckOptions {
     std::string timeout = "10";
 };
 
-constexpr std::int32_t longestSeconds = 86'400;
-
-/// A time in seconds from an option: a decimal of 0 or more.
-Decimal SecondsOf(const std::string& option, const std::string& text) {
-    const std::optional<Decimal> seconds = Decimal::Parse(text);
-    if (!seconds || *seconds < Decimal() || *seconds > Decimal::FromInteger(longestSeconds))
-        throw WrongUsage(option + " " + text + " is no time in seconds, from 0 to " +
-                         std::to_string(longestSeconds));
-    return *seconds;
-}
-
 bool IsSlow(const std::string& macType) {
     std::uint32_t number = 0;
     const char* const end = macType.data() + macType.size();
@@ -57,16 +47,6 @@ bool IsSlow(const std::string& macType) {
     if (error != std::errc() || rest != end)
         throw WrongUsage("--mac-type " + macType + " is no number");
     return number == SlowMacType;
-}
-
-DaemonAddress AddressOf(const std::string& text) {
-    std::optional<DaemonAddress> address = ParseDaemonAddress(text);
-    if (!address)
-        throw WrongUsage("--daemon " + text +
-                         " is no address; give HOST or HOST:PORT, an IPv6 address in brackets");
-    if (address->port == 0)
-        address->port = ReadPortBesideProgram();
-    return *address;
 }
 
 std::chrono::milliseconds TimeoutOf(const std::string& text) {
@@ -94,7 +74,7 @@ public:
             m_conditions.exchangeSeconds = SecondsOf("--exchange", *options.exchange).ToDouble();
         const std::chrono::milliseconds timeout = TimeoutOf(options.timeout);
         if (options.daemon)
-            m_daemon.emplace(AddressOf(*options.daemon), timeout);
+            m_daemon.emplace(DaemonOf(*options.daemon), timeout);
     }
 
     int Run() {

@@ -5,6 +5,8 @@
 #include <functional>
 #include <istream>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -19,7 +21,11 @@ enum ExitCode : int {
     Found = 1,
     /// Wrong usage, a file that cannot be read or written, a daemon that does not answer, or two
     /// runs without a power.
-    Failed = 2
+    Failed = 2,
+    /// A power test that ended early and can be resumed.
+    EndedEarly = 3,
+    /// A transmission whose stop was not confirmed.
+    StopNotConfirmed = 4
 };
 
 /// The standard streams, or what takes their place.
@@ -27,6 +33,8 @@ struct Surroundings {
     std::istream& in;
     Console out;
     Console err;
+    /// The arguments after "--", where the subcommand hands them on.
+    std::vector<std::string> handedOn = {};
 };
 
 /// A subcommand whose options were added to the program's.

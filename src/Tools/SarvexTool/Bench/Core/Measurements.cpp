@@ -149,6 +149,10 @@ void RunResultBuilder::AddMeasurement(Chain chain, const Row& row) {
 
 RunResult RunResultBuilder::Take() {
     m_carried = {};
+    return TakeNext();
+}
+
+RunResult RunResultBuilder::TakeNext() {
     return std::exchange(m_run, {});
 }
 

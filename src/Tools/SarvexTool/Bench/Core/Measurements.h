@@ -129,6 +129,9 @@ public:
     /// The run so far; the builder is empty afterwards.
     RunResult Take();
 
+    /// What was added since the last call, for those who go on adding: settings are carried over.
+    RunResult TakeNext();
+
 private:
     void AddMeasurement(Chain chain, const Row& row);
     /// Both return whether there is a power that speaks for the line's acceptance.

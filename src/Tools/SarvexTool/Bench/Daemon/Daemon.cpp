@@ -53,6 +53,16 @@ std::uint16_t ReadPortBesideProgram() {
 Daemon::Daemon(DaemonAddress address, std::chrono::milliseconds timeout)
     : m_address(std::move(address)), m_timeout(timeout) {}
 
+std::optional<std::string> BypassAmong(const std::vector<std::string>& arguments) {
+    CliClient client;
+    client.SetArguments({arguments.begin(), arguments.end()});
+    for (const char* name : {"-remoteDaemon", "-open_local_daemon", "-wifi-test-by-file"}) {
+        if (client.HasArgument(name))
+            return name;
+    }
+    return std::nullopt;
+}
+
 DaemonAnswer Daemon::Ask(const std::vector<std::string>& arguments) {
     using Clock = std::chrono::steady_clock;
     const std::string request = BuildCommandRequest(m_address.host, arguments);

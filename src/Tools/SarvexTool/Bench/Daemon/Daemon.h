@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,11 @@ std::uint16_t ReadPortBesideProgram();
 
 /// The request of a command, as the client's power test would send it to a daemon of that host.
 std::string BuildCommandRequest(const std::string& host, const std::vector<std::string>& arguments);
+
+/// The first of the client's own arguments that leads it past a relay, wherever it is one of these
+/// texts or a typed literal of them: another daemon's address, a daemon to be started, another test
+/// file. Nothing where there is none.
+std::optional<std::string> BypassAmong(const std::vector<std::string>& arguments);
 
 /// A daemon over the network, asked with the very bytes that the client's test would send.
 class Daemon : public IDaemon {

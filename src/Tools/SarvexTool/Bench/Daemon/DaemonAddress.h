@@ -23,6 +23,9 @@ struct DaemonAddress {
 /// system's resolver takes.
 std::string ResolvedHost(const DaemonAddress& address);
 
+/// The name of this machine.
+std::string OwnHostName();
+
 /// Reads HOST, HOST:PORT, [IPv6] or [IPv6]:PORT; nothing for any other text.
 std::optional<DaemonAddress> ParseDaemonAddress(std::string_view text);
 

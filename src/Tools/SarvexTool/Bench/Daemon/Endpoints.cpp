@@ -42,6 +42,12 @@ void Endpoints::Find(Callback callback) {
         });
 }
 
+std::string OwnHostName() {
+    error_code isUnknown;
+    const std::string name = boost::asio::ip::host_name(isUnknown);
+    return isUnknown ? "" : name;
+}
+
 std::string ResolvedHost(const DaemonAddress& address) {
     boost::asio::io_context context;
     const auto pEndpoints = std::make_shared<Endpoints>(context, address);

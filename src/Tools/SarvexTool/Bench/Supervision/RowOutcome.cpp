@@ -11,22 +11,6 @@ namespace Bench {
 
 namespace {
 
-/// The last two cells of a row.
-struct RowPowers {
-    std::string_view a;
-    std::string_view b;
-};
-
-RowPowers PowersOf(std::string_view row) {
-    row = PowerTest::TrimmedView(row);
-    const std::size_t beforeB = row.rfind(',');
-    if (beforeB == std::string_view::npos || beforeB == 0)
-        return {};
-    // 0 where no comma is before A.
-    const std::size_t a = row.rfind(',', beforeB - 1) + 1;
-    return {row.substr(a, beforeB - a), row.substr(beforeB + 1)};
-}
-
 ChainOutcome OutcomeOf(Chain chain, std::string_view power, const Answer& answer,
                        const OwnSettings& own) {
     const bool hasPower = power != PowerTest::missingPower;
@@ -43,6 +27,16 @@ ChainOutcome OutcomeOf(Chain chain, std::string_view power, const Answer& answer
 }
 
 } // namespace
+
+RowPowers PowersOf(std::string_view row) {
+    row = PowerTest::TrimmedView(row);
+    const std::size_t beforeB = row.rfind(',');
+    if (beforeB == std::string_view::npos || beforeB == 0)
+        return {};
+    // 0 where no comma is before A.
+    const std::size_t a = row.rfind(',', beforeB - 1) + 1;
+    return {row.substr(a, beforeB - a), row.substr(beforeB + 1)};
+}
 
 LineOutcome OutcomeOfRow(std::string_view row, const Answer& answer, const OwnSettings& own) {
     const RowPowers powers = PowersOf(row);

@@ -1,0 +1,41 @@
+#include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
+
+#include "Tools/SarvexTool/Bench/Commands/Command.h"
+#include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
+
+#include <charconv>
+#include <optional>
+
+namespace Bench {
+
+Decimal SecondsOf(const std::string& option, const std::string& text) {
+    constexpr std::int32_t longestSeconds = 86'400;
+    const std::optional<Decimal> seconds = Decimal::Parse(text);
+    if (!seconds || *seconds < Decimal() || *seconds > Decimal::FromInteger(longestSeconds))
+        throw WrongUsage(option + " " + text + " is no time in seconds, from 0 to " +
+                         std::to_string(longestSeconds));
+    return *seconds;
+}
+
+std::uint32_t NumberOf(const std::string& option, const std::string& text, std::uint32_t least,
+                       std::uint32_t most) {
+    std::uint32_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || rest != end || number < least || number > most)
+        throw WrongUsage(option + " " + text + " is no number from " + std::to_string(least) +
+                         " to " + std::to_string(most));
+    return number;
+}
+
+DaemonAddress DaemonOf(const std::string& text) {
+    std::optional<DaemonAddress> address = ParseDaemonAddress(text);
+    if (!address)
+        throw WrongUsage("--daemon " + text +
+                         " is no address; give HOST or HOST:PORT, an IPv6 address in brackets");
+    if (address->port == 0)
+        address->port = ReadPortBesideProgram();
+    return *address;
+}
+
+} // namespace Bench

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Tools/SarvexTool/Bench/Core/Decimal.h"
+#include "Tools/SarvexTool/Bench/Daemon/DaemonAddress.h"
+
+#include <cstdint>
+#include <string>
+
+namespace Bench {
+
+/// A time in seconds from an option: a decimal from 0 to that of a day. Throws WrongUsage.
+Decimal SecondsOf(const std::string& option, const std::string& text);
+
+/// A whole number from an option, from the least to the most. Throws WrongUsage.
+std::uint32_t NumberOf(const std::string& option, const std::string& text, std::uint32_t least,
+                       std::uint32_t most);
+
+/// A daemon's address from the option --daemon, with the port of the client's Socket.cfg beside the
+/// program where it has none. Throws WrongUsage, and BadInput for the file.
+DaemonAddress DaemonOf(const std::string& text);
+
+} // namespace Bench

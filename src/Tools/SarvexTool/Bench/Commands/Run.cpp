@@ -1,0 +1,412 @@
+#include "Tools/SarvexTool/Bench/Commands/Run.h"
+
+#include "Modules/xFramework/OSAL/Console.h"
+#include "Modules/xFramework/OSAL/Process.h"
+#include "Modules/xFramework/OSAL/Socket.h"
+#include "Modules/xFramework/Utilities/ProgramFiles.h"
+#include "Tools/SarvexTool/Bench/Commands/NeedlessLimits.h"
+#include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
+#include "Tools/SarvexTool/Bench/Commands/RunChecks.h"
+#include "Tools/SarvexTool/Bench/Commands/RunWatch.h"
+#include "Tools/SarvexTool/Bench/Core/Estimate.h"
+#include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
+#include "Tools/SarvexTool/Bench/Files/LimitsFile.h"
+#include "Tools/SarvexTool/Bench/Files/Locks.h"
+#include "Tools/SarvexTool/Bench/Files/ResultFile.h"
+#include "Tools/SarvexTool/Bench/Files/RunDirectory.h"
+#include "Tools/SarvexTool/Bench/Files/TestLines.h"
+#include "Tools/SarvexTool/Bench/Files/UtcTime.h"
+#include "Tools/SarvexTool/Bench/Output/JsonProgress.h"
+#include "Tools/SarvexTool/Bench/Run/SupervisedRun.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <algorithm>
+#include <cctype>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Bench {
+
+namespace {
+
+struct RunArguments {
+    std::optional<std::string> file;
+    std::optional<std::string> resume;
+    std::optional<std::string> out;
+    std::string daemon = "127.0.0.1";
+    std::optional<std::string> client;
+    std::optional<std::string> limits;
+    std::optional<std::string> segment;
+    std::string answerTimeout = "60";
+    std::string retries = "2";
+    std::string wait = "300";
+    std::string stopTimeout = "10";
+    std::string progress = "text";
+    bool failFast = false;
+    bool force = false;
+};
+
+std::string Now() {
+    return UtcTime(std::chrono::system_clock::now());
+}
+
+std::string UserName() {
+    for (const char* variable : {"USER", "LOGNAME", "USERNAME"}) {
+        const char* const name = std::getenv(variable); // NOLINT(concurrency-mt-unsafe)
+        if (name != nullptr && *name != '\0')
+            return name;
+    }
+    return "";
+}
+
+std::string Absolute(const std::string& name) {
+    return NameOf(std::filesystem::absolute(PathOf(name)).lexically_normal());
+}
+
+/// How many lines one client can run with the connections that it keeps open.
+std::uint32_t MostSegmentLines() {
+    constexpr std::uint64_t otherFiles = 32;
+    constexpr std::uint64_t most = 1'000'000;
+    const std::uint64_t files = std::max(OSAL::MostOpenFiles(), otherFiles + 2);
+    return static_cast<std::uint32_t>(
+        std::min({(files - otherFiles) / 2, OSAL::MostPorts() / 2, most}));
+}
+
+std::uint32_t SegmentOf(const std::optional<std::string>& text) {
+    constexpr std::uint32_t usual = 500;
+    const std::uint32_t most = MostSegmentLines();
+    return text ? NumberOf("--segment", *text, 1, most) : std::min(usual, most);
+}
+
+/// A time of the run's options that is not 0.
+double TimeOf(const std::string& option, const std::string& text) {
+    constexpr double shortest = 0.001;
+    const double seconds = SecondsOf(option, text).ToDouble();
+    if (seconds < shortest)
+        throw WrongUsage(option + " is too short");
+    return seconds;
+}
+
+std::string ClientPath(const std::optional<std::string>& given) {
+    std::string suffix = OSAL::ExecutableSuffix;
+    suffix.erase(suffix.find_last_not_of(' ') + 1);
+    std::string path =
+        Absolute(given ? *given : Utilities::PathBesideProgram("SarvexToolClient" + suffix));
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(PathOf(path), ignored))
+        throw BadInput(path, "is no client; name it with --client");
+    return path;
+}
+
+RunOptions OptionsFrom(const RunArguments& arguments, const std::vector<std::string>& handedOn) {
+    constexpr std::uint32_t mostRetries = 1000;
+    RunOptions options;
+    options.segment = SegmentOf(arguments.segment);
+    options.answerTimeout = TimeOf("--answer-timeout", arguments.answerTimeout);
+    options.retries = NumberOf("--retries", arguments.retries, 0, mostRetries);
+    options.wait = TimeOf("--wait", arguments.wait);
+    options.stopTimeout = TimeOf("--stop-timeout", arguments.stopTimeout);
+    if (arguments.limits)
+        options.limits = Absolute(*arguments.limits);
+    options.failFast = arguments.failFast;
+    options.force = arguments.force;
+    options.client = ClientPath(arguments.client);
+    options.firstCommand = handedOn;
+    return options;
+}
+
+RunFacts FactsFrom(const RunArguments& arguments, const std::vector<std::string>& handedOn) {
+    RunFacts facts;
+    facts.programVersion = SARVEX_BENCH_VERSION;
+    facts.user = UserName();
+    facts.host = OwnHostName();
+    facts.started = Now();
+    facts.daemon = DaemonOf(arguments.daemon).ToText();
+    facts.options = OptionsFrom(arguments, handedOn);
+    facts.linesTotal = CountTestLines(*arguments.file);
+    return facts;
+}
+
+/// What goes into the run's folder but its name.
+LockHolder Holder(const std::string& directory) {
+    return {OSAL::ProcessId(), Absolute(directory), Now()};
+}
+
+OSAL::FileLock LockDaemonOf(const RunFacts& facts, const LockHolder& holder) {
+    const std::optional<DaemonAddress> address = ParseDaemonAddress(facts.daemon);
+    if (!address)
+        throw std::runtime_error("the run's daemon \"" + facts.daemon + "\" is no address");
+    return LockDaemon(ResolvedHost(*address), address->port, holder);
+}
+
+std::unique_ptr<IProgress> ProgressTo(const std::string& kind, const Surroundings& surroundings) {
+    if (kind == "json")
+        return std::make_unique<JsonProgress>(surroundings.out.stream);
+    if (!OSAL::IsTerminal(OSAL::StandardStream::Error))
+        return std::make_unique<LineProgress>(surroundings.err.stream);
+    return std::make_unique<TerminalProgress>(surroundings.err.stream, [] {
+        constexpr std::size_t usualWidth = 80;
+        return OSAL::TerminalWidth(OSAL::StandardStream::Error).value_or(usualWidth);
+    });
+}
+
+/// "the daemon is gone" as a sentence of its own.
+std::string AsSentence(std::string text) {
+    if (!text.empty())
+        text.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
+    return text + ".";
+}
+
+/// One call of the subcommand, on the folder of a run.
+class RunCall {
+public:
+    RunCall(RunDirectory& directory, const std::string& progress, Surroundings& surroundings)
+        : m_directory(directory),
+          m_surroundings(surroundings),
+          m_isJson(progress == "json"),
+          m_progress(ProgressTo(progress, surroundings)) {
+        const RunOptions& options = directory.Facts().options;
+        if (options.limits)
+            m_limits.emplace(ReadLimits(*options.limits, surroundings.in, m_texts));
+        m_watch.emplace(*m_progress, m_texts,
+                        RunWatch::Judging{m_limits ? &*m_limits : nullptr, options.failFast},
+                        directory.Facts().linesTotal);
+        AddEarlierLines();
+    }
+
+    int Run() {
+        RunFacts& facts = m_directory.Facts();
+        facts.ended.reset();
+        facts.outcome.clear();
+        facts.exitCode.reset();
+        m_directory.SaveFacts();
+        m_watch->Begin(EstimateSeconds(1, {facts.macType == SlowMacType, 0}));
+        const RunEnd end = RunSupervised(m_directory, *m_watch);
+        const RunSummary summary = Conclude(end);
+        m_progress->MakeRoom();
+        m_progress->End(summary);
+        PrintSummary(m_isJson ? m_surroundings.err.stream : m_surroundings.out.stream, summary);
+        if (m_limits && summary.isComplete)
+            WarnOfNeedlessLimits(*m_limits, *facts.options.limits, m_surroundings.err);
+        return summary.exitCode;
+    }
+
+private:
+    void AddEarlierLines() {
+        TestLines lines(m_directory.Files().testFile);
+        TestLine line;
+        std::ifstream rows(PathOf(m_directory.Files().result), std::ios::binary);
+        std::string row;
+        if (lines.IsHeaderKnown())
+            std::getline(rows, row);
+        for (const JournalEntry& entry : ReadJournal(m_directory.Files().journal)) {
+            if (lines.Read(line) && std::getline(rows, row))
+                m_watch->AddEarlier({entry.line, entry.outcome, row}, line.own);
+        }
+    }
+
+    RunSummary Conclude(const RunEnd& end) {
+        RunSummary summary;
+        const RunProgress& progress = m_watch->Progress();
+        summary.isComplete = end.kind == RunEnd::Kind::Complete;
+        summary.whyEnded = end.reason;
+        summary.linesDone = progress.linesDone;
+        summary.linesTotal = progress.linesTotal;
+        summary.outcomes = progress.outcomes;
+        summary.verdicts = progress.verdicts;
+        summary.missing = m_watch->Missing();
+        summary.directory = m_directory.Files().directory;
+        summary.daemon = m_directory.Facts().daemon;
+        if (end.mayTransmit)
+            summary.unconfirmedStop = "see exchanges.jsonl in the folder of the run";
+        summary.exitCode = ExitCodeOf(end);
+        SaveEnd(end, summary);
+        for (const std::string& note : m_directory.Facts().notes)
+            summary.notes.push_back(AsSentence(note));
+        return summary;
+    }
+
+    int ExitCodeOf(const RunEnd& end) {
+        if (end.mayTransmit)
+            return ExitCode::StopNotConfirmed;
+        if (end.kind == RunEnd::Kind::Complete)
+            return HasPassed() ? ExitCode::Fine : ExitCode::Found;
+        return m_watch->HasFailedFast() ? ExitCode::Found : ExitCode::EndedEarly;
+    }
+
+    /// As judge has it, of the files as they are.
+    bool HasPassed() {
+        try {
+            const Result result =
+                ReadResult(NamesOf(m_directory.Files().directory), m_surroundings.in, m_texts);
+            const auto isMeasured = [](const Measurement& measurement) {
+                return measurement.power.has_value();
+            };
+            NoteUncertain(result.run);
+            return m_limits ? Judge(result.run, *m_limits).HaveAllPassed()
+                            : std::all_of(result.run.measurements.begin(),
+                                          result.run.measurements.end(), isMeasured);
+        } catch (const BadFile& bad) {
+            m_directory.Facts().notes.push_back("the results cannot be judged: " +
+                                                bad.Problems().front().text);
+            return false;
+        }
+    }
+
+    void NoteUncertain(const RunResult& run) {
+        const auto count = std::count_if(
+            run.measurements.begin(), run.measurements.end(), [](const Measurement& measurement) {
+                return !measurement.power &&
+                       measurement.reason.cause == NotMeasured::Cause::Uncertain;
+            });
+        if (count > 0)
+            m_directory.Facts().notes.push_back(
+                std::to_string(count) +
+                " of the powers do not count, because a setting of theirs was refused before; "
+                "judge and report name them");
+    }
+
+    /// The results are there, whatever becomes of the facts.
+    void SaveEnd(const RunEnd& end, const RunSummary& summary) {
+        RunFacts& facts = m_directory.Facts();
+        facts.ended = Now();
+        facts.outcome = summary.isComplete ? "complete" : end.reason;
+        facts.exitCode = summary.exitCode;
+        facts.stopConfirmed = facts.startPassedOn && !end.mayTransmit;
+        facts.linesDone = summary.linesDone;
+        try {
+            m_directory.SaveFacts();
+        } catch (const std::exception& error) {
+            facts.notes.push_back(std::string("the facts of the run could not be written: ") +
+                                  error.what());
+        }
+    }
+
+    RunDirectory& m_directory;
+    Surroundings& m_surroundings;
+    bool m_isJson;
+    std::unique_ptr<IProgress> m_progress;
+    TextPool m_texts;
+    std::optional<LimitTable> m_limits;
+    std::optional<RunWatch> m_watch;
+};
+
+int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
+    if (*arguments.file == StandardStreamName)
+        throw WrongUsage("the test file of a run cannot be standard input");
+    RequireRelayed(surroundings.handedOn);
+    const RunFacts facts = FactsFrom(arguments, surroundings.handedOn);
+    if (facts.options.limits) {
+        TextPool texts;
+        ReadLimits(*facts.options.limits, surroundings.in, texts);
+    }
+    if (!IsFitToRun(*arguments.file, arguments.force, surroundings))
+        return ExitCode::Failed;
+    const std::string name =
+        arguments.out.value_or(NewRunName(*arguments.file, std::chrono::system_clock::now()));
+    const LockHolder holder = Holder(name);
+    const OSAL::FileLock daemonLock = LockDaemonOf(facts, holder);
+    RunDirectory directory = RunDirectory::Create(name, *arguments.file, facts, holder);
+    return RunCall(directory, arguments.progress, surroundings).Run();
+}
+
+int Resume(const RunArguments& arguments, Surroundings& surroundings) {
+    const LockHolder holder = Holder(*arguments.resume);
+    RunDirectory directory = RunDirectory::Resume(*arguments.resume, holder);
+    if (directory.Facts().outcome == "complete" && directory.Facts().stopConfirmed)
+        throw BadInput(*arguments.resume, "is complete; there is nothing to go on with");
+    const OSAL::FileLock daemonLock = LockDaemonOf(directory.Facts(), holder);
+    directory.Facts().notes.clear();
+    return RunCall(directory, arguments.progress, surroundings).Run();
+}
+
+int Run(const CLI::App& app, const RunArguments& arguments, Surroundings& surroundings) {
+    if (arguments.file.has_value() == arguments.resume.has_value())
+        throw WrongUsage("either TEST_FILE or --resume DIR is needed");
+    if (arguments.progress != "text" && arguments.progress != "json")
+        throw WrongUsage("--progress " + arguments.progress + " is neither text nor json");
+    if (!arguments.resume)
+        return RunNew(arguments, surroundings);
+    for (const CLI::Option* const option : app.get_options()) {
+        const std::string name = option->get_name();
+        if (option->count() > 0 && name != "--resume" && name != "--progress")
+            throw WrongUsage("--resume takes all options from the run; leave out " + name);
+    }
+    if (!surroundings.handedOn.empty())
+        throw WrongUsage("--resume takes the client's own first command from the run");
+    return Resume(arguments, surroundings);
+}
+
+void AddFileOptions(CLI::App& app, RunArguments& arguments) {
+    app.add_option("TEST_FILE", arguments.file, "Test file")->type_name("");
+    app.add_option("--resume", arguments.resume,
+                   "Go on with the run in DIR, with its options, after its last finished line")
+        ->type_name("DIR");
+    app.add_option("--out", arguments.out,
+                   "Folder for the run, one that holds no results; runs/NAME-DATE-TIME without it")
+        ->type_name("DIR");
+    app.add_option("--client", arguments.client, "Another client than the one beside this program")
+        ->type_name("PATH");
+    app.add_option("--limits", arguments.limits, "Hold each measurement against limits as it comes")
+        ->type_name("FILE");
+    app.add_flag("--fail-fast", arguments.failFast,
+                 "End the run after the first line that does not pass or has no power");
+    app.add_flag("--force", arguments.force, "Go on though the test file has errors");
+    app.add_option("--progress", arguments.progress,
+                   "text, or json: one JSON object a line on standard output")
+        ->type_name("KIND")
+        ->capture_default_str();
+}
+
+void AddDaemonOptions(CLI::App& app, RunArguments& arguments) {
+    app.add_option("--daemon", arguments.daemon,
+                   "The device's daemon. Without PORT the one in Socket.cfg beside this program")
+        ->type_name("HOST[:PORT]")
+        ->capture_default_str();
+    app.add_option("--answer-timeout", arguments.answerTimeout,
+                   "How long the daemon may be silent before an exchange is repeated")
+        ->type_name("SECONDS")
+        ->capture_default_str();
+    app.add_option("--retries", arguments.retries, "How often an exchange is repeated")
+        ->type_name("N")
+        ->capture_default_str();
+    app.add_option("--wait", arguments.wait, "How long to wait for a daemon that is gone")
+        ->type_name("SECONDS")
+        ->capture_default_str();
+    app.add_option("--stop-timeout", arguments.stopTimeout,
+                   "At the end, how long to wait for the last answer, and then for the stop")
+        ->type_name("SECONDS")
+        ->capture_default_str();
+    app.add_option("--segment", arguments.segment,
+                   "How many lines one start of the client runs; 500 without it, fewer where the "
+                   "system allows few open files")
+        ->type_name("LINES");
+}
+
+} // namespace
+
+Command AddRun(CLI::App& program) {
+    CLI::App* const app = program.add_subcommand("run", "Run a power test under supervision");
+    const auto arguments = std::make_shared<RunArguments>();
+    AddFileOptions(*app, *arguments);
+    AddDaemonOptions(*app, *arguments);
+    app->footer("What follows -- is the client's own first command.\n"
+                "Exit code: 0 complete and all measured or, with limits, passed; 1 complete, but "
+                "something was not; 2 wrong usage, or a file that is wrong or cannot be read or "
+                "written; 3 ended early, to be resumed; 4 the last stop was not confirmed: the "
+                "transmitter may be on.");
+    return {app, [app, arguments](Surroundings& surroundings) {
+                return Run(*app, *arguments, surroundings);
+            }};
+}
+
+} // namespace Bench

@@ -1,0 +1,70 @@
+#include "Tools/SarvexTool/Bench/Commands/Stop.h"
+
+#include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
+#include "Tools/SarvexTool/Bench/Daemon/Connection.h"
+#include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
+#include "Tools/SarvexTool/Bench/Output/ShownText.h"
+#include "Tools/SarvexTool/Bench/Supervision/Answer.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+namespace Bench {
+
+namespace {
+
+struct StopOptions {
+    std::string daemon = "127.0.0.1";
+    std::string timeout = "10";
+};
+
+/// Why the stop is not confirmed; empty when it is.
+std::string TryToStop(const DaemonAddress& address, std::chrono::milliseconds timeout) {
+    try {
+        const Answer answer =
+            ReadAnswer(ExchangeBytes(address.host, address.port,
+                                     BuildCommandRequest(address.host, {"-wifi-stop"}), timeout));
+        return answer.IsConfirmation() ? "" : "answers without the return code 0: " + answer.words;
+    } catch (const ExchangeFailure& failure) {
+        return failure.what();
+    }
+}
+
+int Stop(const StopOptions& options, Surroundings& surroundings) {
+    const DaemonAddress address = DaemonOf(options.daemon);
+    const double seconds = SecondsOf("--stop-timeout", options.timeout).ToDouble();
+    const std::string failure =
+        TryToStop(address, std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000)));
+    if (failure.empty()) {
+        surroundings.out.stream << "The daemon at " << MakeHarmless(address.ToText())
+                                << " has confirmed the stop.\n";
+        return ExitCode::Fine;
+    }
+    surroundings.err.stream << "The transmitter may still be ON: the daemon at "
+                            << MakeHarmless(address.ToText()) << " " << MakeHarmless(failure)
+                            << ".\n";
+    return ExitCode::StopNotConfirmed;
+}
+
+} // namespace
+
+Command AddStop(CLI::App& program) {
+    CLI::App* const app = program.add_subcommand("stop", "Stop a device's transmission by hand");
+    const auto options = std::make_shared<StopOptions>();
+    app->add_option("--daemon", options->daemon,
+                    "The device's daemon. Without PORT the one in Socket.cfg beside this program")
+        ->type_name("HOST[:PORT]")
+        ->capture_default_str();
+    app->add_option("--stop-timeout", options->timeout, "How long the stop may take")
+        ->type_name("SECONDS")
+        ->capture_default_str();
+    app->footer("Exit code: 0 the daemon has confirmed the stop, 2 wrong usage, 4 it has not.");
+    return {app, [options](Surroundings& surroundings) { return Stop(*options, surroundings); }};
+}
+
+} // namespace Bench
