@@ -1,3 +1,4 @@
+#include "Modules/xFramework/OSAL/ChildProcess.h"
 #include "Modules/xFramework/OSAL/Console.h"
 #include "Modules/xFramework/OSAL/CriticalSection.h"
 #include "Modules/xFramework/OSAL/DebugOutput.h"
@@ -6,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <system_error>
 
 namespace OSAL {
 
@@ -292,5 +294,32 @@ void EnterCriticalSection(CriticalSection*) noexcept {
 void LeaveCriticalSection(CriticalSection*) noexcept {
     Record("LeaveCriticalSection");
 }
+
+// A unit test starts no process; one that tries to hears so.
+
+struct ChildProcess::System {};
+
+ChildProcess::ChildProcess(const ChildStart& start) {
+    throw std::system_error(std::make_error_code(std::errc::operation_not_permitted),
+                            start.program);
+}
+
+ChildProcess::~ChildProcess() = default;
+
+void ChildProcess::Kill() {}
+
+ChildEnd ChildProcess::Wait() {
+    return {};
+}
+
+std::uint64_t ChildProcess::Id() const {
+    return ProcessId();
+}
+
+struct InterruptionListener::System {};
+
+InterruptionListener::InterruptionListener(Function /*function*/) {}
+
+InterruptionListener::~InterruptionListener() = default;
 
 } // namespace OSAL
