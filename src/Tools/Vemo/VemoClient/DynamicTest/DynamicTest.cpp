@@ -16,7 +16,6 @@ namespace {
 
 using PowerTest::Chain;
 using PowerTest::chains;
-using PowerTest::ColumnCommand;
 using PowerTest::columnCommands;
 using PowerTest::FailureOf;
 using PowerTest::Fields;
