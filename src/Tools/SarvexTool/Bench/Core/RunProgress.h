@@ -36,7 +36,7 @@ private:
     std::array<std::size_t, OutcomeCount> m_counts{};
 };
 
-using VerdictCounts = std::array<std::size_t, VerdictCount>;
+using VerdictTotals = std::array<std::size_t, VerdictCount>;
 
 /// What a run is doing.
 struct RunState {
@@ -96,7 +96,7 @@ struct RunProgress {
     LastLine last;
     OutcomeCounts outcomes;
     /// With limits only.
-    std::optional<VerdictCounts> verdicts;
+    std::optional<VerdictTotals> verdicts;
     RunState state;
 };
 

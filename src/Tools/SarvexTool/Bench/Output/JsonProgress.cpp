@@ -26,7 +26,7 @@ private:
 };
 
 void WriteCounts(JsonWriter& json, const OutcomeCounts& outcomes,
-                 const std::optional<VerdictCounts>& verdicts) {
+                 const std::optional<VerdictTotals>& verdicts) {
     json.Key("outcomes").BeginObject();
     for (std::size_t index = 0; index < OutcomeCount; ++index) {
         const auto outcome = static_cast<Outcome>(index);

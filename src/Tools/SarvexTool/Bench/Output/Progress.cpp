@@ -8,7 +8,12 @@
 
 namespace Bench {
 
-using namespace std::chrono_literals;
+namespace {
+
+constexpr std::chrono::milliseconds drawingPause(100);
+constexpr std::chrono::seconds linePause(30);
+
+} // namespace
 
 TerminalProgress::TerminalProgress(std::ostream& stream, std::function<std::size_t()> width)
     : m_stream(stream), m_width(std::move(width)) {}
@@ -16,13 +21,15 @@ TerminalProgress::TerminalProgress(std::ostream& stream, std::function<std::size
 void TerminalProgress::Update(const RunProgress& progress, TimePoint now) {
     if (now < m_nextDrawing)
         return;
-    m_nextDrawing = now + 100ms;
+    m_nextDrawing = now + drawingPause;
     // A character in the last column would move the cursor to the next line on some terminals.
     const std::size_t room = std::max<std::size_t>(m_width(), 1) - 1;
     const std::string text = CutToWidth(ProgressText(progress), room);
     const std::size_t width = ShownWidth(text);
     const std::size_t before = std::min(m_drawnWidth, room);
-    m_stream << "\r" << text << std::string(std::max(before, width) - width, ' ') << std::flush;
+    // The cursor waits at the beginning, so that a key's echo does not break the line.
+    m_stream << "\r" << text << std::string(std::max(before, width) - width, ' ') << "\r"
+             << std::flush;
     m_drawnWidth = width;
 }
 
@@ -53,7 +60,7 @@ void LineProgress::Update(const RunProgress& progress, TimePoint now) {
 }
 
 void LineProgress::Write(const RunProgress& progress, TimePoint now) {
-    m_nextLine = now + 30s;
+    m_nextLine = now + linePause;
     m_stream << ProgressText(progress) << "\n" << std::flush;
 }
 

@@ -73,7 +73,7 @@ std::string StateText(const RunState& state) {
            MakeHarmless(state.detail);
 }
 
-std::string VerdictsText(const VerdictCounts& verdicts) {
+std::string VerdictsText(const VerdictTotals& verdicts) {
     std::string text;
     for (std::size_t index = 0; index < verdicts.size(); ++index) {
         const auto verdict = static_cast<Verdict>(index);

@@ -19,6 +19,6 @@ std::string StateText(const RunState& state);
 
 /// What verdicts there are, for example "35 pass, 1 too low"; without those that occur nowhere, and
 /// without what was not measured. Passes are always told.
-std::string VerdictsText(const VerdictCounts& verdicts);
+std::string VerdictsText(const VerdictTotals& verdicts);
 
 } // namespace Bench

@@ -27,7 +27,7 @@ struct RunSummary {
     std::size_t linesTotal = 0;
     OutcomeCounts outcomes;
     /// With limits only.
-    std::optional<VerdictCounts> verdicts;
+    std::optional<VerdictTotals> verdicts;
     /// The first ones, as many as are to be shown.
     std::vector<MissingMeasurement> missing;
     /// The run directory.

@@ -10,16 +10,14 @@ namespace Bench {
 
 namespace {
 
-using namespace std::chrono_literals;
-
 /// Between two tries to reach a daemon that is gone.
-constexpr std::chrono::milliseconds waitPause = 1s;
+constexpr std::chrono::milliseconds waitPause(1000);
 /// Between two tries to stop the last transmission.
-constexpr std::chrono::milliseconds stopPause = 250ms;
+constexpr std::chrono::milliseconds stopPause(250);
 /// A client pauses for five seconds at most; one that takes longer than this does not go on.
-constexpr std::chrono::milliseconds clientLimit = 60s;
+constexpr std::chrono::milliseconds clientLimit(60'000);
 /// What the system leaves to a program whose console was closed.
-constexpr std::chrono::milliseconds closingLimit = 3s;
+constexpr std::chrono::milliseconds closingLimit(3000);
 /// After so many lost connections, with a daemon that was there whenever it was asked, the daemon
 /// is taken for one that closes those which are not used.
 constexpr unsigned lossesOfAnIdleCloser = 3;

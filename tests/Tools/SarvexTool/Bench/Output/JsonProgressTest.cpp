@@ -60,7 +60,7 @@ TEST_F(JsonProgressTest, AFinishedLineIsToldWithItsChains) {
 }
 
 TEST_F(JsonProgressTest, WithLimitsThereAreVerdicts) {
-    m_progress.verdicts = VerdictCounts{1, 2, 3, 4, 5};
+    m_progress.verdicts = VerdictTotals{1, 2, 3, 4, 5};
     m_progress.last.line = 2;
     m_progress.last.a.verdict = Verdict::TooLow;
     m_writer.FinishLine(m_progress, TimePoint());
@@ -110,7 +110,7 @@ TEST_F(JsonProgressTest, TheEndTellsTheSummary) {
                   "\n");
     summary = {};
     summary.isComplete = true;
-    summary.verdicts = VerdictCounts{};
+    summary.verdicts = VerdictTotals{};
     m_writer.End(summary);
     EXPECT_EQ(Written(),
               R"({"event": "end", "complete": true, "why": "", "linesDone": 0, )"

@@ -33,15 +33,15 @@ protected:
 TEST_F(TerminalProgressTest, TheLineIsDrawnOverTheOneBefore) {
     m_progress.linesTotal = 100;
     m_writer.Begin(m_progress, IProgress::TimePoint(0ms));
-    EXPECT_EQ(Written(), "\r0/100 (0 %), 0:00");
+    EXPECT_EQ(Written(), "\r0/100 (0 %), 0:00\r");
     m_progress.linesDone = 100;
     m_writer.FinishLine(m_progress, IProgress::TimePoint(1s));
-    EXPECT_EQ(Written(), "\r100/100 (100 %), 0:00");
+    EXPECT_EQ(Written(), "\r100/100 (100 %), 0:00\r");
     m_progress.linesTotal = m_progress.linesDone = 9;
     Update(2s);
-    EXPECT_EQ(Written(), "\r9/9 (100 %), 0:00    ");
+    EXPECT_EQ(Written(), "\r9/9 (100 %), 0:00    \r");
     Update(3s);
-    EXPECT_EQ(Written(), "\r9/9 (100 %), 0:00");
+    EXPECT_EQ(Written(), "\r9/9 (100 %), 0:00\r");
 }
 
 TEST_F(TerminalProgressTest, ItIsDrawnAtMostTenTimesASecond) {
@@ -59,26 +59,26 @@ TEST_F(TerminalProgressTest, WhatWasNotDrawnIsDrawnLater) {
     Update(99ms);
     Written();
     Update(100ms);
-    EXPECT_EQ(Written(), "\r7/7 (100 %), 0:00");
+    EXPECT_EQ(Written(), "\r7/7 (100 %), 0:00\r");
 }
 
 TEST_F(TerminalProgressTest, TheLastColumnStaysFree) {
     m_progress.line = 2;
     m_progress.settings = "Band 測試測試";
     Update(0ms);
-    EXPECT_EQ(Written(), "\r0/0 (100 %), 0:00; line 2: Band 測試測試");
+    EXPECT_EQ(Written(), "\r0/0 (100 %), 0:00; line 2: Band 測試測試\r");
     m_width = 40;
     Update(1s);
-    EXPECT_EQ(Written(), "\r0/0 (100 %), 0:00; line 2: Band 測試...");
+    EXPECT_EQ(Written(), "\r0/0 (100 %), 0:00; line 2: Band 測試...\r");
     m_width = 10;
     Update(2s);
-    EXPECT_EQ(Written(), "\r0/0 (1...");
+    EXPECT_EQ(Written(), "\r0/0 (1...\r");
     m_width = 1;
     Update(3s);
-    EXPECT_EQ(Written(), "\r");
+    EXPECT_EQ(Written(), "\r\r");
     m_width = 0;
     Update(4s);
-    EXPECT_EQ(Written(), "\r");
+    EXPECT_EQ(Written(), "\r\r");
 }
 
 TEST_F(TerminalProgressTest, ItMakesRoomForOtherText) {
@@ -91,7 +91,7 @@ TEST_F(TerminalProgressTest, ItMakesRoomForOtherText) {
     m_writer.MakeRoom();
     EXPECT_EQ(Written(), "");
     Update(100ms);
-    EXPECT_EQ(Written(), "\r0/0 (100 %), 0:00");
+    EXPECT_EQ(Written(), "\r0/0 (100 %), 0:00\r");
     m_writer.End({});
     EXPECT_EQ(Written(), "\r" + std::string(17, ' ') + "\r");
 }

@@ -45,7 +45,7 @@ TEST(ProgressTextTest, WhatMattersMostComesFirst) {
     EXPECT_EQ(ProgressText(progress), "37/400 (9 %), 0:37, about 6:03 left; line 38: A 12.86 dBm, "
                                       "B -1 dBm; line 39: Band 5, Channel 42");
     progress.outcomes.Add({{Outcome::Refused, ""}, {Outcome::Refused, ""}, false}, {true, true});
-    progress.verdicts = VerdictCounts{35, 1, 0, 2, 0};
+    progress.verdicts = VerdictTotals{35, 1, 0, 2, 0};
     EXPECT_EQ(ProgressText(progress),
               "37/400 (9 %), 0:37, about 6:03 left, 2 not measured, 35 pass, 1 too low; "
               "line 38: A 12.86 dBm, B -1 dBm; line 39: Band 5, Channel 42");

@@ -76,7 +76,7 @@ TEST(RunSummaryTest, WhatIsMissingIsToldWithItsReason) {
         summary.outcomes.Add({{outcome, ""}, {Outcome::ChainNotActive, ""}, false}, {true, false});
     summary.missing = {{12, Chain::A, {Outcome::Refused, "Band cannot be '7'."}},
                        {13, Chain::None, {Outcome::Refused, ""}}};
-    summary.verdicts = VerdictCounts{1, 1, 0, 3, 0};
+    summary.verdicts = VerdictTotals{1, 1, 0, 3, 0};
     EXPECT_EQ(Printed(summary), "The run is complete: 1 of 1 line.\n"
                                 "5 measurements: 2 measured, 2 refused, 1 time-out.\n"
                                 "Held against the limits: 1 pass, 1 too low.\n"
