@@ -193,10 +193,11 @@ public:
         const RunEnd end = RunSupervised(m_directory, *m_watch);
         const RunSummary summary = Conclude(end);
         m_progress->MakeRoom();
-        m_progress->End(summary);
-        PrintSummary(m_isJson ? m_surroundings.err.stream : m_surroundings.out.stream, summary);
         if (m_limits && summary.isComplete)
             WarnOfNeedlessLimits(*m_limits, *facts.options.limits, m_surroundings.err);
+        m_progress->End(summary);
+        // Last of all, because a transmitter that may be on is told at its end.
+        PrintSummary(m_isJson ? m_surroundings.err.stream : m_surroundings.out.stream, summary);
         return summary.exitCode;
     }
 
@@ -227,7 +228,7 @@ private:
         summary.directory = m_directory.Files().directory;
         summary.daemon = m_directory.Facts().daemon;
         if (end.mayTransmit)
-            summary.unconfirmedStop = "see exchanges.jsonl in the folder of the run";
+            summary.unconfirmedStop = "it " + end.stopProblem;
         summary.exitCode = ExitCodeOf(end);
         SaveEnd(end, summary);
         for (const std::string& note : m_directory.Facts().notes)

@@ -184,7 +184,8 @@ private:
                                 m_directory.Files().tree);
         } catch (const std::exception& error) {
             if (end.kind == RunEnd::Kind::Complete)
-                end = {RunEnd::Kind::Early, WordsOf(error), end.mayTransmit};
+                end.reason = WordsOf(error);
+            end.kind = RunEnd::Kind::Early;
         }
         return end;
     }

@@ -406,6 +406,8 @@ void Supervisor::TimerExpired(Timer timer) {
         m_hands.AbandonExchange();
         if (m_doing == Doing::AwaitingLastAnswer)
             return StopLast();
+        if (m_end.stopProblem.empty())
+            m_end.stopProblem = "gave no answer in time";
         m_doing = Doing::Nothing;
         return EndIfAllIsDone();
     }
@@ -417,6 +419,8 @@ void Supervisor::Interrupted() {
         return;
     }
     m_hands.AbandonExchange();
+    if (m_end.stopProblem.empty())
+        m_end.stopProblem = "was not waited for";
     m_doing = Doing::Nothing;
     m_isClientRunning = false;
     EndIfAllIsDone();
@@ -488,8 +492,12 @@ void Supervisor::StopLast() {
 }
 
 void Supervisor::LastStopEnded(const ExchangeEnd& end) {
-    if (end.kind == ExchangeEnd::Kind::Answered)
+    m_end.stopProblem = end.words;
+    if (end.kind == ExchangeEnd::Kind::Answered) {
         NoteStop(end);
+        m_end.stopProblem =
+            "answered without the return code 0 (" + ReadAnswer(end.bytes).words + ")";
+    }
     if (m_mayTransmit) {
         m_hands.SetTimer(Timer::Pause, stopPause);
         return;

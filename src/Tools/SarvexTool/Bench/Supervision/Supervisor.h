@@ -131,6 +131,8 @@ struct RunEnd {
     std::string reason;
     /// Whether the transmitter may still be on.
     bool mayTransmit = false;
+    /// Why the last stop is not confirmed, as in "the daemon ...".
+    std::string stopProblem;
 };
 
 /// Leads a run: decides what follows from each event. Told apart by their count, a client's

@@ -427,6 +427,18 @@ TEST_F(SupervisorTest, LastStopIsRepeatedUntilItsTimeIsOver) {
     supervisor.TimerExpired(Timer::Stop);
     EXPECT_TRUE(supervisor.HasEnded());
     EXPECT_TRUE(supervisor.End().mayTransmit);
+    EXPECT_EQ(supervisor.End().stopProblem, "is away");
+}
+
+TEST_F(SupervisorTest, StopWithoutTheReturnCodeZeroIsNotConfirmed) {
+    Supervisor& supervisor = StartLines();
+    Exchange("start");
+    supervisor.Interrupted();
+    supervisor.ClientEnded(9, "");
+    Answer(refusal);
+    supervisor.TimerExpired(Timer::Stop);
+    EXPECT_TRUE(supervisor.End().mayTransmit);
+    EXPECT_EQ(supervisor.End().stopProblem, "answered without the return code 0 (no)");
 }
 
 TEST_F(SupervisorTest, StopUnderWayIsTheLastOne) {
@@ -450,6 +462,7 @@ TEST_F(SupervisorTest, SecondInterruptionEndsTheRunAtOnce) {
     supervisor.Interrupted();
     EXPECT_TRUE(supervisor.HasEnded());
     EXPECT_TRUE(supervisor.End().mayTransmit);
+    EXPECT_EQ(supervisor.End().stopProblem, "was not waited for");
 }
 
 TEST_F(SupervisorTest, ClosingConsoleLeavesTimeForOneStopOnly) {
