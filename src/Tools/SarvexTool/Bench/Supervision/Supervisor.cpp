@@ -487,6 +487,8 @@ void Supervisor::StopLast() {
         return;
     }
     m_hands.ShowState(RunState::Kind::Stopping, "");
+    // Of a stop that was tried before.
+    m_hands.CancelTimer(Timer::Pause);
     m_hands.SetTimer(Timer::Stop, m_options.stopTimeout);
     SendStop(Doing::StoppingLast);
 }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <deque>
+#include <set>
 #include <utility>
 
 namespace Bench {
@@ -74,10 +75,11 @@ public:
     void NoteMacType(const Answer& answer) override { macTypes.push_back(answer.words); }
     void NoteCountryCode(const Answer& answer) override { countryCodes.push_back(answer.words); }
     void SetTimer(Timer timer, std::chrono::milliseconds time) override {
+        timers.insert(timer);
         if (timer != Timer::Client)
             m_calls.push_back(std::string(NameOf(timer)) + " " + std::to_string(time.count()));
     }
-    void CancelTimer(Timer /*timer*/) override {}
+    void CancelTimer(Timer timer) override { timers.erase(timer); }
     void Note(const std::string& text) override { notes.push_back(text); }
     void ShowState(RunState::Kind kind, const std::string& detail) override {
         state = std::string(Bench::NameOf(kind)) + ": " + detail;
@@ -91,6 +93,8 @@ public:
     std::vector<std::string> notes;
     std::string state;
     LineNumber shownLine = 0;
+    /// Those that were set and not cancelled.
+    std::set<Timer> timers;
 
 private:
     std::vector<std::string> m_calls;
@@ -472,6 +476,21 @@ TEST_F(SupervisorTest, ClosingConsoleLeavesTimeForOneStopOnly) {
     supervisor.Closing();
     EXPECT_THAT(hands.Taken(), ElementsAre("abandon", "kill client", "abandon", "stop 3000",
                                            "send -wifi-stop", "stop 3000"));
+}
+
+TEST_F(SupervisorTest, ConsoleThatClosesAfterTheTimeOfTheStopsGetsOneStopMore) {
+    Supervisor& supervisor = StartLines();
+    supervisor.ClientRequested("start");
+    supervisor.Interrupted();
+    Answer();
+    Miss();
+    EXPECT_TRUE(hands.timers.contains(Timer::Pause));
+    // The client has not ended yet.
+    supervisor.TimerExpired(Timer::Stop);
+    hands.Taken();
+    supervisor.Closing();
+    EXPECT_THAT(hands.Taken(), ElementsAre("abandon", "stop 3000", "send -wifi-stop"));
+    EXPECT_FALSE(hands.timers.contains(Timer::Pause)) << "it would send one beside it";
 }
 
 TEST_F(SupervisorTest, ClientThatDiesIsFollowedByAStopAndTheLineIsNamed) {
