@@ -1,31 +1,24 @@
 #include "Tools/SarvexTool/Bench/Commands/Run.h"
 
-#include "Modules/xFramework/OSAL/Console.h"
 #include "Modules/xFramework/OSAL/Process.h"
 #include "Modules/xFramework/OSAL/Socket.h"
 #include "Modules/xFramework/Utilities/ProgramFiles.h"
-#include "Tools/SarvexTool/Bench/Commands/NeedlessLimits.h"
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
+#include "Tools/SarvexTool/Bench/Commands/RunCall.h"
 #include "Tools/SarvexTool/Bench/Commands/RunChecks.h"
-#include "Tools/SarvexTool/Bench/Commands/RunWatch.h"
-#include "Tools/SarvexTool/Bench/Core/Estimate.h"
 #include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Files/LimitsFile.h"
 #include "Tools/SarvexTool/Bench/Files/Locks.h"
-#include "Tools/SarvexTool/Bench/Files/ResultFile.h"
 #include "Tools/SarvexTool/Bench/Files/RunDirectory.h"
 #include "Tools/SarvexTool/Bench/Files/TestLines.h"
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"
-#include "Tools/SarvexTool/Bench/Output/JsonProgress.h"
-#include "Tools/SarvexTool/Bench/Run/SupervisedRun.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
 #include <algorithm>
-#include <cctype>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -148,159 +141,6 @@ OSAL::FileLock LockDaemonOf(const RunFacts& facts, const LockHolder& holder) {
     return LockDaemon(ResolvedHost(*address), address->port, holder);
 }
 
-std::unique_ptr<IProgress> ProgressTo(const std::string& kind, const Surroundings& surroundings) {
-    if (kind == "json")
-        return std::make_unique<JsonProgress>(surroundings.out.stream);
-    if (!OSAL::IsTerminal(OSAL::StandardStream::Error))
-        return std::make_unique<LineProgress>(surroundings.err.stream);
-    return std::make_unique<TerminalProgress>(surroundings.err.stream, [] {
-        constexpr std::size_t usualWidth = 80;
-        return OSAL::TerminalWidth(OSAL::StandardStream::Error).value_or(usualWidth);
-    });
-}
-
-/// "the daemon is gone" as a sentence of its own.
-std::string AsSentence(std::string text) {
-    if (!text.empty())
-        text.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
-    return text + ".";
-}
-
-/// One call of the subcommand, on the folder of a run.
-class RunCall {
-public:
-    RunCall(RunDirectory& directory, const std::string& progress, Surroundings& surroundings)
-        : m_directory(directory),
-          m_surroundings(surroundings),
-          m_isJson(progress == "json"),
-          m_progress(ProgressTo(progress, surroundings)) {
-        const RunOptions& options = directory.Facts().options;
-        if (options.limits)
-            m_limits.emplace(ReadLimits(*options.limits, surroundings.in, m_texts));
-        m_watch.emplace(*m_progress, m_texts,
-                        RunWatch::Judging{m_limits ? &*m_limits : nullptr, options.failFast},
-                        directory.Facts().linesTotal);
-        AddEarlierLines();
-    }
-
-    int Run() {
-        RunFacts& facts = m_directory.Facts();
-        facts.ended.reset();
-        facts.outcome.clear();
-        facts.exitCode.reset();
-        m_directory.SaveFacts();
-        m_watch->Begin(EstimateSeconds(1, {facts.macType == SlowMacType, 0}));
-        const RunEnd end = RunSupervised(m_directory, *m_watch);
-        const RunSummary summary = Conclude(end);
-        m_progress->MakeRoom();
-        if (m_limits && summary.isComplete)
-            WarnOfNeedlessLimits(*m_limits, *facts.options.limits, m_surroundings.err);
-        m_progress->End(summary);
-        // Last of all, because a transmitter that may be on is told at its end.
-        PrintSummary(m_isJson ? m_surroundings.err.stream : m_surroundings.out.stream, summary);
-        return summary.exitCode;
-    }
-
-private:
-    void AddEarlierLines() {
-        TestLines lines(m_directory.Files().testFile);
-        TestLine line;
-        std::ifstream rows(PathOf(m_directory.Files().result), std::ios::binary);
-        std::string row;
-        if (lines.IsHeaderKnown())
-            std::getline(rows, row);
-        for (const JournalEntry& entry : ReadJournal(m_directory.Files().journal)) {
-            if (lines.Read(line) && std::getline(rows, row))
-                m_watch->AddEarlier({entry.line, entry.outcome, row}, line.own);
-        }
-    }
-
-    RunSummary Conclude(const RunEnd& end) {
-        RunSummary summary;
-        const RunProgress& progress = m_watch->Progress();
-        summary.isComplete = end.kind == RunEnd::Kind::Complete;
-        summary.whyEnded = end.reason;
-        summary.linesDone = progress.linesDone;
-        summary.linesTotal = progress.linesTotal;
-        summary.outcomes = progress.outcomes;
-        summary.verdicts = progress.verdicts;
-        summary.missing = m_watch->Missing();
-        summary.directory = m_directory.Files().directory;
-        summary.daemon = m_directory.Facts().daemon;
-        if (end.mayTransmit)
-            summary.unconfirmedStop = "it " + end.stopProblem;
-        summary.exitCode = ExitCodeOf(end);
-        SaveEnd(end, summary);
-        for (const std::string& note : m_directory.Facts().notes)
-            summary.notes.push_back(AsSentence(note));
-        return summary;
-    }
-
-    int ExitCodeOf(const RunEnd& end) {
-        if (end.mayTransmit)
-            return ExitCode::StopNotConfirmed;
-        if (end.kind == RunEnd::Kind::Complete)
-            return HasPassed() ? ExitCode::Fine : ExitCode::Found;
-        return m_watch->HasFailedFast() ? ExitCode::Found : ExitCode::EndedEarly;
-    }
-
-    /// As judge has it, of the files as they are.
-    bool HasPassed() {
-        try {
-            const Result result =
-                ReadResult(NamesOf(m_directory.Files().directory), m_surroundings.in, m_texts);
-            const auto isMeasured = [](const Measurement& measurement) {
-                return measurement.power.has_value();
-            };
-            NoteUncertain(result.run);
-            return m_limits ? Judge(result.run, *m_limits).HaveAllPassed()
-                            : std::all_of(result.run.measurements.begin(),
-                                          result.run.measurements.end(), isMeasured);
-        } catch (const BadFile& bad) {
-            m_directory.Facts().notes.push_back("the results cannot be judged: " +
-                                                bad.Problems().front().text);
-            return false;
-        }
-    }
-
-    void NoteUncertain(const RunResult& run) {
-        const auto count = std::count_if(
-            run.measurements.begin(), run.measurements.end(), [](const Measurement& measurement) {
-                return !measurement.power &&
-                       measurement.reason.cause == NotMeasured::Cause::Uncertain;
-            });
-        if (count > 0)
-            m_directory.Facts().notes.push_back(
-                std::to_string(count) +
-                " of the powers do not count, because a setting of theirs was refused before; "
-                "judge and report name them");
-    }
-
-    /// The results are there, whatever becomes of the facts.
-    void SaveEnd(const RunEnd& end, const RunSummary& summary) {
-        RunFacts& facts = m_directory.Facts();
-        facts.ended = Now();
-        facts.outcome = summary.isComplete ? "complete" : end.reason;
-        facts.exitCode = summary.exitCode;
-        facts.stopConfirmed = facts.startPassedOn && !end.mayTransmit;
-        facts.linesDone = summary.linesDone;
-        try {
-            m_directory.SaveFacts();
-        } catch (const std::exception& error) {
-            facts.notes.push_back(std::string("the facts of the run could not be written: ") +
-                                  error.what());
-        }
-    }
-
-    RunDirectory& m_directory;
-    Surroundings& m_surroundings;
-    bool m_isJson;
-    std::unique_ptr<IProgress> m_progress;
-    TextPool m_texts;
-    std::optional<LimitTable> m_limits;
-    std::optional<RunWatch> m_watch;
-};
-
 int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
     if (*arguments.file == StandardStreamName)
         throw WrongUsage("the test file of a run cannot be standard input");
@@ -317,7 +157,7 @@ int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
     const LockHolder holder = Holder(name);
     const OSAL::FileLock daemonLock = LockDaemonOf(facts, holder);
     RunDirectory directory = RunDirectory::Create(name, *arguments.file, facts, holder);
-    return RunCall(directory, arguments.progress, surroundings).Run();
+    return RunTest(directory, arguments.progress, surroundings);
 }
 
 int Resume(const RunArguments& arguments, Surroundings& surroundings) {
@@ -327,7 +167,7 @@ int Resume(const RunArguments& arguments, Surroundings& surroundings) {
         throw BadInput(*arguments.resume, "is complete; there is nothing to go on with");
     const OSAL::FileLock daemonLock = LockDaemonOf(directory.Facts(), holder);
     directory.Facts().notes.clear();
-    return RunCall(directory, arguments.progress, surroundings).Run();
+    return RunTest(directory, arguments.progress, surroundings);
 }
 
 int Run(const CLI::App& app, const RunArguments& arguments, Surroundings& surroundings) {
