@@ -40,6 +40,9 @@ std::uint32_t GetLastError();
 /// The path of the running executable; false when it cannot be told, with path left as it was.
 bool ReadModulePath(std::string& path);
 
+/// The same in UTF-8, whatever the system's code page; empty when it cannot be told.
+std::string ModulePathInUtf8();
+
 /// Creates a process from an executable file and its whole command line. The child inherits the
 /// handles and the environment. On success information owns its handles, where the system has any.
 /// Where a command line is a list of texts, the child gets the executable path alone.

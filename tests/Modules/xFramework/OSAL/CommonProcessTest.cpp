@@ -30,6 +30,12 @@ TEST(CommonProcessTest, KnowsTheFileThatItRuns) {
     ASSERT_TRUE(ReadModulePath(path));
     EXPECT_EQ(std::filesystem::path(path).stem().string(), "OSALTests");
     EXPECT_TRUE(std::filesystem::is_regular_file(path));
+    EXPECT_TRUE(std::filesystem::equivalent(ModulePathInUtf8(), path));
+}
+
+TEST(CommonProcessTest, HasANumber) {
+    EXPECT_NE(ProcessId(), 0U);
+    EXPECT_EQ(ProcessId(), ProcessId());
 }
 
 TEST(CommonProcessTest, FindsWhatIsBesideIt) {

@@ -75,6 +75,12 @@ bool ReadModulePath(std::string& path) {
     return true;
 }
 
+std::string ModulePathInUtf8() {
+    std::string path;
+    ReadModulePath(path);
+    return path;
+}
+
 bool CreateChildProcess(const std::string& executablePath, const std::string& /*commandLine*/,
                         const std::string& workingDirectory, bool /*newConsole*/,
                         ProcessInformation& information) {

@@ -52,6 +52,14 @@ bool ReadModulePath(std::string& path) {
     return true;
 }
 
+std::string ModulePathInUtf8() {
+    constexpr DWORD longestPath = 32'768;
+    std::wstring wide(longestPath, L'\0');
+    const DWORD length = ::GetModuleFileNameW(nullptr, wide.data(), longestPath);
+    wide.resize(length == longestPath ? 0 : length);
+    return ToUtf8(wide);
+}
+
 bool CreateChildProcess(const std::string& executablePath, const std::string& commandLine,
                         const std::string& workingDirectory, bool newConsole,
                         ProcessInformation& information) {

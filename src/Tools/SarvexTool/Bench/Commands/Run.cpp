@@ -2,7 +2,6 @@
 
 #include "Modules/xFramework/OSAL/Process.h"
 #include "Modules/xFramework/OSAL/Socket.h"
-#include "Modules/xFramework/Utilities/ProgramFiles.h"
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Commands/RunCall.h"
 #include "Tools/SarvexTool/Bench/Commands/RunChecks.h"
@@ -92,8 +91,8 @@ double TimeOf(const std::string& option, const std::string& text) {
 std::string ClientPath(const std::optional<std::string>& given) {
     std::string suffix = OSAL::ExecutableSuffix;
     suffix.erase(suffix.find_last_not_of(' ') + 1);
-    std::string path =
-        Absolute(given ? *given : Utilities::PathBesideProgram("SarvexToolClient" + suffix));
+    const std::filesystem::path folder = PathOf(OSAL::ModulePathInUtf8()).parent_path();
+    std::string path = Absolute(given ? *given : NameOf(folder / ("SarvexToolClient" + suffix)));
     std::error_code ignored;
     if (!std::filesystem::is_regular_file(PathOf(path), ignored))
         throw BadInput(path, "is no client; name it with --client");
@@ -142,8 +141,8 @@ OSAL::FileLock LockDaemonOf(const RunFacts& facts, const LockHolder& holder) {
 }
 
 int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
-    if (*arguments.file == StandardStreamName)
-        throw WrongUsage("the test file of a run cannot be standard input");
+    if (*arguments.file == StandardStreamName || arguments.limits == StandardStreamName)
+        throw WrongUsage("a run takes no file from standard input: resuming needs it once more");
     RequireRelayed(surroundings.handedOn);
     const RunFacts facts = FactsFrom(arguments, surroundings.handedOn);
     if (facts.options.limits) {

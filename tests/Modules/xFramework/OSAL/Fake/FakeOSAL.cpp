@@ -101,6 +101,10 @@ bool ReadModulePath(std::string& path) {
     return TheWorld().modulePathReadable;
 }
 
+std::string ModulePathInUtf8() {
+    return TheWorld().modulePathReadable ? TheWorld().modulePath : "";
+}
+
 bool CreateChildProcess(const std::string& executablePath, const std::string& commandLine,
                         const std::string& workingDirectory, bool newConsole,
                         ProcessInformation& information) {
