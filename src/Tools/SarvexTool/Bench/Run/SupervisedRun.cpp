@@ -146,13 +146,24 @@ public:
         });
         m_loop.Post([this] { Tell([](Supervisor& supervisor) { supervisor.Begin(); }); });
         m_timers.Set(tick, tickTime);
-        m_loop.Run();
+        while (!m_supervisor.HasEnded())
+            RunLoop();
         m_client.reset();
         m_directory.Facts().closesIdleConnections = m_supervisor.ClosesIdleConnections();
         return CompleteResult(m_supervisor.End());
     }
 
 private:
+    /// What a callback throws, beside what Tell catches, is an error of the hands too: for instance
+    /// the relay can take no more connections.
+    void RunLoop() {
+        try {
+            m_loop.Run();
+        } catch (const std::exception& error) {
+            Tell([&error](Supervisor& supervisor) { supervisor.EndEarly(WordsOf(error)); });
+        }
+    }
+
     /// Tells the supervisor what happened. An error of its hands is one more event.
     void Tell(const std::function<void(Supervisor&)>& event) {
         try {
