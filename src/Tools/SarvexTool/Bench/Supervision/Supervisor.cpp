@@ -2,8 +2,6 @@
 
 #include "Tools/SarvexTool/Bench/Supervision/RowOutcome.h"
 
-#include <algorithm>
-#include <array>
 #include <utility>
 
 namespace Bench {
@@ -18,11 +16,6 @@ constexpr std::chrono::milliseconds stopPause(250);
 constexpr std::chrono::milliseconds clientLimit(60'000);
 /// What the system leaves to a program whose console was closed.
 constexpr std::chrono::milliseconds closingLimit(3000);
-/// After so many lost connections, with a daemon that was there whenever it was asked, the daemon
-/// is taken for one that closes those which are not used.
-constexpr unsigned lossesOfAnIdleCloser = 3;
-/// The exchanges of a client before its first line.
-constexpr std::size_t exchangesAhead = 3;
 
 } // namespace
 
@@ -38,15 +31,12 @@ void Supervisor::Begin() {
 }
 
 void Supervisor::ConnectIdle() {
-    m_isConnectingIdle = true;
+    m_idle.Connecting();
     m_hands.ConnectIdle();
 }
 
 void Supervisor::IdleConnected() {
-    m_isConnectingIdle = false;
-    m_hasIdle = true;
-    // From here on a restart shows; whether there was one before is not known.
-    m_mustRestore = true;
+    m_idle.Connected();
     if (m_doing != Doing::WaitingForDaemon)
         return;
     if (m_mayTransmit || m_request)
@@ -56,7 +46,7 @@ void Supervisor::IdleConnected() {
 }
 
 void Supervisor::IdleFailed(const std::string& words) {
-    m_isConnectingIdle = false;
+    m_idle.Failed();
     if (m_doing != Doing::WaitingForDaemon)
         return;
     m_whyGone = words;
@@ -64,16 +54,12 @@ void Supervisor::IdleFailed(const std::string& words) {
 }
 
 void Supervisor::IdleLost() {
-    m_hasIdle = false;
-    if (m_isEnding || m_closesIdle)
-        return;
-    if (++m_idleLosses < lossesOfAnIdleCloser) {
+    const bool closesIdle = m_idle.ClosesIdle();
+    if (m_idle.Lost() && !m_isEnding)
         ConnectIdle();
-        return;
-    }
-    m_closesIdle = true;
-    m_hands.Note("the daemon closes connections that are not used, so that its restart may not "
-                 "show; the settings are sent again for each segment");
+    if (m_idle.ClosesIdle() && !closesIdle)
+        m_hands.Note("the daemon closes connections that are not used, so that its restart may not "
+                     "show; the settings are sent again for each segment");
 }
 
 void Supervisor::WaitForDaemon() {
@@ -84,7 +70,7 @@ void Supervisor::WaitForDaemon() {
 
 void Supervisor::DaemonGone(const std::string& words) {
     m_whyGone = words;
-    m_idleLosses = 0;
+    m_idle.DaemonGone();
     // A line at which the daemon dies each time would keep the run waiting for ever.
     if (++m_request->timesGone > m_options.retries + 1) {
         EndEarly("the daemon went away " + std::to_string(m_request->timesGone) + " times at " +
@@ -115,71 +101,59 @@ void Supervisor::StartNextClient() {
         EndRun(RunEnd::Kind::Complete, "");
         return;
     }
-    m_segment = *segment;
-    m_exchanges = 0;
+    m_exchanges = ClientExchanges(*segment);
     m_isClientRunning = true;
-    m_mustRestore = m_mustRestore || m_closesIdle;
+    m_idle.BeginSegment();
     m_hands.SetTimer(Timer::Client, clientLimit);
-}
-
-Supervisor::Kind Supervisor::NextKind() const {
-    constexpr std::array<Kind, exchangesAhead> ahead{Kind::FirstCommand, Kind::MacType,
-                                                     Kind::CountryCode};
-    if (m_exchanges < ahead.size())
-        return ahead.at(m_exchanges);
-    return (m_exchanges - ahead.size()) % 2 == 0 ? Kind::Start : Kind::Stop;
 }
 
 void Supervisor::ClientRequested(const std::string& request) {
     if (m_isEnding)
         return;
     m_hands.CancelTimer(Timer::Client);
-    if (m_request || m_exchanges == exchangesAhead + 2 * m_segment.lines) {
+    if (m_request || m_exchanges.IsComplete()) {
         EndEarly("the client sends a command too many at " + Place());
         return;
     }
-    if (NextKind() == Kind::Start) {
+    if (m_exchanges.Next() == ExchangeKind::Start) {
         RequireRow();
         if (m_isEnding)
             return;
         BeginLine();
     }
-    m_request = Request{NextKind(), request};
-    ++m_exchanges;
+    m_request = Request{m_exchanges.Next(), request};
+    m_exchanges.Count();
     TryRequest();
 }
 
 void Supervisor::BeginLine() {
     m_line = RunningLine();
-    m_line->line =
-        m_segment.firstLine + static_cast<LineNumber>((m_exchanges - exchangesAhead) / 2);
+    m_line->line = m_exchanges.NextLine();
     m_line->own = m_hands.SettingsOf(m_line->line);
     m_hands.ShowLine(m_line->line);
 }
 
 void Supervisor::TryRequest() {
-    if (m_request->kind != Kind::Start) {
+    if (m_request->kind != ExchangeKind::Start) {
         PassRequestOn();
         return;
     }
-    if (!m_hasIdle && !m_closesIdle) {
-        m_mustRestore = true;
-        if (!m_isConnectingIdle)
-            ConnectIdle();
-    }
+    if (m_idle.IsMissing())
+        ConnectIdle();
     const std::vector<std::string> command = m_options.settings.Command();
-    if (!m_mustRestore || command.empty()) {
-        m_mustRestore = false;
+    const bool isToBeRestored = m_idle.IsDoubtful() && !command.empty();
+    m_idle.Settle();
+    if (!isToBeRestored) {
         PassRequestOn();
         return;
     }
     m_doing = Doing::Restoring;
-    m_mustRestore = false;
     m_hands.Send(command);
 }
 
-bool Supervisor::StartsTransmission(Kind kind) const {
-    return kind == Kind::Start || (kind == Kind::FirstCommand && IsStart(m_options.firstCommand));
+bool Supervisor::StartsTransmission(ExchangeKind kind) const {
+    return kind == ExchangeKind::Start ||
+           (kind == ExchangeKind::FirstCommand && IsStart(m_options.firstCommand));
 }
 
 void Supervisor::PassRequestOn() {
@@ -231,7 +205,7 @@ void Supervisor::RequestEnded(const ExchangeEnd& end) {
 void Supervisor::RestoreEnded(const ExchangeEnd& end) {
     m_doing = Doing::Nothing;
     if (end.kind != ExchangeEnd::Kind::Answered) {
-        m_mustRestore = true;
+        m_idle.Doubt();
         if (end.kind == ExchangeEnd::Kind::Unreachable)
             DaemonGone(end.words);
         else
@@ -249,13 +223,13 @@ void Supervisor::RepeatAfter(const ExchangeEnd& end) {
     ++m_request->failures;
     m_whyGone = end.words;
     // Whether the daemon has taken the settings is not known.
-    m_mustRestore = true;
+    m_idle.Doubt();
     if (m_line)
         m_line->failure = {end.kind == ExchangeEnd::Kind::TimedOut ? Outcome::TimedOut
                                                                    : Outcome::ConnectionLost,
                            end.words};
     m_hands.ShowState(RunState::Kind::Repeating, end.words);
-    if (m_request->kind != Kind::Stop)
+    if (m_request->kind != ExchangeKind::Stop)
         SendStop(Doing::StoppingBeforeRepeat);
     else if (m_request->failures <= m_options.retries)
         PassRequestOn();
@@ -294,21 +268,21 @@ void Supervisor::NoteStop(const ExchangeEnd& end) {
 void Supervisor::TakeAnswer(const std::string& bytes) {
     Answer answer = ReadAnswer(bytes);
     switch (m_request->kind) {
-    case Kind::FirstCommand:
+    case ExchangeKind::FirstCommand:
         TakeFirstAnswer(answer);
         break;
-    case Kind::MacType:
+    case ExchangeKind::MacType:
         m_hands.NoteMacType(answer);
         break;
-    case Kind::CountryCode:
+    case ExchangeKind::CountryCode:
         m_hands.NoteCountryCode(answer);
         break;
-    case Kind::Start:
+    case ExchangeKind::Start:
         if (answer.IsAccepted())
             m_options.settings.Accept(m_line->own);
         m_line->answer = std::move(answer);
         break;
-    case Kind::Stop:
+    case ExchangeKind::Stop:
         if (answer.IsConfirmation())
             m_mayTransmit = false;
         m_line->isStopped = true;
@@ -326,7 +300,7 @@ void Supervisor::TakeFirstAnswer(const Answer& answer) {
 }
 
 void Supervisor::GiveUp() {
-    if (m_request->kind == Kind::Start)
+    if (m_request->kind == ExchangeKind::Start)
         ReplyToClient("");
     else
         EndEarly("there is no answer to " + Place() + ": the daemon " + m_whyGone);
@@ -368,7 +342,7 @@ void Supervisor::ClientEnded(int code, const std::string& words) {
         EndIfAllIsDone();
         return;
     }
-    if (code == 0 && !m_request && m_exchanges == exchangesAhead + 2 * m_segment.lines) {
+    if (code == 0 && !m_request && m_exchanges.IsComplete()) {
         RequireRow();
         if (!m_isEnding)
             StartNextClient();
@@ -392,7 +366,7 @@ void Supervisor::TimerExpired(Timer timer) {
     case Timer::Pause:
         if (m_doing == Doing::WaitingForDaemon) {
             m_hands.DropIdle();
-            m_hasIdle = false;
+            m_idle.Dropped();
             ConnectIdle();
         } else if (m_doing == Doing::StoppingLast) {
             SendStop(Doing::StoppingLast);
@@ -431,7 +405,7 @@ void Supervisor::Closing() {
         return;
     m_options.stopTimeout = closingLimit;
     const bool isStopping = m_doing == Doing::StoppingLast ||
-                            (m_doing == Doing::PassingOn && m_request->kind == Kind::Stop);
+                            (m_doing == Doing::PassingOn && m_request->kind == ExchangeKind::Stop);
     if (!isStopping) {
         m_hands.AbandonExchange();
         m_doing = Doing::Nothing;
@@ -470,7 +444,7 @@ void Supervisor::EndTransmission() {
     if (isPassingOn && StartsTransmission(request->kind)) {
         m_doing = Doing::AwaitingLastAnswer;
         m_hands.SetTimer(Timer::Stop, m_options.stopTimeout);
-    } else if ((isPassingOn && request->kind == Kind::Stop) ||
+    } else if ((isPassingOn && request->kind == ExchangeKind::Stop) ||
                m_doing == Doing::StoppingBeforeRepeat || m_doing == Doing::StoppingAfterWait) {
         m_doing = Doing::StoppingLast;
         m_hands.SetTimer(Timer::Stop, m_options.stopTimeout);
@@ -519,12 +493,7 @@ void Supervisor::EndIfAllIsDone() {
 }
 
 std::string Supervisor::Place() const {
-    if (m_line)
-        return "line " + std::to_string(m_line->line);
-    constexpr std::array<const char*, exchangesAhead + 1> places{
-        "the beginning of a segment", "the first command", "the question for the MAC type",
-        "the question for the country code"};
-    return places.at(std::min(m_exchanges, exchangesAhead));
+    return m_line ? "line " + std::to_string(m_line->line) : m_exchanges.LastInWords();
 }
 
 } // namespace Bench

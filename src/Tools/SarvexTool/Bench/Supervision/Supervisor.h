@@ -3,7 +3,9 @@
 #include "Tools/SarvexTool/Bench/Core/Outcomes.h"
 #include "Tools/SarvexTool/Bench/Core/RunProgress.h"
 #include "Tools/SarvexTool/Bench/Supervision/Answer.h"
+#include "Tools/SarvexTool/Bench/Supervision/ClientExchanges.h"
 #include "Tools/SarvexTool/Bench/Supervision/DeviceSettings.h"
+#include "Tools/SarvexTool/Bench/Supervision/IdleWatch.h"
 
 #include <chrono>
 #include <cstddef>
@@ -32,12 +34,6 @@ struct ExchangeEnd {
     std::string bytes;
     /// What went wrong, without an end mark; empty for Answered.
     std::string words;
-};
-
-/// Consecutive lines that one client runs.
-struct Segment {
-    LineNumber firstLine = 0;
-    std::size_t lines = 0;
 };
 
 /// The one-shot timers of a supervisor.
@@ -166,7 +162,7 @@ public:
     bool HasEnded() const { return m_hasEnded; }
     const RunEnd& End() const { return m_end; }
     /// Whether the daemon closes connections that are not used.
-    bool ClosesIdleConnections() const { return m_closesIdle; }
+    bool ClosesIdleConnections() const { return m_idle.ClosesIdle(); }
 
 private:
     /// Which exchange the supervisor waits for.
@@ -181,11 +177,9 @@ private:
         StoppingLast
     };
 
-    enum class Kind : std::uint8_t { FirstCommand, MacType, CountryCode, Start, Stop };
-
     /// The client's exchange that is not answered yet.
     struct Request {
-        Kind kind{};
+        ExchangeKind kind{};
         std::string bytes;
         unsigned failures = 0;
         unsigned timesGone = 0;
@@ -207,10 +201,9 @@ private:
     void DaemonBack();
 
     void StartNextClient();
-    Kind NextKind() const;
     void BeginLine();
     void TryRequest();
-    bool StartsTransmission(Kind kind) const;
+    bool StartsTransmission(ExchangeKind kind) const;
     void PassRequestOn();
     void SendStop(Doing doing);
 
@@ -241,19 +234,12 @@ private:
     Doing m_doing = Doing::Nothing;
 
     bool m_isClientRunning = false;
-    Segment m_segment;
-    /// How many exchanges the client has begun.
-    std::size_t m_exchanges = 0;
+    ClientExchanges m_exchanges;
     std::optional<Request> m_request;
     std::optional<RunningLine> m_line;
 
-    /// Whether the device may have lost its settings.
-    bool m_mustRestore = false;
+    IdleWatch m_idle;
     bool m_mayTransmit = false;
-    bool m_hasIdle = false;
-    bool m_isConnectingIdle = false;
-    unsigned m_idleLosses = 0;
-    bool m_closesIdle = false;
     std::string m_whyGone;
 
     bool m_isEnding = false;

@@ -1,0 +1,47 @@
+#pragma once
+
+namespace Bench {
+
+/// What the connection over which nothing is sent tells of the device's settings: while it lasts,
+/// the daemon has not started anew and has them still.
+class IdleWatch {
+public:
+    /// A connection is being made.
+    void Connecting() { m_state = State::Connecting; }
+    /// From here on a restart shows; whether there was one before is not known.
+    void Connected();
+    /// There was no connection: the daemon is away, and does not just close what is not used.
+    void Failed();
+    /// Returns whether it is worth another connection. After several lost ones, with a daemon that
+    /// was there whenever it was asked, the daemon is taken for one that closes those which are not
+    /// used.
+    bool Lost();
+    void Dropped() { m_state = State::None; }
+    /// An exchange found the daemon gone.
+    void DaemonGone() { m_losses = 0; }
+
+    /// Whether a connection is to be made, so that restarts show.
+    bool IsMissing() const { return m_state == State::None && !m_closesIdle; }
+
+    /// A client starts on its lines. Where restarts cannot show, this is when settings are sent.
+    void BeginSegment() { m_isDoubtful = m_isDoubtful || m_closesIdle; }
+    /// Something else has happened after which the device may have other settings.
+    void Doubt() { m_isDoubtful = true; }
+    /// The device has been given its settings.
+    void Settle() { m_isDoubtful = false; }
+    /// Whether the device may have lost its settings.
+    bool IsDoubtful() const;
+
+    /// Whether the daemon closes connections that are not used.
+    bool ClosesIdle() const { return m_closesIdle; }
+
+private:
+    enum class State { None, Connecting, Connected };
+
+    State m_state = State::None;
+    bool m_isDoubtful = false;
+    bool m_closesIdle = false;
+    unsigned m_losses = 0;
+};
+
+} // namespace Bench

@@ -1,0 +1,51 @@
+#include "Tools/SarvexTool/Bench/Supervision/IdleWatch.h"
+
+#include <gmock/gmock.h>
+
+namespace Bench {
+namespace {
+
+TEST(IdleWatchTest, SettingsAreDoubtfulUntilTheyAreSentOverAConnectionThatLasts) {
+    IdleWatch watch;
+    EXPECT_TRUE(watch.IsMissing());
+    watch.Connecting();
+    EXPECT_FALSE(watch.IsMissing());
+    watch.Settle();
+    EXPECT_TRUE(watch.IsDoubtful());
+    watch.Connected();
+    EXPECT_TRUE(watch.IsDoubtful());
+    watch.Settle();
+    EXPECT_FALSE(watch.IsDoubtful());
+    watch.Doubt();
+    EXPECT_TRUE(watch.IsDoubtful());
+}
+
+TEST(IdleWatchTest, DaemonThatWasThereAllTheTimeClosesWhatIsNotUsed) {
+    IdleWatch watch;
+    EXPECT_TRUE(watch.Lost());
+    EXPECT_TRUE(watch.Lost());
+    EXPECT_FALSE(watch.ClosesIdle());
+    EXPECT_FALSE(watch.Lost());
+    EXPECT_TRUE(watch.ClosesIdle());
+    EXPECT_FALSE(watch.IsMissing());
+    watch.Settle();
+    EXPECT_FALSE(watch.IsDoubtful());
+    watch.BeginSegment();
+    EXPECT_TRUE(watch.IsDoubtful());
+}
+
+TEST(IdleWatchTest, DaemonThatWasAwayInBetweenHasStartedAnew) {
+    IdleWatch watch;
+    for (int time = 0; time < 5; ++time) {
+        EXPECT_TRUE(watch.Lost());
+        EXPECT_TRUE(watch.Lost());
+        if (time % 2 == 0)
+            watch.Failed();
+        else
+            watch.DaemonGone();
+    }
+    EXPECT_FALSE(watch.ClosesIdle());
+}
+
+} // namespace
+} // namespace Bench
