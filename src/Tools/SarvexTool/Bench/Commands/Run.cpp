@@ -124,6 +124,7 @@ RunFacts FactsFrom(const RunArguments& arguments, const std::vector<std::string>
     facts.started = Now();
     facts.daemon = DaemonOf(arguments.daemon).ToText();
     facts.options = OptionsFrom(arguments, handedOn);
+    facts.clientSha256 = HashOfFile(facts.options.client);
     facts.linesTotal = CountTestLines(*arguments.file);
     return facts;
 }
@@ -166,6 +167,8 @@ int Resume(const RunArguments& arguments, Surroundings& surroundings) {
         throw BadInput(*arguments.resume, "is complete; there is nothing to go on with");
     const OSAL::FileLock daemonLock = LockDaemonOf(directory.Facts(), holder);
     directory.Facts().notes.clear();
+    if (HashOfFile(directory.Facts().options.client) != directory.Facts().clientSha256)
+        directory.Facts().notes.emplace_back("the client is not the one that the run began with");
     return RunTest(directory, arguments.progress, surroundings);
 }
 

@@ -34,12 +34,6 @@ void ReadPieces(const std::string& name, const std::function<void(std::string_vi
         throw BadInput(name, "cannot be read (" + std::generic_category().message(errno) + ")");
 }
 
-std::string HashOf(const std::string& name) {
-    Sha256 hash;
-    ReadPieces(name, [&hash](std::string_view piece) { hash.Add(piece); });
-    return hash.Finish();
-}
-
 /// Copies a file byte for byte and returns its SHA-256.
 std::string Copy(const std::string& source, const std::string& target) {
     DurableFile copy(target, DurableFile::Opening::New);
@@ -100,11 +94,11 @@ void SyncNames(const std::string& directory) {
 }
 
 void RequireSameTestFile(const RunFiles& files, const RunTestFile& testFile) {
-    if (HashOf(files.testFile) != testFile.sha256)
+    if (HashOfFile(files.testFile) != testFile.sha256)
         throw BadInput(files.testFile, "is not the test file that the run began with; begin a new "
                                        "run");
     // A run may be resumed where its test file never was.
-    if (fs::exists(PathOf(testFile.name)) && HashOf(testFile.name) != testFile.sha256)
+    if (fs::exists(PathOf(testFile.name)) && HashOfFile(testFile.name) != testFile.sha256)
         throw BadInput(testFile.name, "has changed since the run began; begin a new run");
 }
 
@@ -198,6 +192,12 @@ void RunDirectory::KeepLine(const FinishedLine& line, const std::string& started
 void RunDirectory::KeepUnfinishedRow(std::string_view row) {
     m_result.Append(row);
     m_result.Sync();
+}
+
+std::string HashOfFile(const std::string& name) {
+    Sha256 hash;
+    ReadPieces(name, [&hash](std::string_view piece) { hash.Add(piece); });
+    return hash.Finish();
 }
 
 std::string NewRunName(const std::string& testFile, std::chrono::system_clock::time_point now) {

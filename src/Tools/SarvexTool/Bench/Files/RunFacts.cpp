@@ -54,6 +54,7 @@ RunOptions OptionsOf(const JsonFields& fields) {
 /// Who, when and what.
 void PutOrigin(Json& json, const RunFacts& facts) {
     PutText(json, "programVersion", facts.programVersion);
+    PutText(json, "clientSha256", facts.clientSha256);
     PutText(json, "user", facts.user);
     PutText(json, "host", facts.host);
     json["started"] = facts.started;
@@ -85,6 +86,7 @@ void PutState(Json& json, const RunFacts& facts) {
 
 void ReadOrigin(const JsonFields& fields, RunFacts& facts) {
     facts.programVersion = fields.Text("programVersion");
+    facts.clientSha256 = fields.Text("clientSha256");
     facts.user = fields.Text("user");
     facts.host = fields.Text("host");
     facts.started = fields.Text("started");

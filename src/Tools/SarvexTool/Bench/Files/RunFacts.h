@@ -50,6 +50,8 @@ struct RunFacts {
     /// When it ended last; nothing while it goes on, and after it was killed.
     std::optional<std::string> ended;
     RunTestFile testFile;
+    /// Of the client's bytes, which have no version to ask for.
+    std::string clientSha256;
     /// HOST:PORT
     std::string daemon;
     /// Of the first segment; nothing until the daemon has told it.

@@ -15,6 +15,7 @@ namespace {
 RunFacts FullFacts() {
     RunFacts facts;
     facts.programVersion = "1.2.3";
+    facts.clientSha256 = "cd34";
     facts.user = "Jörg";
     facts.host = "bench-7";
     facts.started = "2026-03-09T08:05:00.007Z";
@@ -69,6 +70,7 @@ TEST(RunFactsTest, AreWrittenInAFixedOrder) {
     EXPECT_EQ(ToJsonText(FullFacts()), R"({
   "format": 1,
   "programVersion": "1.2.3",
+  "clientSha256": "cd34",
   "user": "J\u00f6rg",
   "host": "bench-7",
   "started": "2026-03-09T08:05:00.007Z",
