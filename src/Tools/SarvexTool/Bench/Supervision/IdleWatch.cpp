@@ -20,7 +20,7 @@ bool IdleWatch::Lost() {
 }
 
 bool IdleWatch::IsDoubtful() const {
-    return m_isDoubtful || (m_state != State::Connected && !m_closesIdle);
+    return m_isDoubtful || IsNeeded();
 }
 
 } // namespace Bench

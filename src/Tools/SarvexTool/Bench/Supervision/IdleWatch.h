@@ -20,7 +20,9 @@ public:
     /// An exchange found the daemon gone.
     void DaemonGone() { m_losses = 0; }
 
-    /// Whether a connection is to be made, so that restarts show.
+    /// Whether restarts would show with a connection that there is not yet.
+    bool IsNeeded() const { return m_state != State::Connected && !m_closesIdle; }
+    /// Whether it is still to be made.
     bool IsMissing() const { return m_state == State::None && !m_closesIdle; }
 
     /// A client starts on its lines. Where restarts cannot show, this is when settings are sent.
@@ -29,7 +31,8 @@ public:
     void Doubt() { m_isDoubtful = true; }
     /// The device has been given its settings.
     void Settle() { m_isDoubtful = false; }
-    /// Whether the device may have lost its settings.
+    /// Whether the device may have lost its settings; also after Settle, when the connection has
+    /// ended since.
     bool IsDoubtful() const;
 
     /// Whether the daemon closes connections that are not used.

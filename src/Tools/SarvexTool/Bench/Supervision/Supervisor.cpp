@@ -37,6 +37,8 @@ void Supervisor::ConnectIdle() {
 
 void Supervisor::IdleConnected() {
     m_idle.Connected();
+    if (m_doing == Doing::ConnectingIdle)
+        return TryRequest();
     if (m_doing != Doing::WaitingForDaemon)
         return;
     if (m_mayTransmit || m_request)
@@ -47,6 +49,8 @@ void Supervisor::IdleConnected() {
 
 void Supervisor::IdleFailed(const std::string& words) {
     m_idle.Failed();
+    if (m_doing == Doing::ConnectingIdle)
+        return DaemonGone(words);
     if (m_doing != Doing::WaitingForDaemon)
         return;
     m_whyGone = words;
@@ -138,8 +142,12 @@ void Supervisor::TryRequest() {
         PassRequestOn();
         return;
     }
-    if (m_idle.IsMissing())
-        ConnectIdle();
+    if (m_idle.IsNeeded()) {
+        m_doing = Doing::ConnectingIdle;
+        if (m_idle.IsMissing())
+            ConnectIdle();
+        return;
+    }
     const std::vector<std::string> command = m_options.settings.Command();
     const bool isToBeRestored = m_idle.IsDoubtful() && !command.empty();
     m_idle.Settle();
@@ -188,13 +196,16 @@ void Supervisor::ExchangeEnded(const ExchangeEnd& end) {
         return LastStopEnded(end);
     case Doing::Nothing:
     case Doing::WaitingForDaemon:
+    case Doing::ConnectingIdle:
         return;
     }
 }
 
 void Supervisor::RequestEnded(const ExchangeEnd& end) {
     m_doing = Doing::Nothing;
-    if (end.kind == ExchangeEnd::Kind::Answered)
+    if (end.kind == ExchangeEnd::Kind::Answered && MayBeOfAnother())
+        RepeatStart();
+    else if (end.kind == ExchangeEnd::Kind::Answered)
         TakeAnswer(end.bytes);
     else if (end.kind == ExchangeEnd::Kind::Unreachable)
         DaemonGone(end.words);
@@ -213,10 +224,23 @@ void Supervisor::RestoreEnded(const ExchangeEnd& end) {
         return;
     }
     const Answer answer = ReadAnswer(end.bytes);
-    if (answer.IsAccepted())
+    if (MayBeOfAnother())
+        TryRequest();
+    else if (answer.IsAccepted())
         PassRequestOn();
     else
         EndEarly("the daemon refuses settings that it had accepted before: " + answer.words);
+}
+
+/// Whether the daemon may have been restarted after the start was begun with the settings as they
+/// were: its answer tells nothing then.
+bool Supervisor::MayBeOfAnother() const {
+    return m_request->kind == ExchangeKind::Start && m_idle.IsDoubtful();
+}
+
+void Supervisor::RepeatStart() {
+    m_hands.ShowState(RunState::Kind::Repeating, "may have been restarted");
+    SendStop(Doing::StoppingBeforeRepeat);
 }
 
 void Supervisor::RepeatAfter(const ExchangeEnd& end) {

@@ -169,6 +169,7 @@ private:
     enum class Doing : std::uint8_t {
         Nothing,
         WaitingForDaemon,
+        ConnectingIdle,
         StoppingAfterWait,
         PassingOn,
         Restoring,
@@ -214,6 +215,8 @@ private:
     void LastStopEnded(const ExchangeEnd& end);
     void TakeAnswer(const std::string& bytes);
     void TakeFirstAnswer(const Answer& answer);
+    bool MayBeOfAnother() const;
+    void RepeatStart();
     void RepeatAfter(const ExchangeEnd& end);
     void GiveUp();
     void ReplyToClient(const std::string& bytes);

@@ -312,6 +312,65 @@ TEST_F(SupervisorTest, SettingsAreSentAgainWhenTheUnusedConnectionHasEnded) {
     EXPECT_THAT(hands.Taken(), ElementsAre("pass on start"));
 }
 
+TEST_F(SupervisorTest, LineBeginsWhenTheUnusedConnectionIsThereAgain) {
+    Supervisor& supervisor = StartLines();
+    supervisor.IdleLost();
+    hands.Taken();
+    supervisor.ClientRequested("start");
+    EXPECT_THAT(hands.Taken(), testing::IsEmpty());
+    supervisor.IdleConnected();
+    EXPECT_THAT(hands.Taken(), ElementsAre("pass on start"));
+}
+
+TEST_F(SupervisorTest, DaemonThatTakesNoUnusedConnectionIsGone) {
+    Supervisor& supervisor = StartLines();
+    supervisor.IdleLost();
+    supervisor.IdleFailed("is away");
+    hands.Taken();
+    supervisor.ClientRequested("start");
+    supervisor.IdleFailed("is still away");
+    EXPECT_THAT(hands.Taken(), ElementsAre("connect idle", "wait 300000", "pause 1000"));
+    EXPECT_EQ(hands.state, "waiting for the daemon: is still away");
+    supervisor.TimerExpired(Timer::Wait);
+    supervisor.ClientEnded(9, "");
+    EXPECT_EQ(supervisor.End().reason, "the daemon is gone: it is still away");
+}
+
+// It may have come to a daemon that was restarted after the last look at the connection.
+TEST_F(SupervisorTest, AnswerToAStartDoesNotCountWhenTheUnusedConnectionEndedMeanwhile) {
+    SupervisorOptions options;
+    options.settings.Accept(SettingsIn({"-wifi-band", "6"}));
+    Supervisor& supervisor = StartLines(options);
+    supervisor.ClientRequested("start");
+    Answer();
+    supervisor.IdleLost();
+    hands.Taken();
+    Answer();
+    EXPECT_EQ(hands.state, "repeating: may have been restarted");
+    EXPECT_THAT(hands.Taken(), ElementsAre("send -wifi-stop"));
+    Answer();
+    supervisor.IdleConnected();
+    EXPECT_THAT(hands.Taken(), ElementsAre("send -wifi-band 6"));
+    Answer();
+    Answer();
+    EXPECT_THAT(hands.Taken(), ElementsAre("pass on start", "reply"));
+}
+
+TEST_F(SupervisorTest, SettingsGoOutOnceMoreWhenTheUnusedConnectionEndedMeanwhile) {
+    SupervisorOptions options;
+    options.settings.Accept(SettingsIn({"-wifi-band", "6"}));
+    Supervisor& supervisor = StartLines(options);
+    supervisor.ClientRequested("start");
+    supervisor.IdleLost();
+    supervisor.IdleConnected();
+    hands.Taken();
+    Answer();
+    EXPECT_THAT(hands.Taken(), ElementsAre("send -wifi-band 6"));
+    Answer();
+    Answer();
+    EXPECT_THAT(hands.Taken(), ElementsAre("pass on start", "reply"));
+}
+
 TEST_F(SupervisorTest, SettingsOfARefusedLineAreNotSentAgain) {
     Supervisor& supervisor = StartLines();
     Exchange("start", refusal);
@@ -329,6 +388,7 @@ TEST_F(SupervisorTest, SettingsThatTheDaemonNoLongerTakesEndTheRun) {
     Exchange("start");
     Exchange("stop");
     supervisor.IdleLost();
+    supervisor.IdleConnected();
     hands.row = "5,12,12\n";
     supervisor.ClientRequested("start");
     Answer(refusal);
@@ -370,6 +430,7 @@ TEST_F(SupervisorTest, FirstCommandOfTheUserCountsWithItsSettingsAndItsStart) {
                 ElementsAre("wait 300000", "connect idle", "start client", "pass on first",
                             "first command return code 0", "reply"));
     supervisor.IdleLost();
+    supervisor.IdleConnected();
     Exchange("mac");
     Exchange("mcc");
     hands.Taken();

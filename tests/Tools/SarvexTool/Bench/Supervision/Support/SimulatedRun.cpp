@@ -77,13 +77,17 @@ void SimulatedRun::Guard(const std::function<void()>& event) {
 }
 
 std::vector<SimulatedRun::Possible> SimulatedRun::PossibleEvents() {
-    // A daemon that ends takes its connections along before it can answer again.
-    if (m_isIdleBroken)
-        return {{1, [this] {
-                     m_isIdleBroken = false;
-                     m_supervisor.IdleLost();
-                 }}};
     std::vector<Possible> events;
+    // A daemon that ends takes its connections along before it can answer again; the client may
+    // not have waited for that.
+    if (m_isIdleBroken) {
+        events.push_back({8, [this] {
+                              m_isIdleBroken = false;
+                              m_supervisor.IdleLost();
+                          }});
+        AddClientEvents(events);
+        return events;
+    }
     AddDaemonEvents(events);
     AddClientEvents(events);
     for (const Timer timer : m_timers) {
@@ -167,12 +171,14 @@ void SimulatedRun::EndExchange(ExchangeEnd::Kind kind, const std::string& body) 
     if (isTaken ||
         (kind != ExchangeEnd::Kind::Unreachable && body.empty() && !isBroken && m_choice(2) == 0))
         CarryOut(command);
-    if (isTaken && command.line != 0)
-        m_expectedRate = command.rate ? command.rate : m_expectedRate;
-    const bool isLookedAt =
-        isTaken && command.line != 0 && m_expectedRate && !m_supervisor.ClosesIdleConnections();
-    Require(!isLookedAt || m_rate == *m_expectedRate, "a line ran with settings of another time");
+    const std::string rate = m_rate;
+    m_isReplied = false;
     m_supervisor.ExchangeEnded({kind, body, body.empty() ? "does not answer" : ""});
+    if (!m_isReplied || !isTaken || command.line == 0)
+        return;
+    m_expectedRate = command.rate ? command.rate : m_expectedRate;
+    Require(!m_expectedRate || m_supervisor.ClosesIdleConnections() || rate == *m_expectedRate,
+            "a line ran with settings of another time");
 }
 
 void SimulatedRun::CarryOut(const Command& command) {
@@ -257,6 +263,7 @@ void SimulatedRun::AbandonExchange() {
 void SimulatedRun::Reply(const std::string& /*answer*/) {
     Require(m_client == ClientState::Waiting, "an answer that nobody waits for");
     m_client = ClientState::BetweenExchanges;
+    m_isReplied = true;
 }
 
 std::optional<Segment> SimulatedRun::StartClient() {

@@ -94,6 +94,8 @@ private:
     std::optional<Command> m_exchange;
     /// Its connection ended with the daemon.
     bool m_isExchangeBroken = false;
+    /// Whether the client got the answer of the exchange that has just ended.
+    bool m_isReplied = false;
     bool m_isTransmitting = false;
     std::string m_rate = "own";
     /// Of the accepted commands.
