@@ -11,9 +11,13 @@ RowReader::RowReader(std::string name, bool hasHeader)
     : m_name(std::move(name)), m_hasHeader(hasHeader) {}
 
 std::optional<std::string> RowReader::TakeRow() {
+    return m_hasHeader && Header().empty() ? std::nullopt : TakeLine();
+}
+
+const std::string& RowReader::Header() {
     if (m_hasHeader && m_header.empty())
         m_header = TakeLine().value_or("");
-    return m_hasHeader && m_header.empty() ? std::nullopt : TakeLine();
+    return m_header;
 }
 
 std::optional<std::string> RowReader::TakeLine() {

@@ -16,9 +16,8 @@ public:
     /// The next row that is whole, with its line end; nothing where there is none yet.
     std::optional<std::string> TakeRow();
 
-    /// The header with its line end; empty until it is whole, and where there is none. It is looked
-    /// for by TakeRow.
-    const std::string& Header() const { return m_header; }
+    /// The header with its line end; empty until it is whole, and where there is none.
+    const std::string& Header();
 
 private:
     std::optional<std::string> TakeLine();

@@ -29,8 +29,8 @@ public:
 
     /// The next row that the client has written to its end.
     std::optional<std::string> TakeRow() { return m_rows->TakeRow(); }
-    /// The header of the client's result, after TakeRow; empty where it has none.
-    const std::string& ResultHeader() const { return m_rows->Header(); }
+    /// The header of the client's result; empty where it has none yet.
+    std::string ResultHeader() { return m_rows ? m_rows->Header() : ""; }
 
     /// That of the test file.
     const std::string& Header() const { return m_source.Header(); }

@@ -261,6 +261,8 @@ private:
     void Reply(const std::string& answer) override { m_relay.Reply(answer); }
 
     std::optional<Segment> StartClient() override {
+        // A client without lines leaves no row to be taken, only the header.
+        KeepHeader();
         m_feed.WriteNext(m_folder, m_directory.Facts().options.segment);
         const std::vector<TestLine>& lines = m_feed.Lines();
         // A file without lines has a header, which its client writes too.
@@ -301,8 +303,11 @@ private:
     }
 
     void KeepHeader() {
-        if (m_client && m_directory.IsResultEmpty() && !m_feed.ResultHeader().empty())
-            m_directory.KeepHeader(m_feed.ResultHeader());
+        if (!m_directory.IsResultEmpty())
+            return;
+        const std::string header = m_feed.ResultHeader();
+        if (!header.empty())
+            m_directory.KeepHeader(header);
     }
 
     void Keep(const FinishedLine& line) override {

@@ -45,6 +45,15 @@ TEST_F(RowReaderTest, AHeaderAndItsFirstRowAreTakenAtOnce) {
     EXPECT_EQ(reader.Header(), "Band,A\r\n");
 }
 
+TEST_F(RowReaderTest, TheHeaderNeedsNoRow) {
+    RowReader reader(path, true);
+    Write("Band,A");
+    EXPECT_EQ(reader.Header(), "");
+    Write("Band,A\n");
+    EXPECT_EQ(reader.Header(), "Band,A\n");
+    EXPECT_EQ(reader.TakeRow(), std::nullopt);
+}
+
 TEST_F(RowReaderTest, WithoutAHeaderTheFirstLineIsARow) {
     Write("5,1\n6,2\n");
     RowReader reader(path, false);
