@@ -1,5 +1,6 @@
 #include "Tools/SarvexTool/Bench/Run/ClientFeed.h"
 
+#include "Tools/SarvexTool/Bench/Files/BadFile.h"
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
 
 #include <filesystem>
@@ -23,9 +24,11 @@ void ClientFeed::WriteNext(const ClientFolder& folder, std::size_t lines) {
         m_lines.push_back(std::move(line));
     }
     WriteSegment(folder.Lines(), m_source.Header(), texts);
-    // The rows of the client before.
-    std::error_code ignored;
-    std::filesystem::remove(PathOf(folder.Result()), ignored);
+    // The rows of the client before must not count as those of the next one.
+    std::error_code error;
+    std::filesystem::remove(PathOf(folder.Result()), error);
+    if (error)
+        throw BadOutput(folder.Result(), "cannot be removed (" + error.message() + ")");
     m_rows.emplace(folder.Result(), m_source.IsHeaderKnown());
 }
 
