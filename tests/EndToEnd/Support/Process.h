@@ -77,6 +77,12 @@ public:
 
     void Interrupt(const Interruption& interruption);
 
+    bool HasEnded() const;
+
+    /// Keeps the program from running until GoOn; false where the system cannot.
+    bool Halt();
+    void GoOn();
+
     /// The system's number of the process.
     std::uint64_t Id() const;
 
@@ -95,11 +101,20 @@ private:
 ProcessResult Run(const std::string& program, const std::vector<std::string>& arguments,
                   const std::string& workingDirectory);
 
+/// The numbers of the running programs whose executable files are in the folder.
+std::vector<std::uint64_t> ProgramsIn(const std::string& folder);
+
+/// Ends a program at once; does nothing when there is none of the number.
+void KillProgram(std::uint64_t id);
+
 /// Programs started from now on do not inherit the socket, which would keep its port in use.
 void KeepFromChildren(std::uint64_t nativeSocket);
 
 /// Held while a program starts: for a moment it has everything open that this one has.
 std::mutex& StartMutex();
+
+/// What exitCode is of a program that Kill has ended.
+int KilledStatus();
 
 /// What exitCode is of a program that ends with this code: Linux keeps eight bits, and every code
 /// that does not fit ends as 255 there.

@@ -10,9 +10,18 @@ std::string SimulatorPath() {
     return TestProgramDirectory() + "/" + ExecutableName("SimulatedDaemon");
 }
 
-Simulator::Simulator(const std::vector<std::string>& options) {
+Simulator::Simulator(const std::vector<std::string>& options) : m_options(options) {
+    Start();
+}
+
+void Simulator::Kill() {
+    m_process->Kill();
+    m_process->Wait();
+}
+
+void Simulator::Start() {
     std::vector<std::string> arguments = {"--port", std::to_string(m_reserved.Number())};
-    arguments.insert(arguments.end(), options.begin(), options.end());
+    arguments.insert(arguments.end(), m_options.begin(), m_options.end());
     m_process = std::make_unique<Process>(SimulatorPath(), arguments, m_directory.Path());
     for (int attempt = 0; attempt < 24'000; ++attempt) {
         const std::string out = m_process->OutSoFar();

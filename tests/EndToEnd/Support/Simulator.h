@@ -24,7 +24,16 @@ public:
 
     const std::string& Port() const { return m_port; }
 
+    /// Ends it at once, without an answer to what is under way.
+    void Kill();
+    /// Starts it again after Kill: on the same port, with the same options and the settings of a
+    /// new one.
+    void StartAgain() { Start(); }
+
 private:
+    void Start();
+
+    std::vector<std::string> m_options;
     TestSupport::TemporaryDirectory m_directory;
     ReservedPort m_reserved;
     std::unique_ptr<Process> m_process;

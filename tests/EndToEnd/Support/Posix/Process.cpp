@@ -169,6 +169,22 @@ void Process::End() {
     }
 }
 
+bool Process::HasEnded() const {
+    siginfo_t information{};
+    return m_system->child < 0 || (::waitid(P_PID, static_cast<id_t>(m_system->child), &information,
+                                            WEXITED | WNOHANG | WNOWAIT) == 0 &&
+                                   information.si_pid != 0);
+}
+
+bool Process::Halt() {
+    Interrupt({"SIGSTOP", SIGSTOP});
+    return true;
+}
+
+void Process::GoOn() {
+    Interrupt({"SIGCONT", SIGCONT});
+}
+
 std::uint64_t Process::Id() const {
     return static_cast<std::uint64_t>(m_system->child);
 }
@@ -185,8 +201,32 @@ std::string Process::ErrSoFar() const {
     return TestSupport::ReadBytes(m_system->output.Path("err"));
 }
 
+std::vector<std::uint64_t> ProgramsIn(const std::string& folder) {
+    std::vector<std::uint64_t> programs;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        const std::string id = entry.path().filename().string();
+        if (id.find_first_not_of("0123456789") != std::string::npos)
+            continue;
+        // Those of others, and those that have ended, cannot be read.
+        std::error_code ignored;
+        const std::filesystem::path file =
+            std::filesystem::read_symlink(entry.path() / "exe", ignored);
+        if (file.parent_path() == std::filesystem::path(folder))
+            programs.push_back(std::stoull(id));
+    }
+    return programs;
+}
+
+void KillProgram(std::uint64_t id) {
+    ::kill(static_cast<pid_t>(id), SIGKILL);
+}
+
 void KeepFromChildren(std::uint64_t nativeSocket) {
     ::fcntl(static_cast<int>(nativeSocket), F_SETFD, FD_CLOEXEC);
+}
+
+int KilledStatus() {
+    return -1;
 }
 
 int ExitStatus(int code) {

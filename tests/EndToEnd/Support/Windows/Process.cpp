@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <psapi.h>
+#include <tlhelp32.h>
 
 #include <algorithm>
 #include <array>
@@ -125,6 +126,19 @@ std::uint64_t WatchUntilEnd(HANDLE child, double seconds) {
     return peak;
 }
 
+/// The path of a program's executable file; empty when it has ended or may not be asked.
+std::filesystem::path FileOf(DWORD id) {
+    const HANDLE process = ::OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, id);
+    if (process == nullptr)
+        return {};
+    std::array<wchar_t, 1024> path{};
+    auto size = static_cast<DWORD>(path.size());
+    if (!::QueryFullProcessImageNameW(process, 0, path.data(), &size))
+        size = 0;
+    ::CloseHandle(process);
+    return std::wstring(path.data(), size);
+}
+
 } // namespace
 
 Process::Process(const std::string& program, const std::vector<std::string>& arguments,
@@ -187,6 +201,16 @@ void Process::Interrupt(const Interruption&) {
     Kill();
 }
 
+bool Process::HasEnded() const {
+    return ::WaitForSingleObject(m_system->child.hProcess, 0) == WAIT_OBJECT_0;
+}
+
+bool Process::Halt() {
+    return false;
+}
+
+void Process::GoOn() {}
+
 std::uint64_t Process::Id() const {
     return m_system->child.dwProcessId;
 }
@@ -203,8 +227,37 @@ std::string Process::ErrSoFar() const {
     return TestSupport::ReadBytes(m_system->output.Path("err"));
 }
 
+std::vector<std::uint64_t> ProgramsIn(const std::string& folder) {
+    std::vector<std::uint64_t> programs;
+    const HANDLE snapshot = ::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+    Require(snapshot != INVALID_HANDLE_VALUE, "list the processes");
+    PROCESSENTRY32W entry{};
+    entry.dwSize = sizeof entry;
+    std::error_code ignored;
+    for (BOOL found = ::Process32FirstW(snapshot, &entry); found;
+         found = ::Process32NextW(snapshot, &entry)) {
+        const std::filesystem::path file = FileOf(entry.th32ProcessID);
+        if (!file.empty() && std::filesystem::equivalent(file.parent_path(), folder, ignored))
+            programs.push_back(entry.th32ProcessID);
+    }
+    ::CloseHandle(snapshot);
+    return programs;
+}
+
+void KillProgram(std::uint64_t id) {
+    const HANDLE process = ::OpenProcess(PROCESS_TERMINATE, FALSE, static_cast<DWORD>(id));
+    if (process == nullptr)
+        return;
+    ::TerminateProcess(process, 1);
+    ::CloseHandle(process);
+}
+
 void KeepFromChildren(std::uint64_t nativeSocket) {
     ::SetHandleInformation(reinterpret_cast<HANDLE>(nativeSocket), HANDLE_FLAG_INHERIT, 0);
+}
+
+int KilledStatus() {
+    return 1;
 }
 
 int ExitStatus(int code) {
