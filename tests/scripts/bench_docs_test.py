@@ -12,14 +12,19 @@ import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PROGRAMS = pathlib.Path(sys.argv[1]).resolve()
 EMULATOR = sys.argv[2:]
 SUFFIX = ".exe" if EMULATOR else ""
-PAGES = ("bench.md", "bench-check.md", "bench-formats.md")
+PAGES = ("bench.md", "bench-check.md", "bench-formats.md", "run.md")
 END_OF_OUTPUT = "-- end of its output --"
+USUAL_PORT = "8738"
+INTERRUPTION = "^C\n"
+# A run is interrupted when its journal has so many lines.
+FINISHED_LINES = 2
 
 
 def blocks(page):
@@ -41,6 +46,7 @@ class Stage:
         folder = tempfile.TemporaryDirectory()
         test.addCleanup(folder.cleanup)
         self.test = test
+        self.port = USUAL_PORT
         self.folder = pathlib.Path(folder.name)
         (self.folder / "simulator").mkdir()
         self.install("SarvexToolBench", "SarvexToolBench")
@@ -64,9 +70,9 @@ class Stage:
         self.test.addCleanup(simulator.stdout.close)
         self.test.addCleanup(self.end, simulator)
         first_line = simulator.stdout.readline()
-        port = first_line.rstrip("\n").rpartition(":")[2]
-        (self.folder / "Socket.cfg").write_text(port)
-        return first_line.replace(port, "8738")
+        self.port = first_line.rstrip("\n").rpartition(":")[2]
+        (self.folder / "Socket.cfg").write_text(self.port)
+        return first_line.replace(self.port, USUAL_PORT)
 
     @staticmethod
     def end(simulator):
@@ -85,10 +91,31 @@ class Stage:
             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
         return self.as_on_linux(done.stdout).split(END_OF_OUTPUT + "\n")[:-1]
 
+    def interrupt(self, command):
+        """What a run prints that gets a Ctrl-C in the middle."""
+        arguments = shlex.split(command)
+        journal = self.folder / arguments[-1] / "journal.jsonl"
+        # Where a shell has started the test in the background, Ctrl-C is ignored otherwise.
+        with subprocess.Popen(["env", "--default-signal=INT", *arguments], cwd=self.folder,
+                              stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              stderr=subprocess.STDOUT) as run:
+            while run.poll() is None:
+                if journal.exists() and journal.read_bytes().count(b"\n") >= FINISHED_LINES:
+                    os.kill(self.program(run.pid), signal.SIGINT)
+                    break
+                time.sleep(0.01)
+            return self.as_on_linux(run.communicate()[0])
+
     @staticmethod
-    def as_on_linux(output):
-        """Windows ends the lines of the client's files in CR LF and joins names by a backslash."""
-        text = output.decode().replace("\r\n", "\n")
+    def program(pid):
+        """The process of wine, which the script that starts it waits for."""
+        children = pathlib.Path(f"/proc/{pid}/task/{pid}/children")
+        return int(children.read_text().split()[-1]) if EMULATOR else pid
+
+    def as_on_linux(self, output):
+        """With the usual port. Windows ends the lines of the client's files in CR LF and joins names by
+        a backslash."""
+        text = output.decode().replace("\r\n", "\n").replace(f":{self.port}", f":{USUAL_PORT}")
         return re.sub(r"\\+result\.csv", "/result.csv", text) if EMULATOR else text
 
 
@@ -96,16 +123,27 @@ class PagesTest(unittest.TestCase):
     maxDiff = None
 
     @staticmethod
-    def without_measured_time(steps_of_session):
-        """A daemon that is asked for the time of its exchanges needs more on a busy machine."""
-        return [(command, re.sub(r"takes about \d+ s", "takes about N s", output)
-                 if "--daemon" in command else output) for command, output in steps_of_session]
+    def without_chance(command, output):
+        """What is told without what a busy machine changes: a daemon that is asked for the time of its
+        exchanges needs more, and nobody knows how far a run is when its Ctrl-C comes, or it shows its
+        progress."""
+        if "--daemon" in command:
+            output = re.sub(r"takes about \d+ s", "takes about N s", output)
+        if " run " in command:
+            output = re.sub(r"^\d+/\d+ \(\d+ %\), .*\n", "", output.replace(INTERRUPTION, ""),
+                            flags=re.MULTILINE)
+        if "it was interrupted" in output:
+            output = re.sub(r"after \d+ of|\d+ measure(d|ments?)", "N", output)
+        return command, output
 
     def outputs(self, stage, shown):
         commands = [command for command, _ in shown]
         if commands[0].startswith("simulator/vemo"):
             self.assertEqual(1, len(commands), "the daemon has a console of its own")
             return [stage.start_simulator(commands[0])]
+        if INTERRUPTION in shown[0][1]:
+            self.assertEqual(1, len(commands), "nothing is typed after Ctrl-C")
+            return [stage.interrupt(commands[0])]
         return stage.run(commands)
 
     def test_the_programs_print_what_the_pages_show(self):
@@ -119,8 +157,8 @@ class PagesTest(unittest.TestCase):
                 shown = steps(text)
                 with self.subTest(page=page, session=shown[0][0]):
                     found = zip((command for command, _ in shown), self.outputs(stage, shown))
-                    self.assertEqual(self.without_measured_time(shown),
-                                     self.without_measured_time(found))
+                    self.assertEqual([self.without_chance(*step) for step in shown],
+                                     [self.without_chance(*step) for step in found])
 
     def test_every_page_has_examples(self):
         for page in PAGES:
