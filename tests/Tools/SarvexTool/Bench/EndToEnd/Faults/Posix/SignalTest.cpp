@@ -1,0 +1,207 @@
+#include "tests/Tools/SarvexTool/Bench/EndToEnd/Faults/RunProbe.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+
+// Ends runs by signals, at each kind of moment.
+
+namespace Bench {
+namespace {
+
+using EndToEnd::Interruption;
+using EndToEnd::Process;
+using EndToEnd::ProcessResult;
+
+constexpr Interruption interrupt{"SIGINT", SIGINT};
+constexpr Interruption hangUp{"SIGHUP", SIGHUP};
+constexpr Interruption terminate{"SIGTERM", SIGTERM};
+
+/// When a run is interrupted.
+struct Moment {
+    const char* name;
+    /// What makes the moment last.
+    const char* fault;
+    /// What the daemon has got then.
+    const char* exchanges;
+};
+
+constexpr Moment inStart{"a start", "4:delay=3000", "fmcS"};
+constexpr Moment inStop{"a stop", "5:delay=3000", "fmcSx"};
+
+class SignalTest : public testing::Test {
+protected:
+    SignalTest() {
+        // Whoever started the tests may have it ignored.
+        std::signal(SIGHUP, SIG_DFL);
+    }
+
+    void ExpectInterrupted(const ProcessResult& result) const {
+        EXPECT_EQ(result.exitCode, 3) << result.err;
+        EXPECT_NE(result.out.find(": it was interrupted."), std::string::npos) << result.out;
+        EXPECT_EQ(probe.Facts().Integer("exitCode"), 3);
+        EXPECT_TRUE(probe.Facts().Flag("stopConfirmed"));
+        EXPECT_FALSE(std::filesystem::exists(probe.Path("run/client")));
+    }
+
+    /// The processes that a process has started.
+    static std::vector<pid_t> ChildrenOf(std::uint64_t parent) {
+        std::vector<pid_t> children;
+        const std::string tasks = "/proc/" + std::to_string(parent) + "/task";
+        for (const auto& task : std::filesystem::directory_iterator(tasks)) {
+            std::ifstream file(task.path() / "children");
+            for (pid_t child = 0; file >> child;)
+                children.push_back(child);
+        }
+        return children;
+    }
+
+    RunProbe probe;
+    RestartableDaemon daemon;
+};
+
+TEST_F(SignalTest, AtAnyMomentAStopIsConfirmedFirst) {
+    for (const Interruption& signal : {interrupt, terminate, hangUp}) {
+        for (const Moment& moment : {inStart, inStop}) {
+            SCOPED_TRACE(std::string(signal.name) + " in " + moment.name);
+            const RunProbe own;
+            RestartableDaemon daemonOfOne;
+            daemonOfOne.Start({"--fault", moment.fault});
+            const auto run = own.Start(daemonOfOne.Address());
+            daemonOfOne.WaitForExchanges(moment.exchanges);
+            run->Interrupt(signal);
+            const ProcessResult result = run->Wait();
+            EXPECT_EQ(result.exitCode, 3) << result.err;
+            EXPECT_NE(result.out.find(": it was interrupted."), std::string::npos) << result.out;
+            EXPECT_EQ(daemonOfOne.Exchanges(), "fmcSx");
+            EXPECT_TRUE(own.Facts().Flag("stopConfirmed"));
+        }
+    }
+}
+
+TEST_F(SignalTest, AnswerToAStartIsAwaitedBeforeTheStop) {
+    daemon.Start({"--fault", inStart.fault});
+    const auto run = probe.Start(daemon.Address());
+    daemon.WaitForExchanges("fmcS");
+    run->Interrupt(interrupt);
+    ExpectInterrupted(run->Wait());
+    const std::vector<JsonFields> exchanges = probe.Lines("exchanges.jsonl");
+    ASSERT_EQ(exchanges.size(), 5u);
+    EXPECT_EQ(exchanges[3].Text("by"), "client");
+    EXPECT_EQ(exchanges[3].Text("end"), "answered");
+    EXPECT_EQ(exchanges[4].Text("by"), "supervisor");
+    EXPECT_EQ(exchanges[4].Text("end"), "answered");
+}
+
+TEST_F(SignalTest, StartThatIsNeverAnsweredIsAwaitedForTheStopTimeout) {
+    daemon.Start({"--fault", "4:no-answer"});
+    const auto run = probe.Start(daemon.Address(), {"--stop-timeout", "2"});
+    daemon.WaitForExchanges("fmcS");
+    run->Interrupt(interrupt);
+    ExpectInterrupted(run->Wait());
+    EXPECT_EQ(daemon.Exchanges(), "fmcSx");
+}
+
+TEST_F(SignalTest, BetweenLinesTheStopOfTheLineBeforeIsEnough) {
+    daemon.Start();
+    // The client pauses after each line.
+    const auto run = probe.Start(daemon.Address(), {"--client", ProgramPath("SarvexToolClient")});
+    daemon.WaitForExchanges("fmcSx");
+    run->Interrupt(interrupt);
+    ExpectInterrupted(run->Wait());
+    EXPECT_EQ(daemon.Exchanges(), "fmcSx");
+}
+
+TEST_F(SignalTest, BeforeTheFirstStartNothingIsStopped) {
+    daemon.Start({"--fault", "2:no-answer"});
+    const auto run = probe.Start(daemon.Address());
+    daemon.WaitForExchanges("fm");
+    run->Interrupt(interrupt);
+    EXPECT_EQ(run->Wait().exitCode, 3);
+    EXPECT_EQ(daemon.Exchanges(), "fm");
+    EXPECT_FALSE(probe.Facts().Flag("startPassedOn"));
+}
+
+TEST_F(SignalTest, WhileTheDaemonIsGoneTheStopIsTriedAndMissed) {
+    daemon.Start({"--fault", "4:no-answer"});
+    const auto run = probe.Start(daemon.Address(), {"--stop-timeout", "2"});
+    daemon.WaitForExchanges("fmcS");
+    daemon.Kill();
+    WaitUntil("the run waits for the daemon",
+              [&] { return run->ErrSoFar().find("waiting for the daemon") != std::string::npos; });
+    run->Interrupt(interrupt);
+    const ProcessResult result = run->Wait();
+    EXPECT_EQ(result.exitCode, 4) << result.err;
+    EXPECT_NE(result.out.find("The transmitter may still be ON"), std::string::npos) << result.out;
+}
+
+TEST_F(SignalTest, IgnoredFromTheStartAHangUpIsNone) {
+    daemon.Start({"--fault", inStart.fault});
+    std::vector<std::string> arguments = probe.Arguments(daemon.Address(), {});
+    arguments.insert(arguments.begin(), BenchPath());
+    Process run("/usr/bin/nohup", arguments, probe.Path(""));
+    daemon.WaitForExchanges("fmcS");
+    run.Interrupt(hangUp);
+    EXPECT_EQ(run.Wait().exitCode, 0);
+    EXPECT_EQ(daemon.Exchanges(), "fmcSxSx");
+    EXPECT_EQ(probe.Outcomes(), "2 measured, measured; 3 measured, measured");
+}
+
+TEST_F(SignalTest, SecondOneEndsTheRunAtOnce) {
+    daemon.Start({"--fault", inStart.fault, "--fault", "text=-wifi-stop:no-answer"});
+    // As long as no test takes.
+    const auto run = probe.Start(daemon.Address(), {"--stop-timeout", "5000"});
+    daemon.WaitForExchanges("fmcS");
+    run->Interrupt(interrupt);
+    daemon.WaitForExchanges("fmcSx");
+    run->Interrupt(interrupt);
+    const ProcessResult result = run->Wait();
+    EXPECT_FALSE(result.timedOut);
+    EXPECT_EQ(result.exitCode, 4) << result.err;
+    EXPECT_NE(result.out.find("The transmitter may still be ON"), std::string::npos) << result.out;
+    EXPECT_FALSE(probe.Facts().Flag("stopConfirmed"));
+}
+
+TEST_F(SignalTest, ClientThatIsKilledEndsTheRunAfterAStop) {
+    daemon.Start({"--fault", "4:no-answer"});
+    const auto run = probe.Start(daemon.Address(), {"--stop-timeout", "2"});
+    daemon.WaitForExchanges("fmcS");
+    const std::vector<pid_t> clients = ChildrenOf(run->Id());
+    ASSERT_EQ(clients.size(), 1u);
+    ::kill(clients.front(), SIGKILL);
+    const ProcessResult result = run->Wait();
+    EXPECT_EQ(result.exitCode, 3) << result.err;
+    EXPECT_NE(result.out.find("killed by signal 9"), std::string::npos) << result.out;
+    EXPECT_EQ(daemon.Exchanges(), "fmcSx");
+    EXPECT_TRUE(probe.Facts().Flag("stopConfirmed"));
+}
+
+TEST_F(SignalTest, KilledRunLeavesNoClientAndIsStoppedWhenItIsResumed) {
+    daemon.Start({"--fault", "4:no-answer"});
+    auto run = probe.Start(daemon.Address());
+    daemon.WaitForExchanges("fmcS");
+    const std::vector<pid_t> clients = ChildrenOf(run->Id());
+    ASSERT_EQ(clients.size(), 1u);
+    run.reset();
+    WaitUntil("the client ends with the run",
+              [&] { return !std::filesystem::exists("/proc/" + std::to_string(clients.front())); });
+    EXPECT_EQ(probe.RunBench({"run", "--resume", "run"}).exitCode, 0);
+    EXPECT_EQ(daemon.Exchanges(), "fmcSxfmcSxSx");
+}
+
+TEST_F(SignalTest, FolderThatVanishesEndsTheRunAfterAStop) {
+    daemon.Start({"--fault", inStart.fault});
+    const auto run = probe.Start(daemon.Address());
+    daemon.WaitForExchanges("fmcS");
+    std::filesystem::remove_all(probe.Path("run"));
+    const ProcessResult result = run->Wait();
+    EXPECT_EQ(result.exitCode, 3) << result.out;
+    EXPECT_EQ(daemon.Exchanges().back(), 'x');
+    EXPECT_NE(result.out.find("facts of the run could not be written"), std::string::npos)
+        << result.out;
+}
+
+} // namespace
+} // namespace Bench
