@@ -49,7 +49,8 @@ std::string RunWatch::FinishLine(const FinishedLine& line, const OwnSettings& ow
     m_progress.line = 0;
     SetTimes();
     m_shown.FinishLine(m_progress, Clock::now());
-    if (hasPassed || !m_judging.failFast)
+    const bool isLast = m_progress.linesDone == m_progress.linesTotal;
+    if (hasPassed || !m_judging.failFast || isLast)
         return "";
     m_hasFailedFast = true;
     return "line " + std::to_string(line.line) + " did not pass";

@@ -102,6 +102,17 @@ TEST_F(LimitsRunTest, FailFastEndsAfterTheLineAndCanBeResumed) {
         << resumed.out;
 }
 
+TEST_F(LimitsRunTest, FailFastAtTheLastLineHasNothingToEnd) {
+    probe.Write("limits.csv", "Chain,Min,Max\nA,*,17.88\nB,*,*\n");
+    daemon.Start();
+    const ProcessResult result =
+        probe.Run(daemon.Address(), {"--limits", "limits.csv", "--fail-fast"});
+    EXPECT_EQ(result.exitCode, 1) << result.err;
+    EXPECT_NE(result.out.find("The run is complete: 2 of 2 lines."), std::string::npos)
+        << result.out;
+    EXPECT_NE(TestSupport::ReadBytes(probe.Path("run/result.xml")), "");
+}
+
 // The arguments after "--".
 
 class FirstCommandTest : public LimitsRunTest {
