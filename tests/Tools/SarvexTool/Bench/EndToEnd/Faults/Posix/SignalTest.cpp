@@ -191,6 +191,22 @@ TEST_F(SignalTest, KilledRunLeavesNoClientAndIsStoppedWhenItIsResumed) {
     EXPECT_EQ(daemon.Exchanges(), "fmcSxfmcSxSx");
 }
 
+TEST_F(SignalTest, NothingIsSaidAfterTheTransmitterThatMayBeOn) {
+    daemon.Start({"--fault", "text=-wifi-stop:return-code=5"});
+    // The first of the limits fits nothing, which is warned of.
+    probe.Write("limits.csv", "Channel,Chain,Min,Max\n44,*,*,*\n*,*,*,*\n");
+    // Both streams in one file, as on a console.
+    const std::string both = "\"$0\" \"$@\" 2>&1";
+    std::vector<std::string> arguments =
+        probe.Arguments(daemon.Address(), {"--limits", "limits.csv", "--stop-timeout", "1"});
+    arguments.insert(arguments.begin(), {"-c", both, BenchPath()});
+    const ProcessResult result = EndToEnd::Run("/bin/sh", arguments, probe.Path(""));
+    EXPECT_EQ(result.exitCode, 4);
+    EXPECT_NE(result.out.find("the line fits no measurement"), std::string::npos) << result.out;
+    EXPECT_TRUE(result.out.ends_with("SarvexToolBench stop --daemon " + daemon.Address() + "\n"))
+        << result.out;
+}
+
 TEST_F(SignalTest, FolderThatVanishesEndsTheRunAfterAStop) {
     daemon.Start({"--fault", inStart.fault});
     const auto run = probe.Start(daemon.Address());
