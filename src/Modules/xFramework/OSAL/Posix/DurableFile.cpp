@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <system_error>
 
 namespace OSAL {
@@ -44,9 +45,20 @@ int WriteAll(int descriptor, std::string_view bytes) {
     return 0;
 }
 
+/// Lets a write beyond the limit of a file's size fail, where its signal would end the process. A
+/// handler does that, for children begin without it.
+void SurviveSizeLimit() {
+    struct sigaction action {};
+    if (::sigaction(SIGXFSZ, nullptr, &action) != 0 || action.sa_handler != SIG_DFL)
+        return;
+    action.sa_handler = [](int) {};
+    ::sigaction(SIGXFSZ, &action, nullptr);
+}
+
 } // namespace
 
 DurableFile::DurableFile(std::string path, Opening opening) : m_path(std::move(path)) {
+    SurviveSizeLimit();
     const int flags = O_RDWR | O_APPEND | O_CLOEXEC | O_NOCTTY | FlagsOf(opening);
     const int descriptor = ::open(m_path.c_str(), flags, readableByAll);
     if (descriptor < 0)
