@@ -4,6 +4,7 @@
 #include "Modules/xFramework/Utilities/StringToInt.h"
 #include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
 #include "Tools/SarvexTool/Bench/Files/ExchangeLog.h"
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Files/ResultTreeWriter.h"
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"
 #include "Tools/SarvexTool/Bench/Run/ClientFeed.h"
@@ -16,6 +17,7 @@
 #include "Tools/Vemo/VemoClient/DynamicTest/ReplySearch.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <stdexcept>
 #include <utility>
@@ -31,6 +33,8 @@ constexpr int tick = static_cast<int>(Timer::Stop) + 1;
 constexpr std::chrono::milliseconds tickTime(100);
 /// A daemon that is there takes a connection at once.
 constexpr std::chrono::milliseconds longestConnecting(10'000);
+
+constexpr const char* folderIsGone = "the folder of the run is not there any more";
 
 std::chrono::milliseconds Milliseconds(double seconds) {
     constexpr double perSecond = 1000;
@@ -287,7 +291,14 @@ private:
         std::string words = m_clientLog.LastLine();
         if (end.isBySignal)
             words = "killed by signal " + std::to_string(end.code);
+        else if (end.code != 0 && IsFolderGone())
+            words = folderIsGone;
         Tell([&](Supervisor& supervisor) { supervisor.ClientEnded(end.code, words); });
+    }
+
+    bool IsFolderGone() const {
+        std::error_code ignored;
+        return !std::filesystem::exists(PathOf(m_folder.Path()), ignored);
     }
 
     void KillClient() override { m_client->Kill(); }
@@ -298,6 +309,8 @@ private:
 
     std::optional<std::string> TakeRow() override {
         std::optional<std::string> row = m_feed.TakeRow();
+        if (!row && IsFolderGone())
+            throw std::runtime_error(folderIsGone);
         KeepHeader();
         return row;
     }
