@@ -1,0 +1,82 @@
+#include "tests/EndToEnd/BenchRun/PowerTests.h"
+
+#include <gmock/gmock.h>
+
+// What run refuses, so that no run gets in the way of another or of itself.
+
+namespace EndToEnd {
+namespace {
+
+using testing::HasSubstr;
+
+class RefusedRunTest : public testing::Test {
+protected:
+    RefusedRunTest() { tests.Write("test.csv", DependentLines(8)); }
+
+    /// A run that has ended at its fifth line, as the client ends of such a return code.
+    void EndEarly() const {
+        const Simulator daemon({"--fault", "12:return-code=abc"});
+        const ProcessResult result = tests.Supervise(tests.NewRun(daemon, "test.csv", "run"));
+        ASSERT_EQ(result.exitCode, 3) << result.out << result.err;
+        ASSERT_THAT(result.out, HasSubstr("at line 6"));
+    }
+
+    void ExpectRefusal(const std::vector<std::string>& arguments, const std::string& words) const {
+        const ProcessResult result = tests.Supervise(arguments);
+        EXPECT_EQ(result.exitCode, 2) << result.out;
+        EXPECT_THAT(result.err, HasSubstr(words));
+    }
+
+    PowerTests tests;
+    const std::vector<std::string> resume = {"run", "--resume", "run"};
+};
+
+TEST_F(RefusedRunTest, ResumingWithAnotherTestFile) {
+    EndEarly();
+    const Results before = tests.ResultsIn("run");
+    const std::string file = tests.Read("test.csv");
+    tests.Write("test.csv", file + "5,A,20,36,HE,MCS0\n");
+    ExpectRefusal(resume, "has changed since the run began");
+    tests.Write("test.csv", file);
+    tests.Write("run/test-file.csv", file + "\n");
+    ExpectRefusal(resume, "is not the test file that the run began with");
+    EXPECT_EQ(tests.ResultsIn("run"), before);
+}
+
+TEST_F(RefusedRunTest, ResumingWhereThereIsNoRun) {
+    ExpectRefusal(resume, "holds no run: run.json is missing");
+    ExpectRefusal({"run", "--resume", "."}, "holds no run: run.json is missing");
+}
+
+TEST_F(RefusedRunTest, ResumingACompleteRun) {
+    const Simulator daemon;
+    ASSERT_EQ(tests.Supervise(tests.NewRun(daemon, "test.csv", "run")).exitCode, 0);
+    const Results before = tests.ResultsIn("run");
+    ExpectRefusal(resume, "is complete; there is nothing to go on with");
+    ExpectRefusal(tests.NewRun(daemon, "test.csv", "run"), "old results are never overwritten");
+    EXPECT_EQ(tests.ResultsIn("run"), before);
+}
+
+TEST_F(RefusedRunTest, AFolderOrADaemonThatAnotherRunUses) {
+    tests.Write("test.csv", DependentLines(40));
+    const Results alone = tests.RunAlone("test.csv");
+    const Simulator daemon({"--latency", "40"});
+    const Simulator other;
+    const std::unique_ptr<Process> first = tests.Start(tests.NewRun(daemon, "test.csv", "run"));
+    ASSERT_TRUE(WaitForLines(*first, tests.Path("run/journal.jsonl"), 1)) << first->ErrSoFar();
+    const std::string holder = "in use by process " + std::to_string(first->Id()) + ", since ";
+    ExpectRefusal(resume, "the run is " + holder);
+    ExpectRefusal(tests.NewRun(daemon, "test.csv", "second"),
+                  "the daemon at 127.0.0.1 port " + daemon.Port() + " is " + holder);
+    ExpectRefusal(tests.NewRun(daemon, "test.csv", "second"), "with the run in ");
+    EXPECT_FALSE(std::filesystem::exists(tests.Path("second")));
+    ASSERT_FALSE(first->HasEnded()) << "the first run was over too early to be in the way";
+    EXPECT_EQ(tests.Supervise(tests.NewRun(other, "test.csv", "second")).exitCode, 0);
+    const ProcessResult result = first->Wait();
+    EXPECT_EQ(result.exitCode, 0) << result.out << result.err;
+    for (const char* const run : {"run", "second"})
+        EXPECT_EQ(tests.ResultsIn(run).csv, alone.csv);
+}
+
+} // namespace
+} // namespace EndToEnd
