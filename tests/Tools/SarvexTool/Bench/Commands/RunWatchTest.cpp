@@ -69,7 +69,7 @@ TEST_F(RunWatchTest, LinesAreCountedWithTheirOutcomes) {
 
 TEST_F(RunWatchTest, LineIsHeldAgainstTheLimitsAsItComes) {
     LimitTable limits(ParseLimits("Band,Chain,Min,Max\n5,*,10,12\n", "limits.csv", texts));
-    RunWatch watch(shown, texts, {&limits, true}, 2);
+    RunWatch watch(shown, texts, {&limits, true}, 3);
     watch.Begin(1);
     EXPECT_EQ(watch.FinishLine(Line(2, "5,A,11,NA\n", Outcome::Measured, Outcome::ChainNotActive),
                                Own("5", "A")),
@@ -85,7 +85,7 @@ TEST_F(RunWatchTest, LineIsHeldAgainstTheLimitsAsItComes) {
 }
 
 TEST_F(RunWatchTest, PowerAfterARefusedSettingDoesNotPass) {
-    RunWatch watch(shown, texts, {nullptr, true}, 2);
+    RunWatch watch(shown, texts, {nullptr, true}, 3);
     watch.Begin(1);
     EXPECT_NE(watch.FinishLine(Line(2, "5,A,NA,NA\n", Outcome::Refused, Outcome::Refused, false),
                                Own("5", "A")),
@@ -94,6 +94,15 @@ TEST_F(RunWatchTest, PowerAfterARefusedSettingDoesNotPass) {
     EXPECT_NE(watch.FinishLine(Line(3, "6,-,11,NA\n", Outcome::Measured, Outcome::ChainNotActive),
                                onlyBand),
               "");
+}
+
+TEST_F(RunWatchTest, LastLineHasNothingToEndFast) {
+    RunWatch watch(shown, texts, {nullptr, true}, 1);
+    watch.Begin(1);
+    EXPECT_EQ(watch.FinishLine(Line(2, "5,A,NA,NA\n", Outcome::Refused, Outcome::Refused, false),
+                               Own("5", "A")),
+              "");
+    EXPECT_FALSE(watch.HasFailedFast());
 }
 
 TEST_F(RunWatchTest, StateIsShownWhenItChanges) {
