@@ -70,6 +70,29 @@ TEST_F(EndingTest, StopThatIsRefusedAfterACompleteRunIsTheLastThatIsSaid) {
     ExpectLastWords(result.out, "answered without the return code 0");
 }
 
+TEST_F(EndingTest, OutputThatNobodyReadsDisturbsNoRunAndHidesNoMissedStop) {
+    struct Case {
+        const char* fault;
+        int exitCode;
+    };
+    for (const Case& one :
+         {Case{"1000:close-before", 2}, Case{"text=-wifi-stop:return-code=5", 4}}) {
+        SCOPED_TRACE(one.fault);
+        const RunProbe own;
+        RestartableDaemon daemonOfOne;
+        daemonOfOne.Start({"--fault", one.fault});
+        EndToEnd::Process run(
+            BenchPath(),
+            own.Arguments(daemonOfOne.Address(), {"--progress", "json", "--stop-timeout", "2"}),
+            own.Path(""),
+            {.output = EndToEnd::Process::Output::BrokenPipe,
+             .inputFile = "",
+             .areArgumentsUtf8 = false});
+        EXPECT_EQ(run.Wait().exitCode, one.exitCode);
+        EXPECT_EQ(own.Outcomes(), "2 measured, measured; 3 measured, measured");
+    }
+}
+
 TEST_F(EndingTest, WithoutAStartNoStopIsMissed) {
     daemon.Start({"--fault", "*:no-answer"});
     const EndToEnd::ProcessResult result = probe.Run(
