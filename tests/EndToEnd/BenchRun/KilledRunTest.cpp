@@ -25,8 +25,8 @@ using Counts = std::array<int, 3>;
 /// A run that goes on until it is complete, whatever is killed in between.
 class DisturbedRun {
 public:
-    DisturbedRun(const PowerTests& tests, std::mt19937& random, double wholeSeconds)
-        : m_tests(tests), m_random(random), m_delays(0, wholeSeconds) {
+    DisturbedRun(const PowerTests& tests, std::mt19937& random, double longestPause)
+        : m_tests(tests), m_random(random), m_delays(0, longestPause) {
         Begin();
     }
 
@@ -198,7 +198,7 @@ TEST_P(KilledRunTest, ResumedToItsEndHasTheResultsOfAnUndisturbedOne) {
     int runs = 0;
     for (int killed = 0; killed < KILLED_RUNS; ++runs) {
         ASSERT_LT(runs, 20 * KILLED_RUNS) << "hardly a run lasts until something is killed";
-        DisturbedRun run(tests, random, wholeSeconds);
+        DisturbedRun run(tests, random, wholeSeconds / 2);
         int daemons = 0;
         while (!run.IsComplete() && killed < KILLED_RUNS && !HasFailure()) {
             const Victim victim = GetParam().victims[random() % GetParam().victims.size()];
