@@ -242,10 +242,7 @@ int RunProgram(const std::vector<std::string>& arguments, Surroundings& surround
         exitCode = Parser().Run(arguments, surroundings);
         if (surroundings.out.stream.flush())
             return exitCode;
-        PrintProblems(surroundings.err, "-",
-                      std::vector{Problem{Severity::Error, 0, 0, "cannot be written"}});
-        // That a run can be resumed, or a transmitter may be on, is what matters more.
-        return std::max(exitCode, static_cast<int>(ExitCode::Failed));
+        throw BadOutput("-", "cannot be written");
     } catch (const BadFile& bad) {
         PrintProblems(surroundings.err, bad.File(), bad.Problems());
     } catch (const std::exception& error) {
