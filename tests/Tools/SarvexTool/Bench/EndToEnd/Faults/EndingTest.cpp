@@ -142,7 +142,7 @@ TEST_P(StopTest, IsConfirmedByReturnCode0Alone) {
     const std::string confirmation =
         "The daemon at " + daemon.Address() + " has confirmed the stop.\n";
     if (GetParam().exitCode == 0)
-        EXPECT_EQ(result.out, EndToEnd::TextMode(confirmation));
+        EXPECT_EQ(result.out, confirmation);
     else
         EXPECT_TRUE(result.err.starts_with("The transmitter may still be ON: the daemon at " +
                                            daemon.Address()))
