@@ -2,9 +2,11 @@
 
 #include "Modules/xFramework/OSAL/DurableFile.h"
 #include "Modules/xFramework/OSAL/File.h"
+#include "Modules/xFramework/OSAL/Process.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -39,12 +41,28 @@ void CopyCommandTable(const fs::path& source, const fs::path& folder) {
     fs::permissions(folder / source.filename(), fs::perms::owner_write, fs::perm_options::add);
 }
 
+/// The client of a run that was killed ends with it, but not on every system at once; until then
+/// its file cannot be removed.
+void RemoveOld(const fs::path& folder) {
+    constexpr std::uint32_t pauseMilliseconds = 50;
+    constexpr std::uint32_t patienceMilliseconds = 3000;
+    std::error_code error;
+    for (std::uint32_t waited = 0; waited < patienceMilliseconds; waited += pauseMilliseconds) {
+        fs::remove_all(folder, error);
+        if (error != std::errc::permission_denied)
+            break;
+        OSAL::Sleep(pauseMilliseconds);
+    }
+    if (error)
+        throw fs::filesystem_error("cannot remove", folder, error);
+}
+
 } // namespace
 
 ClientFolder::ClientFolder(std::string folder, const std::string& client, std::uint16_t port)
     : m_folder(std::move(folder)) {
     const fs::path path = PathOf(m_folder);
-    fs::remove_all(path);
+    RemoveOld(path);
     fs::create_directory(path);
     try {
         Fill(client, port);
