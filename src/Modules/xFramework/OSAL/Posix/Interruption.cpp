@@ -17,7 +17,7 @@ namespace OSAL {
 
 namespace {
 
-constexpr std::array<int, 3> endingSignals{SIGHUP, SIGINT, SIGTERM};
+constexpr std::array<int, 4> endingSignals{SIGHUP, SIGINT, SIGQUIT, SIGTERM};
 
 volatile std::sig_atomic_t wantedSignal = 0;
 int heldCount = 0;

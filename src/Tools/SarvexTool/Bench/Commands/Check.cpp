@@ -73,8 +73,12 @@ public:
         if (options.exchange)
             m_conditions.exchangeSeconds = SecondsOf("--exchange", *options.exchange).ToDouble();
         const std::chrono::milliseconds timeout = TimeoutOf(options.timeout);
-        if (options.daemon)
-            m_daemon.emplace(DaemonOf(*options.daemon), timeout);
+        if (!options.daemon)
+            return;
+        const DaemonAddress address = DaemonOf(*options.daemon);
+        // The settings of a run that goes on must not change under it.
+        m_daemonLock.emplace(LockDaemonAt(address, "check"));
+        m_daemon.emplace(address, timeout);
     }
 
     int Run() {
@@ -157,6 +161,7 @@ private:
     Surroundings& m_surroundings;
     const Console& m_console;
     RunConditions m_conditions;
+    std::optional<OSAL::FileLock> m_daemonLock;
     std::optional<Daemon> m_daemon;
 };
 

@@ -1,9 +1,13 @@
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 
+#include "Modules/xFramework/OSAL/Process.h"
 #include "Tools/SarvexTool/Bench/Commands/Command.h"
 #include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
+#include "Tools/SarvexTool/Bench/Files/Locks.h"
+#include "Tools/SarvexTool/Bench/Files/UtcTime.h"
 
 #include <charconv>
+#include <chrono>
 #include <optional>
 
 namespace Bench {
@@ -36,6 +40,11 @@ DaemonAddress DaemonOf(const std::string& text) {
     if (address->port == 0)
         address->port = ReadPortBesideProgram();
     return *address;
+}
+
+OSAL::FileLock LockDaemonAt(const DaemonAddress& address, const std::string& directory) {
+    return LockDaemon(ResolvedHost(address), address.port,
+                      {OSAL::ProcessId(), directory, UtcTime(std::chrono::system_clock::now())});
 }
 
 } // namespace Bench

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Modules/xFramework/OSAL/FileLock.h"
 #include "Tools/SarvexTool/Bench/Core/Decimal.h"
 #include "Tools/SarvexTool/Bench/Daemon/DaemonAddress.h"
 
@@ -18,5 +19,9 @@ std::uint32_t NumberOf(const std::string& option, const std::string& text, std::
 /// A daemon's address from the option --daemon, with the port of the client's Socket.cfg beside the
 /// program where it has none. Throws WrongUsage, and BadInput for the file.
 DaemonAddress DaemonOf(const std::string& text);
+
+/// Has the lock of the daemon at an address as long as the result lives. The directory is that of
+/// the run, or what else somebody else is to be told. Throws InUse, which says who has it.
+OSAL::FileLock LockDaemonAt(const DaemonAddress& address, const std::string& directory);
 
 } // namespace Bench

@@ -5,6 +5,7 @@
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Commands/RunCall.h"
 #include "Tools/SarvexTool/Bench/Commands/RunChecks.h"
+#include "Tools/SarvexTool/Bench/Commands/Stop.h"
 #include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Files/LimitsFile.h"
@@ -12,6 +13,8 @@
 #include "Tools/SarvexTool/Bench/Files/RunDirectory.h"
 #include "Tools/SarvexTool/Bench/Files/TestLines.h"
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"
+#include "Tools/SarvexTool/Bench/Output/Problems.h"
+#include "Tools/SarvexTool/Bench/Output/ShownText.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -134,16 +137,18 @@ LockHolder Holder(const std::string& directory) {
     return {OSAL::ProcessId(), Absolute(directory), Now()};
 }
 
-OSAL::FileLock LockDaemonOf(const RunFacts& facts, const LockHolder& holder) {
+DaemonAddress DaemonIn(const RunFacts& facts) {
     const std::optional<DaemonAddress> address = ParseDaemonAddress(facts.daemon);
-    if (!address)
+    if (!address || address->port == 0)
         throw std::runtime_error("the run's daemon \"" + facts.daemon + "\" is no address");
-    return LockDaemon(ResolvedHost(*address), address->port, holder);
+    return *address;
 }
 
 int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
     if (*arguments.file == StandardStreamName || arguments.limits == StandardStreamName)
         throw WrongUsage("a run takes no file from standard input: resuming needs it once more");
+    if (arguments.out == StandardStreamName || arguments.out == "")
+        throw WrongUsage("--out needs the name of a folder");
     RequireRelayed(surroundings.handedOn);
     const RunFacts facts = FactsFrom(arguments, surroundings.handedOn);
     if (facts.options.limits) {
@@ -154,27 +159,63 @@ int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
         return ExitCode::Failed;
     const std::string name =
         arguments.out.value_or(NewRunName(*arguments.file, std::chrono::system_clock::now()));
-    const LockHolder holder = Holder(name);
-    const OSAL::FileLock daemonLock = LockDaemonOf(facts, holder);
-    RunDirectory directory = RunDirectory::Create(name, *arguments.file, facts, holder);
+    const OSAL::FileLock daemonLock = LockDaemonAt(DaemonIn(facts), Absolute(name));
+    RunDirectory directory = RunDirectory::Create(name, *arguments.file, facts, Holder(name));
+    if (!arguments.out)
+        surroundings.err.stream << "The run is in " << MakeHarmless(name) << "\n";
     return RunTest(directory, arguments.progress, surroundings);
+}
+
+int GoOn(RunDirectory& directory, const std::string& progress, Surroundings& surroundings) {
+    RunFacts& facts = directory.Facts();
+    if (facts.outcome == "complete" && facts.stopConfirmed)
+        throw BadInput(directory.Files().directory, "is complete; there is nothing to go on with");
+    const OSAL::FileLock daemonLock =
+        LockDaemonAt(DaemonIn(facts), Absolute(directory.Files().directory));
+    facts.notes.clear();
+    if (HashOfFile(facts.options.client) != facts.clientSha256)
+        facts.notes.emplace_back("the client is not the one that the run began with");
+    return RunTest(directory, progress, surroundings);
+}
+
+/// The facts of a run that may have left the transmitter on; nothing for any other folder.
+std::optional<RunFacts> FactsOfUnstopped(const std::string& directory) {
+    try {
+        RunFacts facts = ReadRunFacts(RunFiles(directory).facts);
+        return facts.startPassedOn && !facts.stopConfirmed ? std::optional(std::move(facts))
+                                                           : std::nullopt;
+    } catch (const BadFile&) {
+        return std::nullopt;
+    }
 }
 
 int Resume(const RunArguments& arguments, Surroundings& surroundings) {
-    const LockHolder holder = Holder(*arguments.resume);
-    RunDirectory directory = RunDirectory::Resume(*arguments.resume, holder);
-    if (directory.Facts().outcome == "complete" && directory.Facts().stopConfirmed)
-        throw BadInput(*arguments.resume, "is complete; there is nothing to go on with");
-    const OSAL::FileLock daemonLock = LockDaemonOf(directory.Facts(), holder);
-    directory.Facts().notes.clear();
-    if (HashOfFile(directory.Facts().options.client) != directory.Facts().clientSha256)
-        directory.Facts().notes.emplace_back("the client is not the one that the run began with");
-    return RunTest(directory, arguments.progress, surroundings);
+    const std::optional<RunFacts> unstopped = FactsOfUnstopped(*arguments.resume);
+    try {
+        RunDirectory directory = RunDirectory::Resume(*arguments.resume, Holder(*arguments.resume));
+        return GoOn(directory, arguments.progress, surroundings);
+    } catch (const InUse&) {
+        throw;
+    } catch (const BadFile& bad) {
+        if (!unstopped)
+            throw;
+        PrintProblems(surroundings.err, bad.File(), bad.Problems());
+    } catch (const std::exception& error) {
+        if (!unstopped)
+            throw;
+        surroundings.err.stream << MakeHarmless(error.what()) << "\n";
+    }
+    // It cannot go on, but the transmitter is not to stay on for that.
+    const int exitCode =
+        StopByHand(DaemonIn(*unstopped), unstopped->options.stopTimeout, surroundings);
+    return exitCode == ExitCode::Fine ? ExitCode::Failed : exitCode;
 }
 
 int Run(const CLI::App& app, const RunArguments& arguments, Surroundings& surroundings) {
-    if (arguments.file.has_value() == arguments.resume.has_value())
+    if (!arguments.file && !arguments.resume)
         throw WrongUsage("either TEST_FILE or --resume DIR is needed");
+    if (arguments.file && arguments.resume)
+        throw WrongUsage("TEST_FILE and --resume DIR cannot be given both");
     if (arguments.progress != "text" && arguments.progress != "json")
         throw WrongUsage("--progress " + arguments.progress + " is neither text nor json");
     if (!arguments.resume)
@@ -242,11 +283,11 @@ Command AddRun(CLI::App& program) {
     const auto arguments = std::make_shared<RunArguments>();
     AddFileOptions(*app, *arguments);
     AddDaemonOptions(*app, *arguments);
-    app->footer("What follows -- is the client's own first command.\n"
-                "Exit code: 0 complete and all measured or, with limits, passed; 1 complete, but "
-                "something was not; 2 wrong usage, or a file that is wrong or cannot be read or "
-                "written; 3 ended early, to be resumed; 4 the last stop was not confirmed: the "
-                "transmitter may be on.");
+    app->footer(
+        "What follows -- is the client's own first command. Exit code: 0 complete and all measured or, with limits, passed; 1 complete, but "
+        "something was not; 2 wrong usage, or a file that is wrong or cannot be read or "
+        "written; 3 ended early, to be resumed; 4 the last stop was not confirmed: the "
+        "transmitter may be on.");
     return {app, [app, arguments](Surroundings& surroundings) {
                 return Run(*app, *arguments, surroundings);
             }};

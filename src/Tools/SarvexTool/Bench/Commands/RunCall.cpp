@@ -36,6 +36,7 @@ std::unique_ptr<IProgress> ProgressTo(const std::string& kind, const Surrounding
 
 /// "the daemon is gone" as a sentence of its own.
 std::string AsSentence(std::string text) {
+    text.erase(text.find_last_not_of('.') + 1);
     if (!text.empty())
         text.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
     return text + ".";
@@ -71,6 +72,11 @@ public:
         if (m_limits && summary.isComplete)
             WarnOfNeedlessLimits(*m_limits, *facts.options.limits, m_surroundings.err);
         m_progress->End(summary);
+        // Whoever has sent the summary elsewhere, or nowhere, is to hear of this all the same.
+        if (summary.unconfirmedStop && !OSAL::IsTerminal(OSAL::StandardStream::Output))
+            m_surroundings.err.stream << "The transmitter may still be ON: the daemon has not "
+                                         "confirmed the stop.\n"
+                                      << std::flush;
         // Last of all, because a transmitter that may be on is told at its end.
         PrintSummary(m_isJson ? m_surroundings.err.stream : m_surroundings.out.stream, summary);
         return summary.exitCode;
@@ -104,6 +110,8 @@ private:
         summary.daemon = m_directory.Facts().daemon;
         if (end.mayTransmit)
             summary.unconfirmedStop = "it " + end.stopProblem;
+        summary.hasTransmitted = m_directory.Facts().startPassedOn;
+        summary.limits = m_directory.Facts().options.limits;
         summary.exitCode = ExitCodeOf(end);
         SaveEnd(end, summary);
         for (const std::string& note : m_directory.Facts().notes)
@@ -121,6 +129,9 @@ private:
 
     /// As judge has it, of the files as they are.
     bool HasPassed() {
+        const RunOptions& options = m_directory.Facts().options;
+        if (!options.firstCommand.empty() && !options.firstCommandAccepted)
+            return false;
         try {
             const Result result =
                 ReadResult(NamesOf(m_directory.Files().directory), m_surroundings.in, m_texts);

@@ -6,6 +6,7 @@
 #include "Tools/SarvexTool/Bench/Files/TestLines.h"
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
+#include "Tools/SarvexTool/Bench/Supervision/DeviceSettings.h"
 
 #include <algorithm>
 #include <limits>
@@ -68,14 +69,7 @@ bool IsFitToRun(const std::string& testFile, bool force, Surroundings& surroundi
 }
 
 void RequireRelayed(const std::vector<std::string>& firstCommand) {
-    std::optional<std::string> bypass = BypassAmong(firstCommand);
-    if (!bypass && !firstCommand.empty()) {
-        // The client drops one white-space character at the end of its last argument.
-        std::string last = firstCommand.back();
-        if (last.find_last_of(" \t\r\n\v\f") == last.size() - 1 && !last.empty())
-            last.pop_back();
-        bypass = BypassAmong({last});
-    }
+    const std::optional<std::string> bypass = BypassAmong(AsSent(firstCommand));
     if (bypass)
         throw WrongUsage("the argument " + *bypass + pastTheSupervision);
 }

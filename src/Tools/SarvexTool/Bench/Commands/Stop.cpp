@@ -3,6 +3,8 @@
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Daemon/Connection.h"
 #include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
+#include "Tools/SarvexTool/Bench/Files/Locks.h"
+#include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 #include "Tools/SarvexTool/Bench/Supervision/Answer.h"
 
@@ -35,11 +37,33 @@ std::string TryToStop(const DaemonAddress& address, std::chrono::milliseconds ti
     }
 }
 
+/// Somebody else's run would transmit again; the caller is to be told.
+void WarnOfRun(const DaemonAddress& address, Surroundings& surroundings) {
+    try {
+        LockDaemonAt(address, "");
+    } catch (const InUse& inUse) {
+        surroundings.err.stream << "A run goes on with this daemon and will transmit again; end it "
+                                   "with Ctrl-C in its console:\n";
+        PrintProblems(surroundings.err, inUse.File(), inUse.Problems());
+    }
+}
+
 int Stop(const StopOptions& options, Surroundings& surroundings) {
     const DaemonAddress address = DaemonOf(options.daemon);
     const double seconds = SecondsOf("--stop-timeout", options.timeout).ToDouble();
-    const std::string failure =
-        TryToStop(address, std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000)));
+    if (seconds <= 0)
+        throw WrongUsage("--stop-timeout is too short");
+    const int exitCode = StopByHand(address, seconds, surroundings);
+    WarnOfRun(address, surroundings);
+    return exitCode;
+}
+
+} // namespace
+
+int StopByHand(const DaemonAddress& address, double seconds, Surroundings& surroundings) {
+    constexpr double perSecond = 1000;
+    const std::string failure = TryToStop(
+        address, std::chrono::milliseconds(static_cast<std::int64_t>(seconds * perSecond)));
     if (failure.empty()) {
         surroundings.out.stream << "The daemon at " << MakeHarmless(address.ToText())
                                 << " has confirmed the stop.\n";
@@ -50,8 +74,6 @@ int Stop(const StopOptions& options, Surroundings& surroundings) {
                             << ".\n";
     return ExitCode::StopNotConfirmed;
 }
-
-} // namespace
 
 Command AddStop(CLI::App& program) {
     CLI::App* const app = program.add_subcommand("stop", "Stop a device's transmission by hand");

@@ -1,8 +1,12 @@
 #pragma once
 
 #include "Tools/SarvexTool/Bench/Commands/Command.h"
+#include "Tools/SarvexTool/Bench/Daemon/DaemonAddress.h"
 
 namespace Bench {
+
+/// Sends the stop to a daemon, once, and prints what comes of it. Returns Fine or StopNotConfirmed.
+int StopByHand(const DaemonAddress& address, double seconds, Surroundings& surroundings);
 
 /// Stops a device's transmission by hand.
 Command AddStop(CLI::App& program);

@@ -56,7 +56,11 @@ std::string ResolvedHost(const DaemonAddress& address) {
     if (pEndpoints->All().empty())
         return address.host;
     const boost::asio::ip::address found = pEndpoints->All().front().address();
-    return found == boost::asio::ip::address_v6::loopback() ? "127.0.0.1" : found.to_string();
+    if (found.is_v6() && found.to_v6().is_v4_mapped())
+        return boost::asio::ip::make_address_v4(boost::asio::ip::v4_mapped, found.to_v6())
+            .to_string();
+    const bool isOwn = found.is_unspecified() || found == boost::asio::ip::address_v6::loopback();
+    return isOwn ? "127.0.0.1" : found.to_string();
 }
 
 } // namespace Bench

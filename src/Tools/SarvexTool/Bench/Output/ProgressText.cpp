@@ -58,7 +58,7 @@ std::string ProgressText(const RunProgress& progress) {
     const bool isMeasuring = progress.state.kind == RunState::Kind::Measuring;
     std::string text = CountText(progress) + ", " + ClockText(progress.elapsedSeconds);
     if (!isMeasuring)
-        text += ", " + StateText(progress.state) + " (" + ClockText(progress.state.seconds) + ")";
+        text += ", " + StateText(progress.state);
     else if (progress.remainingSeconds)
         text += ", about " + ClockText(*progress.remainingSeconds) + " left";
     if (progress.outcomes.NotMeasured() > 0)
@@ -69,8 +69,8 @@ std::string ProgressText(const RunProgress& progress) {
 }
 
 std::string StateText(const RunState& state) {
-    return std::string(NameOf(state.kind)) + (state.detail.empty() ? "" : ": ") +
-           MakeHarmless(state.detail);
+    return std::string(NameOf(state.kind)) + " (" + ClockText(state.seconds) + ")" +
+           (state.detail.empty() ? "" : ": ") + MakeHarmless(state.detail);
 }
 
 std::string VerdictsText(const VerdictTotals& verdicts) {

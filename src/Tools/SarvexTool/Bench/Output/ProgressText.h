@@ -14,7 +14,8 @@ std::string ClockText(double seconds);
 /// line 39: Band 5, Channel 42".
 std::string ProgressText(const RunProgress& progress);
 
-/// The state with what it waits for or why, harmless; "repeating: no answer within 60 s".
+/// The state, how long it has lasted, and what it waits for or why, harmless: "repeating (0:05): no
+/// answer within 60 s".
 std::string StateText(const RunState& state);
 
 /// What verdicts there are, for example "35 pass, 1 too low"; without those that occur nowhere, and

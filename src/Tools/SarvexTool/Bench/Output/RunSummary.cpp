@@ -6,6 +6,10 @@
 #include "Tools/SarvexTool/Bench/Output/ShownWidth.h"
 #include "Tools/SarvexTool/Bench/Output/TextTable.h"
 
+#include <filesystem>
+#include <numeric>
+#include <string_view>
+
 namespace Bench {
 
 namespace {
@@ -19,10 +23,20 @@ void PrintCommand(std::ostream& stream, const std::string& command) {
     stream << "  " << MakeHarmless(command) << "\n";
 }
 
-/// The argument as a shell takes it.
+/// The argument as the system's shell takes it.
 std::string Quoted(const std::string& argument) {
-    const bool isPlain = argument.find_first_of(" &()';$`") == std::string::npos;
-    return isPlain ? argument : "\"" + argument + "\"";
+    constexpr bool isWindows = std::filesystem::path::preferred_separator == '\\';
+    constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
+                                       "0123456789_./:-+=@\\";
+    const std::string_view known = plain.substr(0, plain.size() - (isWindows ? 0 : 1));
+    if (!argument.empty() && argument.find_first_not_of(known) == std::string::npos)
+        return argument;
+    if (isWindows)
+        return "\"" + argument + "\"";
+    std::string quoted = "'";
+    for (const char character : argument)
+        quoted += character == '\'' ? "'\\''" : std::string(1, character);
+    return quoted + "'";
 }
 
 void PrintEnd(std::ostream& stream, const RunSummary& summary) {
@@ -87,10 +101,20 @@ void PrintSummary(std::ostream& stream, const RunSummary& summary) {
         PrintText(stream, "Note: " + note, 2);
     stream << "The results are in\n";
     PrintCommand(stream, summary.directory);
+    const std::size_t passed = static_cast<std::size_t>(Verdict::Pass);
+    if (summary.verdicts && summary.limits &&
+        std::accumulate(summary.verdicts->begin(), summary.verdicts->end(), std::size_t{0}) !=
+            summary.verdicts->at(passed)) {
+        stream << "To see what did not pass:\n";
+        PrintCommand(stream, "SarvexToolBench judge " + Quoted(summary.directory) + " --limits " +
+                                 Quoted(*summary.limits));
+    }
     if (!summary.isComplete) {
         stream << "To go on with the next line:\n";
         PrintCommand(stream, "SarvexToolBench run --resume " + Quoted(summary.directory));
     }
+    if (summary.hasTransmitted && !summary.unconfirmedStop)
+        stream << "The daemon has confirmed the last stop.\n";
     PrintStopProblem(stream, summary);
     stream.flush();
 }

@@ -34,6 +34,10 @@ struct RunSummary {
     std::string directory;
     /// What else there is to know, each a sentence with its end.
     std::vector<std::string> notes;
+    /// Whether a transmission was ever started.
+    bool hasTransmitted = false;
+    /// The table of limits, where there is one.
+    std::optional<std::string> limits;
     /// Why it is not known that the last transmission was stopped, as a sentence without its end;
     /// nothing when it is known.
     std::optional<std::string> unconfirmedStop;

@@ -29,7 +29,7 @@ std::string ClientLog::LastLine() const {
     std::ifstream file(PathOf(m_name), std::ios::binary);
     file.seekg(static_cast<std::streamoff>(std::max(m_start, size - std::min(size, longest))));
     std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    text.erase(text.find_last_not_of("\r\n") + 1);
+    text.erase(text.find_last_not_of(".\r\n") + 1);
     return text.substr(text.rfind('\n') + 1);
 }
 

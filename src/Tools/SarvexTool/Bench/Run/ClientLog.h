@@ -12,8 +12,8 @@ public:
     /// To be made before the client starts.
     explicit ClientLog(std::string name);
 
-    /// The client's last line that is not empty, at most some hundred bytes of it; empty where
-    /// there is none.
+    /// The client's last line that is not empty, at most some hundred bytes of it and without the
+    /// full stops at its end; empty where there is none.
     std::string LastLine() const;
 
 private:

@@ -95,7 +95,7 @@ std::optional<std::int32_t> MacTypeIn(const Answer& answer) {
 DeviceSettings SettingsSoFar(const RunDirectory& directory, const RunOptions& options) {
     DeviceSettings settings;
     if (options.firstCommandAccepted)
-        settings.Accept(SettingsIn(options.firstCommand));
+        settings.Accept(SettingsIn(AsSent(options.firstCommand)));
     TestLines lines(directory.Files().testFile);
     TestLine line;
     for (const JournalEntry& entry : ReadJournal(directory.Files().journal)) {
@@ -112,7 +112,7 @@ SupervisorOptions OptionsOf(RunDirectory& directory) {
     options.wait = Milliseconds(facts.options.wait);
     options.stopTimeout = Milliseconds(facts.options.stopTimeout);
     if (!facts.options.firstCommandAnswered)
-        options.firstCommand = facts.options.firstCommand;
+        options.firstCommand = AsSent(facts.options.firstCommand);
     options.settings = SettingsSoFar(directory, facts.options);
     options.mayTransmit = facts.startPassedOn && !facts.stopConfirmed;
     return options;
@@ -363,11 +363,12 @@ private:
     void NoteCountryCode(const Answer& answer) override {
         const auto code = PowerTest::FindInReply(answer.lines, PowerTest::countryCodePattern);
         RunFacts& facts = m_directory.Facts();
-        if (facts.countryCode && code != facts.countryCode)
+        // Of the first segment, also when the daemon tells none there.
+        if (facts.countryCode && code.value_or(PowerTest::unsetCell) != *facts.countryCode)
             Note("the device's country code has changed while the run went on");
-        if (facts.countryCode || !code)
+        if (facts.countryCode)
             return;
-        facts.countryCode = code;
+        facts.countryCode = code.value_or(PowerTest::unsetCell);
         m_directory.SaveFacts();
     }
 
@@ -383,7 +384,8 @@ private:
     }
 
     void ShowState(RunState::Kind state, const std::string& detail) override {
-        m_watcher.ShowState(state, detail);
+        const bool isWaiting = state == RunState::Kind::WaitingForDaemon;
+        m_watcher.ShowState(state, isWaiting ? m_address.ToText() + " " + detail : detail);
     }
 
     void ShowLine(LineNumber line) override {

@@ -38,12 +38,14 @@ std::optional<std::int32_t> ExplicitCode(std::string_view body) {
 }
 
 std::string WordsOf(const SarvexTool::Reply& reply) {
-    std::string errors = InOneLine(reply.Error());
-    if (!errors.empty())
-        return errors;
-    std::string information = InOneLine(reply.Information());
-    if (!information.empty())
-        return information;
+    constexpr std::size_t longest = 1000;
+    std::string words = InOneLine(reply.Error());
+    if (words.empty())
+        words = InOneLine(reply.Information());
+    if (words.size() > longest)
+        words.replace(longest, std::string::npos, "...");
+    if (!words.empty())
+        return words;
     return "return code " + std::to_string(reply.returnCode);
 }
 

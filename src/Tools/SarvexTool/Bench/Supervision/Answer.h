@@ -23,8 +23,8 @@ struct Answer {
     /// Whether the line after a marker is no number, which ends the client.
     bool isCodeUnreadable = false;
     bool hasErrors = false;
-    /// Its error lines, or else its information lines, in one line; "return code N" where it has
-    /// neither.
+    /// Its error lines, or else its information lines, in one line, cut where they are very long;
+    /// "return code N" where it has neither.
     std::string words;
     /// All lines of the body.
     std::string lines;

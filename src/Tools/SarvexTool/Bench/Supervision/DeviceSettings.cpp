@@ -1,6 +1,7 @@
 #include "Tools/SarvexTool/Bench/Supervision/DeviceSettings.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace Bench {
 
@@ -31,17 +32,34 @@ OwnSettings SettingsIn(const std::vector<std::string>& arguments) {
     return settings;
 }
 
-bool IsStart(const std::vector<std::string>& arguments) {
-    return std::any_of(arguments.begin(), arguments.end(), [](const std::string& argument) {
-        return AreSame(argument, "-wifi-start");
+std::vector<std::string> AsSent(std::vector<std::string> arguments) {
+    constexpr std::string_view whiteSpace = " \t\n\v\f\r";
+    if (!arguments.empty() && !arguments.back().empty() &&
+        whiteSpace.find(arguments.back().back()) != std::string_view::npos)
+        arguments.back().pop_back();
+    return arguments;
+}
+
+bool MayStart(const std::vector<std::string>& arguments) {
+    constexpr std::string_view start = "-wifi-start";
+    return std::any_of(arguments.begin(), arguments.end(), [&](const std::string& argument) {
+        return argument.starts_with('{') || argument.find("$(") != std::string::npos ||
+               std::search(argument.begin(), argument.end(), start.begin(), start.end(),
+                           AreSameLetters) != argument.end();
     });
 }
 
 void DeviceSettings::Accept(const OwnSettings& settings) {
+    m_accepted = With(settings);
+}
+
+OwnSettings DeviceSettings::With(const OwnSettings& settings) const {
+    OwnSettings all = m_accepted;
     for (std::size_t index = 0; index < SettingCount; ++index) {
         if (settings.at(index))
-            m_accepted.at(index) = settings.at(index);
+            all.at(index) = settings.at(index);
     }
+    return all;
 }
 
 std::vector<std::string> DeviceSettings::Command() const {

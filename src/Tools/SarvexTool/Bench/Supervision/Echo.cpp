@@ -124,11 +124,12 @@ bool IsSentAsWritten(std::string_view text) {
 
 } // namespace
 
-std::string ContradictionIn(std::string_view answerLines, Chain chain, const OwnSettings& own) {
+std::string ContradictionIn(std::string_view answerLines, Chain chain,
+                            const OwnSettings& expected) {
     std::string contradiction;
     for (const auto& [setting, value] :
          RepeatedSettings(WordsOf(FirstSettingsPart(answerLines, chain)))) {
-        const std::optional<std::string>& written = own.at(static_cast<std::size_t>(setting));
+        const std::optional<std::string>& written = expected.at(static_cast<std::size_t>(setting));
         if (!written || !IsSentAsWritten(*written) || AreSameValue(*written, value))
             continue;
         contradiction.append(contradiction.empty() ? "" : ", ")

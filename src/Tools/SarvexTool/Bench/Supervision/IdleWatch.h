@@ -12,9 +12,9 @@ public:
     void Connected();
     /// There was no connection: the daemon is away, and does not just close what is not used.
     void Failed();
-    /// Returns whether it is worth another connection. After several lost ones, with a daemon that
-    /// was there whenever it was asked, the daemon is taken for one that closes those which are not
-    /// used.
+    /// Returns whether it is worth another connection. After several lost ones, none of which
+    /// lasted for a line, with a daemon that was there whenever it was asked, the daemon is taken
+    /// for one that closes those which are not used.
     bool Lost();
     void Dropped() { m_state = State::None; }
     /// An exchange found the daemon gone.
@@ -27,6 +27,8 @@ public:
 
     /// A client starts on its lines. Where restarts cannot show, this is when settings are sent.
     void BeginSegment() { m_isDoubtful = m_isDoubtful || m_closesIdle; }
+    void BeginLine() { m_hasLasted = m_state == State::Connected; }
+    void EndLine();
     /// Something else has happened after which the device may have other settings.
     void Doubt() { m_isDoubtful = true; }
     /// The device has been given its settings.
@@ -44,6 +46,8 @@ private:
     State m_state = State::None;
     bool m_isDoubtful = false;
     bool m_closesIdle = false;
+    /// Since the line began.
+    bool m_hasLasted = false;
     unsigned m_losses = 0;
 };
 

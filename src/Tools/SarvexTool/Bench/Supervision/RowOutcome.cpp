@@ -12,7 +12,7 @@ namespace Bench {
 namespace {
 
 ChainOutcome OutcomeOf(Chain chain, std::string_view power, const Answer& answer,
-                       const OwnSettings& own) {
+                       const OwnSettings& expected) {
     const bool hasPower = power != PowerTest::missingPower;
     if (answer.IsUncalibrated())
         return {Outcome::Uncalibrated, answer.words};
@@ -20,7 +20,7 @@ ChainOutcome OutcomeOf(Chain chain, std::string_view power, const Answer& answer
         return {Outcome::Refused, answer.words};
     if (!hasPower)
         return {Outcome::ChainNotActive, {}};
-    std::string contradiction = ContradictionIn(answer.lines, chain, own);
+    std::string contradiction = ContradictionIn(answer.lines, chain, expected);
     if (!contradiction.empty())
         return {Outcome::OtherConfiguration, std::move(contradiction)};
     return {};
@@ -38,10 +38,10 @@ RowPowers PowersOf(std::string_view row) {
     return {row.substr(a, beforeB - a), row.substr(beforeB + 1)};
 }
 
-LineOutcome OutcomeOfRow(std::string_view row, const Answer& answer, const OwnSettings& own) {
+LineOutcome OutcomeOfRow(std::string_view row, const Answer& answer, const OwnSettings& expected) {
     const RowPowers powers = PowersOf(row);
-    return {OutcomeOf(Chain::A, powers.a, answer, own), OutcomeOf(Chain::B, powers.b, answer, own),
-            answer.IsAccepted()};
+    return {OutcomeOf(Chain::A, powers.a, answer, expected),
+            OutcomeOf(Chain::B, powers.b, answer, expected), answer.IsAccepted()};
 }
 
 } // namespace Bench

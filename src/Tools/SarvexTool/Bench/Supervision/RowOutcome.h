@@ -19,6 +19,6 @@ RowPowers PowersOf(std::string_view row);
 /// What became of a line: its row says whether there are powers, the daemon's answer why there are
 /// none, or that they are powers of something else. A power beside an error, or of a transmitter
 /// that is not calibrated, does not count as measured.
-LineOutcome OutcomeOfRow(std::string_view row, const Answer& answer, const OwnSettings& own);
+LineOutcome OutcomeOfRow(std::string_view row, const Answer& answer, const OwnSettings& expected);
 
 } // namespace Bench

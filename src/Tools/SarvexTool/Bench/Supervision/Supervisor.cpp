@@ -14,6 +14,7 @@ constexpr std::chrono::milliseconds waitPause(1000);
 constexpr std::chrono::milliseconds stopPause(250);
 /// A client pauses for five seconds at most; one that takes longer than this does not go on.
 constexpr std::chrono::milliseconds clientLimit(60'000);
+constexpr std::chrono::milliseconds clientGrace(1000);
 /// What the system leaves to a program whose console was closed.
 constexpr std::chrono::milliseconds closingLimit(3000);
 
@@ -115,6 +116,7 @@ void Supervisor::ClientRequested(const std::string& request) {
     if (m_isEnding)
         return;
     m_hands.CancelTimer(Timer::Client);
+    m_isClientLate = false;
     if (m_request || m_exchanges.IsComplete()) {
         EndEarly("the client sends a command too many at " + Place());
         return;
@@ -134,6 +136,8 @@ void Supervisor::BeginLine() {
     m_line = RunningLine();
     m_line->line = m_exchanges.NextLine();
     m_line->own = m_hands.SettingsOf(m_line->line);
+    m_idle.BeginLine();
+    m_line->expected = m_options.settings.With(m_line->own);
     m_hands.ShowLine(m_line->line);
 }
 
@@ -161,7 +165,7 @@ void Supervisor::TryRequest() {
 
 bool Supervisor::StartsTransmission(ExchangeKind kind) const {
     return kind == ExchangeKind::Start ||
-           (kind == ExchangeKind::FirstCommand && IsStart(m_options.firstCommand));
+           (kind == ExchangeKind::FirstCommand && MayStart(m_options.firstCommand));
 }
 
 void Supervisor::PassRequestOn() {
@@ -310,6 +314,7 @@ void Supervisor::TakeAnswer(const std::string& bytes) {
         if (answer.IsConfirmation())
             m_mayTransmit = false;
         m_line->isStopped = true;
+        m_idle.EndLine();
         break;
     }
     ReplyToClient(bytes);
@@ -347,7 +352,7 @@ bool Supervisor::KeepLine() {
     if (!row)
         return false;
     const RunningLine line = *std::exchange(m_line, std::nullopt);
-    LineOutcome outcome = line.answer ? OutcomeOfRow(*row, *line.answer, line.own)
+    LineOutcome outcome = line.answer ? OutcomeOfRow(*row, *line.answer, line.expected)
                                       : LineOutcome{line.failure, line.failure, false};
     m_hands.Keep({line.line, std::move(outcome), std::move(*row)});
     return true;
@@ -399,6 +404,11 @@ void Supervisor::TimerExpired(Timer timer) {
     case Timer::Wait:
         return EndEarly("the daemon is gone: it " + m_whyGone);
     case Timer::Client:
+        // Where this program was held up, the client's request may be here already.
+        if (!std::exchange(m_isClientLate, true)) {
+            m_hands.SetTimer(Timer::Client, clientGrace);
+            return;
+        }
         return EndEarly("the client does not go on after " + Place());
     case Timer::Stop:
         m_hands.AbandonExchange();
@@ -467,10 +477,12 @@ void Supervisor::EndTransmission() {
     const bool isPassingOn = m_doing == Doing::PassingOn;
     if (isPassingOn && StartsTransmission(request->kind)) {
         m_doing = Doing::AwaitingLastAnswer;
+        m_hands.ShowState(RunState::Kind::Stopping, "the last answer is awaited first");
         m_hands.SetTimer(Timer::Stop, m_options.stopTimeout);
     } else if ((isPassingOn && request->kind == ExchangeKind::Stop) ||
                m_doing == Doing::StoppingBeforeRepeat || m_doing == Doing::StoppingAfterWait) {
         m_doing = Doing::StoppingLast;
+        m_hands.ShowState(RunState::Kind::Stopping, "");
         m_hands.SetTimer(Timer::Stop, m_options.stopTimeout);
     } else {
         m_hands.AbandonExchange();

@@ -190,6 +190,8 @@ private:
     struct RunningLine {
         LineNumber line = 0;
         OwnSettings own;
+        /// What the device is to be set to: what it has accepted so far, and the line's own.
+        OwnSettings expected;
         std::optional<Answer> answer;
         /// Why there is no answer.
         ChainOutcome failure;
@@ -237,6 +239,8 @@ private:
     Doing m_doing = Doing::Nothing;
 
     bool m_isClientRunning = false;
+    /// It was given a little more time than it may take.
+    bool m_isClientLate = false;
     ClientExchanges m_exchanges;
     std::optional<Request> m_request;
     std::optional<RunningLine> m_line;

@@ -42,7 +42,7 @@ protected:
 TEST_F(RunTest, WrongUsageIsToldAndNothingIsMade) {
     ExpectComplaints({
         {{"run"}, "either TEST_FILE or --resume DIR is needed"},
-        {{"run", file, "--resume", folder}, "either TEST_FILE or --resume DIR is needed"},
+        {{"run", file, "--resume", folder}, "cannot be given both"},
         {{"run", file, "other.csv"}, "\"other.csv\" is one too many"},
         {{"run", "-"}, "takes no file from standard input"},
         {With({"--limits", "-"}), "takes no file from standard input"},

@@ -136,7 +136,7 @@ TEST_F(LineProgressTest, AChangeOfTheStateIsToldAtOnce) {
     EXPECT_EQ(Written(), "");
     m_progress.state.detail = "refused";
     Update(3s);
-    EXPECT_EQ(Written(), "0/0 (100 %), 0:00, waiting for the daemon: refused (0:01)\n");
+    EXPECT_EQ(Written(), "0/0 (100 %), 0:00, waiting for the daemon (0:01): refused\n");
     Update(32s);
     EXPECT_EQ(Written(), "");
     m_progress.state = {};

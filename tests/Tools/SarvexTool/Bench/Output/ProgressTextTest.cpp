@@ -71,7 +71,7 @@ TEST(ProgressTextTest, AnotherStateTakesThePlaceOfTheTimeLeft) {
     EXPECT_EQ(ProgressText(progress), "37/400 (9 %), 0:37, waiting for the daemon (0:12)");
     progress.state = {Kind::Repeating, 1, "no answer within 60 s"};
     EXPECT_EQ(ProgressText(progress),
-              "37/400 (9 %), 0:37, repeating: no answer within 60 s (0:01)");
+              "37/400 (9 %), 0:37, repeating (0:01): no answer within 60 s");
     progress.state = {Kind::Stopping, 0, ""};
     EXPECT_EQ(ProgressText(progress), "37/400 (9 %), 0:37, stopping the transmission (0:00)");
 }
@@ -81,7 +81,7 @@ TEST(ProgressTextTest, TextsOfFilesAndDaemonsAreMadeHarmless) {
     progress.settings = "Band \x1B[2J";
     progress.state = {Kind::Repeating, 0, "\r\xFF"};
     const std::string text = ProgressText(progress);
-    EXPECT_NE(text.find("repeating: \\r\\xFF (0:00)"), std::string::npos) << text;
+    EXPECT_NE(text.find("repeating (0:00): \\r\\xFF"), std::string::npos) << text;
     EXPECT_TRUE(text.ends_with("line 39: Band \\x1B[2J")) << text;
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <sstream>
 
 namespace Bench {
@@ -59,15 +60,39 @@ TEST(RunSummaryTest, ARunThatEndedEarlySaysWhyAndHowToGoOn) {
 }
 
 TEST(RunSummaryTest, CommandsCanBeCopied) {
+    constexpr bool isWindows = std::filesystem::path::preferred_separator == '\\';
+    const std::string quote = isWindows ? "\"" : "'";
     RunSummary summary = EndedRun();
-    summary.directory = "C:\\test runs\\" + std::string(80, 'x');
+    summary.directory = "test runs/$(touch x)" + std::string(80, 'x');
     summary.unconfirmedStop = "no answer";
     summary.daemon = "bench 7:8738";
     const std::string text = Printed(summary);
-    EXPECT_NE(text.find("  SarvexToolBench run --resume \"" + summary.directory + "\"\n"),
-              std::string::npos)
+    EXPECT_NE(
+        text.find("  SarvexToolBench run --resume " + quote + summary.directory + quote + "\n"),
+        std::string::npos)
         << text;
-    EXPECT_TRUE(text.ends_with("  SarvexToolBench stop --daemon \"bench 7:8738\"\n")) << text;
+    EXPECT_TRUE(
+        text.ends_with("  SarvexToolBench stop --daemon " + quote + "bench 7:8738" + quote + "\n"))
+        << text;
+    if (isWindows)
+        return;
+    summary.directory = "it's";
+    EXPECT_NE(Printed(summary).find("--resume 'it'\\''s'\n"), std::string::npos);
+}
+
+TEST(RunSummaryTest, ConfirmedStopAndJudgeAreNamed) {
+    RunSummary summary = EndedRun();
+    summary.hasTransmitted = true;
+    summary.verdicts = VerdictTotals{1, 1, 0, 0, 0};
+    summary.limits = "limits.csv";
+    EXPECT_TRUE(Printed(summary).ends_with("To see what did not pass:\n"
+                                           "  SarvexToolBench judge runs/plan --limits limits.csv\n"
+                                           "To go on with the next line:\n"
+                                           "  SarvexToolBench run --resume runs/plan\n"
+                                           "The daemon has confirmed the last stop.\n"))
+        << Printed(summary);
+    summary.verdicts = VerdictTotals{2, 0, 0, 0, 0};
+    EXPECT_EQ(Printed(summary).find("judge"), std::string::npos);
 }
 
 TEST(RunSummaryTest, WhatIsMissingIsToldWithItsReason) {

@@ -31,10 +31,20 @@ TEST(DeviceSettingsTest, SettingsOfACommandAreItsOptionsAndTheArgumentsAfterThem
     EXPECT_THAT(device.Command(), ElementsAre("-wifi-band", "6", "-wifi-channel", "5"));
 }
 
-TEST(DeviceSettingsTest, StartIsFoundInEitherCase) {
-    EXPECT_TRUE(IsStart({"-wifi-mode", "rx", "-Wifi-Start"}));
-    EXPECT_FALSE(IsStart({"-wifi-stop", "-wifi-started"}));
-    EXPECT_FALSE(IsStart({}));
+TEST(DeviceSettingsTest, WhateverMayStartATransmissionIsFound) {
+    EXPECT_TRUE(MayStart({"-wifi-mode", "rx", "-Wifi-Start"}));
+    EXPECT_TRUE(MayStart({"-wifi-start "}));
+    EXPECT_TRUE(MayStart({"$(START)"}));
+    EXPECT_TRUE(MayStart({"{string:-wifi-start}"}));
+    EXPECT_FALSE(MayStart({"-wifi-stop", "-wifi-mode", "start"}));
+    EXPECT_FALSE(MayStart({}));
+}
+
+TEST(DeviceSettingsTest, OneWhiteSpaceCharacterAtTheEndIsNotSent) {
+    EXPECT_THAT(AsSent({"a ", "b  "}), ElementsAre("a ", "b "));
+    EXPECT_THAT(AsSent({"a", "b"}), ElementsAre("a", "b"));
+    EXPECT_THAT(AsSent({""}), ElementsAre(""));
+    EXPECT_THAT(AsSent({}), IsEmpty());
 }
 
 } // namespace

@@ -28,6 +28,7 @@ TEST(IdleWatchTest, DaemonThatWasThereAllTheTimeClosesWhatIsNotUsed) {
     EXPECT_FALSE(watch.Lost());
     EXPECT_TRUE(watch.ClosesIdle());
     EXPECT_FALSE(watch.IsMissing());
+    EXPECT_TRUE(watch.IsDoubtful());
     watch.Settle();
     EXPECT_FALSE(watch.IsDoubtful());
     watch.BeginSegment();
@@ -43,6 +44,19 @@ TEST(IdleWatchTest, DaemonThatWasAwayInBetweenHasStartedAnew) {
             watch.Failed();
         else
             watch.DaemonGone();
+    }
+    EXPECT_FALSE(watch.ClosesIdle());
+}
+
+TEST(IdleWatchTest, ConnectionThatLastedForALineWasNotClosedForBeingUnused) {
+    IdleWatch watch;
+    for (int time = 0; time < 5; ++time) {
+        watch.Connected();
+        watch.BeginLine();
+        watch.EndLine();
+        watch.BeginLine();
+        EXPECT_TRUE(watch.Lost());
+        watch.EndLine();
     }
     EXPECT_FALSE(watch.ClosesIdle());
 }

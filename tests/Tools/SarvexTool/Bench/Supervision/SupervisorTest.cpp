@@ -582,6 +582,8 @@ TEST_F(SupervisorTest, RowAtWhichTheClientFailsIsKeptAsUnfinished) {
 TEST_F(SupervisorTest, ClientThatDoesNotGoOnEndsTheRun) {
     Supervisor& supervisor = StartLines();
     supervisor.TimerExpired(Timer::Client);
+    EXPECT_THAT(hands.Taken(), testing::IsEmpty());
+    supervisor.TimerExpired(Timer::Client);
     EXPECT_THAT(hands.Taken(), ElementsAre("kill client", "abandon"));
     supervisor.ClientEnded(9, "");
     EXPECT_TRUE(supervisor.HasEnded());

@@ -88,9 +88,14 @@ constexpr Effects chainMissing =
 constexpr Effects uncalibrated =
     WithStarts(none, {1, "fmcSxSx", "2 uncalibrated, uncalibrated; 3 measured, measured"},
                {1, "fmcSxSx", "2 uncalibrated, uncalibrated; 3 uncalibrated, uncalibrated"});
-constexpr Effects refused =
+/// A first command that is refused does not pass.
+constexpr Effects WithRefusedFirst(Effects effects) {
+    effects[0] = effects[1] = {1, "fmcSxSx", bothMeasured};
+    return effects;
+}
+constexpr Effects refused = WithRefusedFirst(
     WithStarts(notConfirmed, {1, "fmcSxSx", "2 refused, refused; 3 measured, measured"},
-               {1, "fmcSxSx", "2 refused, refused; 3 refused, refused"});
+               {1, "fmcSxSx", "2 refused, refused; 3 refused, refused"}));
 
 /// The client itself ends of a return code that is no number, but asks no code of MAC type and
 /// country code.
