@@ -139,14 +139,7 @@ public:
 
     RunEnd Run() {
         const OSAL::InterruptionListener listener([this](OSAL::InterruptionKind kind) {
-            m_loop.Post([this, kind] {
-                Tell([kind](Supervisor& supervisor) {
-                    if (kind == OSAL::InterruptionKind::ConsoleClosing)
-                        supervisor.Closing();
-                    else
-                        supervisor.Interrupted();
-                });
-            });
+            m_loop.Post([this, kind] { Interrupt(kind); });
         });
         m_loop.Post([this] { Tell([](Supervisor& supervisor) { supervisor.Begin(); }); });
         m_timers.Set(tick, tickTime);
@@ -166,6 +159,22 @@ private:
         } catch (const std::exception& error) {
             Tell([&error](Supervisor& supervisor) { supervisor.EndEarly(WordsOf(error)); });
         }
+    }
+
+    /// One request to end may come as several signals: a program that ends another one may tell both
+    /// it and its group.
+    void Interrupt(OSAL::InterruptionKind kind) {
+        constexpr std::chrono::milliseconds longestEcho(500);
+        const Clock::time_point now = Clock::now();
+        const bool isEcho = m_interruption && now - *m_interruption < longestEcho;
+        if (!isEcho)
+            m_interruption = now;
+        Tell([&](Supervisor& supervisor) {
+            if (kind == OSAL::InterruptionKind::ConsoleClosing)
+                supervisor.Closing();
+            else if (!isEcho)
+                supervisor.Interrupted();
+        });
     }
 
     /// Tells the supervisor what happened. An error of its hands is one more event.
@@ -410,6 +419,8 @@ private:
     std::optional<DaemonExchange> m_exchange;
     std::optional<ClientProcess> m_client;
     ClientLog m_clientLog;
+    /// When the last request to end came.
+    std::optional<Clock::time_point> m_interruption;
     /// The line that is under way.
     LineNumber m_line = 0;
     Clock::time_point m_lineStart;

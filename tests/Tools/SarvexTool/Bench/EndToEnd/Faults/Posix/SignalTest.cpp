@@ -164,6 +164,16 @@ TEST_F(SignalTest, SecondOneEndsTheRunAtOnce) {
     EXPECT_FALSE(probe.Facts().Flag("stopConfirmed"));
 }
 
+TEST_F(SignalTest, SignalThatComesTwiceIsOneRequest) {
+    daemon.Start({"--fault", inStart.fault});
+    const auto run = probe.Start(daemon.Address());
+    daemon.WaitForExchanges("fmcS");
+    run->Interrupt(terminate);
+    run->Interrupt(terminate);
+    ExpectInterrupted(run->Wait());
+    EXPECT_EQ(daemon.Exchanges().back(), 'x');
+}
+
 TEST_F(SignalTest, ClientThatIsKilledEndsTheRunAfterAStop) {
     daemon.Start({"--fault", "4:no-answer"});
     const auto run = probe.Start(daemon.Address(), {"--stop-timeout", "2"});
