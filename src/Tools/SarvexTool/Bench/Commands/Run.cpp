@@ -15,6 +15,7 @@
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
+#include "Tools/SarvexTool/Bench/Run/RunSetup.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -135,13 +136,6 @@ RunFacts FactsFrom(const RunArguments& arguments, const std::vector<std::string>
 /// What goes into the run's folder but its name.
 LockHolder Holder(const std::string& directory) {
     return {OSAL::ProcessId(), Absolute(directory), Now()};
-}
-
-DaemonAddress DaemonIn(const RunFacts& facts) {
-    const std::optional<DaemonAddress> address = ParseDaemonAddress(facts.daemon);
-    if (!address || address->port == 0)
-        throw std::runtime_error("the run's daemon \"" + facts.daemon + "\" is no address");
-    return *address;
 }
 
 int RunNew(const RunArguments& arguments, Surroundings& surroundings) {

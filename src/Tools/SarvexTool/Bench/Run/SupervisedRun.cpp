@@ -13,6 +13,7 @@
 #include "Tools/SarvexTool/Bench/Run/DaemonExchange.h"
 #include "Tools/SarvexTool/Bench/Run/IdleConnection.h"
 #include "Tools/SarvexTool/Bench/Run/Relay.h"
+#include "Tools/SarvexTool/Bench/Run/RunSetup.h"
 #include "Tools/SarvexTool/Bench/Run/Timers.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/ReplySearch.h"
 
@@ -35,11 +36,6 @@ constexpr std::chrono::milliseconds tickTime(100);
 constexpr std::chrono::milliseconds longestConnecting(10'000);
 
 constexpr const char* folderIsGone = "the folder of the run is not there any more";
-
-std::chrono::milliseconds Milliseconds(double seconds) {
-    constexpr double perSecond = 1000;
-    return std::chrono::milliseconds(static_cast<std::int64_t>(seconds * perSecond));
-}
 
 std::string Now() {
     return UtcTime(std::chrono::system_clock::now());
@@ -75,13 +71,6 @@ ExchangeResult ResultOf(ExchangeEnd::Kind kind) {
     return ExchangeResult::Unreachable;
 }
 
-DaemonAddress AddressOf(const RunFacts& facts) {
-    const std::optional<DaemonAddress> address = ParseDaemonAddress(facts.daemon);
-    if (!address || address->port == 0)
-        throw std::runtime_error("the run's daemon \"" + facts.daemon + "\" is no address");
-    return *address;
-}
-
 std::optional<std::int32_t> MacTypeIn(const Answer& answer) {
     try {
         const auto digits = PowerTest::FindInReply(answer.lines, PowerTest::macTypePattern);
@@ -91,40 +80,13 @@ std::optional<std::int32_t> MacTypeIn(const Answer& answer) {
     }
 }
 
-/// What the daemon was set to by the lines that a run has already.
-DeviceSettings SettingsSoFar(const RunDirectory& directory, const RunOptions& options) {
-    DeviceSettings settings;
-    if (options.firstCommandAccepted)
-        settings.Accept(SettingsIn(AsSent(options.firstCommand)));
-    TestLines lines(directory.Files().testFile);
-    TestLine line;
-    for (const JournalEntry& entry : ReadJournal(directory.Files().journal)) {
-        if (lines.Read(line) && entry.outcome.isAccepted)
-            settings.Accept(line.own);
-    }
-    return settings;
-}
-
-SupervisorOptions OptionsOf(RunDirectory& directory) {
-    const RunFacts& facts = directory.Facts();
-    SupervisorOptions options;
-    options.retries = facts.options.retries;
-    options.wait = Milliseconds(facts.options.wait);
-    options.stopTimeout = Milliseconds(facts.options.stopTimeout);
-    if (!facts.options.firstCommandAnswered)
-        options.firstCommand = AsSent(facts.options.firstCommand);
-    options.settings = SettingsSoFar(directory, facts.options);
-    options.mayTransmit = facts.startPassedOn && !facts.stopConfirmed;
-    return options;
-}
-
 /// The hands of a supervisor, on a loop of their own.
 class Hands : private ISupervisorHands {
 public:
     Hands(RunDirectory& directory, IRunWatcher& watcher)
         : m_directory(directory),
           m_watcher(watcher),
-          m_address(AddressOf(directory.Facts())),
+          m_address(DaemonIn(directory.Facts())),
           m_log(directory.Files().exchanges),
           m_peer(m_loop, m_address),
           m_relay(
@@ -161,8 +123,8 @@ private:
         }
     }
 
-    /// One request to end may come as several signals: a program that ends another one may tell both
-    /// it and its group.
+    /// One request to end may come as several signals: a program that ends another one may tell
+    /// both it and its group.
     void Interrupt(OSAL::InterruptionKind kind) {
         constexpr std::chrono::milliseconds longestEcho(500);
         const Clock::time_point now = Clock::now();
