@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cctype>
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <optional>
@@ -106,7 +107,9 @@ private:
         summary.outcomes = progress.outcomes;
         summary.verdicts = progress.verdicts;
         summary.missing = m_watch->Missing();
-        summary.directory = m_directory.Files().directory;
+        std::error_code ignored;
+        if (std::filesystem::exists(PathOf(m_directory.Files().directory), ignored))
+            summary.directory = m_directory.Files().directory;
         summary.daemon = m_directory.Facts().daemon;
         if (end.mayTransmit)
             summary.unconfirmedStop = "it " + end.stopProblem;

@@ -86,7 +86,7 @@ const char* NotMeasured::CauseName() const {
 }
 
 std::string EarlyEnd::ToText() const {
-    const std::string start = "the run ended early: " + std::to_string(linesDone);
+    const std::string start = "the run is not complete: " + std::to_string(linesDone);
     const std::string end = linesTotal ? " of " + std::to_string(*linesTotal) : "";
     const bool isOne = linesTotal.value_or(linesDone) == 1;
     return start + end + (isOne ? " line was run" : " lines were run");

@@ -62,14 +62,14 @@ struct Measurement {
     NotMeasured reason;
 };
 
-/// A run that did not come to its last line.
+/// A run that has not come to its last line: it ended early, or still goes on.
 struct EarlyEnd {
     /// Without the header.
     std::size_t linesDone = 0;
     /// Nothing where it is not known.
     std::optional<std::size_t> linesTotal;
 
-    /// "the run ended early: 5 of 12 lines were run"
+    /// "the run is not complete: 5 of 12 lines were run"
     std::string ToText() const;
 
     bool operator==(const EarlyEnd&) const = default;

@@ -79,6 +79,24 @@ void PrintMissing(std::ostream& stream, const RunSummary& summary) {
     }
 }
 
+/// Where the results are, and what can be done with them.
+void PrintCommands(std::ostream& stream, const RunSummary& summary) {
+    stream << "The results are in\n";
+    PrintCommand(stream, summary.directory);
+    const std::size_t passed = static_cast<std::size_t>(Verdict::Pass);
+    if (summary.verdicts && summary.limits &&
+        std::accumulate(summary.verdicts->begin(), summary.verdicts->end(), std::size_t{0}) !=
+            summary.verdicts->at(passed)) {
+        stream << "To see what did not pass:\n";
+        PrintCommand(stream, "SarvexToolBench judge " + Quoted(summary.directory) + " --limits " +
+                                 Quoted(*summary.limits));
+    }
+    if (!summary.isComplete) {
+        stream << "To go on with the next line:\n";
+        PrintCommand(stream, "SarvexToolBench run --resume " + Quoted(summary.directory));
+    }
+}
+
 void PrintStopProblem(std::ostream& stream, const RunSummary& summary) {
     if (!summary.unconfirmedStop)
         return;
@@ -99,20 +117,8 @@ void PrintSummary(std::ostream& stream, const RunSummary& summary) {
     PrintMissing(stream, summary);
     for (const std::string& note : summary.notes)
         PrintText(stream, "Note: " + note, 2);
-    stream << "The results are in\n";
-    PrintCommand(stream, summary.directory);
-    const std::size_t passed = static_cast<std::size_t>(Verdict::Pass);
-    if (summary.verdicts && summary.limits &&
-        std::accumulate(summary.verdicts->begin(), summary.verdicts->end(), std::size_t{0}) !=
-            summary.verdicts->at(passed)) {
-        stream << "To see what did not pass:\n";
-        PrintCommand(stream, "SarvexToolBench judge " + Quoted(summary.directory) + " --limits " +
-                                 Quoted(*summary.limits));
-    }
-    if (!summary.isComplete) {
-        stream << "To go on with the next line:\n";
-        PrintCommand(stream, "SarvexToolBench run --resume " + Quoted(summary.directory));
-    }
+    if (!summary.directory.empty())
+        PrintCommands(stream, summary);
     if (summary.hasTransmitted && !summary.unconfirmedStop)
         stream << "The daemon has confirmed the last stop.\n";
     PrintStopProblem(stream, summary);

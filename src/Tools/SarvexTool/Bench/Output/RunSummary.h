@@ -30,7 +30,7 @@ struct RunSummary {
     std::optional<VerdictTotals> verdicts;
     /// The first ones, as many as are to be shown.
     std::vector<MissingMeasurement> missing;
-    /// The run directory.
+    /// The run directory; empty when it is not there any more.
     std::string directory;
     /// What else there is to know, each a sentence with its end.
     std::vector<std::string> notes;

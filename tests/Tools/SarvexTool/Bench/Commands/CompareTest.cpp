@@ -62,7 +62,8 @@ TEST_F(CompareTest, RunDirectoryTellsReasonsAndAnEarlyEnd) {
     CreateEarlyRun();
     const std::string newer = ResultOf("new.csv", "10");
     EXPECT_EQ(Run({"compare", directory.Path(), newer, "--html", directory.Path("c.html")}), 1);
-    EXPECT_NE(out.str().find("\n  the run ended early: 1 of 2 lines were run\n"), std::string::npos)
+    EXPECT_NE(out.str().find("\n  the run is not complete: 1 of 2 lines were run\n"),
+              std::string::npos)
         << out.str();
     EXPECT_NE(
         out.str().find("line 2 chain A: measured in the new run only: 10 dBm, before that not "

@@ -111,7 +111,7 @@ TEST_F(JudgedRunTest, RunThatEndedEarlyNeverPasses) {
     directory.Create("journal.jsonl",
                      EntryOf(2, R"({"outcome":"measured"})", Header().size() + 10));
     EXPECT_EQ(Judge(), 1);
-    EXPECT_NE(out.str().find("\n\nFAIL: the run ended early: 1 of 2 lines were run\n"),
+    EXPECT_NE(out.str().find("\n\nFAIL: the run is not complete: 1 of 2 lines were run\n"),
               std::string::npos)
         << out.str();
     directory.Create("run.json", R"({"linesTotal":1,"linesDone":1,"outcome":"complete"})");

@@ -51,7 +51,7 @@ TEST_F(ReportTest, RunDirectoryTellsReasonsAndAnEarlyEnd) {
     EXPECT_EQ(Run({"report", directory.Path(), "-o", "-"}), 0);
     EXPECT_THAT(out.str(),
                 AllOf(HasSubstr("<dt>Lines run</dt><dd>1 of 2: the run ended early</dd>"),
-                      HasSubstr("<span>The run ended early: 1 of 2 lines were run. No limits"),
+                      HasSubstr("<span>The run is not complete: 1 of 2 lines were run. No limits"),
                       HasSubstr("\"the daemon refused the line: \\u003cNo>\"")));
 }
 

@@ -159,10 +159,10 @@ TEST_F(MeasurementsTest, ChainThatIsNotJustInactiveSaysWhyNothingIsThere) {
 }
 
 TEST(EarlyEndTest, IsToldInWords) {
-    EXPECT_EQ((EarlyEnd{5, 12}.ToText()), "the run ended early: 5 of 12 lines were run");
-    EXPECT_EQ((EarlyEnd{0, 1}.ToText()), "the run ended early: 0 of 1 line was run");
-    EXPECT_EQ((EarlyEnd{1, std::nullopt}.ToText()), "the run ended early: 1 line was run");
-    EXPECT_EQ((EarlyEnd{0, std::nullopt}.ToText()), "the run ended early: 0 lines were run");
+    EXPECT_EQ((EarlyEnd{5, 12}.ToText()), "the run is not complete: 5 of 12 lines were run");
+    EXPECT_EQ((EarlyEnd{0, 1}.ToText()), "the run is not complete: 0 of 1 line was run");
+    EXPECT_EQ((EarlyEnd{1, std::nullopt}.ToText()), "the run is not complete: 1 line was run");
+    EXPECT_EQ((EarlyEnd{0, std::nullopt}.ToText()), "the run is not complete: 0 lines were run");
 }
 
 TEST_F(MeasurementsTest, MeasurementHasTheEffectiveSettingsOfItsLine) {

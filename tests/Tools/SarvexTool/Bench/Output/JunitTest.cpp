@@ -56,7 +56,7 @@ TEST(JunitTest, RunThatEndedEarlyIsOneMoreCaseThatFailed) {
   </testsuite>
   <testsuite name="Run" tests="1" failures="1" errors="0" skipped="0">
     <testcase name="all lines were run" classname="Run">
-      <failure type="ended early" message="the run ended early: 1 of 5 lines were run"/>
+      <failure type="ended early" message="the run is not complete: 1 of 5 lines were run"/>
     </testcase>
   </testsuite>
 </testsuites>

@@ -80,6 +80,12 @@ TEST(RunSummaryTest, CommandsCanBeCopied) {
     EXPECT_NE(Printed(summary).find("--resume 'it'\\''s'\n"), std::string::npos);
 }
 
+TEST(RunSummaryTest, FolderThatIsGoneIsNotOffered) {
+    RunSummary summary = EndedRun();
+    summary.directory.clear();
+    EXPECT_TRUE(Printed(summary).ends_with("2 measurements: 2 measured.\n")) << Printed(summary);
+}
+
 TEST(RunSummaryTest, ConfirmedStopAndJudgeAreNamed) {
     RunSummary summary = EndedRun();
     summary.hasTransmitted = true;

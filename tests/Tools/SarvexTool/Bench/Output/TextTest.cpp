@@ -62,13 +62,13 @@ TEST(TextTest, RunThatEndedEarlyHasNotPassed) {
     PrintJudgements({stream}, fixture.Judged());
     EXPECT_EQ(stream.str(),
               R"(run/result.csv: 1 configuration, 1 measurement; country code US
-  the run ended early: 1 of 5 lines were run
+  the run is not complete: 1 of 5 lines were run
 
 Band  pass  too low  too high  not measured  no limit  worst margin  at line
 5        1        0         0             0         0          1 dB      2 A
 all      1        0         0             0         0          1 dB      2 A
 
-FAIL: the run ended early: 1 of 5 lines were run
+FAIL: the run is not complete: 1 of 5 lines were run
 )");
 }
 
@@ -79,7 +79,7 @@ TEST(TextTest, BothReasonsNotToPassAreTold) {
     std::ostringstream stream;
     PrintJudgements({stream}, fixture.Judged());
     const std::string end =
-        "\n\nFAIL: 5 of 8 measurements did not pass, and the run ended early: 6 "
+        "\n\nFAIL: 5 of 8 measurements did not pass, and the run is not complete: 6 "
         "of 7 lines were run\n";
     EXPECT_EQ(stream.str().substr(stream.str().size() - end.size()), end);
 }
@@ -100,8 +100,9 @@ TEST(TextTest, ComparedRunThatEndedEarlyIsTold) {
     fixture.oldRun.earlyEnd = EarlyEnd{3, std::nullopt};
     std::ostringstream stream;
     PrintDifferences({stream}, fixture.Compared());
-    EXPECT_NE(stream.str().find("result.xml is missing\n  the run ended early: 3 lines were run\n"),
-              std::string::npos)
+    EXPECT_NE(
+        stream.str().find("result.xml is missing\n  the run is not complete: 3 lines were run\n"),
+        std::string::npos)
         << stream.str();
 }
 

@@ -57,7 +57,7 @@ Banner BannerOfJudgements(const Judgements& judgements) {
                 " did not pass: " + NamedFailures(judgements) + "."};
 }
 
-/// "The run ended early: 5 of 12 lines were run."
+/// "The run is not complete: 5 of 12 lines were run."
 std::string SentenceOf(const EarlyEnd& earlyEnd) {
     std::string text = earlyEnd.ToText() + ".";
     text.front() = 'T';

@@ -55,12 +55,13 @@ TEST_F(HeadTest, RunThatEndedEarlyHasNotPassed) {
     run.earlyEnd = EarlyEnd{1, 5};
     Limits limits;
     limits.lines.emplace_back();
-    EXPECT_THAT(Judged(run, std::move(limits)),
-                HasSubstr(Banner("fail", "Not passed",
-                                 "The run ended early: 1 of 5 lines were run. Of the lines that "
-                                 "were run, all are within their limits.")));
+    EXPECT_THAT(
+        Judged(run, std::move(limits)),
+        HasSubstr(Banner("fail", "Not passed",
+                         "The run is not complete: 1 of 5 lines were run. Of the lines that "
+                         "were run, all are within their limits.")));
     EXPECT_THAT(HeadOf(Page{"", "", {}, run}),
-                HasSubstr("<span>The run ended early: 1 of 5 lines were run. No limits were "));
+                HasSubstr("<span>The run is not complete: 1 of 5 lines were run. No limits were "));
 }
 
 TEST_F(HeadTest, TextsAreEscapedAndMadeVisible) {

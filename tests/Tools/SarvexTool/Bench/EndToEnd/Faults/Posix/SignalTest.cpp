@@ -227,6 +227,7 @@ TEST_F(SignalTest, FolderThatVanishesEndsTheRunAfterAStop) {
     EXPECT_EQ(daemon.Exchanges().back(), 'x');
     EXPECT_NE(result.out.find("facts of the run could not be written"), std::string::npos)
         << result.out;
+    EXPECT_EQ(result.out.find("--resume"), std::string::npos) << result.out;
 }
 
 } // namespace
