@@ -50,7 +50,8 @@ private:
 } // namespace
 
 TEST(ReplayTest, AnswersGoOutByteByByteInTheirOrder) {
-    const std::string first("HTTP/1.1 200 OK\r\nX: \xC3\xA4\r\n\r\n\0one\r\nDone", 38);
+    using namespace std::string_literals;
+    const std::string first = "HTTP/1.1 200 OK\r\nX: \xC3\xA4\r\n\r\n\0one\r\nDone"s;
     Replay replay({first, "two"});
     EXPECT_EQ(replay.Ask().ReadToEnd(), first);
     EXPECT_EQ(replay.Ask().ReadToEnd(), "two");
