@@ -1,8 +1,8 @@
 #include "Tools/SarvexTool/Bench/Commands/Check.h"
 
 #include "Modules/xFramework/OSAL/Socket.h"
-#include "Tools/SarvexTool/Bench/Commands/FileArguments.h"
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
+#include "Tools/SarvexTool/Bench/Commands/Outputs.h"
 #include "Tools/SarvexTool/Bench/Core/Estimate.h"
 #include "Tools/SarvexTool/Bench/Daemon/SettingsTrial.h"
 #include "Tools/SarvexTool/Bench/Files/Correction.h"

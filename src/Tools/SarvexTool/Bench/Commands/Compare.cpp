@@ -1,6 +1,5 @@
 #include "Tools/SarvexTool/Bench/Commands/Compare.h"
 
-#include "Tools/SarvexTool/Bench/Commands/FileArguments.h"
 #include "Tools/SarvexTool/Bench/Commands/Outputs.h"
 #include "Tools/SarvexTool/Bench/Commands/PageFacts.h"
 #include "Tools/SarvexTool/Bench/Core/Differences.h"

@@ -1,6 +1,5 @@
 #include "Tools/SarvexTool/Bench/Commands/Judge.h"
 
-#include "Tools/SarvexTool/Bench/Commands/FileArguments.h"
 #include "Tools/SarvexTool/Bench/Commands/NeedlessLimits.h"
 #include "Tools/SarvexTool/Bench/Commands/Outputs.h"
 #include "Tools/SarvexTool/Bench/Files/LimitsFile.h"

@@ -17,6 +17,12 @@ std::vector<std::string> NamesOf(const std::vector<Output>& outputs) {
     return names;
 }
 
+void RequireDistinctFiles(const std::vector<std::string>& inputs,
+                          const std::vector<std::string>& outputs) {
+    if (const auto problem = ProblemOfNames(inputs, outputs))
+        throw WrongUsage(*problem);
+}
+
 void WriteOutputs(const std::vector<Output>& outputs, Surroundings& surroundings) {
     std::deque<OutputFile> files;
     for (const Output& output : outputs) {

@@ -20,6 +20,11 @@ struct Output {
 /// The names of those that are asked for.
 std::vector<std::string> NamesOf(const std::vector<Output>& outputs);
 
+/// Throws WrongUsage when a standard stream is named twice, or an output is one of the inputs or
+/// another output, by whatever name. To be called before anything is written.
+void RequireDistinctFiles(const std::vector<std::string>& inputs,
+                          const std::vector<std::string>& outputs);
+
 /// Writes those that are asked for. None takes its file's place before all could be written.
 void WriteOutputs(const std::vector<Output>& outputs, Surroundings& surroundings);
 

@@ -1,6 +1,5 @@
 #include "Tools/SarvexTool/Bench/Commands/Report.h"
 
-#include "Tools/SarvexTool/Bench/Commands/FileArguments.h"
 #include "Tools/SarvexTool/Bench/Commands/NeedlessLimits.h"
 #include "Tools/SarvexTool/Bench/Commands/Outputs.h"
 #include "Tools/SarvexTool/Bench/Commands/PageFacts.h"
