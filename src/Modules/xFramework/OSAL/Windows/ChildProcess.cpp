@@ -68,39 +68,51 @@ OwnedHandle OpenInheritable(const std::string& path, DWORD access, DWORD disposi
     return Own(file);
 }
 
-/// Start-up information of a child that gets its standard streams and inherits no other handle.
-class StandardStreams {
+/// Start-up information of a child that gets its standard streams, inherits no other handle and
+/// belongs to a job from its creation: were it put there afterwards, a program killed in between
+/// would leave it behind.
+class StartUpInformation {
 public:
-    explicit StandardStreams(const ChildStart& start)
+    StartUpInformation(const ChildStart& start, const OwnedHandle& job)
         : m_input(OpenInheritable("NUL", GENERIC_READ, OPEN_EXISTING)),
           m_output(OpenInheritable(start.outputFile, FILE_APPEND_DATA | SYNCHRONIZE, OPEN_ALWAYS)),
-          m_inherited{ToSystem(m_input), ToSystem(m_output)} {
+          m_inherited{ToSystem(m_input), ToSystem(m_output)},
+          m_jobs{ToSystem(job)} {
         m_startup.StartupInfo.cb = sizeof m_startup;
         m_startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
         m_startup.StartupInfo.hStdInput = ToSystem(m_input);
         m_startup.StartupInfo.hStdOutput = ToSystem(m_output);
         m_startup.StartupInfo.hStdError = ToSystem(m_output);
         SIZE_T size = 0;
-        ::InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+        ::InitializeProcThreadAttributeList(nullptr, attributeCount, 0, &size);
         m_attributes.resize(size);
         auto* const list = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(m_attributes.data());
-        if (!::InitializeProcThreadAttributeList(list, 1, 0, &size))
+        if (!::InitializeProcThreadAttributeList(list, attributeCount, 0, &size))
             Throw(::GetLastError(), start.program);
         m_startup.lpAttributeList = list;
-        if (!::UpdateProcThreadAttribute(list, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST,
-                                         m_inherited.data(), sizeof m_inherited, nullptr, nullptr))
-            Throw(::GetLastError(), start.program);
+        Set(PROC_THREAD_ATTRIBUTE_HANDLE_LIST, m_inherited, start.program);
+        Set(PROC_THREAD_ATTRIBUTE_JOB_LIST, m_jobs, start.program);
     }
-    ~StandardStreams() { ::DeleteProcThreadAttributeList(m_startup.lpAttributeList); }
-    StandardStreams(const StandardStreams&) = delete;
-    StandardStreams& operator=(const StandardStreams&) = delete;
+    ~StartUpInformation() { ::DeleteProcThreadAttributeList(m_startup.lpAttributeList); }
+    StartUpInformation(const StartUpInformation&) = delete;
+    StartUpInformation& operator=(const StartUpInformation&) = delete;
 
-    STARTUPINFOW* StartUp() { return &m_startup.StartupInfo; }
+    STARTUPINFOW* Get() { return &m_startup.StartupInfo; }
 
 private:
+    static constexpr DWORD attributeCount = 2;
+
+    template <std::size_t count>
+    void Set(DWORD_PTR attribute, std::array<HANDLE, count>& handles, const std::string& what) {
+        if (!::UpdateProcThreadAttribute(m_startup.lpAttributeList, 0, attribute, handles.data(),
+                                         sizeof handles, nullptr, nullptr))
+            Throw(::GetLastError(), what);
+    }
+
     OwnedHandle m_input;
     OwnedHandle m_output;
     std::array<HANDLE, 2> m_inherited;
+    std::array<HANDLE, 1> m_jobs;
     std::vector<std::byte> m_attributes;
     STARTUPINFOEXW m_startup{};
 };
@@ -126,31 +138,24 @@ struct ChildProcess::System {
 };
 
 ChildProcess::ChildProcess(const ChildStart& start) : m_pSystem(std::make_unique<System>()) {
-    constexpr UINT notStarted = 1;
-    StandardStreams streams(start);
     m_pSystem->job = CreateEndingJob(start.program);
+    StartUpInformation startUp(start, m_pSystem->job);
     std::wstring commandLine = CommandLineOf(start);
     PROCESS_INFORMATION created{};
     // Without a console it hears of no key there and not of its closing; a group of its own would
     // keep Ctrl-C from it, but not Ctrl-Break.
-    constexpr DWORD flags = CREATE_SUSPENDED | CREATE_NEW_PROCESS_GROUP | DETACHED_PROCESS |
-                            EXTENDED_STARTUPINFO_PRESENT;
+    constexpr DWORD flags =
+        CREATE_NEW_PROCESS_GROUP | DETACHED_PROCESS | EXTENDED_STARTUPINFO_PRESENT;
     if (!::CreateProcessW(FullPath(start.program).c_str(), commandLine.data(), nullptr, nullptr,
                           TRUE, flags, nullptr, FromUtf8(start.workingDirectory).c_str(),
-                          streams.StartUp(), &created)) {
+                          startUp.Get(), &created)) {
         const DWORD error = ::GetLastError();
         const bool isDirectory = error == ERROR_DIRECTORY;
         Throw(error, isDirectory ? start.workingDirectory : start.program);
     }
     m_pSystem->process = Own(created.hProcess);
     m_pSystem->id = created.dwProcessId;
-    const OwnedHandle thread = Own(created.hThread);
-    if (!::AssignProcessToJobObject(ToSystem(m_pSystem->job), created.hProcess) ||
-        ::ResumeThread(created.hThread) == static_cast<DWORD>(-1)) {
-        const DWORD error = ::GetLastError();
-        ::TerminateProcess(created.hProcess, notStarted);
-        Throw(error, start.program);
-    }
+    Own(created.hThread);
 }
 
 // The job ends what still runs.

@@ -54,7 +54,7 @@ void RemoveOld(const fs::path& folder) {
         OSAL::Sleep(pauseMilliseconds);
     }
     if (error)
-        throw fs::filesystem_error("cannot remove", folder, error);
+        throw BadOutput(NameOf(folder), "cannot be removed (" + error.message() + ")");
 }
 
 } // namespace
