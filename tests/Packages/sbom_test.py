@@ -1,0 +1,117 @@
+"""Checks the bills of materials and the notice that packages carry."""
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+VALIDATOR = ROOT / "tests/Packages/cyclonedx"
+PLATFORMS = ["linux", "windows"]
+
+
+def make(folder, moment="1700000000"):
+    subprocess.run([ROOT / "packaging/make-sbom", folder], check=True,
+                   env={**os.environ, "SOURCE_DATE_EPOCH": moment})
+
+
+def contents(folder):
+    return {path.relative_to(folder): path.read_bytes() for path in folder.rglob("*") if path.is_file()}
+
+
+class SbomTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.temporary = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(cls.temporary.cleanup)
+        cls.folder = pathlib.Path(cls.temporary.name) / "made"
+        make(cls.folder)
+        cls.bills = {platform: json.loads((cls.folder / f"sbom-{platform}.cdx.json").read_text())
+                     for platform in PLATFORMS}
+        cls.validator = ROOT / "build/cyclonedx"
+        cls.validator.mkdir(parents=True, exist_ok=True)
+        for file in VALIDATOR.iterdir():
+            if file.is_file():
+                shutil.copy(file, cls.validator)
+        subprocess.run(["npm", "ci", "--silent", "--no-audit", "--no-fund"], cwd=cls.validator, check=True)
+
+    def validate(self, *files):
+        return subprocess.run(["node", "validate.mjs", *files], cwd=self.validator, capture_output=True, text=True)
+
+    def components(self, platform):
+        return {component["name"]: component for component in self.bills[platform]["components"]}
+
+    def test_both_are_valid(self):
+        result = self.validate(*self.folder.glob("*.cdx.json"))
+        self.assertEqual((result.returncode, result.stdout), (0, ""), result.stderr)
+
+    def test_the_validator_finds_what_is_wrong(self):
+        broken = self.folder.parent / "broken.cdx.json"
+        bill = json.loads((self.folder / "sbom-linux.cdx.json").read_text())
+        bill["components"][0]["licenses"] = [{"license": {"id": "no-such-licence"}}]
+        broken.write_text(json.dumps(bill))
+        result = self.validate(broken)
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("licenses", result.stdout)
+
+    def test_each_folder_of_other_projects_is_named(self):
+        for platform in PLATFORMS:
+            names = self.components(platform)
+            for folder in filter(pathlib.Path.is_dir, (ROOT / "third_party").iterdir()):
+                name, version = re.match(r"# (\S+) (\S+)", (folder / "README.md").read_text()).groups()
+                self.assertEqual(names[name]["version"], version)
+
+    def test_each_header_library_of_the_build_is_named(self):
+        folders = re.search(r"foreach\(folder ([^)]*)\)", (ROOT / "cmake/HeaderOnly.cmake").read_text())[1].split()
+        for platform in PLATFORMS:
+            files = [file["name"] for component in self.bills[platform]["components"]
+                     for file in component["components"]]
+            for folder in folders:
+                self.assertIn(f"/usr/include/{folder} (all files)", files)
+
+    def test_runtime_libraries_are_those_of_the_target(self):
+        linux, windows = (set(self.components(platform)) for platform in PLATFORMS)
+        self.assertIn("GNU C Library", linux)
+        self.assertNotIn("GNU C Library", windows)
+        self.assertIn("MinGW-w64 winpthreads", windows)
+        self.assertNotIn("MinGW-w64 winpthreads", linux)
+        self.assertNotEqual(self.components("linux")["GNU Standard C++ Library"]["version"],
+                            self.components("windows")["GNU Standard C++ Library"]["version"])
+
+    def test_each_component_has_version_licence_and_hashes(self):
+        for bill in self.bills.values():
+            for component in bill["components"]:
+                with self.subTest(component["name"]):
+                    self.assertTrue(component["version"])
+                    self.assertEqual(len(component["licenses"]), 1)
+                    self.assertTrue(component["components"])
+                    for file in component["components"]:
+                        self.assertRegex(file["hashes"][0]["content"], r"^[0-9a-f]{64}$")
+
+    def test_a_library_has_the_hash_of_its_file(self):
+        path = subprocess.run(["g++", "-print-file-name=libc.a"], capture_output=True, text=True).stdout.strip()
+        told = self.components("linux")["GNU C Library"]["components"][0]["hashes"][0]["content"]
+        measured = subprocess.run(["sha256sum", path], capture_output=True, text=True).stdout.split()[0]
+        self.assertEqual(told, measured)
+
+    def test_the_notice_leads_to_a_licence_text_for_each_component(self):
+        notice = (self.folder / "NOTICE.txt").read_text()
+        for bill in self.bills.values():
+            for component in bill["components"]:
+                self.assertIn(f"{component['name']} {component['version']}", notice)
+        for name in re.findall(r"text in (licences/\S+)", notice):
+            self.assertGreater((self.folder / name).stat().st_size, 500, name)
+
+    def test_the_same_time_gives_the_same_files(self):
+        again, later = self.folder.parent / "again", self.folder.parent / "later"
+        make(again)
+        self.assertEqual(contents(again), contents(self.folder))
+        make(later, "1800000000")
+        self.assertNotEqual(contents(later), contents(self.folder))
+
+
+if __name__ == "__main__":
+    unittest.main()
