@@ -44,8 +44,15 @@ TEST_F(IdleConnectionTest, LastsAsLongAsTheDaemonKeepsIt) {
 }
 
 TEST_F(IdleConnectionTest, IsLostWhenItBreaks) {
-    const ScriptedPeer daemon([](Connection& connection, int) { connection.Reset(); });
+    // A reset that comes sooner is one of the attempt to connect.
+    std::promise<void> mayBreak;
+    const ScriptedPeer daemon([&](Connection& connection, int) {
+        mayBreak.get_future().wait();
+        connection.Reset();
+    });
     Connect("127.0.0.1", daemon.Port());
+    RunUntilTold("connected;");
+    mayBreak.set_value();
     RunUntilTold("connected;lost;");
 }
 
