@@ -45,6 +45,12 @@ bool HasPower(const RunResult& run) {
         [](const Measurement& measurement) { return measurement.power.has_value(); });
 }
 
+std::vector<std::string> Both(std::vector<std::string> names,
+                              const std::vector<std::string>& others) {
+    names.insert(names.end(), others.begin(), others.end());
+    return names;
+}
+
 /// The older run is the page's baseline.
 void WriteComparedPage(const ResultNames& oldNames, const ResultNames& newNames,
                        const ComparedRuns& compared, std::ostream& stream) {
@@ -75,10 +81,7 @@ int Compare(const CompareOptions& options, Surroundings& surroundings) {
         {options.json, [&compared](std::ostream& stream) { WriteJson(stream, compared); }},
         {options.html,
          [&](std::ostream& stream) { WriteComparedPage(oldNames, newNames, compared, stream); }}};
-    std::vector<std::string> inputs = oldNames.All();
-    const std::vector<std::string> newInputs = newNames.All();
-    inputs.insert(inputs.end(), newInputs.begin(), newInputs.end());
-    RequireDistinctFiles(inputs, NamesOf(outputs));
+    RequireDistinctFiles(Both(oldNames.All(), newNames.All()), NamesOf(outputs));
 
     TextPool texts;
     oldResult = ReadResult(oldNames, surroundings.in, texts);

@@ -64,22 +64,10 @@ public:
             return;
         }
         m_builder.Reserve(static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), '\n')));
-        const std::size_t size = bytes.size();
-        const bool isWhole = bytes.ends_with('\n');
+        const std::string_view whole = bytes;
         // Without its header it may be any other file, of whose lines nothing could be said.
-        if (!ReadHeader(TakeLine(bytes)))
+        if (!ReadHeader(TakeLine(bytes)) || !ReadRows(whole, bytes))
             return;
-        while (!bytes.empty() && IsFinished()) {
-            ++m_line;
-            const std::string_view line = TakeLine(bytes);
-            if (bytes.empty() && !isWhole) {
-                TellCutLine();
-                return;
-            }
-            if (!IsJournalled(size - bytes.size()))
-                return;
-            ReadRow(line);
-        }
         if (m_pJournal != nullptr && bytes.empty() && m_pJournal->Read(m_entry))
             m_problems.Add(journalKind, m_line + 1, 0,
                            "the row is missing, although the journal has its line; the file was "
@@ -94,6 +82,23 @@ public:
     RunResult Take() { return m_builder.Take(); }
 
 private:
+    /// Reads the rows of finished lines off the rest of the file; false when one of them is not
+    /// what it should be.
+    bool ReadRows(std::string_view whole, std::string_view& rest) {
+        while (!rest.empty() && IsFinished()) {
+            ++m_line;
+            const std::string_view line = TakeLine(rest);
+            if (rest.empty() && !whole.ends_with('\n')) {
+                TellCutLine();
+                return false;
+            }
+            if (!IsJournalled(whole.size() - rest.size()))
+                return false;
+            ReadRow(line);
+        }
+        return true;
+    }
+
     /// Whether the next row is that of a finished line. A row that is not journalled is of a line
     /// that was under way when the run ended.
     bool IsFinished() { return m_pJournal == nullptr || m_pJournal->Read(m_entry); }
