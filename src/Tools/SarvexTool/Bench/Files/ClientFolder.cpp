@@ -5,9 +5,11 @@
 #include "Modules/xFramework/OSAL/Process.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
+#include "Tools/SarvexTool/Bench/Files/FilePieces.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -28,6 +30,14 @@ fs::path RealPath(const std::string& client) {
     return path;
 }
 
+/// Copies a file, so that it can be written and therefore removed on every system. The standard
+/// library's own copy tells of a full disk only that it failed.
+void CopyFile(const fs::path& source, const fs::path& target) {
+    OSAL::DurableFile copy(NameOf(target), OSAL::DurableFile::Opening::New);
+    ReadPieces(NameOf(source), [&copy](std::string_view piece) { copy.Append(piece); });
+    fs::permissions(target, fs::status(source).permissions() | fs::perms::owner_write);
+}
+
 /// A copy, not a link: the client does not read files that have two names.
 void CopyCommandTable(const fs::path& source, const fs::path& folder) {
     std::error_code error;
@@ -37,8 +47,7 @@ void CopyCommandTable(const fs::path& source, const fs::path& folder) {
     const OSAL::PathKind kind = OSAL::LookAtPath(NameOf(source));
     if (kind.isToBeArchived && (kind.isSymbolicLink || OSAL::CountNames(NameOf(source)) > 1))
         throw BadInput(NameOf(source), "is a link, which the client does not read");
-    fs::copy_file(source, folder / source.filename());
-    fs::permissions(folder / source.filename(), fs::perms::owner_write, fs::perm_options::add);
+    CopyFile(source, folder / source.filename());
 }
 
 /// The client of a run that was killed ends with it, but not on every system at once; until then
@@ -81,9 +90,7 @@ ClientFolder::~ClientFolder() {
 void ClientFolder::Fill(const std::string& client, std::uint16_t port) {
     const fs::path folder = PathOf(m_folder);
     const fs::path source = RealPath(client);
-    fs::copy_file(source, folder / source.filename());
-    // Not every system removes what is read-only.
-    fs::permissions(folder / source.filename(), fs::perms::owner_write, fs::perm_options::add);
+    CopyFile(source, folder / source.filename());
     m_program = m_folder + "/" + NameOf(source.filename());
     CopyCommandTable(source.parent_path() / "SarvexToolCmds.txt", folder);
     OSAL::DurableFile(m_folder + "/Socket.cfg", OSAL::DurableFile::Opening::New)

@@ -1,14 +1,13 @@
 #include "Tools/SarvexTool/Bench/Files/RunDirectory.h"
 
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
+#include "Tools/SarvexTool/Bench/Files/FilePieces.h"
 #include "Tools/SarvexTool/Bench/Files/Sha256.h"
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -19,20 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using OSAL::DurableFile;
-
-/// Reads a file piece by piece. Throws BadInput.
-void ReadPieces(const std::string& name, const std::function<void(std::string_view)>& take) {
-    constexpr std::size_t pieceSize = 65536;
-    errno = 0;
-    std::ifstream file(PathOf(name), std::ios::binary);
-    std::vector<char> piece(pieceSize);
-    while (file) {
-        file.read(piece.data(), pieceSize);
-        take({piece.data(), static_cast<std::size_t>(file.gcount())});
-    }
-    if (!file.is_open() || file.bad())
-        throw BadInput(name, "cannot be read (" + std::generic_category().message(errno) + ")");
-}
 
 /// Copies a file byte for byte and returns its SHA-256.
 std::string Copy(const std::string& source, const std::string& target) {
@@ -192,12 +177,6 @@ void RunDirectory::KeepLine(const FinishedLine& line, const std::string& started
 void RunDirectory::KeepUnfinishedRow(std::string_view row) {
     m_result.Append(row);
     m_result.Sync();
-}
-
-std::string HashOfFile(const std::string& name) {
-    Sha256 hash;
-    ReadPieces(name, [&hash](std::string_view piece) { hash.Add(piece); });
-    return hash.Finish();
 }
 
 std::string NewRunName(const std::string& testFile, std::chrono::system_clock::time_point now) {

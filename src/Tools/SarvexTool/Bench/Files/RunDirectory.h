@@ -63,9 +63,6 @@ private:
     LineNumber m_lastLine;
 };
 
-/// The SHA-256 of a file's bytes, in 64 hexadecimal digits. Throws BadInput.
-std::string HashOfFile(const std::string& name);
-
 /// A folder that does not exist yet, for a run of a test file that begins now:
 /// "runs/short-20260309- 080500", in UTC.
 std::string NewRunName(const std::string& testFile, std::chrono::system_clock::time_point now);

@@ -95,7 +95,6 @@ public:
                   Tell([&request](Supervisor& supervisor) { supervisor.ClientRequested(request); });
               }),
           m_timers(m_loop, [this](int timer) { TimerExpired(timer); }),
-          m_folder(directory.Files().client, directory.Facts().options.client, m_relay.Port()),
           m_feed(directory.Files().testFile, directory.LastLine()),
           m_supervisor(OptionsOf(directory), *this) {}
 
@@ -238,20 +237,25 @@ private:
     std::optional<Segment> StartClient() override {
         // A client without lines leaves no row to be taken, only the header.
         KeepHeader();
-        m_feed.WriteNext(m_folder, m_directory.Facts().options.segment);
+        // Not before: what hinders it ends the run early, and a transmitter that a killed run has
+        // left on is stopped by then.
+        if (!m_folder)
+            m_folder.emplace(m_directory.Files().client, m_directory.Facts().options.client,
+                             m_relay.Port());
+        m_feed.WriteNext(*m_folder, m_directory.Facts().options.segment);
         const std::vector<TestLine>& lines = m_feed.Lines();
         // A file without lines has a header, which its client writes too.
         const bool isWithoutLines = !m_client && m_directory.LastLine() == 0;
         if (lines.empty() && !isWithoutLines)
             return std::nullopt;
         OSAL::ChildStart start;
-        start.program = m_folder.Program();
+        start.program = m_folder->Program();
         start.arguments = {"-wifi-test-by-file", "lines.csv"};
         const RunOptions& options = m_directory.Facts().options;
         if (!options.firstCommandAnswered)
             start.arguments.insert(start.arguments.end(), options.firstCommand.begin(),
                                    options.firstCommand.end());
-        start.workingDirectory = m_folder.Path();
+        start.workingDirectory = m_folder->Path();
         start.outputFile = m_directory.Files().console;
         m_clientLog = ClientLog(start.outputFile);
         m_client.emplace(m_loop, start, [this](OSAL::ChildEnd end) { ClientEnded(end); });
@@ -269,7 +273,7 @@ private:
 
     bool IsFolderGone() const {
         std::error_code ignored;
-        return !std::filesystem::exists(PathOf(m_folder.Path()), ignored);
+        return !std::filesystem::exists(PathOf(m_folder->Path()), ignored);
     }
 
     void KillClient() override { m_client->Kill(); }
@@ -374,7 +378,7 @@ private:
     DaemonPeer m_peer;
     Relay m_relay;
     Timers m_timers;
-    ClientFolder m_folder;
+    std::optional<ClientFolder> m_folder;
     ClientFeed m_feed;
     Supervisor m_supervisor;
     std::optional<IdleConnection> m_idle;
