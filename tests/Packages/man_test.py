@@ -1,0 +1,155 @@
+"""Tests the man pages: that man and mandoc find nothing wrong with them, that they hold what the programs
+tell of themselves, and that they lead to each other.
+
+usage: man_test.py [PROGRAM_DIRECTORY]      (the programs for Linux; build/programs/bin without it)
+"""
+import functools
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+PROGRAMS = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else ROOT / "build/programs/bin").resolve()
+sys.path.insert(0, str(ROOT / "packaging"))
+sys.dont_write_bytecode = True
+import help_text  # noqa: E402
+
+COMMANDS = {"SarvexToolBench.1": ["SarvexToolBench"], "vemo.1": ["vemo"], "sarvextool-vemo.1": ["vemo"]}
+COMMANDS |= {
+    f"SarvexToolBench-{name}.1": ["SarvexToolBench", name]
+    for entry in help_text.of(PROGRAMS / "SarvexToolBench")["subcommands"] for name in entry.names
+    if name != "help"}
+# The 2nd of January 1971.
+EPOCH = str(366 * 24 * 3600)
+
+
+def make_pages(folder):
+    subprocess.run(
+        [ROOT / "packaging/man/make-pages", folder, PROGRAMS], env=os.environ | {"SOURCE_DATE_EPOCH": EPOCH},
+        check=True)
+    return sorted(pathlib.Path(folder).glob("man?/*"))
+
+
+def findings_of_man(page):
+    run = subprocess.run(
+        ["man", "--warnings", "-E", "UTF-8", "-l", "-Tutf8", "-Z", page], check=False, stdout=subprocess.DEVNULL,
+        stderr=subprocess.PIPE, text=True, env=os.environ | {"LC_ALL": "C.UTF-8", "MANROFFSEQ": ""})
+    return run.stderr or run.returncode
+
+
+def findings_of_mandoc(page):
+    run = subprocess.run(
+        ["mandoc", "-T", "lint", "-W", "warning", page], check=False, capture_output=True, text=True)
+    return run.stdout + run.stderr or run.returncode
+
+
+@functools.cache
+def shown(page, width=80):
+    """The text of a page on a terminal of that width."""
+    return subprocess.run(
+        ["man", "-l", page], check=True, stdout=subprocess.PIPE, encoding="utf-8",
+        env=os.environ | {"LC_ALL": "C.UTF-8", "MANWIDTH": str(width), "MAN_KEEP_FORMATTING": ""}).stdout
+
+
+
+def terms_of(text, title):
+    """The terms of the list at the beginning of a section: they are indented by seven blanks."""
+    body = re.split(r"^(?=\S)", text.split(f"\n{title}\n", 1)[1], flags=re.MULTILINE)[0]
+    return re.findall(r"^ {7}(?=\S)(\S.*)$", body, re.MULTILINE)
+
+
+class ManTest(unittest.TestCase):
+    maxDiff = None
+
+    @classmethod
+    def setUpClass(cls):
+        folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(folder.cleanup)
+        cls.pages = make_pages(folder.name)
+        cls.by_name = {page.name: page for page in cls.pages}
+
+    def test_each_skeleton_each_program_and_each_subcommand_has_a_page(self):
+        skeletons = {path.stem for path in (ROOT / "packaging/man").glob("*.md")}
+        self.assertEqual(skeletons | {"sarvextool-vemo.1"}, set(self.by_name))
+        self.assertLessEqual(set(COMMANDS) | {"SarvexToolClient.1"}, set(self.by_name))
+
+    def test_man_and_mandoc_find_nothing_wrong(self):
+        for page in self.pages:
+            with self.subTest(page=page.name):
+                self.assertEqual((0, 0), (findings_of_man(page), findings_of_mandoc(page)))
+
+    def test_man_and_mandoc_find_what_is_wrong(self):
+        with tempfile.TemporaryDirectory() as folder:
+            page = pathlib.Path(folder) / "wrong.1"
+            page.write_text(self.by_name["vemo.1"].read_text() + ".unknown\n\\f[NOFONT]x\n")
+            self.assertIn("unknown", str(findings_of_man(page)))
+            self.assertIn("unknown", str(findings_of_mandoc(page)))
+
+    def test_a_page_has_the_options_of_its_help_and_no_others(self):
+        for name, command in COMMANDS.items():
+            with self.subTest(page=name):
+                entries = help_text.of(PROGRAMS / command[0], *command[1:])["options"]
+                expected = [f"{', '.join(entry.names)} {entry.argument}".strip() for entry in entries]
+                terms = [re.split(" {2,}", term)[0].split(" ") for term in terms_of(shown(self.by_name[name]), "OPTIONS")]
+                options = [term for term in terms if term[0].startswith("-")]
+                known = [entry.split(" ") for entry in expected]
+                self.assertEqual(known, [term[:len(entry)] for term, entry in zip(options, known)])
+                self.assertEqual(len(known), len(options))
+
+    def test_the_simulators_page_has_all_faults(self):
+        faults = [f"{entry.names[0]}{entry.argument}" for entry in help_text.of(PROGRAMS / "vemo")["faults"]]
+        terms = [re.split(" {2,}", term)[0] for term in terms_of(shown(self.by_name["vemo.1"]), "FAULTS")]
+        self.assertEqual([], [fault for fault in faults if fault not in terms])
+
+    def test_a_synopsis_names_only_options_of_the_help(self):
+        for name, command in COMMANDS.items():
+            with self.subTest(page=name):
+                entries = help_text.of(PROGRAMS / command[0], *command[1:])["options"]
+                options = {option for entry in entries for option in entry.names}
+                synopsis = shown(self.by_name[name], 400).split("\nSYNOPSIS\n")[1].split("\nDESCRIPTION\n")[0]
+                self.assertIn(" ".join(command[:1] if name == "sarvextool-vemo.1" else command), synopsis)
+                self.assertEqual(set(), set(re.findall(r"(?<![\w-])--?\w[\w-]*", synopsis)) - options)
+
+    def test_each_page_that_is_referred_to_exists(self):
+        for page in self.pages:
+            references = re.findall(r"([A-Za-z][\w.-]*)\(([1-9])\)", shown(page, 400))
+            with self.subTest(page=page.name):
+                self.assertIn(tuple(page.name.replace("sarvextool-vemo", "vemo").rsplit(".", 1)), references)
+                self.assertEqual(set(), {".".join(each) for each in references} - set(self.by_name))
+
+    def test_each_file_of_the_documentation_that_is_named_exists(self):
+        for page in self.pages:
+            for path in re.findall(r"\b(?:docs|examples)/[\w./-]*\w", shown(page, 400)):
+                with self.subTest(page=page.name, path=path):
+                    self.assertTrue((ROOT / path).exists())
+
+    def test_no_page_speaks_of_the_tests_or_shows_markdown(self):
+        for page in self.pages:
+            with self.subTest(page=page.name):
+                text = shown(page, 400)
+                self.assertNotIn("tests/", text)
+                self.assertNotRegex(text, r"```|\]\(|\*\*|<!--|^\s*\|")
+
+    def test_each_line_fits_a_terminal_of_80_columns(self):
+        for page in self.pages:
+            with self.subTest(page=page.name):
+                self.assertEqual([], [line for line in shown(page).split("\n") if len(line) > 80])
+
+    def test_the_pages_tell_date_and_version_and_are_the_same_each_time(self):
+        project = (ROOT / "CMakeLists.txt").read_text(encoding="utf-8")
+        version = re.search(r"^project\(SarvexTool VERSION (\S+)", project, re.MULTILINE)[1]
+        with tempfile.TemporaryDirectory() as folder:
+            again = make_pages(folder)
+            self.assertEqual([page.read_bytes() for page in self.pages], [page.read_bytes() for page in again])
+        for page in self.pages:
+            last_line = shown(page).rstrip("\n").split("\n")[-1]
+            with self.subTest(page=page.name):
+                self.assertRegex(last_line, rf"^SarvexTool {re.escape(version)} +1971-01-02 ")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
