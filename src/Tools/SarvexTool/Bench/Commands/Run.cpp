@@ -167,9 +167,8 @@ int GoOn(RunDirectory& directory, const std::string& progress, Surroundings& sur
         throw BadInput(directory.Files().directory, "is complete; there is nothing to go on with");
     const OSAL::FileLock daemonLock =
         LockDaemonAt(DaemonIn(facts), Absolute(directory.Files().directory));
-    facts.notes.clear();
     if (HashOfFile(facts.options.client) != facts.clientSha256)
-        facts.notes.emplace_back("the client is not the one that the run began with");
+        facts.AddNote("the client is not the one that the run began with");
     return RunTest(directory, progress, surroundings);
 }
 

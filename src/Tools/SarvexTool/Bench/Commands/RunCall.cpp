@@ -146,8 +146,8 @@ private:
                             : std::all_of(result.run.measurements.begin(),
                                           result.run.measurements.end(), isMeasured);
         } catch (const BadFile& bad) {
-            m_directory.Facts().notes.push_back("the results cannot be judged: " +
-                                                bad.Problems().front().text);
+            m_directory.Facts().AddNote("the results cannot be judged: " +
+                                        bad.Problems().front().text);
             return false;
         }
     }
@@ -159,7 +159,7 @@ private:
                        measurement.reason.cause == NotMeasured::Cause::Uncertain;
             });
         if (count > 0)
-            m_directory.Facts().notes.push_back(
+            m_directory.Facts().AddNote(
                 std::to_string(count) +
                 " of the powers do not count, because a setting of theirs was refused before; "
                 "judge and report name them");

@@ -6,6 +6,7 @@
 #include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/JsonFields.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <sstream>
 
@@ -124,6 +125,11 @@ RunFacts FactsOf(const JsonFields& fields) {
 }
 
 } // namespace
+
+void RunFacts::AddNote(const std::string& text) {
+    if (std::find(notes.begin(), notes.end(), text) == notes.end())
+        notes.push_back(text);
+}
 
 std::string ToJsonText(const RunFacts& facts) {
     constexpr int indentation = 2;

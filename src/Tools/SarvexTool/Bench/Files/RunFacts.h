@@ -68,9 +68,13 @@ struct RunFacts {
     /// In words; empty while the run goes on, and after it was killed.
     std::string outcome;
     std::optional<std::int32_t> exitCode;
+    /// Of all calls of the program, in sentences without an end mark.
     std::vector<std::string> notes;
     /// Whether the daemon closes connections that nothing is sent on.
     bool closesIdleConnections = false;
+
+    /// Unless it is there already.
+    void AddNote(const std::string& text);
 
     bool operator==(const RunFacts&) const = default;
 };

@@ -107,7 +107,8 @@ public:
         while (!m_supervisor.HasEnded())
             RunLoop();
         m_client.reset();
-        m_directory.Facts().closesIdleConnections = m_supervisor.ClosesIdleConnections();
+        if (m_supervisor.ClosesIdleConnections())
+            m_directory.Facts().closesIdleConnections = true;
         return CompleteResult(m_supervisor.End());
     }
 
@@ -352,11 +353,7 @@ private:
     }
     void CancelTimer(Timer timer) override { m_timers.Cancel(static_cast<int>(timer)); }
 
-    void Note(const std::string& text) override {
-        std::vector<std::string>& notes = m_directory.Facts().notes;
-        if (std::find(notes.begin(), notes.end(), text) == notes.end())
-            notes.push_back(text);
-    }
+    void Note(const std::string& text) override { m_directory.Facts().AddNote(text); }
 
     void ShowState(RunState::Kind state, const std::string& detail) override {
         const bool isWaiting = state == RunState::Kind::WaitingForDaemon;

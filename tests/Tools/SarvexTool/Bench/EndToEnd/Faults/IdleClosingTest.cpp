@@ -137,6 +137,25 @@ TEST(IdleClosingTest, SettingsGoOutWithEachSegmentAndTheSummarySaysSo) {
         << result.out;
 }
 
+TEST(IdleClosingTest, ItIsRememberedWhenTheRunIsResumed) {
+    const RunProbe probe;
+    RestartableDaemon daemon;
+    daemon.Start({"--fault", "text=-wifi-stop:return-code=5"});
+    const IdleCloser closer(daemon.Port());
+    EXPECT_EQ(probe.Run(closer.Address(), {"--stop-timeout", "1"}).exitCode, 4);
+    ASSERT_TRUE(probe.Facts().Flag("closesIdleConnections"));
+    daemon.Kill();
+    daemon.Start();
+    const EndToEnd::ProcessResult resumed = probe.RunBench({"run", "--resume", "run"});
+    EXPECT_EQ(resumed.exitCode, 0) << resumed.out << resumed.err;
+    // The stop alone is too little to notice it anew.
+    EXPECT_TRUE(daemon.Exchanges().ends_with("|x")) << daemon.Exchanges();
+    EXPECT_TRUE(probe.Facts().Flag("closesIdleConnections"));
+    EXPECT_NE(resumed.out.find("Note: The daemon closes connections that are not used"),
+              std::string::npos)
+        << resumed.out;
+}
+
 TEST(IdleClosingTest, DaemonThatKeepsThemGetsNoneOfThat) {
     const RunProbe probe;
     RestartableDaemon daemon;

@@ -161,6 +161,19 @@ TEST_F(FirstCommandTest, WithAnAnswerItDoesNotGoOutAgain) {
     EXPECT_EQ(FirstCommands().back(), "CLI -1 ");
 }
 
+TEST_F(FirstCommandTest, ItsRefusalIsToldAgainWhenTheRunIsResumed) {
+    daemon.Start({"--fault", "text=-wifi-get-mac-type:close-before"});
+    EXPECT_EQ(probe.Run(daemon.Address(), {"--", "-wifi-rate", "none"}).exitCode, 3);
+    daemon.Kill();
+    daemon.Start();
+    const ProcessResult resumed = probe.RunBench({"run", "--resume", "run"});
+    EXPECT_EQ(resumed.exitCode, 1) << resumed.err;
+    EXPECT_NE(resumed.out.find("2 of 2 lines.\n4 measurements: 4 measured.\n"
+                               "Note: The daemon refused the first command: Rate cannot be"),
+              std::string::npos)
+        << resumed.out;
+}
+
 TEST_F(FirstCommandTest, ItsSettingsAreRestoredToo) {
     daemon.Start({"--fault", "5:no-answer"});
     const auto run = probe.Start(daemon.Address(), {"--", "-wifi-rate", "MCS7"});
