@@ -57,6 +57,15 @@ TEST_F(RefusedRunTest, ResumingACompleteRun) {
     EXPECT_EQ(tests.ResultsIn("run"), before);
 }
 
+TEST_F(RefusedRunTest, ResumingACompleteRunThatHadNoLines) {
+    tests.Write("test.csv", "Band\n");
+    const Simulator daemon;
+    std::vector<std::string> forced = tests.NewRun(daemon, "test.csv", "run");
+    forced.emplace_back("--force");
+    ASSERT_EQ(tests.Supervise(forced).exitCode, 1);
+    ExpectRefusal(resume, "is complete; there is nothing to go on with");
+}
+
 TEST_F(RefusedRunTest, AFolderOrADaemonThatAnotherRunUses) {
     tests.Write("test.csv", DependentLines(40));
     const Results alone = tests.RunAlone("test.csv");

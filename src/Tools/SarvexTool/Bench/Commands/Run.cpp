@@ -163,7 +163,7 @@ int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
 
 int GoOn(RunDirectory& directory, const std::string& progress, Surroundings& surroundings) {
     RunFacts& facts = directory.Facts();
-    if (facts.outcome == "complete" && facts.stopConfirmed)
+    if (facts.outcome == "complete" && (facts.stopConfirmed || !facts.startPassedOn))
         throw BadInput(directory.Files().directory, "is complete; there is nothing to go on with");
     const OSAL::FileLock daemonLock =
         LockDaemonAt(DaemonIn(facts), Absolute(directory.Files().directory));
