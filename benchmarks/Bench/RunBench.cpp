@@ -34,11 +34,10 @@ double Median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-/// For the programs that this one starts.
+/// For the programs that this one starts from now on. The hard limit is set too, because they raise
+/// the other one to it.
 void LimitOpenFiles() {
-    rlimit limit{};
-    ::getrlimit(RLIMIT_NOFILE, &limit);
-    limit.rlim_cur = openFiles;
+    const rlimit limit{openFiles, openFiles};
     if (::setrlimit(RLIMIT_NOFILE, &limit) != 0)
         throw std::runtime_error("the limit of open files cannot be set");
 }
@@ -207,8 +206,8 @@ int main(int argc, char* argv[]) {
         const int rounds = argc > 3 ? std::stoi(argv[3]) : 15;
         const std::string bench = std::filesystem::absolute(argv[1]).string();
         const std::string client = std::filesystem::absolute(argv[2]).string();
-        LimitOpenFiles();
         const Stage stage(bench, client);
+        LimitOpenFiles();
         PrintShortRuns(Measure(stage, rounds));
         std::fflush(stdout);
         PrintLongRuns(stage);

@@ -4,11 +4,11 @@
 
 #include <gmock/gmock.h>
 
-#include <sys/resource.h>
-
 #include <algorithm>
 #include <chrono>
 #include <future>
+#include <memory>
+#include <string>
 #include <vector>
 
 // A supervised run of many lines on a system that allows few open files.
@@ -18,26 +18,36 @@ namespace {
 
 constexpr std::size_t lines = 3'000;
 
-/// For the programs that are started in its time.
-class FewOpenFiles {
-public:
-    FewOpenFiles() {
-        ::getrlimit(RLIMIT_NOFILE, &m_former);
-        rlimit few = m_former;
-        few.rlim_cur = 256;
-        ::setrlimit(RLIMIT_NOFILE, &few);
+/// The folder of the programs, and the daemon, which may open as many files as the system allows.
+class LongRunTest : public testing::Test {
+protected:
+    LongRunTest() {
+        bench.AddProgram("SarvexToolBench", "SarvexToolBench");
+        bench.AddProgram("SarvexToolClientWithoutPauses", "client");
     }
-    ~FewOpenFiles() { ::setrlimit(RLIMIT_NOFILE, &m_former); }
-    FewOpenFiles(const FewOpenFiles&) = delete;
-    FewOpenFiles& operator=(const FewOpenFiles&) = delete;
 
-private:
-    rlimit m_former{};
+    std::vector<std::string> NewRun() const {
+        return {"run",      "test.csv", "--daemon", "127.0.0.1:" + daemon.Port(),
+                "--client", "client",   "--out",    "run"};
+    }
+
+    /// Starts SarvexToolBench where few files can be open at a time. The hard limit is set too,
+    /// because programs raise the other one to it.
+    std::unique_ptr<EndToEnd::Process>
+    StartWithFewFiles(const std::vector<std::string>& arguments) const {
+        std::vector<std::string> all{"-c", "ulimit -n 256 && exec \"$0\" \"$@\"",
+                                     bench.Path("SarvexToolBench")};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        return std::make_unique<EndToEnd::Process>("/bin/sh", all, bench.Directory());
+    }
+
+    const EndToEnd::Bench bench;
+    EndToEnd::Simulator daemon;
 };
 
-std::string TestFile() {
+std::string TestFile(std::size_t count) {
     std::string text = "Band,Chains,Bandwidth,Channel,Rate\n";
-    for (std::size_t line = 0; line < lines; ++line)
+    for (std::size_t line = 0; line < count; ++line)
         text += "5,AB,20,36,MCS" + std::to_string(line % 12) + "\n";
     return text;
 }
@@ -67,25 +77,18 @@ Number Most(Number EndToEnd::ProcessUse::*figure, Uses::const_iterator first,
     return most;
 }
 
-TEST(LongRunTest, RunOfManyLinesNeedsNoMoreSocketsAndMemoryThanAShortOne) {
+TEST_F(LongRunTest, RunOfManyLinesNeedsNoMoreSocketsAndMemoryThanAShortOne) {
     constexpr std::size_t mostSockets = 6;
     constexpr std::size_t mostDescriptors = 24;
     constexpr std::uint64_t someMemory = 512 * 1024;
-    const EndToEnd::Bench bench;
-    const EndToEnd::Simulator daemon;
-    bench.AddProgram("SarvexToolBench", "SarvexToolBench");
-    bench.AddProgram("SarvexToolClientWithoutPauses", "client");
-    bench.Write("test.csv", TestFile());
-    const FewOpenFiles few;
-    EndToEnd::Process program(bench.Path("SarvexToolBench"),
-                              {"run", "test.csv", "--daemon", "127.0.0.1:" + daemon.Port(),
-                               "--client", "client", "--out", "run"},
-                              bench.Directory());
+    bench.Write("test.csv", TestFile(lines));
+    const auto program = StartWithFewFiles(NewRun());
     EndToEnd::ProcessResult result;
-    const auto uses = UsesWhileMeasuring(program, result);
+    const auto uses = UsesWhileMeasuring(*program, result);
     ASSERT_EQ(result.exitCode, 0) << result.err;
     const std::string rows = bench.Read("run/result.csv");
     EXPECT_EQ(std::count(rows.begin(), rows.end(), '\n'), lines + 1);
+    EXPECT_NE(bench.Read("run/run.json").find("\"segment\": 112,"), std::string::npos);
     ASSERT_GT(uses.size(), 20U);
     using EndToEnd::ProcessUse;
     EXPECT_LE(Most(&ProcessUse::sockets, uses.begin(), uses.end()), mostSockets);
