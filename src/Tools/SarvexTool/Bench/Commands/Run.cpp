@@ -167,6 +167,8 @@ int GoOn(RunDirectory& directory, const std::string& progress, Surroundings& sur
         throw BadInput(directory.Files().directory, "is complete; there is nothing to go on with");
     const OSAL::FileLock daemonLock =
         LockDaemonAt(DaemonIn(facts), Absolute(directory.Files().directory));
+    // The system may allow fewer open files than when the run began.
+    facts.options.segment = std::min(facts.options.segment, MostSegmentLines());
     if (HashOfFile(facts.options.client) != facts.clientSha256)
         facts.AddNote("the client is not the one that the run began with");
     return RunTest(directory, progress, surroundings);

@@ -98,5 +98,17 @@ TEST_F(LongRunTest, RunOfManyLinesNeedsNoMoreSocketsAndMemoryThanAShortOne) {
               Most(&ProcessUse::residentBytes, uses.begin(), quarter) + someMemory);
 }
 
+TEST_F(LongRunTest, ResumedRunNeedsNoMoreOpenFilesThanThereAreNow) {
+    bench.Write("test.csv", TestFile(200));
+    daemon.Kill();
+    std::vector<std::string> arguments = NewRun();
+    arguments.insert(arguments.end(), {"--segment", "200", "--wait", "0.1"});
+    EndToEnd::Process run(bench.Path("SarvexToolBench"), arguments, bench.Directory());
+    ASSERT_EQ(run.Wait().exitCode, 3);
+    daemon.StartAgain();
+    const auto resumed = StartWithFewFiles({"run", "--resume", "run"})->Wait();
+    EXPECT_EQ(resumed.exitCode, 0) << resumed.out << resumed.err;
+}
+
 } // namespace
 } // namespace Bench
