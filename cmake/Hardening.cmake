@@ -7,8 +7,9 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
         # No DLL that a fresh Windows lacks: the C++ and thread runtimes are linked in. So is the
         # library of the stack protection; it takes its random guard from ADVAPI32, which is a part of
         # every Windows.
+        # No time of the build is left in a program: the same sources give the same bytes.
         target_link_options(project_hardening INTERFACE
-            -static -s -fstack-protector-strong
+            -static -s -fstack-protector-strong -Wl,--no-insert-timestamp
             -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
     else()
         target_link_options(project_hardening INTERFACE

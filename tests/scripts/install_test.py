@@ -79,6 +79,23 @@ class InstallTest(unittest.TestCase):
             with self.subTest(folder=folder):
                 self.assertEqual(b"8738", (folder / "Socket.cfg").read_bytes())
 
+    def test_edited_and_linked_port_files_outlast_the_next_installation(self):
+        with tempfile.TemporaryDirectory() as folder:
+            root = pathlib.Path(folder) / "again"
+            self.assertEqual(0, run("cmake", "--install", BUILD, "--prefix", root).returncode)
+            (root / "Socket.cfg").write_bytes(b"4711")
+            (root / "SarvexToolCmds.txt").write_bytes(b"-exit 0\n")
+            link = root / "simulator" / "Socket.cfg"
+            link.unlink()
+            link.symlink_to("nowhere")
+            (root / "examples" / "short.csv").write_bytes(b"an older version's")
+            self.assertEqual(0, run("cmake", "--install", BUILD, "--prefix", root).returncode)
+            self.assertEqual(b"4711", (root / "Socket.cfg").read_bytes())
+            self.assertEqual(b"-exit 0\n", (root / "SarvexToolCmds.txt").read_bytes())
+            self.assertTrue(link.is_symlink())
+            self.assertEqual(pathlib.Path("examples/short.csv").read_bytes(),
+                             (root / "examples" / "short.csv").read_bytes())
+
     def test_no_installed_file_shares_its_bytes_with_another_name(self):
         # The programs refuse linked files.
         links = [f for f in self.root.rglob("*") if f.is_symlink() or
