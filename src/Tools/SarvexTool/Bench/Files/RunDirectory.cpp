@@ -37,9 +37,53 @@ std::vector<std::string> KeptFiles(const RunFiles& files) {
             files.exchanges, files.journal, files.console, files.client};
 }
 
-void RequireUnused(const RunFiles& files) {
+void RemoveKept(const RunFiles& files) {
+    std::error_code ignored;
+    for (const std::string& name : KeptFiles(files))
+        fs::remove(PathOf(name), ignored);
+}
+
+bool Exists(const std::string& name) {
+    return fs::exists(fs::symlink_status(PathOf(name)));
+}
+
+bool IsRegular(const std::string& name) {
+    return fs::is_regular_file(fs::symlink_status(PathOf(name)));
+}
+
+bool IsBeginningOf(const std::string& whole, const std::string& name) {
+    std::ifstream stream(PathOf(whole), std::ios::binary);
+    bool isSame = true;
+    ReadPieces(name, [&](std::string_view piece) {
+        std::string expected(piece.size(), '\0');
+        stream.read(expected.data(), static_cast<std::streamsize>(expected.size()));
+        isSame = isSame && stream && expected == piece;
+    });
+    return isSame;
+}
+
+/// Whether a run has left this that was killed before its facts were written, so that it has sent
+/// nothing and cannot be resumed. Nothing of it is missed: files without a byte, and a copy of the
+/// test file, perhaps not of all of it.
+bool HasNotBegun(const RunFiles& files, const std::string& testFile) {
+    if (!Exists(files.lock) || Exists(files.facts) || Exists(files.console) || Exists(files.client))
+        return false;
+    for (const std::string& name : {files.result, files.tree, files.exchanges, files.journal}) {
+        if (Exists(name) && !(IsRegular(name) && fs::is_empty(PathOf(name))))
+            return false;
+    }
+    std::error_code ignored;
+    return !Exists(files.testFile) ||
+           (IsRegular(files.testFile) &&
+            !fs::equivalent(PathOf(testFile), PathOf(files.testFile), ignored) &&
+            IsBeginningOf(testFile, files.testFile));
+}
+
+void RequireUnused(const RunFiles& files, const std::string& testFile) {
+    if (HasNotBegun(files, testFile))
+        return;
     for (const std::string& name : KeptFiles(files)) {
-        if (fs::exists(fs::symlink_status(PathOf(name))))
+        if (Exists(name))
             throw BadOutput(files.directory, "holds a run or results already (" +
                                                  NameOf(PathOf(name).filename()) +
                                                  "), and old results are never overwritten; name "
@@ -54,9 +98,8 @@ public:
     ~Undo() {
         if (m_isDone)
             return;
+        RemoveKept(m_files);
         std::error_code ignored;
-        for (const std::string& name : KeptFiles(m_files))
-            fs::remove(PathOf(name), ignored);
         // On a system that removes no open file, the lock keeps the folder.
         fs::remove(PathOf(m_files.lock), ignored);
         if (m_isNewFolder)
@@ -122,11 +165,12 @@ DurableFile CutResult(const std::string& name, std::uint64_t size) {
 RunDirectory RunDirectory::Create(const std::string& directory, const std::string& testFile,
                                   RunFacts facts, const LockHolder& holder) {
     const RunFiles files(directory);
-    RequireUnused(files);
+    RequireUnused(files, testFile);
     const bool isNewFolder = fs::create_directories(PathOf(directory));
     OSAL::FileLock lock = TakeLock(files.lock, "the folder", holder);
     // Another run may have come and gone in between.
-    RequireUnused(files);
+    RequireUnused(files, testFile);
+    RemoveKept(files);
     Undo undo(files, isNewFolder);
     facts.testFile = {NameOf(fs::absolute(PathOf(testFile))), Copy(testFile, files.testFile)};
     DurableFile result(files.result, DurableFile::Opening::New);

@@ -19,8 +19,9 @@ namespace Bench {
 /// BadFile where it says so; the folder can then be resumed, as after a crash.
 class RunDirectory {
 public:
-    /// Makes the folder of a new run, or fills one that holds neither a run nor results; else
-    /// throws BadOutput. The facts are written with the test file's name and SHA-256. Where it
+    /// Makes the folder of a new run, or fills one that holds neither a run nor results, or only
+    /// what a run of the same test file has left that was killed before it began; else throws
+    /// BadOutput. The facts are written with the test file's name and SHA-256. Where it
     /// fails, nothing of the run is left.
     static RunDirectory Create(const std::string& directory, const std::string& testFile,
                                RunFacts facts, const LockHolder& holder);

@@ -231,6 +231,56 @@ TEST_F(RunDirectoryTest, OldResultsAreNeverOverwritten) {
     EXPECT_THAT(ProblemOf<BadOutput>([&] { Create(); }), HasSubstr("holds a run"));
 }
 
+TEST_F(RunDirectoryTest, WhatARunLeftThatWasKilledBeforeItBeganIsNoRun) {
+    const std::vector<std::string> empty{"result.csv", "journal.jsonl", "result.xml",
+                                         "exchanges.jsonl"};
+    const std::string whole = "Band\r\n5\n6\x1A\n7";
+    // The files come in this order; the copy of the test file grows.
+    for (std::size_t step = 0; step <= 1 + whole.size() + empty.size(); ++step) {
+        SCOPED_TRACE(step);
+        fs::create_directories(PathOf(folder));
+        Write(files.lock, "process 7");
+        if (step > 0)
+            Write(files.testFile, whole.substr(0, step - 1));
+        for (std::size_t count = 0; step > 1 + whole.size() + count; ++count)
+            Write(folder + "/" + empty[count], "");
+        Write(files.facts + ".part", "{");
+        MakeRun();
+        EXPECT_EQ(Read(files.testFile), whole);
+        EXPECT_EQ(Resume().LastLine(), 3u);
+        fs::remove_all(PathOf(folder));
+    }
+}
+
+TEST_F(RunDirectoryTest, WhatMayBeMissedIsNotTakenForSuchARun) {
+    struct Row {
+        const char* name;
+        const char* bytes;
+    };
+    for (const Row& row :
+         {Row{"test-file.csv", "Band\r\n4"}, Row{"test-file.csv", "Band\r\n5\n6\x1A\n7\n"},
+          Row{"result.csv", "\n"}, Row{"journal.jsonl", "{"}, Row{"exchanges.jsonl", "{"},
+          Row{"result.xml", "<"}, Row{"client.log", ""}, Row{"run.json", ""}}) {
+        SCOPED_TRACE(row.name);
+        fs::create_directories(PathOf(folder));
+        Write(files.lock, "process 7");
+        Write(files.result, "");
+        Write(folder + "/" + row.name, row.bytes);
+        EXPECT_THAT(ProblemOf<BadOutput>([&] { Create(); }), HasSubstr("holds a run or results"));
+        EXPECT_EQ(Read(folder + "/" + row.name), row.bytes);
+        EXPECT_TRUE(fs::exists(PathOf(files.result)));
+        fs::remove_all(PathOf(folder));
+    }
+    // Nor is the test file itself, under the name of the copy.
+    fs::create_directories(PathOf(folder));
+    Write(files.lock, "process 7");
+    Write(files.testFile, "Band\n");
+    EXPECT_THAT(
+        ProblemOf<BadOutput>([&] { RunDirectory::Create(folder, files.testFile, {}, holder); }),
+        HasSubstr("(test-file.csv)"));
+    EXPECT_EQ(Read(files.testFile), "Band\n");
+}
+
 TEST_F(RunDirectoryTest, NothingIsLeftOfARunThatCannotBegin) {
     fs::remove(testFile);
     EXPECT_THAT(ProblemOf<BadInput>([&] { Create(); }), HasSubstr("cannot be read ("));
