@@ -1,5 +1,7 @@
 #include "Tools/SarvexTool/Bench/Output/JsonProgress.h"
 
+#include <cmath>
+
 namespace Bench {
 
 namespace {
@@ -41,13 +43,19 @@ void WriteCounts(JsonWriter& json, const OutcomeCounts& outcomes,
     json.EndObject();
 }
 
+/// To the millisecond; more digits would say nothing.
+double Rounded(double seconds) {
+    constexpr double perSecond = 1000;
+    return std::round(seconds * perSecond) / perSecond;
+}
+
 void WriteProgress(JsonWriter& json, const RunProgress& progress) {
     json.Key("linesDone").Count(progress.linesDone);
     json.Key("linesTotal").Count(progress.linesTotal);
-    json.Key("elapsedSeconds").Number(progress.elapsedSeconds);
+    json.Key("elapsedSeconds").Number(Rounded(progress.elapsedSeconds));
     json.Key("remainingSeconds");
     if (progress.remainingSeconds)
-        json.Number(*progress.remainingSeconds);
+        json.Number(Rounded(*progress.remainingSeconds));
     else
         json.Null();
     json.Key("state").Text(NameOf(progress.state.kind));

@@ -37,8 +37,8 @@ TEST_F(JsonProgressTest, TheBeginningTellsWhatThereIsToDo) {
 }
 
 TEST_F(JsonProgressTest, AFinishedLineIsToldWithItsChains) {
-    m_progress.elapsedSeconds = 1.5;
-    m_progress.remainingSeconds = 8;
+    m_progress.elapsedSeconds = 1.5004;
+    m_progress.remainingSeconds = 7.9995;
     m_progress.last = {7,
                        "Band 5",
                        true,
