@@ -100,7 +100,8 @@ std::string ClientPath(const std::optional<std::string>& given) {
     std::string path = Absolute(given ? *given : NameOf(folder / ("SarvexToolClient" + suffix)));
     std::error_code ignored;
     if (!std::filesystem::is_regular_file(PathOf(path), ignored))
-        throw BadInput(path, "is no client; name it with --client");
+        throw BadInput(path, "is no file; the client is looked for beside this program, or where "
+                             "--client says");
     return path;
 }
 

@@ -91,6 +91,15 @@ void RequireUnused(const RunFiles& files, const std::string& testFile) {
     }
 }
 
+/// Whether the folder was not there before.
+bool MakeFolder(const std::string& directory) {
+    std::error_code error;
+    const bool isNew = fs::create_directories(PathOf(directory), error);
+    if (error)
+        throw BadOutput(directory, "cannot be made the folder of a run (" + error.message() + ")");
+    return isNew;
+}
+
 /// Takes back what was made of a run that could not begin.
 class Undo {
 public:
@@ -166,7 +175,7 @@ RunDirectory RunDirectory::Create(const std::string& directory, const std::strin
                                   RunFacts facts, const LockHolder& holder) {
     const RunFiles files(directory);
     RequireUnused(files, testFile);
-    const bool isNewFolder = fs::create_directories(PathOf(directory));
+    const bool isNewFolder = MakeFolder(directory);
     OSAL::FileLock lock = TakeLock(files.lock, "the folder", holder);
     // Another run may have come and gone in between.
     RequireUnused(files, testFile);

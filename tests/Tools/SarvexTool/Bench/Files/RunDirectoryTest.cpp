@@ -22,6 +22,7 @@ using std::chrono::seconds;
 using std::chrono::system_clock;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::StartsWith;
 using TestSupport::WriteBytes;
 
 const LockHolder holder{.processId = 1, .directory = "here", .since = "now"};
@@ -291,6 +292,14 @@ TEST_F(RunDirectoryTest, NothingIsLeftOfARunThatCannotBegin) {
     fs::remove(testFile);
     WriteBytes(testFile, "Band\n");
     EXPECT_EQ(Create().LastLine(), 0u);
+}
+
+TEST_F(RunDirectoryTest, AFileCannotBeTheFolder) {
+    for (const std::string& name : {testFile, testFile + "/run"}) {
+        EXPECT_THAT(ProblemOf<BadOutput>([&] { RunDirectory::Create(name, testFile, {}, holder); }),
+                    StartsWith(name + ": cannot be made the folder of a run ("));
+        EXPECT_EQ(Read(testFile), "Band\r\n5\n6\x1A\n7");
+    }
 }
 
 TEST_F(RunDirectoryTest, AFolderWithoutARunIsNotResumed) {
