@@ -51,7 +51,14 @@ class SetupTest(unittest.TestCase):
         done, calls = self.run_setup()
         self.assertEqual(0, done.returncode)
         everything = set(self.packages(calls[1]))
-        self.assertLess(set(FOR_DEMO) | {"googletest", "wine64", "clang", "git"}, everything)
+        self.assertLess(set(FOR_DEMO) | {"googletest", "wine64", "clang", "git", "zip"}, everything)
+
+    def test_packaging_gets_what_building_for_all_systems_needs_and_nothing_for_tests(self):
+        done, calls = self.run_setup("package")
+        self.assertEqual(0, done.returncode)
+        packages = set(self.packages(calls[1]))
+        self.assertLess(set(FOR_DEMO) | {"g++-mingw-w64-x86-64-posix", "zip", "pandoc"}, packages)
+        self.assertEqual(set(), packages & {"googletest", "wine64", "clang", "chromium"})
 
     def test_only_what_is_missing_is_installed(self):
         _, calls = self.run_setup("demo", installed=" ".join(set(FOR_DEMO) - {"cmake"}))
@@ -72,7 +79,7 @@ class SetupTest(unittest.TestCase):
 
     def test_another_argument_is_refused(self):
         done, calls = self.run_setup("everything")
-        self.assertEqual((1, [], "setup: usage: scripts/setup [demo]\n"),
+        self.assertEqual((1, [], "setup: usage: scripts/setup [demo|package]\n"),
                          (done.returncode, calls, done.stderr))
 
 
