@@ -101,7 +101,11 @@ void WriteSummary(JsonWriter& json, const RunSummary& summary) {
     for (const std::string& note : summary.notes)
         json.Text(note);
     json.EndArray();
-    json.Key("stopConfirmed").Bool(!summary.unconfirmedStop);
+    json.Key("stopConfirmed");
+    if (summary.hasTransmitted)
+        json.Bool(!summary.unconfirmedStop);
+    else
+        json.Null();
     json.Key("stopProblem").Text(summary.unconfirmedStop.value_or(""));
     json.Key("exitCode").Number(Decimal::FromInteger(summary.exitCode));
 }

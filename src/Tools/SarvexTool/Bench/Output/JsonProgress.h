@@ -13,7 +13,8 @@ namespace Bench {
 /// "verdicts". Of "line" there are also "line", "settings", "accepted", and "a" and "b", each with
 /// "outcome", "text", "power" (dBm or null) and, with limits, "verdict" (null for a chain that is
 /// not judged). "end" has the keys of the summary: "complete", "why", "linesDone", "linesTotal",
-/// "outcomes", "verdicts", "directory", "notes", "stopConfirmed", "stopProblem" and "exitCode".
+/// "outcomes", "verdicts", "directory", "notes", "stopConfirmed" (null where no transmission was
+/// started), "stopProblem" and "exitCode".
 class JsonProgress : public IProgress {
 public:
     /// The stream lives longer, and nothing else is written to it.

@@ -1,12 +1,13 @@
 #include "Tools/SarvexTool/Bench/Output/JsonProgress.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <sstream>
 
 namespace Bench {
 namespace {
 
+using testing::HasSubstr;
 using TimePoint = IProgress::TimePoint;
 
 const std::string noOutcomes =
@@ -98,6 +99,7 @@ TEST_F(JsonProgressTest, TheEndTellsTheSummary) {
     summary.linesTotal = 2;
     summary.directory = "runs/a";
     summary.notes = {"One.", "Two."};
+    summary.hasTransmitted = true;
     summary.unconfirmedStop = "no answer";
     summary.exitCode = 4;
     m_writer.End(summary);
@@ -110,6 +112,7 @@ TEST_F(JsonProgressTest, TheEndTellsTheSummary) {
                   "\n");
     summary = {};
     summary.isComplete = true;
+    summary.hasTransmitted = true;
     summary.verdicts = VerdictTotals{};
     m_writer.End(summary);
     EXPECT_EQ(Written(),
@@ -120,6 +123,12 @@ TEST_F(JsonProgressTest, TheEndTellsTheSummary) {
                   R"("no limit": 0}, "directory": "", "notes": [], "stopConfirmed": true, )"
                   R"("stopProblem": "", "exitCode": 0})"
                   "\n");
+}
+
+TEST_F(JsonProgressTest, WithoutATransmissionThereIsNoStopToConfirm) {
+    m_writer.End({});
+    EXPECT_THAT(Written(),
+                HasSubstr(R"("stopConfirmed": null, "stopProblem": "", "exitCode": 0})"));
 }
 
 } // namespace
