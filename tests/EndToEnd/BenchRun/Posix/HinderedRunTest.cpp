@@ -156,7 +156,10 @@ TEST_F(HinderedRunTest, OutputThatNobodyReadsKeepsTheExitCode) {
                 {.output = Process::Output::BrokenPipe, .inputFile = "", .areArgumentsUtf8 = false})
             .Wait();
     EXPECT_EQ(result.exitCode, 3) << result.err;
-    EXPECT_THAT(result.err, EndsWith("-: error: cannot be written\n"));
+    EXPECT_THAT(result.err, HasSubstr("\nThe run ended early, after "));
+    EXPECT_THAT(result.err, EndsWith("\n  SarvexToolBench run --resume run\n"
+                                     "The daemon has confirmed the last stop.\n"
+                                     "-: error: cannot be written\n"));
 }
 
 TEST_F(HinderedRunTest, FolderThatBecomesReadOnly) {

@@ -79,7 +79,11 @@ public:
                                          "confirmed the stop.\n"
                                       << std::flush;
         // Last of all, because a transmitter that may be on is told at its end.
-        PrintSummary(m_isJson ? m_surroundings.err.stream : m_surroundings.out.stream, summary);
+        std::ostream& stream = m_isJson ? m_surroundings.err.stream : m_surroundings.out.stream;
+        PrintSummary(stream, summary);
+        // The reader of a pipe is gone, for instance: a Ctrl-C ends it too.
+        if (!stream)
+            PrintSummary(m_surroundings.err.stream, summary);
         return summary.exitCode;
     }
 
