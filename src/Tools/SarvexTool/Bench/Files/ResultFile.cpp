@@ -58,9 +58,8 @@ public:
 
     void Read(std::string_view bytes) {
         if (bytes.empty()) {
-            m_problems.Add(emptyKind, 1, 0,
-                           "the file is empty: the run could not open its test file, was ended, or "
-                           "goes on; run the test again");
+            if (!TellMissingRow())
+                TellEmpty();
             return;
         }
         m_builder.Reserve(static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), '\n')));
@@ -68,14 +67,13 @@ public:
         // Without its header it may be any other file, of whose lines nothing could be said.
         if (!ReadHeader(TakeLine(bytes)) || !ReadRows(whole, bytes))
             return;
-        if (m_pJournal != nullptr && bytes.empty() && m_pJournal->Read(m_entry))
-            m_problems.Add(journalKind, m_line + 1, 0,
-                           "the row is missing, although the journal has its line; the file was "
-                           "changed after the run");
+        if (bytes.empty() && TellMissingRow())
+            return;
         if (m_line == 1)
             m_problems.Add(emptyKind, 1, 0,
-                           "there is no measurement, because the run ended before its first line; "
-                           "run the test again");
+                           std::string("there is no measurement, because the run ended before its "
+                                       "first line; ") +
+                               Remedy());
     }
 
     ProblemList& Problems() { return m_problems; }
@@ -153,6 +151,31 @@ private:
             m_problems.Add(headerKind, 1, static_cast<std::uint32_t>(place + 1),
                            "there is no column \"" + std::string(m_fields[place]) +
                                "\"; the header was changed after the run");
+    }
+
+    /// Whether the journal goes on after the last row.
+    bool TellMissingRow() {
+        if (m_pJournal == nullptr || !m_pJournal->Read(m_entry))
+            return false;
+        m_problems.Add(journalKind, m_line + 1, 0,
+                       "the row is missing, although the journal has its line; the file was "
+                       "changed after the run");
+        return true;
+    }
+
+    void TellEmpty() {
+        m_problems.Add(emptyKind, 1, 0,
+                       std::string("the file is empty: ") +
+                           (m_pJournal == nullptr
+                                ? "the run could not open its test file, was ended, or goes on; "
+                                : "no line of the run is finished; ") +
+                           Remedy());
+    }
+
+    /// What can be done where no line is finished.
+    const char* Remedy() const {
+        return m_pJournal == nullptr ? "run the test again"
+                                     : "go on with it: SarvexToolBench run --resume";
     }
 
     /// The client writes a line and its end in one piece: where the end is missing, digits may be.

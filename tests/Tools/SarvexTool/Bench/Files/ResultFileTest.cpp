@@ -145,6 +145,16 @@ std::string ReadWith(const std::string& journal, std::string_view bytes) {
     return Read(bytes, &reader);
 }
 
+TEST(ResultFileTest, ARunWithoutAFinishedLineCanGoOn) {
+    EXPECT_EQ(ReadWith("", ""),
+              "1:0 the file is empty: no line of the run is finished; go on with it: "
+              "SarvexToolBench run --resume\n");
+    EXPECT_EQ(
+        ReadWith("", "Band,Chain-A Power, Chain B Power\n"),
+        "1:0 there is no measurement, because the run ended before its first line; go on with "
+        "it: SarvexToolBench run --resume\n");
+}
+
 /// An entry of a journal whose line was refused, or gave a power on chain A.
 std::string EntryOf(LineNumber line, std::size_t csvEnd, bool isRefused = false) {
     return "{\"line\":" + std::to_string(line) +
@@ -184,8 +194,8 @@ TEST_F(JournalledResultTest, RowsOfUnfinishedLinesDoNotCount) {
         first)
         << "a torn entry";
     EXPECT_EQ(ReadWith("", header + "5,A,1,NA\n"),
-              "1:0 there is no measurement, because the run ended before its first line; run the "
-              "test again\n");
+              "1:0 there is no measurement, because the run ended before its first line; go on "
+              "with it: SarvexToolBench run --resume\n");
 }
 
 TEST_F(JournalledResultTest, RowsThatAreNotTheJournalsAreTold) {
@@ -193,6 +203,10 @@ TEST_F(JournalledResultTest, RowsThatAreNotTheJournalsAreTold) {
     EXPECT_EQ(ReadWith(entries, header + "5,A,1,NA\n"),
               "3:0 the row is missing, although the journal has its line; the file was changed "
               "after the run\n");
+    for (const std::string& rows : {std::string(), header})
+        EXPECT_EQ(ReadWith(entries, rows),
+                  "2:0 the row is missing, although the journal has its line; the file was changed "
+                  "after the run\n");
     EXPECT_EQ(ReadWith(entries, header + "5,A,1.5,NA\n6,A,2,NA\n"),
               "2:0 the row does not end where the journal says; the file was changed after the "
               "run\n");
