@@ -13,6 +13,8 @@
 #include <CLI/Formatter.hpp>
 
 #include <chrono>
+#include <cstdint>
+#include <exception>
 #include <memory>
 #include <string>
 
@@ -26,7 +28,9 @@ struct StopOptions {
 };
 
 /// Why the stop is not confirmed; empty when it is.
-std::string TryToStop(const DaemonAddress& address, std::chrono::milliseconds timeout) {
+std::string TryToStop(const DaemonAddress& address, double seconds) {
+    constexpr double perSecond = 1000;
+    const std::chrono::milliseconds timeout(static_cast<std::int64_t>(seconds * perSecond));
     try {
         const Answer answer =
             ReadAnswer(ExchangeBytes(address.host, address.port,
@@ -45,25 +49,14 @@ void WarnOfRun(const DaemonAddress& address, Surroundings& surroundings) {
         surroundings.err.stream << "A run goes on with this daemon and will transmit again; end it "
                                    "with Ctrl-C in its console:\n";
         PrintProblems(surroundings.err, inUse.File(), inUse.Problems());
+    } catch (const std::exception& error) {
+        surroundings.err.stream << "Whether a run goes on with this daemon cannot be told: "
+                                << MakeHarmless(error.what()) << "\n";
     }
 }
 
-int Stop(const StopOptions& options, Surroundings& surroundings) {
-    const DaemonAddress address = DaemonOf(options.daemon);
-    const double seconds = SecondsOf("--stop-timeout", options.timeout).ToDouble();
-    if (seconds <= 0)
-        throw WrongUsage("--stop-timeout is too short");
-    const int exitCode = StopByHand(address, seconds, surroundings);
-    WarnOfRun(address, surroundings);
-    return exitCode;
-}
-
-} // namespace
-
-int StopByHand(const DaemonAddress& address, double seconds, Surroundings& surroundings) {
-    constexpr double perSecond = 1000;
-    const std::string failure = TryToStop(
-        address, std::chrono::milliseconds(static_cast<std::int64_t>(seconds * perSecond)));
+/// Last of all, because a transmitter that may be on is told at the end.
+int Conclude(const DaemonAddress& address, const std::string& failure, Surroundings& surroundings) {
     if (failure.empty()) {
         surroundings.out.stream << "The daemon at " << MakeHarmless(address.ToText())
                                 << " has confirmed the stop.\n";
@@ -73,6 +66,22 @@ int StopByHand(const DaemonAddress& address, double seconds, Surroundings& surro
                             << MakeHarmless(address.ToText()) << " " << MakeHarmless(failure)
                             << ".\n";
     return ExitCode::StopNotConfirmed;
+}
+
+int Stop(const StopOptions& options, Surroundings& surroundings) {
+    const DaemonAddress address = DaemonOf(options.daemon);
+    const double seconds = SecondsOf("--stop-timeout", options.timeout).ToDouble();
+    if (seconds <= 0)
+        throw WrongUsage("--stop-timeout is too short");
+    const std::string failure = TryToStop(address, seconds);
+    WarnOfRun(address, surroundings);
+    return Conclude(address, failure, surroundings);
+}
+
+} // namespace
+
+int StopByHand(const DaemonAddress& address, double seconds, Surroundings& surroundings) {
+    return Conclude(address, TryToStop(address, seconds), surroundings);
 }
 
 Command AddStop(CLI::App& program) {

@@ -1,8 +1,11 @@
 #include "tests/Tools/SarvexTool/Bench/EndToEnd/Faults/RunProbe.h"
 
+#include "Tools/SarvexTool/Bench/Files/Locks.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <sstream>
 
 // However a run ends, the transmitter is off afterwards, or the program ends with 4 and says so.
@@ -164,6 +167,24 @@ TEST_F(EndingTest, StopWithoutADaemonIsNotConfirmed) {
         probe.RunBench({"stop", "--daemon", daemon.Address(), "--stop-timeout", "60"});
     EXPECT_EQ(result.exitCode, 4) << result.out;
     EXPECT_NE(result.err.find("cannot be reached"), std::string::npos) << result.err;
+}
+
+TEST_F(EndingTest, StopThatCannotLookForARunIsNotConfirmedAllTheSame) {
+    const std::string lock = DaemonLockFile("127.0.0.1", daemon.Port());
+    std::filesystem::remove(lock);
+    std::filesystem::create_directory(lock);
+    const EndToEnd::ProcessResult result =
+        probe.RunBench({"stop", "--daemon", daemon.Address(), "--stop-timeout", "60"});
+    daemon.Start();
+    const EndToEnd::ProcessResult confirmed =
+        probe.RunBench({"stop", "--daemon", daemon.Address()});
+    std::filesystem::remove(lock);
+    EXPECT_EQ(result.exitCode, 4) << result.out;
+    EXPECT_TRUE(result.err.starts_with("Whether a run goes on with this daemon cannot be told: "))
+        << result.err;
+    EXPECT_NE(result.err.find("\nThe transmitter may still be ON: "), std::string::npos)
+        << result.err;
+    EXPECT_EQ(confirmed.exitCode, 0) << confirmed.err;
 }
 
 TEST_F(EndingTest, StopTellsWrongUsage) {
