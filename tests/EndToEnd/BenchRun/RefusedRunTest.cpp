@@ -79,6 +79,12 @@ TEST_F(RefusedRunTest, AFolderOrADaemonThatAnotherRunUses) {
                   "the daemon at 127.0.0.1 port " + daemon.Port() + " is " + holder);
     ExpectRefusal(tests.NewRun(daemon, "test.csv", "second"), "with the run in ");
     EXPECT_FALSE(std::filesystem::exists(tests.Path("second")));
+    ExpectRefusal({"check", "test.csv", "--daemon", "127.0.0.1:" + daemon.Port()},
+                  "the daemon at 127.0.0.1 port " + daemon.Port() + " is " + holder);
+    const ProcessResult stop = tests.Supervise({"stop", "--daemon", "127.0.0.1:" + daemon.Port()});
+    EXPECT_EQ(stop.exitCode, 0) << stop.err;
+    EXPECT_THAT(stop.err, HasSubstr("A run goes on with this daemon and will transmit again"));
+    EXPECT_THAT(stop.err, HasSubstr(holder));
     ASSERT_FALSE(first->HasEnded()) << "the first run was over too early to be in the way";
     EXPECT_EQ(tests.Supervise(tests.NewRun(other, "test.csv", "second")).exitCode, 0);
     const ProcessResult result = first->Wait();
