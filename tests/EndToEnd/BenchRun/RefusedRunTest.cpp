@@ -62,7 +62,10 @@ TEST_F(RefusedRunTest, ResumingACompleteRunThatHadNoLines) {
     const Simulator daemon;
     std::vector<std::string> forced = tests.NewRun(daemon, "test.csv", "run");
     forced.emplace_back("--force");
-    ASSERT_EQ(tests.Supervise(forced).exitCode, 1);
+    const ProcessResult result = tests.Supervise(forced);
+    ASSERT_EQ(result.exitCode, 1) << result.err;
+    EXPECT_THAT(result.out,
+                HasSubstr("Note: The results cannot be judged: there is no measurement"));
     ExpectRefusal(resume, "is complete; there is nothing to go on with");
 }
 

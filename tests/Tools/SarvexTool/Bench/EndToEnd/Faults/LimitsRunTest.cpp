@@ -87,6 +87,17 @@ TEST_F(LimitsRunTest, ChainWithoutAPowerDoesNotPass) {
     EXPECT_EQ(probe.RunBench({"judge", "run", "--limits", "limits.csv"}).exitCode, 1);
 }
 
+TEST_F(LimitsRunTest, PowersAfterARefusedSettingDoNotCount) {
+    daemon.Start({"--fault", "4:return-code=3"});
+    const ProcessResult result = probe.Run(daemon.Address());
+    EXPECT_EQ(result.exitCode, 1) << result.err;
+    EXPECT_EQ(probe.Outcomes(), "2 refused, refused; 3 measured, measured");
+    EXPECT_NE(
+        result.out.find("Note: 2 of the powers do not count, because a setting of theirs was"),
+        std::string::npos)
+        << result.out;
+}
+
 TEST_F(LimitsRunTest, FailFastEndsAfterTheLineAndCanBeResumed) {
     probe.Write("limits.csv", "Chain,Min,Max\nA,17.88,*\nB,*,*\n");
     daemon.Start();

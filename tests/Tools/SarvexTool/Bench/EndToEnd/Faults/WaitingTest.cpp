@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+
 // Time-outs, and daemons that come and go.
 
 namespace Bench {
@@ -70,6 +73,28 @@ TEST_F(WaitingTest, RestartThatNoExchangeMeetsIsNoticed) {
     EXPECT_TRUE(daemon.Exchanges() == "fmcSx|rSx" || daemon.Exchanges() == "fmcSx|xrSx")
         << daemon.Exchanges();
     EXPECT_EQ(probe.Result(), wholeResult);
+}
+
+TEST_F(WaitingTest, AnotherDeviceAndClientAreToldWhenTheRunIsResumed) {
+    const std::string client = probe.Path("client");
+    std::filesystem::copy_file(ProgramPath("SarvexToolClientWithoutPauses"), client);
+    daemon.Start({"--mcc", "DE", "--fault", "4:return-code=abc"});
+    EXPECT_EQ(probe.Run(daemon.Address(), {"--client", client}).exitCode, 3);
+    daemon.Kill();
+    daemon.Start({"--mcc", "US", "--mac-type", "16"});
+    // Programs are run whatever follows their last part.
+    std::ofstream(client, std::ios::binary | std::ios::app) << "more";
+    const ProcessResult resumed = probe.RunBench({"run", "--resume", "run"});
+    EXPECT_EQ(resumed.exitCode, 0) << resumed.err;
+    EXPECT_NE(resumed.out.find("Note: The client is not the one that the run began with.\n"
+                               "Note: The device's MAC type has changed while the run went on.\n"
+                               "Note: The device's country code has changed while the run went "
+                               "on.\n"),
+              std::string::npos)
+        << resumed.out;
+    EXPECT_EQ(probe.Facts().Integer("macType"), 5);
+    EXPECT_EQ(probe.Facts().Text("countryCode"), "DE");
+    EXPECT_NE(TestSupport::ReadBytes(probe.Path("run/result.xml")).find("DE"), std::string::npos);
 }
 
 TEST_F(WaitingTest, DaemonThatGoesAndStaysAwayEndsTheRunWithItsStopMissed) {
