@@ -1,0 +1,135 @@
+"""What is handed out: that dist/ holds these files and their checksums, what is in the archives, and that
+nothing of the machine that has made them is."""
+import hashlib
+import os
+import re
+import subprocess
+import tarfile
+import unittest
+import zipfile
+
+from support import DEB, DIST, LINUX_BUILD, ROOT, TAR, TOP, VERSION, WINDOWS_BUILD, ZIP, require, temporary_folder, unpack
+
+NOTICES = {"NOTICE.txt", "sbom-linux.cdx.json", "sbom-windows.cdx.json"}
+PAGES = {"README.md", "CHANGELOG.md", "CONTRIBUTING.md"}
+PORT_FILES = {"Socket.cfg", "simulator/Socket.cfg"}
+# Folders whose content the rules of installing choose, or their makers.
+WHOLE_FOLDERS = ("docs", "licences", "man", "completion", "sdk")
+
+
+def folder_of_sources(name, pattern="**/*"):
+    return {str(path.relative_to(ROOT)) for path in (ROOT / name).glob(pattern) if path.is_file()}
+
+
+def programs(suffix):
+    return {f"SarvexToolClient{suffix}", f"SarvexToolBench{suffix}", f"simulator/vemo{suffix}"}
+
+
+def files_of(folder):
+    return {str(path.relative_to(folder)) for path in folder.rglob("*") if path.is_symlink() or not path.is_dir()}
+
+
+def source_date():
+    return int(os.environ.get("SOURCE_DATE_EPOCH") or require("git", "-C", ROOT, "log", "-1", "--format=%ct"))
+
+
+class DistTest(unittest.TestCase):
+    def test_it_holds_these_files(self):
+        self.assertEqual(
+            {"SHA256SUMS", f"{TOP}-windows-x64.zip", f"{TOP}-linux-x64.tar.gz", f"sarvextool_{VERSION}_amd64.deb"},
+            files_of(DIST))
+
+    def test_the_checksums_are_right_and_name_each_file(self):
+        lines = [f"{hashlib.sha256((DIST / name).read_bytes()).hexdigest()}  {name}\n"
+                 for name in sorted(files_of(DIST) - {"SHA256SUMS"})]
+        self.assertEqual("".join(lines), (DIST / "SHA256SUMS").read_text())
+
+
+class ContentsTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = temporary_folder(cls)
+        cls.zip = unpack(ZIP, cls.folder / "zip")
+        cls.tar = unpack(TAR, cls.folder / "tar")
+        cls.deb = unpack(DEB, cls.folder / "deb")
+
+    def test_the_archives_hold_the_programs_their_configuration_examples_and_pages(self):
+        for folder, suffix, own_folders in [(self.zip, ".exe", set()), (self.tar, "", {"man"})]:
+            with self.subTest(folder=folder):
+                found = files_of(folder)
+                self.assertEqual(
+                    programs(suffix) | NOTICES | PAGES | PORT_FILES | folder_of_sources("examples", "*.csv"),
+                    {name for name in found if not name.startswith(tuple(f"{name}/" for name in WHOLE_FOLDERS))})
+                self.assertEqual(folder_of_sources("docs"), {name for name in found if name.startswith("docs/")})
+                self.assertEqual({"docs", "licences", *own_folders},
+                                 {name.partition("/")[0] for name in found} & set(WHOLE_FOLDERS))
+
+    def test_the_deb_holds_them_where_debian_looks_for_them(self):
+        found = files_of(self.deb)
+        library = "usr/lib/sarvextool/"
+        self.assertEqual(programs(""),
+                         {name.removeprefix(library) for name in found if name.startswith(library)})
+        self.assertEqual(
+            {"SarvexToolClient": "../lib/sarvextool/SarvexToolClient",
+             "SarvexToolBench": "../lib/sarvextool/SarvexToolBench",
+             "sarvextool-vemo": "../lib/sarvextool/simulator/vemo"},
+            {path.name: os.readlink(path) for path in (self.deb / "usr/bin").iterdir()})
+        doc = "usr/share/doc/sarvextool/"
+        self.assertEqual(
+            {"copyright", "changelog.gz"} | NOTICES | PAGES | folder_of_sources("examples", "*.csv")
+            | folder_of_sources("docs"),
+            {name.removeprefix(doc) for name in found
+             if name.startswith(doc) and not name.startswith(f"{doc}licences/")})
+
+    def test_all_packages_hold_the_same_programs(self):
+        for name in programs(""):
+            with self.subTest(name=name):
+                built = (LINUX_BUILD / "bin" / name.rpartition("/")[2]).read_bytes()
+                self.assertEqual(built, (self.tar / name).read_bytes())
+                self.assertEqual(built, (self.deb / "usr/lib/sarvextool" / name).read_bytes())
+
+    def test_each_link_of_a_page_leads_to_a_file_of_the_package(self):
+        link = re.compile(r"\]\((?!https?:|#)([^)#\s]+)")
+        for folder in [self.zip, self.tar, self.deb / "usr/share/doc/sarvextool"]:
+            for page in folder.rglob("*.md"):
+                text = re.sub(r"^```.*?^```", "", page.read_text(), flags=re.MULTILINE | re.DOTALL)
+                for target in link.findall(text):
+                    with self.subTest(page=page, target=target):
+                        self.assertTrue((page.parent / target).resolve().is_relative_to(folder.resolve()))
+                        self.assertTrue((page.parent / target).exists())
+
+    def test_no_file_tells_where_it_was_made(self):
+        traces = {f"{ROOT}/src/", f"{ROOT}/build/", f"{LINUX_BUILD}/", f"{WINDOWS_BUILD}/"}
+        traces = {trace.encode(encoding) for trace in traces for encoding in ["utf-8", "utf-16le"]}
+        for path in self.folder.rglob("*"):
+            if path.is_file() and not path.is_symlink():
+                data = path.read_bytes()
+                self.assertEqual([], [trace for trace in traces if trace in data], path)
+
+
+class ArchiveEntriesTest(unittest.TestCase):
+    def test_the_tar_has_one_time_one_owner_and_no_odd_modes(self):
+        with tarfile.open(TAR) as archive:
+            for entry in archive:
+                with self.subTest(name=entry.name):
+                    self.assertTrue(entry.isfile() or entry.isdir())
+                    self.assertEqual((source_date(), 0, 0), (entry.mtime, entry.uid, entry.gid))
+                    executable = entry.isdir() or entry.name.removeprefix(f"{TOP}/") in programs("")
+                    self.assertEqual(0o755 if executable else 0o644, entry.mode)
+
+    def test_the_zip_has_one_time(self):
+        with zipfile.ZipFile(ZIP) as archive:
+            times = {entry.date_time for entry in archive.infolist()}
+            self.assertEqual(1, len(times))
+
+    def test_the_deb_has_one_time_and_belongs_to_root(self):
+        data = subprocess.Popen(["dpkg-deb", "--fsys-tarfile", DEB], stdout=subprocess.PIPE)
+        with data.stdout, tarfile.open(fileobj=data.stdout, mode="r|") as archive:
+            for entry in archive:
+                with self.subTest(name=entry.name):
+                    self.assertEqual((source_date(), 0, 0), (entry.mtime, entry.uid, entry.gid))
+        self.assertEqual(0, data.wait())
+
+
+if __name__ == "__main__":
+    unittest.main()

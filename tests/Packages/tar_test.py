@@ -1,0 +1,48 @@
+"""The archive for every Linux: its programs run in a tree that holds no library."""
+import unittest
+
+from support import TAR, TOP, VERSION, enter, run, simulator, temporary_folder, unpack
+
+
+class TarTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.tree = temporary_folder(cls)
+        cls.top = unpack(TAR, cls.tree)
+        # No system lacks it; locks are kept there.
+        (cls.tree / "tmp").mkdir()
+
+    def inside(self, name, *arguments):
+        return [*enter(self.tree), f"/{TOP}/{name}", *arguments]
+
+    def run_program(self, name, *arguments):
+        return run(*self.inside(name, *arguments))
+
+    def test_it_holds_one_folder(self):
+        self.assertEqual({TOP}, {path.name for path in self.tree.iterdir()} - {"proc", "tmp"})
+
+    def test_the_programs_tell_their_version(self):
+        for name in ["SarvexToolBench", "simulator/vemo"]:
+            with self.subTest(name=name):
+                done = self.run_program(name, "--version")
+                self.assertEqual((0, b""), (done.returncode, done.stderr))
+                self.assertEqual(f"{name.rpartition('/')[2]} {VERSION}\n".encode(), done.stdout)
+
+    def test_the_programs_talk_to_the_simulated_daemon(self):
+        port_file = self.top / "Socket.cfg"
+        self.assertEqual(b"8738", port_file.read_bytes())
+        with simulator(*self.inside("simulator/vemo")) as (process, port):
+            port_file.write_text(port)
+            done = self.run_program("SarvexToolClient", "-wifi-band", "5", "-wifi-channel", "36")
+            self.assertEqual((0, b"Band: 5\nChannel: 36\n", b""), (done.returncode, done.stdout, done.stderr))
+            done = self.run_program("SarvexToolBench", "check", f"/{TOP}/examples/short.csv",
+                                    "--daemon", f"127.0.0.1:{port}")
+            self.assertEqual((0, b""), (done.returncode, done.stderr))
+            self.assertIn(b"short.csv: no errors", done.stdout)
+            done = self.run_program("SarvexToolClient", "-exit")
+            self.assertEqual((0, b""), (done.returncode, done.stderr))
+            self.assertEqual(0, process.wait(60))
+
+
+if __name__ == "__main__":
+    unittest.main()
