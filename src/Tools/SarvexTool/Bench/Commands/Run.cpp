@@ -140,11 +140,24 @@ LockHolder Holder(const std::string& directory) {
     return {OSAL::ProcessId(), Absolute(directory), Now()};
 }
 
+/// A pipe, for instance, would be empty when it is read again, or be waited for. A file that is not
+/// there is told when it is read.
+void RequireOrdinaryFile(const std::string& name) {
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::status(PathOf(name), ignored);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        throw BadInput(name,
+                       "is no ordinary file; a run reads it more than once, so save it in one");
+}
+
 int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
     if (*arguments.file == StandardStreamName || arguments.limits == StandardStreamName)
         throw WrongUsage("a run takes no file from standard input: resuming needs it once more");
     if (arguments.out == StandardStreamName || arguments.out == "")
         throw WrongUsage("--out needs the name of a folder");
+    RequireOrdinaryFile(*arguments.file);
+    if (arguments.limits)
+        RequireOrdinaryFile(*arguments.limits);
     RequireRelayed(surroundings.handedOn);
     const RunFacts facts = FactsFrom(arguments, surroundings.handedOn);
     if (facts.options.limits) {
