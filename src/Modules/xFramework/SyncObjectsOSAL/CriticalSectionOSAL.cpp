@@ -1,6 +1,7 @@
 #include "Modules/xFramework/SyncObjectsOSAL/CriticalSectionOSAL.h"
 
 #include "Modules/xFramework/DebugPrint/CDebugPrint.h"
+#include "Modules/xFramework/OSAL/CriticalSection.h"
 
 namespace SyncObjectsOSAL {
 

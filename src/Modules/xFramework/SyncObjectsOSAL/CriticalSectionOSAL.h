@@ -1,7 +1,13 @@
 #pragma once
 
-#include "Modules/xFramework/OSAL/CriticalSection.h"
+// Public, stable within a major version. For any thread. Nothing throws. CreateHandle and
+// ReleaseHandle are the class's own steps: programs make objects of the class.
+
 #include "Modules/xFramework/SyncObjectsOSAL/ICriticalSection.h"
+
+namespace OSAL {
+struct CriticalSection;
+}
 
 namespace SyncObjectsOSAL {
 
