@@ -1,5 +1,9 @@
 #pragma once
 
+// Public, stable within a major version: SocketHandle, InvalidSocket and SocketError alone, for the
+// socket stream's sake. The functions are the framework's own calls of the system and may change in
+// any version.
+
 #include <cstddef>
 #include <cstdint>
 #include <string>

@@ -1,5 +1,7 @@
 #pragma once
 
+// Public, stable within a major version. For any thread.
+
 namespace SyncObjectsOSAL {
 
 /// Common base of the synchronisation objects.

@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. The formatter is for any thread, and so is the device. The
+// device owns its lock, not its stream.
+
 #include "Modules/xFramework/SyncObjectsOSAL/ICriticalSection.h"
 #include "Modules/xFramework/Utilities/LogPrinter.h"
 

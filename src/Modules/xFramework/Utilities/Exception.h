@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. For any thread. Who catches an Utilities::Exception* owns
+// it: delete it, or call TakeCaughtException in the catch block.
+
 #include <atomic>
 #include <cstdint>
 #include <exception>

@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. One message belongs to one thread; messages in several
+// threads as long as no variable and no provider changes. Throws std::bad_alloc only.
+
 #include <concepts>
 #include <cstdint>
 #include <string>

@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. Providers are added before other threads exist. What a
+// provider throws passes through.
+
 #include <list>
 #include <string>
 

@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. For any thread, once the channels are set up. Throws what
+// a channel throws.
+
 #include <cstdint>
 #include <string>
 

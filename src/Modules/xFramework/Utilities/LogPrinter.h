@@ -1,5 +1,9 @@
 #pragma once
 
+// Public, stable within a major version. Channels are set up before other threads exist; records
+// come from any thread. The printer owns no device, formatter or filter. The process's printer,
+// which Log uses, is that of SingletonWrapper<Utilities::LogPrinter>.
+
 #include <cstdint>
 #include <list>
 #include <map>

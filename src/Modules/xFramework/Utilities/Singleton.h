@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. The first access may come from any thread; what T allows
+// after that is T's matter. Singleton<T> and SingletonWrapper<T> hold two different objects.
+
 namespace Utilities {
 
 /// The process-wide T: created on first use, safely from several threads, and never destroyed.

@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. A document belongs to one thread at a time and owns its
+// tree. Throws std::bad_alloc, and what a listener throws.
+
 #include "Modules/xFramework/XML/IListener.h"
 #include "Modules/xFramework/XML/Node.h"
 

@@ -1,5 +1,7 @@
 #pragma once
 
+// Public, stable within a major version. One thread at a time. Throws std::bad_alloc only.
+
 #include <cstddef>
 #include <map>
 #include <memory>

@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. One thread at a time. Texts are the caller's and valid
+// during the call.
+
 namespace XML {
 
 /// Receives the events of a document in their order. Texts are zero-terminated and valid during the

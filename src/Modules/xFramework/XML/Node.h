@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. A tree belongs to one thread at a time. Nodes are their
+// parents'. Throws std::bad_alloc only, and what a visitor or resolver throws.
+
 #include "Modules/xFramework/XML/Children.h"
 
 #include <string>

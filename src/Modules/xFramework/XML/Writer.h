@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. One thread at a time. The stream stays the caller's. Only
+// the constructor throws, and std::bad_alloc alone; all other failures show in the stream.
+
 #include "Modules/xFramework/XML/IListener.h"
 
 #include <cstddef>

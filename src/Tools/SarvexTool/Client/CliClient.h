@@ -1,5 +1,9 @@
 #pragma once
 
+// Public, stable within a major version. A client belongs to one thread at a time. It owns its
+// connection. Every exchange blocks, without a time limit. Errors are raised as
+// Utilities::Exception*; a wrong return code is thrown by value.
+
 #include "Modules/xFramework/Core/Classes/Value.h"
 #include "Modules/xFramework/Streams/Sockets/SocketClientStream.h"
 #include "Tools/SarvexTool/Client/CommandTable.h"

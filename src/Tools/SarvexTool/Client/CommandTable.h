@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. A table belongs to one thread at a time. A malformed table
+// is an empty one, no error.
+
 #include "Modules/xFramework/Core/Classes/Value.h"
 
 #include <cstdint>

@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. For any thread; a reply belongs to one at a time and owns
+// its text. Sizes are in bytes. A wrong return code is kept in the reply, not thrown.
+
 #include <cstddef>
 #include <cstdint>
 #include <exception>

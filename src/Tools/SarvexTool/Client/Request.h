@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. Texts in, texts out; one thread at a time, for $(name) in
+// a text is expanded. Throws std::bad_alloc only.
+
 #include <string>
 
 namespace SarvexTool {

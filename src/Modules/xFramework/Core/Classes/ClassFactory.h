@@ -1,5 +1,9 @@
 #pragma once
 
+// Public, stable within a major version. One thread at a time. A factory owns its creators; what it
+// creates is the caller's. A name that is not registered gives null, no error; what a creator
+// throws passes through.
+
 #include "Modules/xFramework/Core/Classes/IInterface.h"
 #include "Modules/xFramework/Core/Classes/Service.h"
 

@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. For any thread, but where a text may hold $(name): one
+// thread at a time. A text that cannot be read is told by false, never thrown.
+
 #include "Modules/xFramework/Core/Classes/ElementTypes.h"
 #include "Modules/xFramework/Utilities/Format.h"
 

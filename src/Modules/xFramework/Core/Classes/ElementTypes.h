@@ -1,5 +1,7 @@
 #pragma once
 
+// Public, stable within a major version. Plain types for any thread.
+
 #include <compare>
 #include <concepts>
 #include <cstdint>

@@ -1,5 +1,7 @@
 #pragma once
 
+// Public, stable within a major version. One thread at a time. Nothing here throws.
+
 #include <cstdint>
 
 namespace Utilities {

@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. One thread at a time. What is found stays its owner's; a
+// name or path that leads nowhere gives null, no error.
+
 #include "Modules/xFramework/Core/Classes/IInterface.h"
 
 #include <memory>

@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. A value object and all its holders belong to one thread at
+// a time. A text that cannot be read is told by false, never thrown.
+
 #include "Modules/xFramework/Core/Classes/ElementTypes.h"
 #include "Modules/xFramework/Core/Classes/IInterface.h"
 

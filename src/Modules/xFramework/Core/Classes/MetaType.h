@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. One thread at a time. A meta type is the process's and
+// never destroyed. A text that cannot be read is told by false, never thrown.
+
 #include "Modules/xFramework/Core/Classes/Value.h"
 #include "Modules/xFramework/Utilities/FormatProviders.h"
 

@@ -1,5 +1,9 @@
 #pragma once
 
+// Public, stable within a major version. One thread at a time; GlobalVariables may be called first
+// by any thread. A namespace owns what is added to it. Throws std::bad_alloc, and what an object
+// throws when it is attached.
+
 #include "Modules/xFramework/Core/Classes/ANamespace.h"
 #include "Modules/xFramework/Core/Classes/INamespace.h"
 

@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. One thread at a time. A service is its domain's. Errors
+// are raised as Utilities::Exception*; what a hook throws passes through.
+
 #include "Modules/xFramework/Core/Classes/IInterface.h"
 
 #include <cstdint>

@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. One thread at a time. What a descriptor creates is the
+// caller's. Errors are raised as Utilities::Exception*.
+
 #include "Modules/xFramework/Core/Classes/ClassFactory.h"
 #include "Modules/xFramework/Core/Classes/MetaType.h"
 #include "Modules/xFramework/Utilities/Singleton.h"

@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. As IValue.h: one thread at a time, false for a text that
+// cannot be read.
+
 #include "Modules/xFramework/Core/Classes/ElementText.h"
 #include "Modules/xFramework/Core/Classes/ElementTypes.h"
 #include "Modules/xFramework/Core/Classes/IValue.h"

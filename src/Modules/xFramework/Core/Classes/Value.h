@@ -1,5 +1,9 @@
 #pragma once
 
+// Public, stable within a major version. Values that share an object belong to one thread at a
+// time. Errors are raised as Utilities::Exception*; a text that cannot be read as a type stays a
+// text.
+
 #include "Modules/xFramework/Core/Classes/TypedValue.h"
 
 #include <ostream>

@@ -1,5 +1,9 @@
 #pragma once
 
+// Public, stable within a major version. One thread at a time. What is created is the caller's. An
+// unknown type gives null, a text that cannot be read the type's default value; neither is an
+// error. The process's factory knows its names from start-up on, before main.
+
 #include "Modules/xFramework/Core/Classes/ClassFactory.h"
 #include "Modules/xFramework/Core/Classes/Namespace.h"
 #include "Modules/xFramework/Core/Classes/TypeDescriptor.h"

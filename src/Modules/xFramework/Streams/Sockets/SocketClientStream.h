@@ -1,5 +1,9 @@
 #pragma once
 
+// Public, stable within a major version. A stream belongs to one thread at a time, several streams
+// to several threads; every operation blocks, without a time limit. It owns its socket. Errors are
+// raised as Utilities::Exception*.
+
 #include "Modules/xFramework/Streams/Sockets/SocketStream.h"
 
 #include <string>

@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. A stream belongs to one thread at a time; every operation
+// blocks, without a time limit. Errors are raised as Utilities::Exception*. Sizes are in bytes.
+
 #include "Modules/xFramework/OSAL/Socket.h"
 
 #include <string>

@@ -1,5 +1,8 @@
 #pragma once
 
+// Public, stable within a major version. For any thread. No match is no error; a malformed pattern
+// throws std::regex_error by value.
+
 #include <optional>
 #include <string>
 
