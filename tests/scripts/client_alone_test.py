@@ -13,7 +13,7 @@ import unittest
 
 PACKAGES = ["g++", "cmake", "make", "dash"]
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-SOURCES = ["CMakeLists.txt", "CMakePresets.json", "cmake", "src", "examples"]
+SOURCES = ["CMakeLists.txt", "CMakePresets.json", "cmake", "src", "examples", "packaging"]
 NOT_NEEDED = ("/usr/share/doc/", "/usr/share/man/", "/usr/share/locale/")
 # Who is not the superuser may be it in a name space of his own.
 CHANGE_ROOT = ([] if os.geteuid() == 0 else ["unshare", "-r"]) + ["chroot"]
@@ -84,6 +84,16 @@ class ClientAloneTest(unittest.TestCase):
         self.succeed_inside("cmake", "--install", "/build", "--prefix", "/installed")
         names = {file.name for file in (self.tree / "installed").iterdir()}
         self.assertEqual({"SarvexToolClient", "Socket.cfg", "examples"}, names)
+        self.succeed_inside("cmake", "--install", "/build", "--prefix", "/sdk", "--component", "sdk")
+        self.assertEqual({"libsarvextool-framework.a", "libsarvextool-client.a"},
+                         {file.name for file in (self.tree / "sdk").rglob("*.a")})
+
+    def test_the_sdk_can_be_left_out(self):
+        self.succeed_inside("cmake", "-S", "/source", "-B", "/without", "-DSARVEX_BUILD_SIMULATOR=OFF",
+                            "-DSARVEX_BUILD_BENCH=OFF", "-DSARVEX_BUILD_SDK=OFF")
+        targets = self.succeed_inside("cmake", "--build", "/without", "--target", "help")
+        self.assertIn("SarvexToolClient", targets)
+        self.assertNotIn("Sdk", targets)
 
     def test_what_the_others_need_is_not_there(self):
         for name, left_out in [("all", []), ("bench", ["-DSARVEX_BUILD_SIMULATOR=OFF"]),
