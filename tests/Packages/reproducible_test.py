@@ -5,7 +5,7 @@ import shutil
 import time
 import unittest
 
-from support import DIST, LINUX_BUILD, LONG, ROOT, WINDOWS_BUILD, require, temporary_folder
+from support import DIST, LINUX_BUILD, LONG, ROOT, WINDOWS_BUILD, require, source_date, temporary_folder
 
 # What must not show in the packages. Times of files are counted in units of up to two seconds.
 OTHER_SETTINGS = {"TZ": "Asia/Tokyo", "LC_ALL": "C", "LANG": "C", "HOME": "/nonexistent", "USER": "somebody",
@@ -26,7 +26,7 @@ class ReproducibleTest(unittest.TestCase):
         time.sleep(2.1)
         out = temporary_folder(self) / "again"
         require("sh", "-c", 'umask 077; exec "$@"', "sh", ROOT / "scripts/package", "--out", out, LINUX_BUILD,
-                WINDOWS_BUILD, env=environment(**OTHER_SETTINGS))
+                WINDOWS_BUILD, env=environment(**OTHER_SETTINGS, SOURCE_DATE_EPOCH=str(source_date())))
         self.assertEqual(checksums(DIST), checksums(out))
 
     @unittest.skipUnless(LONG, "building everything twice takes minutes")

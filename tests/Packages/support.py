@@ -53,6 +53,12 @@ def temporary_folder(test):
     return folder
 
 
+def source_date():
+    """The time that the files of the packages carry."""
+    with tarfile.open(TAR) as archive:
+        return archive.next().mtime
+
+
 def unpack(package, folder):
     """Unpacks a package of any kind but the installer; the folder that its files are in is returned."""
     if package.suffix == ".deb":
