@@ -11,6 +11,8 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
         target_link_options(project_hardening INTERFACE
             -static -s -fstack-protector-strong -Wl,--no-insert-timestamp
             -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
+        # Two builds of one source are the same file, whenever they are made.
+        target_link_options(project_hardening INTERFACE -Wl,--no-insert-timestamp)
     else()
         target_link_options(project_hardening INTERFACE
             -s -Wl,-z,relro -Wl,-z,now -Wl,--gc-sections)
