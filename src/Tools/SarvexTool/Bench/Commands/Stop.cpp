@@ -35,7 +35,8 @@ std::string TryToStop(const DaemonAddress& address, double seconds) {
         const Answer answer =
             ReadAnswer(ExchangeBytes(address.host, address.port,
                                      BuildCommandRequest(address.host, {"-wifi-stop"}), timeout));
-        return answer.IsConfirmation() ? "" : "answers without the return code 0: " + answer.words;
+        return answer.IsConfirmation() ? ""
+                                       : "answers without the return code 0 (" + answer.words + ")";
     } catch (const ExchangeFailure& failure) {
         return failure.what();
     }

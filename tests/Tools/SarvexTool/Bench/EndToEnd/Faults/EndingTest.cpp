@@ -152,6 +152,16 @@ TEST_P(StopTest, IsConfirmedByReturnCode0Alone) {
             << result.err;
 }
 
+TEST(StopAnswerTest, TellsTheAnswerThatConfirmsNothing) {
+    RunProbe probe;
+    RestartableDaemon daemon;
+    daemon.Start({"--fault", "1:return-code=5"});
+    const EndToEnd::ProcessResult result =
+        probe.RunBench({"stop", "--daemon", daemon.Address(), "--stop-timeout", "2"});
+    EXPECT_EQ(result.err, "The transmitter may still be ON: the daemon at " + daemon.Address() +
+                              " answers without the return code 0 (Nothing was running.).\n");
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Answer, StopTest,
     testing::Values(StopCase{"Undisturbed", "2:close-before", 0},
