@@ -46,6 +46,7 @@ endif()
 # The pages, side by side as they are in the sources, so that their links hold.
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION . COMPONENT docs EXCLUDE_FROM_ALL)
 install(DIRECTORY docs DESTINATION . COMPONENT docs EXCLUDE_FROM_ALL)
+install(DIRECTORY packaging/completion DESTINATION . COMPONENT completion EXCLUDE_FROM_ALL)
 
 if(SARVEX_BUILD_SDK)
     include(cmake/Sdk.cmake)

@@ -9,7 +9,7 @@ import time
 import unittest
 import zipfile
 
-from support import (DEB, DIST, LINUX_BUILD, ROOT, TAR, TOP, VERSION, WINDOWS_BUILD, ZIP, source_date,
+from support import (DEB, DEV_DEB, DIST, LINUX_BUILD, ROOT, TAR, TOP, VERSION, WINDOWS_BUILD, ZIP, require, source_date,
                      temporary_folder, unpack)
 
 NOTICES = {"NOTICE.txt", "sbom-linux.cdx.json", "sbom-windows.cdx.json"}
@@ -34,7 +34,8 @@ def files_of(folder):
 class DistTest(unittest.TestCase):
     def test_it_holds_these_files(self):
         self.assertEqual(
-            {"SHA256SUMS", f"{TOP}-windows-x64.zip", f"{TOP}-linux-x64.tar.gz", f"sarvextool_{VERSION}_amd64.deb"},
+            {"SHA256SUMS", f"{TOP}-windows-x64.zip", f"{TOP}-linux-x64.tar.gz", f"sarvextool_{VERSION}_amd64.deb",
+             f"sarvextool-dev_{VERSION}_amd64.deb"},
             files_of(DIST))
 
     def test_the_checksums_are_right_and_name_each_file(self):
@@ -50,16 +51,19 @@ class ContentsTest(unittest.TestCase):
         cls.zip = unpack(ZIP, cls.folder / "zip")
         cls.tar = unpack(TAR, cls.folder / "tar")
         cls.deb = unpack(DEB, cls.folder / "deb")
+        cls.dev_deb = unpack(DEV_DEB, cls.folder / "dev-deb")
 
     def test_the_archives_hold_the_programs_their_configuration_examples_and_pages(self):
-        for folder, suffix, own_folders in [(self.zip, ".exe", set()), (self.tar, "", {"man"})]:
+        for folder, suffix, own_folders in [(self.zip, ".exe", {"sdk"}), (self.tar, "", {"man"})]:
             with self.subTest(folder=folder):
                 found = files_of(folder)
                 self.assertEqual(
                     programs(suffix) | NOTICES | PAGES | PORT_FILES | folder_of_sources("examples", "*.csv"),
                     {name for name in found if not name.startswith(tuple(f"{name}/" for name in WHOLE_FOLDERS))})
                 self.assertEqual(folder_of_sources("docs"), {name for name in found if name.startswith("docs/")})
-                self.assertEqual({"docs", "licences", *own_folders},
+                self.assertEqual(folder_of_sources("packaging/completion"),
+                                 {f"packaging/{name}" for name in found if name.startswith("completion/")})
+                self.assertEqual({"docs", "licences", "completion", *own_folders},
                                  {name.partition("/")[0] for name in found} & set(WHOLE_FOLDERS))
 
     def test_the_deb_holds_them_where_debian_looks_for_them(self):
@@ -67,6 +71,10 @@ class ContentsTest(unittest.TestCase):
         library = "usr/lib/sarvextool/"
         self.assertEqual(programs(""),
                          {name.removeprefix(library) for name in found if name.startswith(library)})
+        completions = self.deb / "usr/share/bash-completion/completions"
+        self.assertEqual({"SarvexToolBench", "sarvextool-vemo"}, files_of(completions))
+        self.assertEqual((completions / "SarvexToolBench").read_bytes(),
+                         (completions / "sarvextool-vemo").read_bytes())
         self.assertEqual(
             {"SarvexToolClient": "../lib/sarvextool/SarvexToolClient",
              "SarvexToolBench": "../lib/sarvextool/SarvexToolBench",
@@ -79,6 +87,19 @@ class ContentsTest(unittest.TestCase):
             {name.removeprefix(doc) for name in found
              if name.startswith(doc) and not name.startswith(f"{doc}licences/")})
 
+    def test_the_libraries_are_those_that_the_build_installs(self):
+        doc = "usr/share/doc/"
+        for build, found in [(WINDOWS_BUILD, self.zip / "sdk"), (LINUX_BUILD, self.dev_deb / "usr")]:
+            with self.subTest(build=build):
+                installed = self.folder / f"sdk of {found.name}"
+                require("cmake", "--install", build, "--prefix", installed, "--component", "sdk")
+                names = files_of(installed)
+                self.assertEqual(names, {name for name in files_of(found) if not name.startswith("share/")})
+                for name in names:
+                    self.assertEqual((installed / name).read_bytes(), (found / name).read_bytes(), name)
+        self.assertEqual({f"{doc}sarvextool-dev"}, {str(path.relative_to(self.dev_deb))
+                                                   for path in (self.dev_deb / doc).iterdir()})
+
     def test_all_packages_hold_the_same_programs(self):
         for name in programs(""):
             with self.subTest(name=name):
@@ -88,13 +109,17 @@ class ContentsTest(unittest.TestCase):
 
     def test_each_link_of_a_page_leads_to_a_file_of_the_package(self):
         link = re.compile(r"\]\((?!https?:|#)([^)#\s]+)")
-        for folder in [self.zip, self.tar, self.deb / "usr/share/doc/sarvextool"]:
+        pages = 0
+        for folder in [self.zip, self.tar, self.deb / "usr/share/doc/sarvextool",
+                       self.dev_deb / "usr/share/doc/sarvextool-dev"]:
             for page in folder.rglob("*.md"):
+                pages += 1
                 text = re.sub(r"^```.*?^```", "", page.read_text(), flags=re.MULTILINE | re.DOTALL)
                 for target in link.findall(text):
                     with self.subTest(page=page, target=target):
                         self.assertTrue((page.parent / target).resolve().is_relative_to(folder.resolve()))
                         self.assertTrue((page.parent / target).exists())
+        self.assertGreater(pages, 40)
 
     def test_no_file_tells_where_it_was_made(self):
         traces = {f"{ROOT}/src/", f"{ROOT}/build/", f"{LINUX_BUILD}/", f"{WINDOWS_BUILD}/"}
@@ -120,13 +145,14 @@ class ArchiveEntriesTest(unittest.TestCase):
         with zipfile.ZipFile(ZIP) as archive:
             self.assertEqual({moment[:6]}, {entry.date_time for entry in archive.infolist()})
 
-    def test_the_deb_has_the_same_time_and_belongs_to_root(self):
-        data = subprocess.Popen(["dpkg-deb", "--fsys-tarfile", DEB], stdout=subprocess.PIPE)
-        with data.stdout, tarfile.open(fileobj=data.stdout, mode="r|") as archive:
-            for entry in archive:
-                with self.subTest(name=entry.name):
-                    self.assertEqual((source_date(), 0, 0), (entry.mtime, entry.uid, entry.gid))
-        self.assertEqual(0, data.wait())
+    def test_the_debs_have_the_same_time_and_belong_to_root(self):
+        for package in [DEB, DEV_DEB]:
+            data = subprocess.Popen(["dpkg-deb", "--fsys-tarfile", package], stdout=subprocess.PIPE)
+            with data.stdout, tarfile.open(fileobj=data.stdout, mode="r|") as archive:
+                for entry in archive:
+                    with self.subTest(package=package.name, name=entry.name):
+                        self.assertEqual((source_date(), 0, 0), (entry.mtime, entry.uid, entry.gid))
+            self.assertEqual(0, data.wait())
 
 
 if __name__ == "__main__":

@@ -26,6 +26,7 @@ TOP = f"SarvexTool-{VERSION}"
 ZIP = DIST / f"{TOP}-windows-x64.zip"
 TAR = DIST / f"{TOP}-linux-x64.tar.gz"
 DEB = DIST / f"sarvextool_{VERSION}_amd64.deb"
+DEV_DEB = DIST / f"sarvextool-dev_{VERSION}_amd64.deb"
 WINE = [str(ROOT / "scripts/wine")]
 TIMEOUT = 240
 
