@@ -1,8 +1,5 @@
-"""Compiles and runs the programs of docs/sdk.md against an SDK that was moved after its install, for both
-targets, and tries what the SDK has to refuse.
-
-usage: sdk_test.py [LINUX_BUILD WINDOWS_BUILD]      (build/linux and build/windows unless others are given)
-"""
+"""The SDK: compiles and runs the programs of docs/sdk.md for both targets, far from where the SDK was
+installed, and tries what it has to refuse."""
 import concurrent.futures
 import os
 import pathlib
@@ -10,24 +7,20 @@ import re
 import shlex
 import shutil
 import subprocess
-import sys
 import tempfile
 import unittest
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "tests" / "EndToEnd"))
-import free_port  # noqa: E402
+from support import LINUX_BUILD, LONG, ROOT, VERSION, WINDOWS_BUILD, WINE, require, run, simulator, temporary_folder
 
 PAGE = (ROOT / "docs" / "sdk.md").read_text()
-BUILDS = [pathlib.Path(name).resolve() for name in sys.argv[1:3]]
-BUILDS = BUILDS or [ROOT / "build" / "linux", ROOT / "build" / "windows"]
+EXAMPLES = ROOT / "tests/Modules/xFramework/Core/Classes/Examples"
 PAGE_PREFIX = "/opt/sarvextool"
 WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Wshadow", "-Wconversion", "-Wsign-conversion",
             "-Wold-style-cast", "-Wnon-virtual-dtor", "-Werror"]
 PUBLIC = "// Public, stable within a major version"
 
-# What the simulated daemon answers in each of the ways that a client tells apart: information, an error
-# with its code, both sections in several parts, a code of its own, a code that is none, no answer at all.
+# What the simulated daemon answers in each of the ways that a client tells apart: information, and errors
+# with a code.
 COMMANDS = [
     ["-wifi-get-mac-type"],
     ["-wifi-mode", "a b"],
@@ -35,21 +28,7 @@ COMMANDS = [
     ["-wifi-get-mcc"],
     ["-wifi-band", "5"],
 ]
-FAULTS = ["return-code=7", "return-code=seven", "uncalibrated", "close-before", "crlf", "no-mark",
-          "long-line=5000"]
-
-
-def run(*command, **options):
-    return subprocess.run(command, capture_output=True, check=False, stdin=subprocess.DEVNULL,
-                          **options)
-
-
-def succeed(*command, **options):
-    done = run(*command, **options)
-    if done.returncode != 0:
-        raise AssertionError(f"{shlex.join(map(str, command))}\n{done.stdout.decode()}"
-                             f"{done.stderr.decode()}")
-    return done.stdout.decode()
+FAULTS = ["return-code=7", "uncalibrated", "close-before", "crlf", "no-mark", "long-line=5000"]
 
 
 def blocks(language):
@@ -57,14 +36,10 @@ def blocks(language):
     return re.findall(rf"^```{language}\n(.*?)^```$", PAGE, re.DOTALL | re.MULTILINE)
 
 
-def project_version():
-    text = (ROOT / "CMakeLists.txt").read_text()
-    return re.search(r"^project\(SarvexTool VERSION (\S+) ", text, re.MULTILINE)[1]
-
-
 COMMAND_PROGRAM, FRAMEWORK_PROGRAM = blocks("cpp")
 [CONSUMER] = blocks("cmake")
 CMAKE_LINUX, CMAKE_WINDOWS, PKG_CONFIG_LINUX, PKG_CONFIG_WINDOWS = blocks("sh")
+VEMO = LINUX_BUILD / "bin" / "vemo"
 READY_OUTPUT, NOT_READY_OUTPUT = [text for text in blocks("") if text.startswith("[OEMINFO]")]
 
 
@@ -86,10 +61,8 @@ class Sdk:
 
     @classmethod
     def setUpClass(cls):
-        folder = tempfile.TemporaryDirectory(prefix="sdk-")
-        cls.addClassCleanup(folder.cleanup)
-        cls.stage = pathlib.Path(folder.name)
-        succeed("cmake", "--install", cls.build, "--prefix", cls.stage / "first",
+        cls.stage = temporary_folder(cls)
+        require("cmake", "--install", cls.build, "--prefix", cls.stage / "first",
                 "--component", "sdk")
         cls.root = cls.stage / "moved elsewhere"
         (cls.stage / "first").rename(cls.root)
@@ -97,6 +70,9 @@ class Sdk:
         cls.libraries = cls.root / cls.library_folder
         cls.package = cls.libraries / "cmake" / "SarvexTool"
         cls.environment = {**os.environ, "PKG_CONFIG_LIBDIR": str(cls.libraries / "pkgconfig")}
+        cls.client = cls.stage / "client" / f"SarvexToolClient{cls.suffix}"
+        cls.client.parent.mkdir()
+        shutil.copy(cls.build / "bin" / cls.client.name, cls.client)
         cls.made = cls.make_programs()
 
     @classmethod
@@ -112,20 +88,25 @@ class Sdk:
         for lines in (cls.cmake_lines.replace(PAGE_PREFIX, root), cls.pkg_config_lines):
             # The shell takes the answer of pkg-config apart at blanks; eval heeds the backslashes there.
             script = re.sub(r"^(.*\$\(.*)$", r"""eval "\1" """, lines, flags=re.MULTILINE)
-            succeed("bash", "-ec", script, cwd=sources, env=cls.environment)
+            require("bash", "-ec", script, cwd=sources, env=cls.environment)
         program = f"command{cls.suffix}"
         return {"cmake": sources / cls.cmake_folder / program, "pkg-config": sources / program}
 
     def flags(self, package):
-        return shlex.split(succeed("pkg-config", "--cflags", "--libs", package,
-                                   env=self.environment))
+        return shlex.split(
+            require("pkg-config", "--cflags", "--libs", package, env=self.environment).decode())
 
-    def compile(self, name, text, *flags):
-        source = self.sources / f"{name}.cpp"
-        source.write_text(text)
+    def compile(self, name, text):
+        """An object file, made with the public headers of the framework alone."""
+        made = self.sources / f"{name}.o"
+        (self.sources / f"{name}.cpp").write_text(text)
+        require(self.compilers[0], "-std=c++20", *WARNINGS, "-c", self.sources / f"{name}.cpp", "-o", made,
+                "-I", self.includes)
+        return made
+
+    def link(self, name, *objects_and_flags):
         program = self.sources / f"{name}{self.suffix}"
-        succeed(self.compilers[0], "-std=c++20", *WARNINGS, source, "-o", program,
-                *self.link_options, *flags)
+        require(self.compilers[0], "-o", program, *self.link_options, *objects_and_flags)
         return program
 
     def run_program(self, program, *arguments):
@@ -136,96 +117,84 @@ class Sdk:
         self.assertEqual((0, b""), (done.returncode, done.stderr))
         return done.stdout.decode().replace(self.line_end, "\n")
 
-    def start_daemon(self, *options):
-        """Starts a simulated daemon; returns its port."""
-        port = free_port.reserve()
-        daemon = subprocess.Popen(
-            [BUILDS[0] / "bin" / "vemo", "--port", str(port), *options],
-            stdout=subprocess.PIPE, stdin=subprocess.DEVNULL)
-        self.addCleanup(daemon.stdout.close)
-        self.addCleanup(daemon.wait)
-        self.addCleanup(daemon.terminate)
-        self.assertTrue(daemon.stdout.readline().startswith(b"vemo listens on"))
-        return port
-
-    def stage_client(self):
-        client = self.stage / "client" / f"SarvexToolClient{self.suffix}"
-        if not client.exists():
-            client.parent.mkdir()
-            shutil.copy(self.build / "bin" / client.name, client)
-        return client
-
     def told_by(self, program, arguments, port):
-        (program.parent / "Socket.cfg").write_text(str(port))
+        (program.parent / "Socket.cfg").write_text(port)
         done = self.run_program(program, *arguments)
         return done.returncode, done.stdout, done.stderr
 
-    def told_by_both_and_client(self, arguments, *options):
-        """What the client and the page's two programs tell, each of a daemon of its own, for a fault
-        may be one of the first command."""
-        client = self.stage_client()
-        expected = self.told_by(client, arguments, self.start_daemon(*options))
-        for way, program in self.made.items():
-            told = self.told_by(program, arguments, self.start_daemon(*options))
-            yield way, expected, told
+    def told_by_client_and_programs(self, arguments, port):
+        """What the client tells; and, by the way it was made, what the page's program tells."""
+        programs = self.made.items()
+        return (self.told_by(self.client, arguments, port),
+                {way: self.told_by(program, arguments, port) for way, program in programs})
 
     def test_the_program_tells_what_the_client_tells(self):
         different = set()
-        for arguments in COMMANDS:
-            for way, expected, told in self.told_by_both_and_client(arguments):
-                with self.subTest(way=way, arguments=arguments):
-                    self.assertEqual(expected, told)
-                    different.add(told)
-        self.assertGreaterEqual(len(different), 4)
+        with simulator(VEMO) as (_, port):
+            for arguments in COMMANDS:
+                with self.subTest(arguments=arguments):
+                    expected, told = self.told_by_client_and_programs(arguments, port)
+                    self.assertEqual(dict.fromkeys(self.made, expected), told)
+                    different.add(expected)
+        self.assertEqual(len(COMMANDS), len(different))
 
     def test_the_program_takes_faulty_answers_as_the_client_does(self):
         for fault in FAULTS:
-            options = ["--fault", f"*:{fault}"]
-            for way, expected, told in self.told_by_both_and_client(COMMANDS[0], *options):
-                with self.subTest(way=way, fault=fault):
-                    if fault == "return-code=seven":
-                        # The client's code for an exception and its own words are the program's matter.
-                        self.assertEqual((b"", 1, b"invalid stoi argument"),
-                                         (told[1], told[0], told[2].rstrip()))
-                        self.assertEqual(b"", expected[1])
-                    else:
-                        self.assertEqual(expected, told)
+            with self.subTest(fault=fault), simulator(VEMO, "--fault", f"*:{fault}") as (_, port):
+                expected, told = self.told_by_client_and_programs(COMMANDS[0], port)
+                self.assertEqual(dict.fromkeys(self.made, expected), told)
+
+    def test_a_return_code_that_is_no_number_is_told_and_nothing_else(self):
+        with simulator(VEMO, "--fault", "*:return-code=seven") as (_, port):
+            told = self.told_by(self.made["cmake"], COMMANDS[0], port)
+        self.assertEqual((1, b"", b"invalid stoi argument"), (*told[:2], told[2].rstrip()))
 
     def test_the_program_prints_what_the_page_shows(self):
         [session] = blocks("session")
-        program = self.made["cmake"]
-        port = self.start_daemon()
         shown = ""
-        for line in re.findall(r"^\$ (.*)$", session, re.MULTILINE):
-            shown += f"$ {line}\n"
-            if line == "echo $?":
-                shown += f"{code}\n"
-                continue
-            name, *arguments = shlex.split(line)
-            self.assertEqual("./command", name)
-            code, out, err = self.told_by(program, arguments, port)
-            shown += (out + err).decode().replace(self.line_end, "\n")
+        with simulator(VEMO) as (_, port):
+            for line in re.findall(r"^\$ (.*)$", session, re.MULTILINE):
+                shown += f"$ {line}\n"
+                if line == "echo $?":
+                    shown += f"{code}\n"
+                    continue
+                name, *arguments = shlex.split(line)
+                self.assertEqual("./command", name)
+                code, out, err = self.told_by(self.made["cmake"], arguments, port)
+                shown += (out + err).decode().replace(self.line_end, "\n")
         self.assertEqual(session, shown)
 
-    def test_without_a_daemon_the_program_says_so(self):
-        told = self.told_by(self.made["cmake"], ["-wifi-get-mac-type"], free_port.reserve())
-        self.assertEqual((1, b"", b"Failed Creating socket"),
-                         (told[0], told[1], told[2].rstrip()))
+    def test_without_a_port_the_program_says_so(self):
+        told = self.told_by(self.made["cmake"], COMMANDS[0], "")
+        self.assertEqual((1, b"", b"Failed Creating socket"), (*told[:2], told[2].rstrip()))
 
     def test_the_framework_program_prints_what_the_page_shows(self):
-        program = self.compile("framework", FRAMEWORK_PROGRAM, *self.flags("sarvextool-framework"))
-        self.assertEqual(READY_OUTPUT, self.output_of(program))
+        made = self.compile("framework", FRAMEWORK_PROGRAM)
+        flags = self.flags("sarvextool-framework")
+        self.assertEqual(READY_OUTPUT, self.output_of(self.link("framework", made, *flags)))
+        # A link that names the libraries alone makes nothing ready.
+        flags.remove("-Wl,-u,SarvexToolStartUp")
+        self.assertEqual(NOT_READY_OUTPUT, self.output_of(self.link("not_ready", made, *flags)))
 
-    def test_a_link_that_names_the_libraries_alone_makes_nothing_ready(self):
-        flags = [flag for flag in self.flags("sarvextool-framework")
-                 if flag != "-Wl,-u,SarvexToolStartUp"]
-        program = self.compile("not_ready", FRAMEWORK_PROGRAM, *flags)
-        self.assertEqual(NOT_READY_OUTPUT, self.output_of(program))
+    def test_values_variables_factories_and_services_do_what_their_page_tells(self):
+        sources = sorted(EXAMPLES.glob("*.cpp"))
+        names = [source.stem for source in sources]
+        calls = "".join(f"std::cout << Examples::{name}() << std::endl;\n" for name in names)
+        # One file, for the headers are what takes long to compile. None of them is found in the tree.
+        text = "".join(f'#include "{source}"\n' for source in sources)
+        (self.sources / "examples.cpp").write_text(f"{text}#include <iostream>\nint main() {{\n{calls}}}\n")
+        program = self.link("examples", "-std=c++20", self.sources / "examples.cpp", "-iquote", ROOT,
+                            *self.flags("sarvextool-framework"))
+        results = self.output_of(program).splitlines()
+        self.assertEqual(len(names), len(results))
+        page = (ROOT / "docs" / "framework.md").read_text()
+        for name, result in zip(names, results):
+            with self.subTest(name=name):
+                self.assertIn(f"`{result}`", page)
 
     def test_the_version_is_that_of_the_project(self):
-        version = project_version()
-        major, minor, patch = map(int, version.split("."))
-        program = self.compile("version", f"""
+        major, minor, patch = map(int, VERSION.split("."))
+        made = self.compile("version", f"""
             #include <SarvexTool/Version.h>
             #include <iostream>
             static_assert(SARVEXTOOL_VERSION_MAJOR == {major} && SARVEXTOOL_VERSION_MINOR == {minor} &&
@@ -237,25 +206,25 @@ class Sdk:
             static_assert(SARVEXTOOL_VERSION_AT_LEAST({major}, 0, {patch + 1}) == ({minor} > 0));
             static_assert(SARVEXTOOL_VERSION_AT_LEAST({major - 1}, {minor + 1}, 0));
             int main() {{ std::cout << SARVEXTOOL_VERSION << std::endl; }}
-            """, *self.flags("sarvextool-framework"))
-        self.assertEqual(version + "\n", self.output_of(program))
+            """)
+        self.assertEqual(VERSION + "\n", self.output_of(self.link("version", made)))
         for package in ("sarvextool-framework", "sarvextool-client"):
-            self.assertEqual(version + "\n", succeed("pkg-config", "--modversion", package,
-                                                     env=self.environment))
+            self.assertEqual(VERSION.encode() + b"\n",
+                             require("pkg-config", "--modversion", package, env=self.environment))
 
     def test_each_header_compiles_alone_and_twice(self):
-        headers = [str(file.relative_to(self.includes)) for file in self.includes.rglob("*.h")]
+        headers = sorted(str(file.relative_to(self.includes)) for file in self.includes.rglob("*.h"))
         self.assertGreater(len(headers), 30)
 
         def errors(compiler, header):
             return subprocess.run(
-                [compiler, "-std=c++20", *WARNINGS, "-fsyntax-only", "-I", self.includes, "-x", "c++",
-                 "-"], input=f"#include <{header}>\n#include <{header}>\n", text=True,
-                capture_output=True, check=False).stderr
+                [compiler, "-std=c++20", *WARNINGS, "-fsyntax-only", "-I", self.includes, "-x", "c++", "-"],
+                input=f"#include <{header}>\n#include <{header}>\n", text=True, capture_output=True,
+                check=False).stderr
 
         with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
             jobs = {(compiler, header): pool.submit(errors, compiler, header)
-                    for compiler in self.compilers for header in sorted(headers)}
+                    for compiler in self.compilers[:None if LONG else 1] for header in headers}
         for (compiler, header), job in jobs.items():
             with self.subTest(compiler=compiler, header=header):
                 self.assertEqual("", job.result())
@@ -315,17 +284,16 @@ class Sdk:
             self.assertIn(text, told)
 
     def test_versions_of_the_same_major_number_are_found(self):
-        version = project_version()
-        major, minor, _ = map(int, version.split("."))
-        for asked in ["", f"{major}", f"{major}.0", version, f"{major}.0...{major}.99"]:
+        major, minor, _ = map(int, VERSION.split("."))
+        for asked in ["", f"{major}", f"{major}.0", VERSION, f"{major}.0...{major}.99"]:
             with self.subTest(asked=asked):
                 code, told = self.find_package(f"{asked} CONFIG REQUIRED")
                 self.assertEqual(0, code, told)
-                self.assertIn(f"found 1 {version}", told)
+                self.assertIn(f"found 1 {VERSION}", told)
         for asked in [f"{major + 1}.0", f"{major - 1}.9", f"{major}.{minor + 1}"]:
             with self.subTest(asked=asked):
                 self.assert_refused(self.find_package(f"{asked} CONFIG REQUIRED"),
-                                    'compatible with requested version', f"version: {version}")
+                                    'compatible with requested version', f"version: {VERSION}")
 
     def test_a_component_that_there_is_not_is_named(self):
         code, told = self.find_package("CONFIG REQUIRED COMPONENTS Framework Client")
@@ -350,7 +318,7 @@ class Sdk:
 
 
 class LinuxSdkTest(Sdk, unittest.TestCase):
-    build = BUILDS[0]
+    build = LINUX_BUILD
     compilers = ["g++", "clang++"]
     emulator = []
     suffix = ""
@@ -363,17 +331,18 @@ class LinuxSdkTest(Sdk, unittest.TestCase):
     system = "Linux"
     other_system = "Windows"
 
-    def test_clang_links_the_libraries(self):
+    def test_clang_compiles_and_links_it(self):
+        (self.sources / "by_clang.cpp").write_text(FRAMEWORK_PROGRAM)
         program = self.sources / "by_clang"
-        succeed("clang++", "-std=c++20", self.sources / "framework.cpp", "-o", program,
+        require("clang++", "-std=c++20", self.sources / "by_clang.cpp", "-o", program,
                 *self.flags("sarvextool-framework"))
         self.assertEqual(READY_OUTPUT, self.output_of(program))
 
 
 class WindowsSdkTest(Sdk, unittest.TestCase):
-    build = BUILDS[-1]
+    build = WINDOWS_BUILD
     compilers = ["x86_64-w64-mingw32-g++-posix"]
-    emulator = [ROOT / "scripts" / "wine"]
+    emulator = WINE
     suffix = ".exe"
     line_end = "\r\n"
     library_folder = "lib"
@@ -386,4 +355,4 @@ class WindowsSdkTest(Sdk, unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+    unittest.main()
