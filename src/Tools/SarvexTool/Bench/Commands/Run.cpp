@@ -199,9 +199,21 @@ std::optional<RunFacts> FactsOfUnstopped(const std::string& directory) {
     }
 }
 
+/// Stops what a run may have left on when it was killed, before its files are read, which takes
+/// seconds for a long one: a request to end would end the program in that time. The run itself
+/// stops the transmission once more, and keeps that in its files.
+void StopBeforeReading(const std::string& directory, const RunFacts& facts,
+                       Surroundings& surroundings) {
+    const OSAL::FileLock lock = TakeLock(RunFiles(directory).lock, "the run", Holder(directory));
+    const OSAL::FileLock daemonLock = LockDaemonAt(DaemonIn(facts), Absolute(directory));
+    StopAhead(DaemonIn(facts), facts.options.stopTimeout, surroundings);
+}
+
 int Resume(const RunArguments& arguments, Surroundings& surroundings) {
     const std::optional<RunFacts> unstopped = FactsOfUnstopped(*arguments.resume);
     try {
+        if (unstopped)
+            StopBeforeReading(*arguments.resume, *unstopped, surroundings);
         RunDirectory directory = RunDirectory::Resume(*arguments.resume, Holder(*arguments.resume));
         return GoOn(directory, arguments.progress, surroundings);
     } catch (const InUse&) {

@@ -1,5 +1,6 @@
 #include "Tools/SarvexTool/Bench/Commands/Stop.h"
 
+#include "Modules/xFramework/OSAL/Interruption.h"
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Daemon/Connection.h"
 #include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
@@ -83,6 +84,16 @@ int Stop(const StopOptions& options, Surroundings& surroundings) {
 
 int StopByHand(const DaemonAddress& address, double seconds, Surroundings& surroundings) {
     return Conclude(address, TryToStop(address, seconds), surroundings);
+}
+
+void StopAhead(const DaemonAddress& address, double seconds, Surroundings& surroundings) {
+    const OSAL::HeldInterruption held;
+    const std::string failure = TryToStop(address, seconds);
+    if (!OSAL::HeldInterruption::IsWanted())
+        return;
+    // The program ends here, with what is held.
+    Conclude(address, failure, surroundings);
+    surroundings.out.stream.flush();
 }
 
 Command AddStop(CLI::App& program) {

@@ -107,7 +107,7 @@ TEST_F(WaitingTest, DaemonThatGoesAndStaysAwayEndsTheRunWithItsStopMissed) {
     daemon.Start();
     const ProcessResult resumed = probe.RunBench({"run", "--resume", "run"});
     EXPECT_EQ(resumed.exitCode, 0) << resumed.out << resumed.err;
-    EXPECT_EQ(daemon.Exchanges(), "fmcSxS|xfmcrSx");
+    EXPECT_EQ(daemon.Exchanges(), "fmcSxS|xxfmcrSx");
     EXPECT_EQ(probe.Result(), wholeResult);
 }
 

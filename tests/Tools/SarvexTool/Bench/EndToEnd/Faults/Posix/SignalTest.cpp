@@ -198,7 +198,21 @@ TEST_F(SignalTest, KilledRunLeavesNoClientAndIsStoppedWhenItIsResumed) {
     WaitUntil("the client ends with the run",
               [&] { return !std::filesystem::exists("/proc/" + std::to_string(clients.front())); });
     EXPECT_EQ(probe.RunBench({"run", "--resume", "run"}).exitCode, 0);
-    EXPECT_EQ(daemon.Exchanges(), "fmcSxfmcSxSx");
+    EXPECT_EQ(daemon.Exchanges(), "fmcSxxfmcSxSx");
+}
+
+TEST_F(SignalTest, StopThatAKilledRunOwesIsAwaitedWhenResumingIsInterrupted) {
+    daemon.Start({"--fault", "4:no-answer", "--fault", "5:delay=2000"});
+    auto run = probe.Start(daemon.Address());
+    daemon.WaitForExchanges("fmcS");
+    run.reset();
+    Process resuming(BenchPath(), {"run", "--resume", "run"}, probe.Path(""));
+    daemon.WaitForExchanges("fmcSx");
+    resuming.Interrupt(terminate);
+    const ProcessResult result = resuming.Wait();
+    EXPECT_EQ(result.exitCode, -1) << "it was not ended by the signal: " << result.err;
+    EXPECT_EQ(result.out, "The daemon at " + daemon.Address() + " has confirmed the stop.\n");
+    EXPECT_EQ(daemon.Exchanges(), "fmcSx");
 }
 
 TEST_F(SignalTest, NothingIsSaidAfterTheTransmitterThatMayBeOn) {
