@@ -306,10 +306,11 @@ Command AddRun(CLI::App& program) {
     AddFileOptions(*app, *arguments);
     AddDaemonOptions(*app, *arguments);
     app->footer(
-        "What follows -- is the client's own first command. Exit code: 0 complete and all measured or, with limits, passed; 1 complete, but "
-        "something was not; 2 wrong usage, or a file that is wrong or cannot be read or "
-        "written; 3 ended early, to be resumed; 4 the last stop was not confirmed: the "
-        "transmitter may be on.");
+        "What follows -- is the client's own first command. Exit code: 0 complete and all measured "
+        "or, with limits, passed; 1 complete, but something was not, or ended by --fail-fast; 2 "
+        "wrong usage, a file that is wrong or cannot be read or written, or a daemon or folder in "
+        "use; 3 ended early, to be resumed; 4 the last stop was not confirmed: the transmitter may "
+        "be on.");
     return {app, [app, arguments](Surroundings& surroundings) {
                 return Run(*app, *arguments, surroundings);
             }};
