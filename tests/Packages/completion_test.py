@@ -1,8 +1,5 @@
-"""Tests the completion of the programs' command lines in a real bash, with and without the package
-bash-completion.
-
-usage: completion_test.py [PROGRAM_DIRECTORY]      (the programs for Linux; build/programs/bin without it)
-"""
+"""Tests the completion of the programs' command lines: in a real bash, with and without the package
+bash-completion; the script for PowerShell, which has not been run, by a grammar and by what it is made of."""
 import fcntl
 import os
 import pathlib
@@ -10,22 +7,22 @@ import pty
 import re
 import select
 import shlex
+import shutil
 import struct
-import subprocess
 import sys
-import tempfile
 import termios
 import time
 import unittest
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-PROGRAMS = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else ROOT / "build/programs/bin").resolve()
-SCRIPTS = ROOT / "packaging/completion"
-BASH_COMPLETION = pathlib.Path("/usr/share/bash-completion/bash_completion")
-sys.path.insert(0, str(ROOT / "packaging"))
-sys.dont_write_bytecode = True
+import support
+
+sys.path.insert(0, str(support.ROOT / "packaging"))
 import help_text  # noqa: E402
 
+PROGRAMS = support.LINUX_BUILD / "bin"
+SCRIPTS = support.ROOT / "packaging/completion"
+BASH_COMPLETION = pathlib.Path("/usr/share/bash-completion/bash_completion")
+GRAMMAR = pathlib.Path(__file__).parent / "powershell"
 SUBCOMMANDS = [entry.names[0] for entry in help_text.of(PROGRAMS / "SarvexToolBench")["subcommands"]]
 CALLS = {"SarvexToolBench": help_text.of(PROGRAMS / "SarvexToolBench"), "vemo": help_text.of(PROGRAMS / "vemo")}
 CALLS |= {f"SarvexToolBench {name}": help_text.of(PROGRAMS / "SarvexToolBench", name) for name in SUBCOMMANDS}
@@ -83,9 +80,7 @@ class BashTests:
 
     @classmethod
     def setUpClass(cls):
-        folder = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(folder.cleanup)
-        cls.folder = pathlib.Path(folder.name)
+        cls.folder = support.temporary_folder(cls)
         (cls.folder / "empty").mkdir()
         for file in FILES:
             path = cls.folder / "full" / file
@@ -260,5 +255,78 @@ class InstalledInBashTest(BashTests, unittest.TestCase):
         cls.bash.run(f"source {BASH_COMPLETION}")
 
 
+class PowerShellTest(unittest.TestCase):
+    maxDiff = None
+
+    @classmethod
+    def setUpClass(cls):
+        cls.script = SCRIPTS / "sarvextool.ps1"
+        cls.text = cls.script.read_text()
+        cls.reader = support.ROOT / "build/powershell"
+        shutil.copytree(GRAMMAR, cls.reader, dirs_exist_ok=True)
+        support.require("npm", "ci", "--silent", "--ignore-scripts", "--no-audit", "--no-fund", cwd=cls.reader)
+
+    def parse(self, script):
+        # The better compiler would work for half a minute on the grammar's one long function.
+        done = support.run("node", "--liftoff-only", "parse.mjs", script, cwd=self.reader)
+        return done.returncode, (done.stdout + done.stderr).decode()
+
+    def table(self, name):
+        """The entries of a table of the script, or its one text."""
+        block = re.search(rf"^    \${name} = (@\{{$.*?^    \}}$|.*?'$)", self.text, re.MULTILINE | re.DOTALL)[1]
+        block = re.sub(r"' \+\s+'", "", block)
+        entries = re.findall(r"^        '([\w-]*)' = '(.*)'$", block, re.MULTILINE)
+        return dict(entries) or block[1:-1]
+
+    def of_bash(self, call):
+        command = f"source '{SCRIPTS}/sarvextool.bash'; {call}"
+        return support.require("bash", "--norc", "--noprofile", "-c", command).decode().strip()
+
+    def test_it_is_powershell(self):
+        self.assertEqual((0, ""), self.parse(self.script))
+
+    def test_what_is_no_powershell_is_found(self):
+        for right, wrong in {"foreach ($item in": "foreach ($item on", "    if (": "    if ", "'--'": "'--"}.items():
+            with self.subTest(wrong=wrong):
+                self.assertIn(right, self.text)
+                script = support.temporary_folder(self) / "wrong.ps1"
+                script.write_text(self.text.replace(right, wrong, 1))
+                self.assertEqual(1, self.parse(script)[0])
+
+    def test_it_is_ascii_so_that_each_version_reads_the_same(self):
+        self.assertTrue(self.text.isascii())
+
+    def test_it_serves_each_name_of_the_programs(self):
+        names = re.search(r"-CommandName @\((.*?)\)", self.text, re.DOTALL)[1]
+        self.assertEqual({"SarvexToolBench", "SarvexToolBench.exe", "vemo", "vemo.exe", "sarvextool-vemo"},
+                         set(re.findall(r"'(.*?)'", names)))
+
+    def test_it_completes_what_the_script_for_bash_does(self):
+        options, arguments = self.table("benchOptions"), self.table("benchArguments")
+        self.assertEqual({"", *SUBCOMMANDS}, set(options))
+        self.assertEqual({"", *SUBCOMMANDS}, set(arguments))
+        for name in options:
+            with self.subTest(subcommand=name):
+                self.assertEqual(self.of_bash(f"_sarvextool_bench_options '{name}'"), options[name])
+                self.assertEqual(self.of_bash(f"_sarvextool_bench_argument '{name}'"), arguments[name])
+        self.assertEqual(self.of_bash("_sarvextool_vemo_options"), self.table("vemoOptions"))
+
+    def test_its_options_are_those_of_the_help(self):
+        tables = {f"SarvexToolBench {name}".strip(): text for name, text in self.table("benchOptions").items()}
+        tables["vemo"] = self.table("vemoOptions")
+        for call, sections in CALLS.items():
+            with self.subTest(call=call):
+                expected = {(name, bool(entry.argument)) for entry in sections["options"] for name in entry.names}
+                self.assertEqual(expected, {(word.split(":")[0], ":" in word) for word in tables[call].split()})
+
+    def test_its_faults_are_those_of_the_help(self):
+        expected = []
+        for entry in CALLS["vemo"]["faults"]:
+            name, argument = entry.names[0], entry.argument
+            expected += [name] if not argument.startswith("=") else []
+            expected += [f"{name}="] if argument else []
+        self.assertEqual(sorted(expected), sorted(self.table("faults").split()))
+
+
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+    unittest.main()
