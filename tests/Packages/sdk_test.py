@@ -1,16 +1,15 @@
-"""The SDK: compiles and runs the programs of docs/sdk.md for both targets, far from where the SDK was
-installed, and tries what it has to refuse."""
+"""The SDK in the packages for both systems: compiles and runs the programs of docs/sdk.md with it, and tries
+what it has to refuse."""
 import concurrent.futures
 import os
 import pathlib
 import re
 import shlex
-import shutil
 import subprocess
 import tempfile
 import unittest
 
-from support import LINUX_BUILD, LONG, ROOT, VERSION, WINDOWS_BUILD, WINE, require, run, simulator, temporary_folder
+from support import DEB, DEV_DEB, LONG, ROOT, VERSION, WINE, ZIP, require, run, simulator, temporary_folder, unpack
 
 PAGE = (ROOT / "docs" / "sdk.md").read_text()
 EXAMPLES = ROOT / "tests/Modules/xFramework/Core/Classes/Examples"
@@ -20,13 +19,14 @@ WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Wshadow", "-Wconversion", "-Wsig
 PUBLIC = "// Public, stable within a major version"
 
 # What the simulated daemon answers in each of the ways that a client tells apart: information, and errors
-# with a code.
+# with a code. The last one is channel 36 to a program whose framework is ready, and nothing to any other.
 COMMANDS = [
     ["-wifi-get-mac-type"],
     ["-wifi-mode", "a b"],
     ["-no-such-option"],
     ["-wifi-get-mcc"],
     ["-wifi-band", "5"],
+    ["-wifi-channel", "{uint16:0x24}"],
 ]
 FAULTS = ["return-code=7", "uncalibrated", "close-before", "crlf", "no-mark", "long-line=5000"]
 
@@ -39,14 +39,16 @@ def blocks(language):
 COMMAND_PROGRAM, FRAMEWORK_PROGRAM = blocks("cpp")
 [CONSUMER] = blocks("cmake")
 CMAKE_LINUX, CMAKE_WINDOWS, PKG_CONFIG_LINUX, PKG_CONFIG_WINDOWS = blocks("sh")
-VEMO = LINUX_BUILD / "bin" / "vemo"
 READY_OUTPUT, NOT_READY_OUTPUT = [text for text in blocks("") if text.startswith("[OEMINFO]")]
 
 
 class Sdk:
     """What is tested for one target."""
 
-    build: pathlib.Path
+    package_with_programs: pathlib.Path
+    programs_folder: str
+    package_with_sdk: pathlib.Path
+    sdk_folder: str
     compilers: list
     emulator: list
     suffix: str
@@ -62,17 +64,14 @@ class Sdk:
     @classmethod
     def setUpClass(cls):
         cls.stage = temporary_folder(cls)
-        require("cmake", "--install", cls.build, "--prefix", cls.stage / "first",
-                "--component", "sdk")
-        cls.root = cls.stage / "moved elsewhere"
-        (cls.stage / "first").rename(cls.root)
+        # Not where the packages want it to be, and below a name with a blank.
+        cls.root = unpack(cls.package_with_sdk, cls.stage / "of programmers") / cls.sdk_folder
         cls.includes = cls.root / "include" / "sarvextool"
         cls.libraries = cls.root / cls.library_folder
         cls.package = cls.libraries / "cmake" / "SarvexTool"
         cls.environment = {**os.environ, "PKG_CONFIG_LIBDIR": str(cls.libraries / "pkgconfig")}
-        cls.client = cls.stage / "client" / f"SarvexToolClient{cls.suffix}"
-        cls.client.parent.mkdir()
-        shutil.copy(cls.build / "bin" / cls.client.name, cls.client)
+        cls.programs = unpack(cls.package_with_programs, cls.stage / "of users") / cls.programs_folder
+        cls.client = cls.programs / f"SarvexToolClient{cls.suffix}"
         cls.made = cls.make_programs()
 
     @classmethod
@@ -122,6 +121,9 @@ class Sdk:
         done = self.run_program(program, *arguments)
         return done.returncode, done.stdout, done.stderr
 
+    def start_simulator(self, *options):
+        return simulator(*self.emulator, self.programs / "simulator" / f"vemo{self.suffix}", *options)
+
     def told_by_client_and_programs(self, arguments, port):
         """What the client tells; and, by the way it was made, what the page's program tells."""
         programs = self.made.items()
@@ -130,7 +132,7 @@ class Sdk:
 
     def test_the_program_tells_what_the_client_tells(self):
         different = set()
-        with simulator(VEMO) as (_, port):
+        with self.start_simulator() as (_, port):
             for arguments in COMMANDS:
                 with self.subTest(arguments=arguments):
                     expected, told = self.told_by_client_and_programs(arguments, port)
@@ -140,19 +142,19 @@ class Sdk:
 
     def test_the_program_takes_faulty_answers_as_the_client_does(self):
         for fault in FAULTS:
-            with self.subTest(fault=fault), simulator(VEMO, "--fault", f"*:{fault}") as (_, port):
+            with self.subTest(fault=fault), self.start_simulator("--fault", f"*:{fault}") as (_, port):
                 expected, told = self.told_by_client_and_programs(COMMANDS[0], port)
                 self.assertEqual(dict.fromkeys(self.made, expected), told)
 
     def test_a_return_code_that_is_no_number_is_told_and_nothing_else(self):
-        with simulator(VEMO, "--fault", "*:return-code=seven") as (_, port):
+        with self.start_simulator("--fault", "*:return-code=seven") as (_, port):
             told = self.told_by(self.made["cmake"], COMMANDS[0], port)
         self.assertEqual((1, b"", b"invalid stoi argument"), (*told[:2], told[2].rstrip()))
 
     def test_the_program_prints_what_the_page_shows(self):
         [session] = blocks("session")
         shown = ""
-        with simulator(VEMO) as (_, port):
+        with self.start_simulator() as (_, port):
             for line in re.findall(r"^\$ (.*)$", session, re.MULTILINE):
                 shown += f"$ {line}\n"
                 if line == "echo $?":
@@ -255,9 +257,9 @@ class Sdk:
             "cmake/SarvexTool/SarvexToolConfigVersion.cmake",
             "cmake/SarvexTool/SarvexToolTargets.cmake",
             "cmake/SarvexTool/SarvexToolTargets-release.cmake"}, found)
-        others = [file for file in self.root.rglob("*") if file.is_file() and
-                  not file.is_relative_to(self.libraries) and not file.is_relative_to(self.includes)]
-        self.assertEqual([], others)
+        folders = {file.relative_to(self.root).parts[0] for file in self.root.rglob("*") if file.is_file()}
+        # What Debian wants of every package is in share.
+        self.assertEqual({"include", "lib"}, folders - {"share"})
 
     def test_no_text_file_holds_the_path_of_the_build_or_of_the_install(self):
         for file in [*self.package.iterdir(), *(self.libraries / "pkgconfig").iterdir()]:
@@ -318,7 +320,10 @@ class Sdk:
 
 
 class LinuxSdkTest(Sdk, unittest.TestCase):
-    build = LINUX_BUILD
+    package_with_programs = DEB
+    programs_folder = "usr/lib/sarvextool"
+    package_with_sdk = DEV_DEB
+    sdk_folder = "usr"
     compilers = ["g++", "clang++"]
     emulator = []
     suffix = ""
@@ -340,7 +345,10 @@ class LinuxSdkTest(Sdk, unittest.TestCase):
 
 
 class WindowsSdkTest(Sdk, unittest.TestCase):
-    build = WINDOWS_BUILD
+    package_with_programs = ZIP
+    programs_folder = ""
+    package_with_sdk = ZIP
+    sdk_folder = "sdk"
     compilers = ["x86_64-w64-mingw32-g++-posix"]
     emulator = WINE
     suffix = ".exe"
