@@ -14,24 +14,24 @@ namespace {
 constexpr std::int32_t uncalibratedCode = 10;
 constexpr std::string_view endMark = "Done";
 
-/// The line after the last return-code marker; nothing where there is none.
-std::optional<std::string_view> CodeLine(std::string_view body) {
+/// What follows the last return-code marker that anything follows; nothing where there is none.
+std::optional<std::string_view> AfterMarker(std::string_view body) {
     constexpr std::string_view marker = "Sarvex tool RETURN CODE\n";
     for (std::size_t place = body.rfind(marker); place != std::string_view::npos;
          place = place == 0 ? std::string_view::npos : body.rfind(marker, place - 1)) {
         const std::string_view rest = body.substr(place + marker.size());
         if ((place == 0 || body[place - 1] == '\n') && !rest.empty())
-            return rest.substr(0, rest.find('\n'));
+            return rest;
     }
     return std::nullopt;
 }
 
 std::optional<std::int32_t> ExplicitCode(std::string_view body) {
-    const std::optional<std::string_view> line = CodeLine(body);
-    if (!line)
+    const std::optional<std::string_view> rest = AfterMarker(body);
+    if (!rest)
         return std::nullopt;
     try {
-        return Utilities::StringToInt(std::string(*line));
+        return Utilities::StringToInt(std::string(rest->substr(0, rest->find('\n'))));
     } catch (const std::logic_error&) {
         return std::nullopt;
     }
@@ -71,7 +71,8 @@ Answer ReadAnswer(std::string bytes) {
 }
 
 bool HasReturnCode(std::string_view body) {
-    return CodeLine(body).has_value();
+    const std::optional<std::string_view> rest = AfterMarker(body);
+    return rest && rest->find('\n') != std::string_view::npos;
 }
 
 std::string InOneLine(std::string_view text) {

@@ -33,7 +33,8 @@ struct Answer {
 /// Reads the bytes of an answer, with its HTTP head and its end mark if there are any.
 Answer ReadAnswer(std::string bytes);
 
-/// Whether there is a return code in the body of an answer, which may have been cut anywhere.
+/// Whether the body of an answer, which may have been cut anywhere, has a whole line with a return
+/// code: of a line without its end nobody knows whether digits are missing.
 bool HasReturnCode(std::string_view body);
 
 /// The lines of a text in one, without empty ones.

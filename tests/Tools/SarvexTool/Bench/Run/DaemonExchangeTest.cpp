@@ -103,7 +103,8 @@ TEST_F(DaemonExchangeTest, AReturnCodeIsAnAnswerWithoutTheMark) {
 TEST_F(DaemonExchangeTest, LessThanAReturnCodeIsLost) {
     for (const std::string& answer :
          {std::string("half"), std::string("Sarvex tool RETURN CODE"),
-          std::string("Sarvex tool RETURN CODE\n"), std::string("Sarvex tool RETURN CODE\r\n0\r\n"),
+          std::string("Sarvex tool RETURN CODE\n"), std::string("Sarvex tool RETURN CODE\n1"),
+          std::string("Sarvex tool RETURN CODE\r\n0\r\n"),
           std::string("a Sarvex tool RETURN CODE\n0\n"),
           std::string("Sarvex\0tool RETURN CODE\nSarvex tool RETURN CODE\n0\n", 48)}) {
         SCOPED_TRACE(answer);

@@ -56,12 +56,15 @@ TEST(AnswerTest, CodeThatIsNoNumberIsTold) {
     EXPECT_FALSE(ReadAnswer("Sarvex tool RETURN CODE\n12abc\nDone").isCodeUnreadable);
 }
 
-TEST(AnswerTest, ReturnCodeIsThereWhenItsLineHasBegun) {
-    EXPECT_TRUE(HasReturnCode("Sarvex tool RETURN CODE\n0"));
+TEST(AnswerTest, ReturnCodeIsThereWhenItsLineHasEnded) {
+    EXPECT_TRUE(HasReturnCode("Sarvex tool RETURN CODE\n0\n"));
+    EXPECT_FALSE(HasReturnCode("Sarvex tool RETURN CODE\n1"));
+    EXPECT_FALSE(HasReturnCode("Sarvex tool RETURN CODE\n-"));
     EXPECT_TRUE(HasReturnCode("one\nSarvex tool RETURN CODE\n0\n"));
     EXPECT_FALSE(HasReturnCode("one\nSarvex tool RETURN CODE\n"));
     EXPECT_FALSE(HasReturnCode("one\nSarvex tool RETURN CODE"));
     EXPECT_FALSE(HasReturnCode("one Sarvex tool RETURN CODE\n0"));
+    EXPECT_FALSE(HasReturnCode("Sarvex tool RETURN CODE\n0\nSarvex tool RETURN CODE\n1"));
     EXPECT_TRUE(HasReturnCode("Sarvex tool RETURN CODE\n0\nx Sarvex tool RETURN CODE\n"));
     EXPECT_FALSE(HasReturnCode(""));
 }
