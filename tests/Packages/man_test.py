@@ -130,6 +130,7 @@ class ManTest(unittest.TestCase):
             with self.subTest(page=page.name):
                 text = shown(page, 400)
                 self.assertNotIn("tests/", text)
+                self.assertNotIn(".md#", text)
                 self.assertNotRegex(text, r"```|\]\(|\*\*|<!--|^\s*\|")
 
     def test_each_line_fits_a_terminal_of_80_columns(self):
