@@ -161,7 +161,7 @@ _sarvextool_complete() {
 }
 
 _sarvextool_bench() {
-    local subcommand='' word taken candidate
+    local subcommand='' word taken candidate IFS=$' \t\n'
     local -a words options
     COMPREPLY=()
     _sarvextool_words
@@ -175,7 +175,7 @@ _sarvextool_bench() {
 }
 
 _sarvextool_vemo() {
-    local word taken
+    local word taken IFS=$' \t\n'
     local -a words options
     COMPREPLY=()
     _sarvextool_words

@@ -219,6 +219,14 @@ class BashTests:
             with self.subTest(name=name):
                 self.assertEqual({"--latency"}, self.completions(f"{name} --lat"))
 
+    def test_settings_of_the_shell_do_not_matter(self):
+        self.bash.run("saved=$IFS; IFS=-; set -u; shopt -s nullglob failglob nocasematch extglob")
+        self.addCleanup(self.bash.run, "IFS=$saved; set +u; shopt -u nullglob failglob nocasematch extglob")
+        self.assertEqual({"--fail-fast"}, self.completions("SarvexToolBench run --fail"))
+        self.assertEqual({"run"}, self.completions("SarvexToolBench ru"))
+        self.assertEqual({"3:crlf"}, self.completions("vemo --fault 3:cr"))
+        self.assertEqual({"plan.csv"}, self.completions("SarvexToolBench judge pl", "full"))
+
     def test_words_are_found_without_the_usual_word_breaks(self):
         self.bash.run("saved=$COMP_WORDBREAKS; COMP_WORDBREAKS=${COMP_WORDBREAKS//[=:]/}")
         self.addCleanup(self.bash.run, "COMP_WORDBREAKS=$saved")
