@@ -1,7 +1,9 @@
 """The archive for every Linux: its programs run in a tree that holds no library."""
+import os
+import re
 import unittest
 
-from support import TAR, TOP, VERSION, enter, run, simulator, temporary_folder, unpack
+from support import ROOT, TAR, TOP, VERSION, enter, require, run, simulator, temporary_folder, unpack
 
 
 class TarTest(unittest.TestCase):
@@ -42,6 +44,20 @@ class TarTest(unittest.TestCase):
             done = self.run_program("SarvexToolClient", "-exit")
             self.assertEqual((0, b""), (done.returncode, done.stderr))
             self.assertEqual(0, process.wait(60))
+
+    def test_the_lines_of_the_page_unpack_run_and_link_the_programs(self):
+        section = (ROOT / "docs/install.md").read_text().split("## Other Linux systems\n")[1].split("\n## ")[0]
+        lines = "".join(re.findall(r"^```\n(.*?)^```$", section, re.DOTALL | re.MULTILINE))
+        folder = temporary_folder(self)
+        for name in ["opt", "usr/local/bin"]:
+            (folder / name).mkdir(parents=True)
+        for name in ["/opt", "/usr/local/bin"]:
+            lines = lines.replace(name, f"{folder}{name}")
+        lines = lines.replace(TAR.name.replace(VERSION, "VERSION"), str(TAR)).replace("VERSION", VERSION)
+        told = require("bash", "-ec", f"{lines}complete -p SarvexToolBench; {folder}/usr/local/bin/SarvexToolBench -h",
+                       env=os.environ | {"MANPAGER": "cat", "MANROFFOPT": ""}).decode()
+        for words in [f"SarvexToolBench {VERSION}\n", "SarvexToolBench - ", "complete -", "Usage:"]:
+            self.assertIn(words, told)
 
 
 if __name__ == "__main__":
