@@ -77,16 +77,16 @@ TEST_F(RefusedRunTest, AFolderOrADaemonThatAnotherRunUses) {
     const std::unique_ptr<Process> first = tests.Start(tests.NewRun(daemon, "test.csv", "run"));
     ASSERT_TRUE(WaitForLines(*first, tests.Path("run/journal.jsonl"), 1)) << first->ErrSoFar();
     const std::string holder = "in use by process " + std::to_string(first->Id()) + ", since ";
-    ExpectRefusal(resume, "the run is " + holder);
+    ExpectRefusal(resume, "run: error: the run is " + holder);
     ExpectRefusal(tests.NewRun(daemon, "test.csv", "second"),
-                  "the daemon at 127.0.0.1 port " + daemon.Port() + " is " + holder);
+                  "127.0.0.1 port " + daemon.Port() + ": error: the daemon is " + holder);
     ExpectRefusal(tests.NewRun(daemon, "test.csv", "second"), "with the run in ");
     EXPECT_FALSE(std::filesystem::exists(tests.Path("second")));
     ExpectRefusal({"check", "test.csv", "--daemon", "127.0.0.1:" + daemon.Port()},
-                  "the daemon at 127.0.0.1 port " + daemon.Port() + " is " + holder);
+                  "127.0.0.1 port " + daemon.Port() + ": error: the daemon is " + holder);
     const ProcessResult stop = tests.Supervise({"stop", "--daemon", "127.0.0.1:" + daemon.Port()});
     EXPECT_EQ(stop.exitCode, 0) << stop.err;
-    EXPECT_THAT(stop.err, HasSubstr("A run goes on with this daemon and will transmit again"));
+    EXPECT_THAT(stop.err, HasSubstr("This daemon is in use, and the device may transmit again"));
     EXPECT_THAT(stop.err, HasSubstr(holder));
     ASSERT_FALSE(first->HasEnded()) << "the first run was over too early to be in the way";
     EXPECT_EQ(tests.Supervise(tests.NewRun(other, "test.csv", "second")).exitCode, 0);

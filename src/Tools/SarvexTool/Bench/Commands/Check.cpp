@@ -77,7 +77,7 @@ public:
             return;
         const DaemonAddress address = DaemonOf(*options.daemon);
         // The settings of a run that goes on must not change under it.
-        m_daemonLock.emplace(LockDaemonAt(address, "check"));
+        m_daemonLock.emplace(LockDaemonAt(address, ""));
         m_daemon.emplace(address, timeout);
     }
 

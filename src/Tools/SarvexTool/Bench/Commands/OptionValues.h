@@ -21,7 +21,7 @@ std::uint32_t NumberOf(const std::string& option, const std::string& text, std::
 DaemonAddress DaemonOf(const std::string& text);
 
 /// Has the lock of the daemon at an address as long as the result lives. The directory is that of
-/// the run, or what else somebody else is to be told. Throws InUse, which says who has it.
+/// the run, and empty for a command without one. Throws InUse, which says who has it.
 OSAL::FileLock LockDaemonAt(const DaemonAddress& address, const std::string& directory);
 
 } // namespace Bench

@@ -204,7 +204,8 @@ std::optional<RunFacts> FactsOfUnstopped(const std::string& directory) {
 /// stops the transmission once more, and keeps that in its files.
 void StopBeforeReading(const std::string& directory, const RunFacts& facts,
                        Surroundings& surroundings) {
-    const OSAL::FileLock lock = TakeLock(RunFiles(directory).lock, "the run", Holder(directory));
+    const OSAL::FileLock lock =
+        TakeLock(RunFiles(directory).lock, directory, "the run", Holder(directory));
     const OSAL::FileLock daemonLock = LockDaemonAt(DaemonIn(facts), Absolute(directory));
     StopAhead(DaemonIn(facts), facts.options.stopTimeout, surroundings);
 }

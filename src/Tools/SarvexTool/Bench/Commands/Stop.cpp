@@ -48,11 +48,11 @@ void WarnOfRun(const DaemonAddress& address, Surroundings& surroundings) {
     try {
         LockDaemonAt(address, "");
     } catch (const InUse& inUse) {
-        surroundings.err.stream << "A run goes on with this daemon and will transmit again; end it "
-                                   "with Ctrl-C in its console:\n";
+        surroundings.err.stream << "This daemon is in use, and the device may transmit again; end "
+                                   "that with Ctrl-C in its console:\n";
         PrintProblems(surroundings.err, inUse.File(), inUse.Problems());
     } catch (const std::exception& error) {
-        surroundings.err.stream << "Whether a run goes on with this daemon cannot be told: "
+        surroundings.err.stream << "Whether this daemon is in use cannot be told: "
                                 << MakeHarmless(error.what()) << "\n";
     }
 }

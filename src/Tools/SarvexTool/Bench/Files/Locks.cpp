@@ -11,8 +11,9 @@ namespace {
 
 /// In one line; the folder's name may hold anything.
 std::string InWords(const LockHolder& holder) {
-    return "process " + std::to_string(holder.processId) + ", since " + holder.since +
-           ", with the run in " + holder.directory;
+    const std::string words =
+        "process " + std::to_string(holder.processId) + ", since " + holder.since;
+    return holder.directory.empty() ? words : words + ", with the run in " + holder.directory;
 }
 
 /// What the holder has written; a holder that has just come may not have written yet.
@@ -46,17 +47,17 @@ std::string AsFileName(const std::string& text) {
 
 } // namespace
 
-OSAL::FileLock TakeLock(const std::string& file, const std::string& what,
+OSAL::FileLock TakeLock(const std::string& file, const std::string& name, const std::string& what,
                         const LockHolder& holder) {
     std::optional<OSAL::FileLock> lock = OSAL::FileLock::TryLock(file, InWords(holder));
     if (!lock)
-        throw InUse(file, what + " is in use by " + HolderOf(file));
+        throw InUse(name, what + " is in use by " + HolderOf(file));
     return std::move(*lock);
 }
 
 OSAL::FileLock LockDaemon(const std::string& host, std::uint16_t port, const LockHolder& holder) {
-    return TakeLock(DaemonLockFile(host, port),
-                    "the daemon at " + host + " port " + std::to_string(port), holder);
+    return TakeLock(DaemonLockFile(host, port), host + " port " + std::to_string(port),
+                    "the daemon", holder);
 }
 
 std::string DaemonLockFile(const std::string& host, std::uint16_t port) {

@@ -17,15 +17,17 @@ public:
 /// Who has something to himself, for the one who is refused.
 struct LockHolder {
     std::uint64_t processId = 0;
-    /// The folder of his run.
+    /// The folder of his run; empty for somebody without one.
     std::string directory;
     /// As UtcTime writes it.
     std::string since;
 };
 
-/// Has the lock of the file as long as the result lives. what is named when somebody else has it:
-/// "the run". Throws InUse then, and std::system_error.
-OSAL::FileLock TakeLock(const std::string& file, const std::string& what, const LockHolder& holder);
+/// Has the lock of the file as long as the result lives. When somebody else has it, throws InUse,
+/// which names what is locked and not the file, for that is of no use to anybody; std::system_error
+/// when it cannot be told.
+OSAL::FileLock TakeLock(const std::string& file, const std::string& name, const std::string& what,
+                        const LockHolder& holder);
 
 /// The same for a daemon, among all runs of this user on this host. The host is what the name of
 /// the daemon's host was resolved to.

@@ -176,7 +176,7 @@ RunDirectory RunDirectory::Create(const std::string& directory, const std::strin
     const RunFiles files(directory);
     RequireUnused(files, testFile);
     const bool isNewFolder = MakeFolder(directory);
-    OSAL::FileLock lock = TakeLock(files.lock, "the folder", holder);
+    OSAL::FileLock lock = TakeLock(files.lock, directory, "the folder", holder);
     // Another run may have come and gone in between.
     RequireUnused(files, testFile);
     RemoveKept(files);
@@ -196,7 +196,7 @@ RunDirectory RunDirectory::Resume(const std::string& directory, const LockHolder
     const RunFiles files(directory);
     if (!fs::exists(PathOf(files.facts)))
         throw BadInput(directory, "holds no run: run.json is missing");
-    OSAL::FileLock lock = TakeLock(files.lock, "the run", holder);
+    OSAL::FileLock lock = TakeLock(files.lock, directory, "the run", holder);
     RunFacts facts = ReadRunFacts(files.facts);
     RequireSameTestFile(files, facts.testFile);
     const JournalEntry last = CutJournal(files.journal);

@@ -21,7 +21,7 @@ std::string RefusalOf(Take take) {
     try {
         take();
     } catch (const InUse& inUse) {
-        return inUse.Problems().at(0).text;
+        return inUse.File() + ": " + inUse.Problems().at(0).text;
     }
     return "none";
 }
@@ -29,20 +29,30 @@ std::string RefusalOf(Take take) {
 TEST(LocksTest, TheSecondOneIsToldWhoTheFirstIs) {
     const TestSupport::TemporaryDirectory directory;
     const std::string file = directory.Path("run.lock");
-    std::optional<OSAL::FileLock> lock = TakeLock(file, "the run", holder);
-    EXPECT_EQ(RefusalOf([&] { TakeLock(file, "the run", {}); }),
-              "the run is in use by process 4711, since 2026-03-09T08:05:00.007Z, with the run in "
-              "/home/a b/runs/short");
+    std::optional<OSAL::FileLock> lock = TakeLock(file, "runs/x", "the run", holder);
+    EXPECT_EQ(
+        RefusalOf([&] { TakeLock(file, "runs/x", "the run", {}); }),
+        "runs/x: the run is in use by process 4711, since 2026-03-09T08:05:00.007Z, with the run in "
+        "/home/a b/runs/short");
     lock.reset();
-    EXPECT_EQ(RefusalOf([&] { TakeLock(file, "the run", {}); }), "none");
+    EXPECT_EQ(RefusalOf([&] { TakeLock(file, "runs/x", "the run", {}); }), "none");
 }
 
 TEST(LocksTest, AHolderWithoutAWordIsAnotherProcess) {
     const TestSupport::TemporaryDirectory directory;
     const std::string file = directory.Path("run.lock");
     const std::optional<OSAL::FileLock> lock = OSAL::FileLock::TryLock(file, "");
-    EXPECT_EQ(RefusalOf([&] { TakeLock(file, "the run", {}); }),
-              "the run is in use by another process");
+    EXPECT_EQ(RefusalOf([&] { TakeLock(file, "runs/x", "the run", {}); }),
+              "runs/x: the run is in use by another process");
+}
+
+TEST(LocksTest, AHolderWithoutARunIsToldWithoutOne) {
+    const TestSupport::TemporaryDirectory directory;
+    const std::string file = directory.Path("run.lock");
+    const OSAL::FileLock lock =
+        TakeLock(file, "runs/x", "the run", {.processId = 4711, .directory = "", .since = "now"});
+    EXPECT_EQ(RefusalOf([&] { TakeLock(file, "runs/x", "the run", {}); }),
+              "runs/x: the run is in use by process 4711, since now");
 }
 
 /// Addresses that no daemon has, for other tests may run meanwhile.
@@ -58,10 +68,11 @@ protected:
 
 TEST_F(DaemonLockTest, IsOfOneAddress) {
     const OSAL::FileLock lock = LockDaemon(host, 1, holder);
-    EXPECT_EQ(RefusalOf([&] { LockDaemon(host, 1, {}); }),
-              "the daemon at " + host +
-                  " port 1 is in use by process 4711, since 2026-03-09T08:05:00.007Z, with the run "
-                  "in /home/a b/runs/short");
+    EXPECT_EQ(
+        RefusalOf([&] { LockDaemon(host, 1, {}); }),
+        host +
+            " port 1: the daemon is in use by process 4711, since 2026-03-09T08:05:00.007Z, with the run "
+            "in /home/a b/runs/short");
     EXPECT_EQ(RefusalOf([&] { LockDaemon(host, 2, {}); }), "none");
 }
 

@@ -190,7 +190,7 @@ TEST_F(EndingTest, StopThatCannotLookForARunIsNotConfirmedAllTheSame) {
         probe.RunBench({"stop", "--daemon", daemon.Address()});
     std::filesystem::remove(lock);
     EXPECT_EQ(result.exitCode, 4) << result.out;
-    EXPECT_TRUE(result.err.starts_with("Whether a run goes on with this daemon cannot be told: "))
+    EXPECT_TRUE(result.err.starts_with("Whether this daemon is in use cannot be told: "))
         << result.err;
     EXPECT_NE(result.err.find("\nThe transmitter may still be ON: "), std::string::npos)
         << result.err;
