@@ -33,13 +33,15 @@ FAULTS = ["return-code=7", "uncalibrated", "close-before", "crlf", "no-mark", "l
 
 def blocks(language):
     """The code blocks of a language, in the order of the page."""
-    return re.findall(rf"^```{language}\n(.*?)^```$", PAGE, re.DOTALL | re.MULTILINE)
+    found = re.findall(r"^```(\w*)\n(.*?)^```$", PAGE, re.DOTALL | re.MULTILINE)
+    return [text for name, text in found if name == language]
 
 
-COMMAND_PROGRAM, FRAMEWORK_PROGRAM = blocks("cpp")
+COMMAND_PROGRAM, CLIENT_PROGRAM, FRAMEWORK_PROGRAM = blocks("cpp")
 [CONSUMER] = blocks("cmake")
 CMAKE_LINUX, CMAKE_WINDOWS, PKG_CONFIG_LINUX, PKG_CONFIG_WINDOWS = blocks("sh")
 READY_OUTPUT, NOT_READY_OUTPUT = [text for text in blocks("") if text.startswith("[OEMINFO]")]
+[CLIENT_OUTPUT] = [text for text in blocks("") if text.startswith("Mac Type")]
 
 
 class Sdk:
@@ -96,7 +98,7 @@ class Sdk:
             require("pkg-config", "--cflags", "--libs", package, env=self.environment).decode())
 
     def compile(self, name, text):
-        """An object file, made with the public headers of the framework alone."""
+        """An object file, made with the public headers alone."""
         made = self.sources / f"{name}.o"
         (self.sources / f"{name}.cpp").write_text(text)
         require(self.compilers[0], "-std=c++20", *WARNINGS, "-c", self.sources / f"{name}.cpp", "-o", made,
@@ -169,6 +171,12 @@ class Sdk:
     def test_without_a_port_the_program_says_so(self):
         told = self.told_by(self.made["cmake"], COMMANDS[0], "")
         self.assertEqual((1, b"", b"Failed Creating socket"), (*told[:2], told[2].rstrip()))
+
+    def test_the_client_object_tells_what_the_page_shows(self):
+        program = self.link("client", self.compile("client", CLIENT_PROGRAM), *self.flags("sarvextool-client"))
+        with self.start_simulator() as (_, port):
+            code, out, err = self.told_by(program, [], port)
+        self.assertEqual((0, CLIENT_OUTPUT, b""), (code, out.decode().replace(self.line_end, "\n"), err))
 
     def test_the_framework_program_prints_what_the_page_shows(self):
         made = self.compile("framework", FRAMEWORK_PROGRAM)
@@ -246,6 +254,13 @@ class Sdk:
         self.assertEqual(public | {"SarvexTool/Version.h"}, installed)
         for name in public:
             self.assertEqual((source / name).read_bytes(), (self.includes / name).read_bytes(), name)
+
+    def test_the_page_names_each_header_once(self):
+        rows = re.findall(r"^\| [^|]+ \| `([\w/]+)` \| (`\w+\.h`.*) \|$", PAGE, re.MULTILINE)
+        named = sorted(f"{folder}/{header}" for folder, headers in rows
+                       for header in re.findall(r"`(\w+\.h)`", headers.partition(";")[0]))
+        installed = {str(file.relative_to(self.includes)) for file in self.includes.rglob("*.h")}
+        self.assertEqual(sorted(installed - {"Modules/xFramework/OSAL/Socket.h"}), named)
 
     def test_the_files_beside_the_headers_are_these(self):
         found = {str(file.relative_to(self.libraries)) for file in self.libraries.rglob("*")
