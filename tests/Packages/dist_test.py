@@ -34,8 +34,8 @@ def files_of(folder):
 class DistTest(unittest.TestCase):
     def test_it_holds_these_files(self):
         self.assertEqual(
-            {"SHA256SUMS", f"{TOP}-windows-x64.zip", f"{TOP}-linux-x64.tar.gz", f"sarvextool_{VERSION}_amd64.deb",
-             f"sarvextool-dev_{VERSION}_amd64.deb"},
+            {"SHA256SUMS", f"{TOP}-windows-x64.zip", f"{TOP}-windows-x64.msi", f"{TOP}-linux-x64.tar.gz",
+             f"sarvextool_{VERSION}_amd64.deb", f"sarvextool-dev_{VERSION}_amd64.deb"},
             files_of(DIST))
 
     def test_the_checksums_are_right_and_name_each_file(self):

@@ -1,0 +1,229 @@
+"""The installer for Windows, with wine's msiexec: installed, run, upgraded and uninstalled."""
+import os
+import re
+import shutil
+import struct
+import unittest
+
+from support import DIST, ROOT, TOP, VERSION, ZIP, require, temporary_folder, unpack
+from wine_prefix import WinePrefix
+
+MSI = DIST / f"{TOP}-windows-x64.msi"
+MAKE_MSI = ROOT / "packaging/windows/make-msi"
+OLDER = "0.9.8"
+FOLDER = "Program Files/SarvexTool"
+ENVIRONMENT_KEY = r"HKLM\System\CurrentControlSet\Control\Session Manager\Environment"
+UNINSTALL_KEY = r"HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall"
+# What msiexec ends with.
+SUCCESS = 0
+# 1603, of which wine hands on the lowest eight bits.
+INSTALL_FAILURE = 1603 % 256
+REFUSAL = "A newer version of SarvexTool is installed. Uninstall it before you install this one."
+
+
+def set_version(path, version):
+    """Gives a program another version, in the numbers of its resources."""
+    major, minor, patch = map(int, version.split("."))
+    data = bytearray(path.read_bytes())
+    fixed = data.index(struct.pack("<II", 0xFEEF04BD, 0x10000))
+    struct.pack_into("<II", data, fixed + 8, major << 16 | minor, patch << 16)
+    path.write_bytes(data)
+
+
+def table(msi, name):
+    """The rows of a table, each as a dictionary."""
+    lines = require("msiinfo", "export", msi, name).decode().replace("\r", "").split("\n")
+    columns = lines[0].split("\t")
+    return [dict(zip(columns, line.split("\t"))) for line in lines[3:] if line]
+
+
+def contents(folder):
+    """The bytes of each file in a folder, by its path."""
+    return {path.relative_to(folder).as_posix(): path.read_bytes()
+            for path in folder.rglob("*") if path.is_file()}
+
+
+class MsiTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.work = temporary_folder(cls)
+        top = unpack(ZIP, cls.work)
+        shutil.rmtree(top / "sdk", ignore_errors=True)
+        cls.packed = contents(top)
+        cls.older_msi = cls.work / "older.msi"
+        cls.older_packed = cls.make_older(top)
+        cls.wine = WinePrefix(cls)
+        cls.registry_before = cls.wine.registry()
+        cls.files_before = cls.wine.files()
+
+    @classmethod
+    def make_older(cls, top):
+        """An installer of an older version: older programs and pages, one page fewer, another one more."""
+        older = cls.work / "older"
+        shutil.copytree(top, older)
+        for program in older.rglob("*.exe"):
+            set_version(program, OLDER)
+        (older / "README.md").write_text("What there was to say.")
+        (older / "docs/protocol.md").unlink()
+        (older / "docs/obsolete.md").write_text("No newer version has this page.")
+        (older / "obsolete").mkdir()
+        (older / "obsolete/page.md").write_text("Nor this folder.")
+        require(MAKE_MSI, older, cls.older_msi)
+        return contents(older)
+
+    def setUp(self):
+        self.addCleanup(self.uninstall_all)
+
+    def msiexec(self, *arguments):
+        return self.wine.run("msiexec", *arguments, "/qn").returncode
+
+    def install(self, msi, *properties, code=SUCCESS):
+        self.assertEqual(code, self.msiexec("/i", f"Z:{msi}", *properties))
+
+    def installed_versions(self):
+        """Product code and version of all that the system's list of programs shows of ours."""
+        listing = self.wine.run("reg", "query", UNINSTALL_KEY, "/s").stdout.decode()
+        return {code: re.search(r"DisplayVersion +REG_SZ +(\S+)", entry)[1]
+                for code, entry in re.findall(r"\\Uninstall\\(\{[-0-9A-F]+\})\r?\n(.*?)(?=\nHKEY|\Z)", listing, re.DOTALL)
+                if re.search(r"DisplayName +REG_SZ +SarvexTool\r?\n", entry)}
+
+    def uninstall_all(self):
+        for code in self.installed_versions():
+            self.msiexec("/x", code)
+        for folder in (FOLDER, "Tools"):
+            shutil.rmtree(self.wine.drive / folder, ignore_errors=True)
+
+    def path_entries(self):
+        return [entry for entry in self.wine.registry_value(ENVIRONMENT_KEY, "PATH").split(";") if entry]
+
+    def own_path_entries(self):
+        return [entry for entry in self.path_entries() if "sarvex" in entry.lower()]
+
+    def shortcuts(self):
+        return {path.stem: path.read_bytes() for path in self.wine.drive.rglob("*.lnk")
+                if path.parent.name == "SarvexTool" and path.parent.parent.name == "Programs"}
+
+    def test_all_but_the_sdk_is_installed_and_the_programs_run(self):
+        self.install(MSI)
+        self.assertEqual(self.packed, contents(self.wine.drive / FOLDER))
+        self.assertEqual([VERSION], list(self.installed_versions().values()))
+        code, = self.installed_versions()
+        self.assertEqual("C:\\Program Files\\SarvexTool\\",
+                         self.wine.registry_value(f"{UNINSTALL_KEY}\\{code}", "InstallLocation"))
+        # By its bare name, as from any command prompt; the simulated daemon has none there.
+        done = self.wine.run("cmd", "/c", "SarvexToolBench", "--version")
+        self.assertEqual((0, f"SarvexToolBench {VERSION}\n".encode()), (done.returncode, done.stdout))
+        self.assertNotEqual(0, self.wine.run("cmd", "/c", "vemo", "--version").returncode)
+        done = self.wine.run(self.wine.drive / FOLDER / "simulator/vemo.exe", "--version")
+        self.assertEqual((0, f"vemo {VERSION}\r\n".encode()), (done.returncode, done.stdout))
+
+    def test_the_path_gets_the_folder_of_the_programs_alone(self):
+        before = self.path_entries()
+        self.install(MSI)
+        self.assertEqual([*before, "C:\\Program Files\\SarvexTool\\"], self.path_entries())
+        self.uninstall_all()
+        self.assertEqual(before, self.path_entries())
+
+    def test_the_start_menu_gets_a_command_prompt_and_the_pages(self):
+        self.install(MSI)
+        shortcuts = self.shortcuts()
+        self.assertEqual(["SarvexTool Command Prompt", "SarvexTool Documentation"], sorted(shortcuts))
+        for name, words in [
+                ("SarvexTool Command Prompt",
+                 r'/K "set "PATH=C:\Program Files\SarvexTool\;%PATH%" & cd /d "%USERPROFILE%""'),
+                ("SarvexTool Documentation", "C:\\Program Files\\SarvexTool\\docs\\")]:
+            with self.subTest(name=name):
+                self.assertIn(words.encode("utf-16-le"), shortcuts[name])
+
+    def test_uninstalling_leaves_nothing(self):
+        self.install(MSI)
+        self.assertNotEqual(self.files_before, self.wine.files())
+        code, = self.installed_versions()
+        self.assertEqual(SUCCESS, self.msiexec("/x", code))
+        # The system keeps its folder of installers once it has made it.
+        self.assertLessEqual(self.wine.files() - self.files_before, {"windows/Installer"})
+        left = {line for line in self.wine.registry() - self.registry_before
+                if re.search(r"sarvex|" + re.escape(code[1:9]) + "|" + code[8:0:-1], line, re.IGNORECASE)}
+        self.assertEqual(set(), left)
+
+    def test_an_upgrade_keeps_what_users_edited_and_replaces_the_rest(self):
+        self.install(self.older_msi)
+        folder = self.wine.drive / FOLDER
+        self.assertEqual(self.older_packed, contents(folder))
+        own = {"Socket.cfg": b"9123", "simulator/Socket.cfg": b"9124", "SarvexToolCmds.txt": b"-wifi-stop\r\n",
+               "docs/notes of our own.txt": b"mine"}
+        for name, content in own.items():
+            (folder / name).write_bytes(content)
+            # As if copied from a bench that was set up long ago.
+            os.utime(folder / name, (1e9, 1e9))
+        self.install(MSI)
+        self.assertEqual({**self.packed, **own}, contents(folder))
+        self.assertFalse((folder / "obsolete").exists())
+        self.assertEqual([VERSION], list(self.installed_versions().values()))
+        self.assertEqual(["C:\\Program Files\\SarvexTool\\"], self.own_path_entries())
+        self.assertEqual(2, len(self.shortcuts()))
+        self.msiexec("/x", *self.installed_versions())
+        self.assertEqual({name: own[name] for name in ("SarvexToolCmds.txt", "docs/notes of our own.txt")},
+                         contents(folder))
+
+    def test_an_upgrade_goes_to_the_folder_of_the_older_version(self):
+        self.install(self.older_msi, r"INSTALLDIR=C:\Tools\Sarvex Tool")
+        folder = self.wine.drive / "Tools/Sarvex Tool"
+        (folder / "Socket.cfg").write_bytes(b"9123")
+        self.install(MSI)
+        self.assertEqual({**self.packed, "Socket.cfg": b"9123"}, contents(folder))
+        self.assertFalse((self.wine.drive / FOLDER).exists())
+        self.assertEqual(["C:\\Tools\\Sarvex Tool\\"], self.own_path_entries())
+
+    def test_an_older_version_is_refused_with_words(self):
+        self.install(MSI)
+        self.install(self.older_msi, code=INSTALL_FAILURE)
+        self.assertEqual(self.packed, contents(self.wine.drive / FOLDER))
+        self.assertEqual([VERSION], list(self.installed_versions().values()))
+        self.assertEqual([{"Condition": "Installed OR NOT WIX_DOWNGRADE_DETECTED", "Description": REFUSAL}],
+                         table(MSI, "LaunchCondition"))
+
+    def test_parts_can_be_left_out(self):
+        self.install(MSI, "ADDLOCAL=Programs")
+        self.assertEqual({name: content for name, content in self.packed.items()
+                          if not name.startswith("simulator/")}, contents(self.wine.drive / FOLDER))
+        self.assertEqual({}, self.shortcuts())
+        self.assertEqual([], self.own_path_entries())
+
+    def test_programs_have_their_versions_and_other_files_their_hashes(self):
+        # A program without its version would never be replaced by an upgrade.
+        hashed = {row["File_"] for row in table(MSI, "MsiFileHash")}
+        for row in table(MSI, "File"):
+            name = row["FileName"].rpartition("|")[2]
+            with self.subTest(name=name):
+                program = name.endswith(".exe")
+                self.assertEqual((f"{VERSION}.0", "1033") if program else ("", ""),
+                                 (row["Version"], row["Language"]))
+                self.assertEqual(not program, row["File"] in hashed)
+                short = row["FileName"].partition("|")[0]
+                self.assertRegex(short, r"^[^. ]{1,8}(\.[^. ]{1,3})?$")
+
+    def test_configuration_is_never_overwritten(self):
+        never_overwrite, is_64_bit = 128, 256
+        names = {row["Component_"]: row["FileName"] for row in table(MSI, "File")}
+        for row in table(MSI, "Component"):
+            with self.subTest(component=row["Component"]):
+                attributes = int(row["Attributes"])
+                self.assertTrue(attributes & is_64_bit)
+                self.assertEqual(names.get(row["Component"]) == "Socket.cfg", bool(attributes & never_overwrite))
+
+    def test_two_installers_of_the_same_files_are_identical(self):
+        environment = {**os.environ, "SOURCE_DATE_EPOCH": "1700000000"}
+        made = []
+        for name, moment in [("first", 1.5e9), ("second/in another folder", 1.6e9)]:
+            top = unpack(ZIP, self.work / name)
+            for path in top.rglob("*"):
+                os.utime(path, (moment, moment))
+            msi = self.work / name / "made.msi"
+            require(MAKE_MSI, top, msi, env=environment)
+            made.append(msi.read_bytes())
+        self.assertEqual(made[0], made[1])
+
+
+if __name__ == "__main__":
+    unittest.main()
