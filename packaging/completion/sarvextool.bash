@@ -1,6 +1,6 @@
 # Completion of SarvexToolBench and of the simulated daemon vemo, for bash 4 or later. Source this file,
-# or install it as /usr/share/bash-completion/completions/SarvexToolBench, with links to it beside it that
-# are named vemo and sarvextool-vemo. It does not need the package bash-completion.
+# or install it as /usr/share/bash-completion/completions/SarvexToolBench, with a link to it beside it for
+# each name of the simulated daemon. It does not need the package bash-completion.
 
 # The options of a subcommand, each with the kind of its value after a colon. Without a subcommand: those
 # that SarvexToolBench itself has.

@@ -1,6 +1,7 @@
 """Tests the completion of the programs' command lines: in a real bash, with and without the package
 bash-completion; the script for PowerShell, which has not been run, by a grammar and by what it is made of."""
 import fcntl
+import json
 import os
 import pathlib
 import pty
@@ -26,6 +27,9 @@ GRAMMAR = pathlib.Path(__file__).parent / "powershell"
 SUBCOMMANDS = [entry.names[0] for entry in help_text.of(PROGRAMS / "SarvexToolBench")["subcommands"]]
 CALLS = {"SarvexToolBench": help_text.of(PROGRAMS / "SarvexToolBench"), "vemo": help_text.of(PROGRAMS / "vemo")}
 CALLS |= {f"SarvexToolBench {name}": help_text.of(PROGRAMS / "SarvexToolBench", name) for name in SUBCOMMANDS}
+# What the script for PowerShell calls besides its own functions.
+CMDLETS = {"ForEach-Object", "Get-ChildItem", "Join-Path", "Register-ArgumentCompleter", "Select-Object",
+           "Test-Path", "Where-Object"}
 # What completes the values of an option where there are no files.
 CHOICES = {"KIND": {"text", "json"}, "WHICH:FAULT": {"*:", "text="}}
 FILES = ["plan.csv", "OLD.CSV", "two words.csv", "notes.txt", "junit.xml", "page.html", "verdict.json",
@@ -276,8 +280,13 @@ class PowerShellTest(unittest.TestCase):
 
     def parse(self, script):
         # The better compiler would work for half a minute on the grammar's one long function.
-        done = support.run("node", "--liftoff-only", "parse.mjs", script, cwd=self.reader)
-        return done.returncode, (done.stdout + done.stderr).decode()
+        return json.loads(support.require("node", "--liftoff-only", "parse.mjs", script, cwd=self.reader))
+
+    def parse_changed(self, old, new):
+        self.assertIn(old, self.text)
+        script = support.temporary_folder(self) / "changed.ps1"
+        script.write_text(self.text.replace(old, new, 1))
+        return self.parse(script)
 
     def table(self, name):
         """The entries of a table of the script, or its one text."""
@@ -291,15 +300,19 @@ class PowerShellTest(unittest.TestCase):
         return support.require("bash", "--norc", "--noprofile", "-c", command).decode().strip()
 
     def test_it_is_powershell(self):
-        self.assertEqual((0, ""), self.parse(self.script))
+        found = self.parse(self.script)
+        self.assertEqual([], found["problems"])
+        self.assertEqual(set(), set(found["commands"]) - set(found["functions"]) - CMDLETS)
+        self.assertEqual(set(), set(found["functions"]) - set(found["commands"]))
+        self.assertEqual(set(), (set(found["set"]) ^ set(found["used"])) - {"_", "null", "true", "false"})
 
     def test_what_is_no_powershell_is_found(self):
         for right, wrong in {"foreach ($item in": "foreach ($item on", "    if (": "    if ", "'--'": "'--"}.items():
             with self.subTest(wrong=wrong):
-                self.assertIn(right, self.text)
-                script = support.temporary_folder(self) / "wrong.ps1"
-                script.write_text(self.text.replace(right, wrong, 1))
-                self.assertEqual(1, self.parse(script)[0])
+                self.assertNotEqual([], self.parse_changed(right, wrong)["problems"])
+        self.assertIn("esle", self.parse_changed("    } else {", "    } esle {")["commands"])
+        self.assertIn("kindd", self.parse_changed("$name, $kind =", "$name, $kindd =")["set"])
+        self.assertIn("itme", self.parse_changed("$item.Name", "$itme.Name")["used"])
 
     def test_it_is_ascii_so_that_each_version_reads_the_same(self):
         self.assertTrue(self.text.isascii())
