@@ -39,7 +39,7 @@ class WholeDebian:
         if not kept.exists():
             made = kept.with_name("debian-tree.made")
             shutil.rmtree(made, ignore_errors=True)
-            require("debootstrap", "--variant=minbase", "stable", made, timeout=1200)
+            require("debootstrap", "--variant=minbase", "bookworm", made, timeout=1200)
             made.rename(kept)
         require("cp", "-a", kept, self.path)
 
