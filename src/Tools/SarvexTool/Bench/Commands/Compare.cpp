@@ -93,7 +93,7 @@ int Compare(const CompareOptions& options, Surroundings& surroundings) {
     differences = Compare(oldResult.run, newResult.run, tolerance);
     WriteOutputs(outputs, surroundings);
     PrintDifferences(ConsoleBeside(outputs, surroundings), compared);
-    return differences.all.empty() ? ExitCode::Fine : ExitCode::Found;
+    return differences.AreAlike() ? ExitCode::Fine : ExitCode::Found;
 }
 
 } // namespace
@@ -117,8 +117,8 @@ Command AddCompare(CLI::App& program) {
         ->type_name("FILE");
     app->add_option("--html", options->html, "Write an HTML page, - for standard output")
         ->type_name("FILE");
-    app->footer("Exit code: 0 alike, 1 different, 2 wrong usage, a file that cannot be read or "
-                "written, or two runs without any power.");
+    app->footer("Exit code: 0 alike, 1 different or a run that ended early, 2 wrong usage, a file "
+                "that cannot be read or written, or two runs without any power.");
     return {app, [options](Surroundings& surroundings) { return Compare(*options, surroundings); }};
 }
 

@@ -197,7 +197,9 @@ private:
 } // namespace
 
 Differences Compare(const RunResult& oldRun, const RunResult& newRun, Decimal tolerance) {
-    return Comparison(oldRun, newRun, tolerance).Make();
+    Differences differences = Comparison(oldRun, newRun, tolerance).Make();
+    differences.hasEndedEarly = oldRun.earlyEnd || newRun.earlyEnd;
+    return differences;
 }
 
 } // namespace Bench

@@ -56,6 +56,10 @@ struct Differences {
     /// such repeats. Rounded to a Decimal's digits: repeats of 10, 10.1 and 10.2 deviate by 0.1,
     /// and a change of 0.1 is within that.
     std::optional<double> noise;
+    /// Whether one of the runs ended early: what its other lines would have given nobody knows.
+    bool hasEndedEarly = false;
+
+    bool AreAlike() const { return all.empty() && !hasEndedEarly; }
 };
 
 /// Compares two runs whose texts were kept in one pool. Measurements are the same when all their

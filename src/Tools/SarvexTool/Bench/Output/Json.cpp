@@ -212,7 +212,7 @@ void WriteJson(std::ostream& stream, const ComparedRuns& compared) {
     WriteResult(json.Key("new"), compared.newResult);
     json.BreakLine();
     json.Key("tolerance").Number(compared.tolerance);
-    json.Key("alike").Bool(differences.all.empty());
+    json.Key("alike").Bool(differences.AreAlike());
     json.Key("pairs").Count(differences.pairs);
     json.Key("noise");
     if (differences.noise)

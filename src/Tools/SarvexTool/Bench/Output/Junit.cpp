@@ -99,7 +99,7 @@ public:
 
     /// A run that ended early is one more case, which failed.
     void Write(std::ostream& stream, const char* name,
-               const std::optional<EarlyEnd>& earlyEnd = std::nullopt) const {
+               const std::optional<EarlyEnd>& earlyEnd) const {
         const auto failures = static_cast<std::size_t>(std::count_if(
             m_cases.begin(), m_cases.end(), [](const Case& shown) { return shown.hasFailed; }));
         const std::size_t endFailures{earlyEnd.has_value()};
@@ -208,7 +208,7 @@ void WriteJunit(std::ostream& stream, const ComparedRuns& compared) {
                        PhraseOf(oldRun, newRun, difference) + " (" + Places(compared, difference) +
                            ")"};
     });
-    report.Write(stream, "compare");
+    report.Write(stream, "compare", newRun.earlyEnd ? newRun.earlyEnd : oldRun.earlyEnd);
 }
 
 std::string XmlText(std::string_view text) {

@@ -154,7 +154,8 @@ std::string Conclusion(const Differences& differences, Decimal tolerance) {
     const std::size_t count = differences.all.size();
     return (count == 0 ? "no difference" : Counted(count, "difference")) + ", " +
            Counted(differences.pairs, "measurement") + (differences.pairs == 1 ? " is" : " are") +
-           " in both runs; tolerance " + tolerance.ToText() + " dB";
+           " in both runs; tolerance " + tolerance.ToText() + " dB" +
+           (differences.hasEndedEarly ? "; not all lines were run" : "");
 }
 
 } // namespace
@@ -188,8 +189,9 @@ void PrintDifferences(const Console& console, const ComparedRuns& compared) {
         PrintDifference(console, compared, difference);
     if (!differences.all.empty())
         console.stream << "\n";
-    PrintConclusion(console, differences.all.empty(),
-                    differences.all.empty() ? "ALIKE" : "DIFFERENT",
+    const char* const sameSoFar = differences.hasEndedEarly ? "NOT COMPLETE" : "ALIKE";
+    PrintConclusion(console, differences.AreAlike(),
+                    differences.all.empty() ? sameSoFar : "DIFFERENT",
                     Conclusion(differences, compared.tolerance));
 }
 

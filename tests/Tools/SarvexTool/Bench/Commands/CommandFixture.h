@@ -32,11 +32,15 @@ protected:
 
     /// Makes the directory that of a supervised run that ended after one of two lines. The daemon
     /// has refused that line.
-    void CreateEarlyRun() const {
-        const std::string result = ResultOf("result.csv", "NA");
+    /// A run directory with one of two lines; power is chain A's, and a what the journal says of
+    /// it.
+    void CreateEarlyRun(const std::string& power = "NA",
+                        const std::string& a = R"({"outcome":"refused","text":"<No>"})") const {
+        const bool isAccepted = power != "NA";
+        const std::string result = ResultOf("result.csv", power);
         directory.Create("journal.jsonl",
-                         R"({"line":2,"accepted":false,"a":{"outcome":"refused","text":"<No>"},)"
-                         R"("b":{"outcome":"refused"},"csvEnd":)" +
+                         R"({"line":2,"accepted":)" + std::string(isAccepted ? "true" : "false") +
+                             R"(,"a":)" + a + R"(,"b":{"outcome":"refused"},"csvEnd":)" +
                              std::to_string(ReadBytes("result.csv").size()) +
                              R"(,"started":"2026-11-22T07:30:00Z","seconds":1.25})"
                              "\n");

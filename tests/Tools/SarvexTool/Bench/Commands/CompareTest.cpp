@@ -75,6 +75,21 @@ TEST_F(CompareTest, RunDirectoryTellsReasonsAndAnEarlyEnd) {
               std::string::npos);
 }
 
+TEST_F(CompareTest, RunsThatEndedEarlyAreNotAlike) {
+    CreateEarlyRun("10", R"({"outcome":"measured"})");
+    EXPECT_EQ(Run({"compare", directory.Path(), directory.Path("result.csv"), "--html",
+                   directory.Path("c.html"), "--json", directory.Path("c.json"), "--junit",
+                   directory.Path("c.xml")}),
+              1);
+    EXPECT_NE(out.str().find("NOT COMPLETE: no difference, 1 measurement is in both runs; "
+                             "tolerance 0.5 dB; not all lines were run\n"),
+              std::string::npos)
+        << out.str() << err.str();
+    EXPECT_NE(ReadBytes("c.html").find("<strong>Not complete</strong>"), std::string::npos);
+    EXPECT_NE(ReadBytes("c.json").find("\"alike\": false"), std::string::npos);
+    EXPECT_NE(ReadBytes("c.xml").find("<failure type=\"ended early\""), std::string::npos);
+}
+
 TEST_F(CompareTest, OutputsAreWritten) {
     const std::string older = ResultOf("old.csv", "10");
     EXPECT_EQ(Run({"compare", older, "-", "--json", directory.Path("c.json"), "--junit", "-"},

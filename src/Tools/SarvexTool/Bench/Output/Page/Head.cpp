@@ -68,8 +68,12 @@ Banner BannerOfBaseline(const PageBaseline& baseline) {
     const std::size_t count = baseline.differences.pairs;
     const std::string pairs = Measurements(count) + (count == 1 ? " is" : " are") + " in both runs";
     const std::string tolerance = baseline.tolerance.ToText() + " dB";
-    if (baseline.differences.all.empty())
+    if (baseline.differences.AreAlike())
         return {"pass", "Alike", pairs + ", and none differs by more than " + tolerance + "."};
+    if (baseline.differences.all.empty())
+        return {"fail", "Not complete",
+                "Of the lines that were run, none differs by more than " + tolerance + "; " +
+                    pairs + "."};
     return {"fail", "Different",
             Counted(baseline.differences.all.size(), "difference") +
                 ": powers that changed by more than " + tolerance + ", or are in one run only; " +
