@@ -44,37 +44,35 @@ class WindowsResourcesTest(unittest.TestCase):
         cls.paths = {path.stem: path for path in sorted(top.rglob("*.exe"))}
         cls.programs = {name: PeFile(path) for name, path in cls.paths.items()}
 
-    def each_program(self):
-        for name, program in self.programs.items():
-            with self.subTest(program=name):
-                yield name, program
-
     def test_all_programs_are_looked_at(self):
         self.assertEqual(sorted(DESCRIPTIONS), sorted(self.programs))
 
     def test_each_program_has_these_resources_and_no_other(self):
-        for _, program in self.each_program():
-            self.assertEqual(
-                {ICON: len(ICON_SIZES), GROUP_ICON: 1, VERSION_INFO: 1, MANIFEST: 1},
-                {kind: len(entries) for kind, entries in program.resources.items()})
+        for name, program in self.programs.items():
+            with self.subTest(program=name):
+                self.assertEqual(
+                    {ICON: len(ICON_SIZES), GROUP_ICON: 1, VERSION_INFO: 1, MANIFEST: 1},
+                    {kind: len(entries) for kind, entries in program.resources.items()})
 
     def test_the_version_is_that_of_the_package(self):
         numbers = (*map(int, VERSION.split(".")), 0)
-        for _, program in self.each_program():
-            self.assertEqual((numbers, numbers), program.fixed_version())
+        for name, program in self.programs.items():
+            with self.subTest(program=name):
+                self.assertEqual((numbers, numbers), program.fixed_version())
 
     def test_the_properties_name_program_product_and_version(self):
-        for name, program in self.each_program():
-            self.assertEqual(
-                {
-                    "FileDescription": DESCRIPTIONS[name],
-                    "FileVersion": VERSION,
-                    "InternalName": name,
-                    "OriginalFilename": f"{name}.exe",
-                    "ProductName": "SarvexTool",
-                    "ProductVersion": VERSION,
-                },
-                program.version_texts())
+        for name, program in self.programs.items():
+            with self.subTest(program=name):
+                self.assertEqual(
+                    {
+                        "FileDescription": DESCRIPTIONS[name],
+                        "FileVersion": VERSION,
+                        "InternalName": name,
+                        "OriginalFilename": f"{name}.exe",
+                        "ProductName": "SarvexTool",
+                        "ProductVersion": VERSION,
+                    },
+                    program.version_texts())
 
     def test_the_icon_is_the_drawing_in_all_sizes(self):
         folder = temporary_folder(self)
@@ -83,39 +81,44 @@ class WindowsResourcesTest(unittest.TestCase):
             image = folder / f"{size}.png"
             require("rsvg-convert", "--width", size, "--height", size, "--output", image, DRAWING)
             drawn[size] = png_pixels(image.read_bytes())
-        for _, program in self.each_program():
-            icon = program.icon()
-            self.assertEqual(ICON_SIZES, sorted(icon))
-            for size, image in icon.items():
-                width, height, pixels = png_pixels(image)
-                self.assertEqual((size, size), (width, height))
-                self.assertLessEqual(
-                    max(abs(one - other) for one, other in zip(pixels, drawn[size][2])), SAME_COLOUR,
-                    "packaging/windows/make-icon makes the icon from the drawing")
+        for name, program in self.programs.items():
+            with self.subTest(program=name):
+                icon = program.icon()
+                self.assertEqual(ICON_SIZES, sorted(icon))
+                for size, image in icon.items():
+                    width, height, pixels = png_pixels(image)
+                    self.assertEqual((size, size), (width, height))
+                    self.assertLessEqual(
+                        max(abs(one - other) for one, other in zip(pixels, drawn[size][2])), SAME_COLOUR,
+                        "packaging/windows/make-icon makes the icon from the drawing")
 
     def test_the_manifest_says_nothing_that_is_not_wanted(self):
-        for name, program in self.each_program():
-            root = ElementTree.fromstring(program.resources[MANIFEST][1])
-            identity = root.find(V1 + "assemblyIdentity")
-            self.assertEqual({"type": "win32", "processorArchitecture": "amd64",
-                              "name": f"SarvexTool.{name}", "version": f"{VERSION}.0"}, identity.attrib)
-            root.remove(identity)
-            expected = COMMON_MANIFEST + (LONG_PATHS if name == "SarvexToolBench" else [])
-            self.assertEqual(expected, [(element.tag, element.attrib) for element in root.iter()])
+        for name, program in self.programs.items():
+            with self.subTest(program=name):
+                root = ElementTree.fromstring(program.resources[MANIFEST][1])
+                identity = root.find(V1 + "assemblyIdentity")
+                self.assertEqual({"type": "win32", "processorArchitecture": "amd64",
+                                  "name": f"SarvexTool.{name}", "version": f"{VERSION}.0"}, identity.attrib)
+                root.remove(identity)
+                expected = COMMON_MANIFEST + (LONG_PATHS if name == "SarvexToolBench" else [])
+                self.assertEqual(expected, [(element.tag, element.attrib) for element in root.iter()])
 
     def test_long_paths_are_on_for_the_bench_program_alone(self):
-        for name, program in self.each_program():
-            root = ElementTree.fromstring(program.resources[MANIFEST][1])
-            self.assertEqual(["true"] if name == "SarvexToolBench" else [],
-                             [element.text for element in root.iter(SETTINGS + "longPathAware")])
+        for name, program in self.programs.items():
+            with self.subTest(program=name):
+                root = ElementTree.fromstring(program.resources[MANIFEST][1])
+                self.assertEqual(["true"] if name == "SarvexToolBench" else [],
+                                 [element.text for element in root.iter(SETTINGS + "longPathAware")])
 
     def test_no_program_tells_when_it_was_linked(self):
-        for _, program in self.each_program():
-            self.assertEqual(0, program.time_stamp)
+        for name, program in self.programs.items():
+            with self.subTest(program=name):
+                self.assertEqual(0, program.time_stamp)
 
     def test_the_programs_are_for_64_bit_windows(self):
-        for _, program in self.each_program():
-            self.assertEqual(0x8664, program.machine)
+        for name, program in self.programs.items():
+            with self.subTest(program=name):
+                self.assertEqual(0x8664, program.machine)
 
     def test_the_client_stays_below_two_mebibytes(self):
         self.assertLessEqual(self.paths["SarvexToolClient"].stat().st_size, 2 * 1024 * 1024)
