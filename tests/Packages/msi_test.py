@@ -84,7 +84,8 @@ class MsiTest(unittest.TestCase):
         """Product code and version of all that the system's list of programs shows of ours."""
         listing = self.wine.run("reg", "query", UNINSTALL_KEY, "/s").stdout.decode()
         return {code: re.search(r"DisplayVersion +REG_SZ +(\S+)", entry)[1]
-                for code, entry in re.findall(r"\\Uninstall\\(\{[-0-9A-F]+\})\r?\n(.*?)(?=\nHKEY|\Z)", listing, re.DOTALL)
+                for code, entry in re.findall(r"\\Uninstall\\(\{[-0-9A-F]+\})\r?\n(.*?)(?=\nHKEY|\Z)", listing,
+                                              re.DOTALL)
                 if re.search(r"DisplayName +REG_SZ +SarvexTool\r?\n", entry)}
 
     def uninstall_all(self):
