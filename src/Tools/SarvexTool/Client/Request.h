@@ -1,7 +1,7 @@
 #pragma once
 
-// Public, stable within a major version. Texts in, texts out; one thread at a time, for $(name) in
-// a text is expanded. Throws std::bad_alloc only.
+// Public, stable within a major version. Texts in, texts out; for several threads as long as no
+// variable changes, for $(name) in a text is expanded. Throws std::bad_alloc only.
 
 #include <string>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// Public, stable within a major version. For any thread, but where a text may hold $(name): one
-// thread at a time. A text that cannot be read is told by false, never thrown.
+// Public, stable within a major version. For several threads as long as no variable changes, for
+// $(name) in a text is expanded. A text that cannot be read is told by false, never thrown.
 
 #include "Modules/xFramework/Core/Classes/ElementTypes.h"
 #include "Modules/xFramework/Utilities/Format.h"

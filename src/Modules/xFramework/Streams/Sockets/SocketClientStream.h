@@ -2,7 +2,9 @@
 
 // Public, stable within a major version. A stream belongs to one thread at a time, several streams
 // to several threads; every operation blocks, without a time limit. It owns its socket. Errors are
-// raised as Utilities::Exception*.
+// raised as Utilities::Exception*. On Linux the first connection changes two settings of the
+// process: the limit of open files is raised to what the system allows, and names are looked up in
+// files and DNS only.
 
 #include "Modules/xFramework/Streams/Sockets/SocketStream.h"
 
