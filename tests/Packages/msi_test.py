@@ -5,7 +5,7 @@ import shutil
 import struct
 import unittest
 
-from support import DIST, ROOT, TOP, VERSION, ZIP, require, temporary_folder, unpack
+from support import DIST, ROOT, TOP, VERSION, WINE, ZIP, require, simulator, temporary_folder, unpack
 from wine_prefix import WinePrefix
 
 MSI = DIST / f"{TOP}-windows-x64.msi"
@@ -44,6 +44,8 @@ def contents(folder):
 
 
 class MsiTest(unittest.TestCase):
+    """What the tests below share: the installer, one of an older version, and a Windows."""
+
     @classmethod
     def setUpClass(cls):
         cls.work = temporary_folder(cls)
@@ -55,6 +57,7 @@ class MsiTest(unittest.TestCase):
         cls.wine = WinePrefix(cls)
         cls.registry_before = cls.wine.registry()
         cls.files_before = cls.wine.files()
+        cls.path_before = cls.path_entries()
 
     @classmethod
     def make_older(cls, top):
@@ -71,62 +74,81 @@ class MsiTest(unittest.TestCase):
         require(MAKE_MSI, older, cls.older_msi)
         return contents(older)
 
-    def setUp(self):
-        self.addCleanup(self.uninstall_all)
+    @classmethod
+    def msiexec(cls, *arguments):
+        return cls.wine.run("msiexec", *arguments, "/qn").returncode
 
-    def msiexec(self, *arguments):
-        return self.wine.run("msiexec", *arguments, "/qn").returncode
+    @classmethod
+    def install(cls, msi, *properties, code=SUCCESS):
+        found = cls.msiexec("/i", f"Z:{msi}", *properties)
+        if found != code:
+            raise AssertionError(f"msiexec ended with {found} in the place of {code}")
 
-    def install(self, msi, *properties, code=SUCCESS):
-        self.assertEqual(code, self.msiexec("/i", f"Z:{msi}", *properties))
-
-    def installed_versions(self):
+    @classmethod
+    def installed_versions(cls):
         """Product code and version of all that the system's list of programs shows of ours."""
-        listing = self.wine.run("reg", "query", UNINSTALL_KEY, "/s").stdout.decode()
+        listing = cls.wine.run("reg", "query", UNINSTALL_KEY, "/s").stdout.decode()
         return {code: re.search(r"DisplayVersion +REG_SZ +(\S+)", entry)[1]
                 for code, entry in re.findall(r"\\Uninstall\\(\{[-0-9A-F]+\})\r?\n(.*?)(?=\nHKEY|\Z)", listing,
                                               re.DOTALL)
                 if re.search(r"DisplayName +REG_SZ +SarvexTool\r?\n", entry)}
 
-    def uninstall_all(self):
-        for code in self.installed_versions():
-            self.msiexec("/x", code)
+    @classmethod
+    def uninstall_all(cls):
+        for code in cls.installed_versions():
+            cls.msiexec("/x", code)
         for folder in (FOLDER, "Tools"):
-            shutil.rmtree(self.wine.drive / folder, ignore_errors=True)
+            shutil.rmtree(cls.wine.drive / folder, ignore_errors=True)
 
-    def path_entries(self):
-        return [entry for entry in self.wine.registry_value(ENVIRONMENT_KEY, "PATH").split(";") if entry]
+    @classmethod
+    def path_entries(cls):
+        return [entry for entry in cls.wine.registry_value(ENVIRONMENT_KEY, "PATH").split(";") if entry]
 
-    def own_path_entries(self):
-        return [entry for entry in self.path_entries() if "sarvex" in entry.lower()]
+    @classmethod
+    def own_path_entries(cls):
+        return [entry for entry in cls.path_entries() if "sarvex" in entry.lower()]
 
-    def shortcuts(self):
-        return {path.stem: path.read_bytes() for path in self.wine.drive.rglob("*.lnk")
+    @classmethod
+    def shortcuts(cls):
+        return {path.stem: path.read_bytes() for path in cls.wine.drive.rglob("*.lnk")
                 if path.parent.name == "SarvexTool" and path.parent.parent.name == "Programs"}
 
-    def test_all_but_the_sdk_is_installed_and_the_programs_run(self):
-        self.install(MSI)
+
+class InstalledTest(MsiTest):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        cls.install(MSI)
+
+    def test_all_but_the_sdk_is_there(self):
         self.assertEqual(self.packed, contents(self.wine.drive / FOLDER))
-        self.assertEqual([VERSION], list(self.installed_versions().values()))
-        code, = self.installed_versions()
+
+    def test_the_system_lists_it(self):
+        (code, version), = self.installed_versions().items()
+        self.assertEqual(VERSION, version)
         self.assertEqual("C:\\Program Files\\SarvexTool\\",
                          self.wine.registry_value(f"{UNINSTALL_KEY}\\{code}", "InstallLocation"))
-        # By its bare name, as from any command prompt; the simulated daemon has none there.
+
+    def test_the_programs_are_found_by_their_names_but_the_simulated_daemon_is_not(self):
         done = self.wine.run("cmd", "/c", "SarvexToolBench", "--version")
         self.assertEqual((0, f"SarvexToolBench {VERSION}\n".encode()), (done.returncode, done.stdout))
         self.assertNotEqual(0, self.wine.run("cmd", "/c", "vemo", "--version").returncode)
-        done = self.wine.run(self.wine.drive / FOLDER / "simulator/vemo.exe", "--version")
-        self.assertEqual((0, f"vemo {VERSION}\r\n".encode()), (done.returncode, done.stdout))
 
-    def test_the_path_gets_the_folder_of_the_programs_alone(self):
-        before = self.path_entries()
-        self.install(MSI)
-        self.assertEqual([*before, "C:\\Program Files\\SarvexTool\\"], self.path_entries())
-        self.uninstall_all()
-        self.assertEqual(before, self.path_entries())
+    def test_the_programs_run(self):
+        folder = self.wine.drive / FOLDER
+        port_file = folder / "Socket.cfg"
+        self.addCleanup(port_file.write_bytes, port_file.read_bytes())
+        with simulator("env", *self.wine.settings(), *WINE, folder / "simulator/vemo.exe") as (process, port):
+            port_file.write_text(port)
+            done = self.wine.run("cmd", "/c", "SarvexToolClient", "-wifi-band", "5", "-wifi-channel", "36")
+            self.assertEqual((0, b"Band: 5\r\nChannel: 36\r\n", b""), (done.returncode, done.stdout, done.stderr))
+            self.assertEqual(0, self.wine.run("cmd", "/c", "SarvexToolClient", "-exit").returncode)
+            self.assertEqual(0, process.wait(60))
 
-    def test_the_start_menu_gets_a_command_prompt_and_the_pages(self):
-        self.install(MSI)
+    def test_the_path_has_the_folder_of_the_programs_alone_at_its_end(self):
+        self.assertEqual([*self.path_before, "C:\\Program Files\\SarvexTool\\"], self.path_entries())
+
+    def test_the_start_menu_has_a_command_prompt_and_the_pages(self):
         shortcuts = self.shortcuts()
         self.assertEqual(["SarvexTool Command Prompt", "SarvexTool Documentation"], sorted(shortcuts))
         for name, words in [
@@ -136,11 +158,24 @@ class MsiTest(unittest.TestCase):
             with self.subTest(name=name):
                 self.assertIn(words.encode("utf-16-le"), shortcuts[name])
 
+    def test_an_older_version_is_refused_with_words(self):
+        self.install(self.older_msi, code=INSTALL_FAILURE)
+        self.assertEqual(self.packed, contents(self.wine.drive / FOLDER))
+        self.assertEqual([VERSION], list(self.installed_versions().values()))
+        self.assertEqual([{"Condition": "Installed OR NOT WIX_DOWNGRADE_DETECTED", "Description": REFUSAL}],
+                         table(MSI, "LaunchCondition"))
+
+
+class ChangesTest(MsiTest):
+    def setUp(self):
+        self.addCleanup(self.uninstall_all)
+
     def test_uninstalling_leaves_nothing(self):
         self.install(MSI)
         self.assertNotEqual(self.files_before, self.wine.files())
         code, = self.installed_versions()
         self.assertEqual(SUCCESS, self.msiexec("/x", code))
+        self.assertEqual(self.path_before, self.path_entries())
         # The system keeps its folder of installers once it has made it.
         self.assertLessEqual(self.wine.files() - self.files_before, {"windows/Installer"})
         left = {line for line in self.wine.registry() - self.registry_before
@@ -176,14 +211,6 @@ class MsiTest(unittest.TestCase):
         self.assertFalse((self.wine.drive / FOLDER).exists())
         self.assertEqual(["C:\\Tools\\Sarvex Tool\\"], self.own_path_entries())
 
-    def test_an_older_version_is_refused_with_words(self):
-        self.install(MSI)
-        self.install(self.older_msi, code=INSTALL_FAILURE)
-        self.assertEqual(self.packed, contents(self.wine.drive / FOLDER))
-        self.assertEqual([VERSION], list(self.installed_versions().values()))
-        self.assertEqual([{"Condition": "Installed OR NOT WIX_DOWNGRADE_DETECTED", "Description": REFUSAL}],
-                         table(MSI, "LaunchCondition"))
-
     def test_parts_can_be_left_out(self):
         self.install(MSI, "ADDLOCAL=Programs")
         self.assertEqual({name: content for name, content in self.packed.items()
@@ -191,6 +218,8 @@ class MsiTest(unittest.TestCase):
         self.assertEqual({}, self.shortcuts())
         self.assertEqual([], self.own_path_entries())
 
+
+class TablesTest(unittest.TestCase):
     def test_programs_have_their_versions_and_other_files_their_hashes(self):
         # A program without its version would never be replaced by an upgrade.
         hashed = {row["File_"] for row in table(MSI, "MsiFileHash")}
@@ -215,12 +244,13 @@ class MsiTest(unittest.TestCase):
 
     def test_two_installers_of_the_same_files_are_identical(self):
         environment = {**os.environ, "SOURCE_DATE_EPOCH": "1700000000"}
+        work = temporary_folder(self)
         made = []
         for name, moment in [("first", 1.5e9), ("second/in another folder", 1.6e9)]:
-            top = unpack(ZIP, self.work / name)
+            top = unpack(ZIP, work / name)
             for path in top.rglob("*"):
                 os.utime(path, (moment, moment))
-            msi = self.work / name / "made.msi"
+            msi = work / name / "made.msi"
             require(MAKE_MSI, top, msi, env=environment)
             made.append(msi.read_bytes())
         self.assertEqual(made[0], made[1])

@@ -10,16 +10,15 @@ from support import ROOT, WINE, require, run
 BUILD = ROOT / "build"
 PRISTINE = BUILD / "wine-pristine"
 
+# What is installed must not turn up in the menus of whoever runs the tests.
+OVERRIDES = {"WINEDLLOVERRIDES": "mscoree,mshtml=;winemenubuilder.exe=d"}
+
 
 class WinePrefix:
     """A copy of a fresh prefix; it goes with the test or the class of tests, and so do its processes."""
 
     def __init__(self, test):
-        self.environment = {
-            **os.environ,
-            # What is installed must not turn up in the menus of whoever runs the tests.
-            "WINEDLLOVERRIDES": "mscoree,mshtml=;winemenubuilder.exe=d",
-            "WINEPREFIX": str(PRISTINE)}
+        self.environment = {**os.environ, **OVERRIDES, "WINEPREFIX": str(PRISTINE)}
         if not (PRISTINE / ".ready").exists():
             require(*WINE, env=self.environment)
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="wine-", dir=BUILD))
@@ -30,6 +29,10 @@ class WinePrefix:
         shutil.copytree(PRISTINE, self.folder, symlinks=True, dirs_exist_ok=True, copy_function=link)
         self.drive = self.folder / "drive_c"
         add_cleanup(self.stop)
+
+    def settings(self):
+        """For env, before a command that is to run in it."""
+        return [f"{name}={self.environment[name]}" for name in (*OVERRIDES, "WINEPREFIX")]
 
     def run(self, *command, **options):
         return run(*WINE, *command, env=self.environment, **options)
