@@ -4,7 +4,7 @@ import re
 import shutil
 import unittest
 
-from support import DEB, DIST, LONG, ROOT, VERSION, enter, require, run, simulator, temporary_folder
+from support import DEB, DEV_DEB, DIST, LONG, ROOT, VERSION, enter, require, run, simulator, temporary_folder
 
 OLD_VERSION = "0.9.0"
 FOLDER = "usr/lib/sarvextool"
@@ -154,6 +154,15 @@ class DebTest(unittest.TestCase):
         self.file("vemo").write_text("the real daemon")
         self.tree.dpkg("--purge", "sarvextool")
         self.assertEqual({f"{FOLDER}/vemo"}, self.files() - self.before)
+
+
+    def test_the_libraries_are_a_package_of_their_own(self):
+        self.tree.install(DEV_DEB)
+        added = self.files() - self.before
+        self.assertIn("usr/lib/x86_64-linux-gnu/libsarvextool-client.a", added)
+        self.assertEqual(set(), {name for name in added if name.startswith((FOLDER, "usr/bin/"))})
+        self.tree.dpkg("--purge", "sarvextool-dev")
+        self.assertEqual(self.before, self.files())
 
 
 class PackagesTest(unittest.TestCase):
