@@ -10,6 +10,7 @@ from support import DIST, ROOT, TOP, WINE, ZIP, require, run, temporary_folder, 
 
 SIGN = ROOT / "packaging/windows/sign"
 MSI = DIST / f"{TOP}-windows-x64.msi"
+TOKEN_MODULE = "/usr/lib/softhsm/libsofthsm2.so"
 PASSWORD = "a password, with blanks"
 # Another time than now, at which certificates that are made today are valid: the beginning of 2030.
 MOMENT = "1893456000"
@@ -82,6 +83,7 @@ class SigningTest(unittest.TestCase):
         cls.pem = {"SARVEX_SIGN_CERTIFICATE": str(cls.folder / "chain.pem"),
                    "SARVEX_SIGN_KEY": str(cls.folder / "signer.key"),
                    "SARVEX_SIGN_PASSWORD_FILE": str(cls.folder / "password")}
+        cls.token = cls.make_token()
         cls.pfx = {"SARVEX_SIGN_CERTIFICATE": str(cls.folder / "signer.pfx"),
                    "SARVEX_SIGN_PASSWORD_FILE": str(cls.folder / "password")}
 
@@ -105,6 +107,25 @@ class SigningTest(unittest.TestCase):
         require("openssl", "pkcs12", "-export", "-in", folder / "chain.pem", "-inkey", folder / "signer.key",
                 "-passin", f"file:{folder}/password", "-passout", f"file:{folder}/password to write",
                 "-out", folder / "signer.pfx")
+
+    @classmethod
+    def make_token(cls):
+        """A token in software that has the key, and the settings to sign with it."""
+        folder = cls.folder / "tokens"
+        folder.mkdir()
+        settings, pin = cls.folder / "token.conf", cls.folder / "pin"
+        settings.write_text(f"directories.tokendir = {folder}\n")
+        pin.write_text("4321\n")
+        environment = {**os.environ, "SOFTHSM2_CONF": str(settings)}
+        require("softhsm2-util", "--init-token", "--free", "--label", "test", "--so-pin", "1234", "--pin", "4321",
+                env=environment)
+        require("openssl", "pkcs8", "-topk8", "-nocrypt", "-in", cls.folder / "signer.key",
+                "-passin", f"file:{cls.folder}/password", "-out", cls.folder / "signer.p8")
+        require("softhsm2-util", "--import", cls.folder / "signer.p8", "--token", "test", "--label", "signer",
+                "--id", "01", "--pin", "4321", env=environment)
+        return {"SOFTHSM2_CONF": str(settings), "SARVEX_SIGN_PKCS11_MODULE": TOKEN_MODULE,
+                "SARVEX_SIGN_CERTIFICATE": str(cls.folder / "chain.pem"),
+                "SARVEX_SIGN_KEY": "pkcs11:token=test;object=signer", "SARVEX_SIGN_PASSWORD_FILE": str(pin)}
 
     def copies(self):
         """New copies of a program and of the installer, as they were packed."""
@@ -136,7 +157,7 @@ class SigningTest(unittest.TestCase):
             self.assertEqual(original.read_bytes(), file.read_bytes())
 
     def test_programs_and_installers_are_signed(self):
-        for kind, settings in [("pem", self.pem), ("pfx", self.pfx)]:
+        for kind, settings in [("pem", self.pem), ("pfx", self.pfx), ("token", self.token)]:
             for file in self.signed_copies(settings):
                 with self.subTest(kind=kind, file=file.name):
                     code, text = self.verify(file)
@@ -202,7 +223,8 @@ class SigningTest(unittest.TestCase):
                 ({"SARVEX_SIGN_KEY": "k"}, "SARVEX_SIGN_CERTIFICATE is not set, but other settings are"),
                 ({**self.pem, "SARVEX_SIGN_KEY": ""}, "SARVEX_SIGN_KEY is not set"),
                 ({**self.pfx, "SARVEX_SIGN_KEY": self.pem["SARVEX_SIGN_KEY"]},
-                 f"SARVEX_SIGN_KEY is set, but {self.folder}/signer.pfx holds a key"),
+                 f"SARVEX_SIGN_KEY or SARVEX_SIGN_PKCS11_MODULE is set, but {self.folder}/signer.pfx holds a key"),
+                ({**self.token, "SARVEX_SIGN_PKCS11_MODULE": "/nonexistent.so"}, "/nonexistent.so cannot be read"),
                 ({**self.pem, "SARVEX_SIGN_PASSWORD_FILE": "/nonexistent"}, "/nonexistent cannot be read"),
                 ({**self.pem, "SARVEX_SIGN_PASSWORD_FILE": str(self.folder / "serial")},
                  "client.exe could not be signed"),
