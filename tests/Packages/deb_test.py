@@ -4,7 +4,8 @@ import re
 import shutil
 import unittest
 
-from support import DEB, DEV_DEB, DIST, LONG, ROOT, VERSION, enter, require, run, simulator, temporary_folder
+from support import (DEB, DEV_DEB, DIST, LONG, ROOT, VERSION, enter, require, run, simulator, temporary_folder,
+                     way_into_trees)
 
 OLD_VERSION = "0.9.0"
 FOLDER = "usr/lib/sarvextool"
@@ -23,8 +24,8 @@ class SmallTree:
         (books / "status").touch()
 
     def dpkg(self, *arguments):
-        require("dpkg", f"--root={self.path}", f"--log={self.path}/var/log", "--force-script-chrootless",
-                "--force-not-root", *arguments)
+        require(*way_into_trees(), "dpkg", f"--root={self.path}", f"--log={self.path}/var/log",
+                "--force-script-chrootless", *arguments)
 
     def install(self, package):
         self.dpkg("--install", package)
