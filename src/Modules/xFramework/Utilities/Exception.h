@@ -1,7 +1,8 @@
 #pragma once
 
 // Public, stable within a major version. For any thread. Who catches an Utilities::Exception* owns
-// it: delete it, or call TakeCaughtException in the catch block.
+// it: delete it, or call TakeCaughtException in the catch block. A handler for
+// const std::exception& does not catch the pointer.
 
 #include <atomic>
 #include <cstdint>
@@ -86,12 +87,13 @@ struct ErrorSite {
 };
 
 /// Logs the message at the error level, then throws it as a new Utilities::Exception* that carries
-/// the site as its location.
+/// the site as its location. What a channel of the log throws is thrown in its place.
 [[noreturn]] void Raise(const std::string& message, const ErrorSite& site);
 
 /// The same with the place of the call itself as the location: the way for every error whose
-/// figures are not fixed. function is the qualified name; file and line are left to the compiler,
-/// and the location names the file as SourceName does.
+/// figures are not fixed. function is the qualified name; file and line are left to the compiler.
+/// The location names the file without its extension, and from its last folder src on; where there
+/// is no such folder, by the whole path that the compiler was given.
 [[noreturn]] void Raise(const std::string& message, const char* function,
                         const char* file = __builtin_FILE(), std::uint32_t line = __builtin_LINE());
 

@@ -1,7 +1,8 @@
 #pragma once
 
 // Public, stable within a major version. One message belongs to one thread; messages in several
-// threads as long as no variable and no provider changes. Throws std::bad_alloc only.
+// threads as long as no variable and no provider changes. Throws std::bad_alloc, and what a string
+// provider throws.
 
 #include <concepts>
 #include <cstdint>

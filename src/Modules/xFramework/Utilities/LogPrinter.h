@@ -1,7 +1,9 @@
 #pragma once
 
 // Public, stable within a major version. Channels are set up before other threads exist; records
-// come from any thread. The printer owns no device, formatter or filter. The process's printer,
+// come from any thread, so that formatters, devices and filters are called by several threads at
+// once and lock what they share. What one of them throws passes to whoever logs; the channels after
+// it do not get the record. The printer owns no device, formatter or filter. The process's printer,
 // which Log uses, is that of SingletonWrapper<Utilities::LogPrinter>.
 
 #include <cstdint>
@@ -19,7 +21,8 @@ public:
     virtual ~ILogInterface() = default;
 };
 
-/// Turns a record into text.
+/// Turns a record into text, written to a new stream for each record. A record has no time: a
+/// formatter that shows one takes it itself.
 class ILogFormatter : public ILogInterface {
 public:
     virtual void Format(std::uint32_t level, const char* file, const char* function,
@@ -56,7 +59,7 @@ class LogPrinter {
 public:
     /// Adds a channel at the end that accepts no level yet. When the name is taken, the new channel
     /// takes it over, yet the old one goes on receiving records: that asymmetry is kept as it is.
-    /// When memory runs out, everything is as it was.
+    /// The device is not null. When memory runs out, everything is as it was.
     void AddDevice(const std::string& name, ILogDevice* device);
 
     /// Takes the channel that has the name out; nothing happens when there is none.

@@ -1,7 +1,8 @@
 #pragma once
 
 // Public, stable within a major version. Texts in, texts out; for several threads as long as no
-// variable changes, for $(name) in a text is expanded. Throws std::bad_alloc only.
+// variable changes, for $(name) in a text is expanded. Throws std::bad_alloc, and what a string
+// provider throws.
 
 #include <string>
 

@@ -2,7 +2,7 @@
 
 // Public, stable within a major version. One thread at a time; GlobalVariables may be called first
 // by any thread. A namespace owns what is added to it. Throws std::bad_alloc, and what an object
-// throws when it is attached.
+// throws when it is attached; an assertion that fails is raised as Utilities::Exception*.
 
 #include "Modules/xFramework/Core/Classes/ANamespace.h"
 #include "Modules/xFramework/Core/Classes/INamespace.h"
@@ -51,8 +51,8 @@ public:
     Namespace(const Namespace&) = delete;
     Namespace& operator=(const Namespace&) = delete;
 
-    /// See IDynamicNamespace. pObject must not be null; it is released when this throws. Nothing
-    /// happens when the object is under the name already.
+    /// See IDynamicNamespace. Asserts that pObject is not null; it is released when this throws.
+    /// Nothing happens when the object is under the name already.
     void Add(const std::string& name, IInterface* pObject) override;
     bool Remove(const std::string& name) override;
 

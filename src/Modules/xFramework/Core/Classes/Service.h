@@ -1,7 +1,8 @@
 #pragma once
 
-// Public, stable within a major version. One thread at a time. A service is its domain's. Errors
-// are raised as Utilities::Exception*; what a hook throws passes through.
+// Public, stable within a major version. One thread at a time. A service is its domain's. Errors,
+// assertions that fail among them, are raised as Utilities::Exception*; what a hook throws passes
+// through.
 
 #include "Modules/xFramework/Core/Classes/IInterface.h"
 
@@ -50,7 +51,9 @@ public:
 class IServiceDomain : public virtual IService {
 public:
     /// The service of that name, created on the first request; null when no kind of service is
-    /// registered under the name.
+    /// registered under the name. When its creator or its attach hook throws, the domain does not
+    /// keep it: it is deleted without a detach, and the next request creates another one. What the
+    /// hook has requested by then stays.
     virtual IService* GetService(const std::string& name) = 0;
 
     /// The service at the end of a path of names, each service on the way being a domain itself. A

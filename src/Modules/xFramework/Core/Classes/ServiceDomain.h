@@ -1,8 +1,8 @@
 #pragma once
 
 // Public, stable within a major version. One thread at a time. A domain owns its services and
-// deletes them with itself. Errors are raised as Utilities::Exception*; what a service throws
-// passes through.
+// deletes them with itself. Errors, assertions that fail among them, are raised as
+// Utilities::Exception*; what a service throws passes through.
 
 #include "Modules/xFramework/Core/Classes/ANamespace.h"
 #include "Modules/xFramework/Core/Classes/ClassFactory.h"

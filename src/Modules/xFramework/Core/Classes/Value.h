@@ -18,8 +18,8 @@ namespace Core {
 class Value : public virtual IInterface {
 public:
     Value() = default;
-    /// The value that assigning the text to an empty value gives. Implicit, so that a text can
-    /// be given where a value is expected.
+    /// The value that assigning the text to an empty value gives. Implicit, so that a std::string
+    /// can be given where a value is expected; a literal is given as Value("text").
     // cppcheck-suppress noExplicitConstructor ; meant to be implicit, see above
     Value(const std::string& text);
     Value(const Value& other);
