@@ -42,6 +42,7 @@ const Example examples[] = {
     {"MakeValues", Examples::MakeValues, "40 44 40 17.5 -wifi-band"},
     {"ConvertSet", Examples::ConvertSet, "149, 36 | 36, 149 | 149"},
     {"ExpandVariable", Examples::ExpandVariable, "Chain A: 17.5 dBm, ok $(unknown)"},
+    {"MakeByName", Examples::MakeByName, "2 20 unknown"},
     {"RequestServices", Examples::RequestServices, "12:00 started"},
 };
 

@@ -9,6 +9,7 @@ namespace Examples {
 std::string MakeValues();
 std::string ConvertSet();
 std::string ExpandVariable();
+std::string MakeByName();
 std::string RequestServices();
 
 } // namespace Examples
