@@ -22,7 +22,8 @@ public:
 
     /// Reads the port text from the file Socket.cfg beside the program: its first four bytes, up to
     /// a NUL. A missing or short file gives a short or empty text. Raises an
-    /// Utilities::Exception* "File ${1} is a link" when the file is a link.
+    /// Utilities::Exception* "File ${1} is a link" when the file is a link. The client stream
+    /// calls it while it is constructed, so that no subclass of it can give another port.
     virtual void ReadPort(std::string& port);
 
     /// Sends a text in pieces of PieceSize bytes; one whose length is a multiple of that ends with
