@@ -76,8 +76,9 @@ endfunction()
 add_sdk_library(SdkFramework framework
     OSAL DebugPrint SyncObjectsOSAL Utilities Sockets XML Core StartUp)
 set_target_properties(SdkFramework PROPERTIES EXPORT_NAME Framework)
-target_link_options(SdkFramework INTERFACE ${sdk_link_options})
-target_link_libraries(SdkFramework INTERFACE ${sdk_system_libraries})
+# Link options would be lost below CMake 3.17 (policy CMP0099) where a static library of a program links
+# the framework for itself; what is named among the libraries is not.
+target_link_libraries(SdkFramework INTERFACE ${sdk_link_options} ${sdk_system_libraries})
 
 add_sdk_library(SdkClient client Client Reply TestFile)
 set_target_properties(SdkClient PROPERTIES EXPORT_NAME Client)

@@ -40,6 +40,16 @@ def blocks(language):
 COMMAND_PROGRAM, CLIENT_PROGRAM, FRAMEWORK_PROGRAM = blocks("cpp")
 [CONSUMER] = blocks("cmake")
 CMAKE_LINUX, CMAKE_WINDOWS, PKG_CONFIG_LINUX, PKG_CONFIG_WINDOWS = blocks("sh")
+# The page's CMakeLists.txt with a static library of the program's own between.
+[CMAKE_MINIMUM] = re.findall(r"cmake_minimum_required.*", CONSUMER)
+THROUGH_LIBRARY = f"""{CMAKE_MINIMUM}
+project(Through LANGUAGES CXX)
+find_package(SarvexTool CONFIG REQUIRED)
+add_library(own STATIC own.cpp)
+target_link_libraries(own PRIVATE SarvexTool::Framework)
+add_executable(through main.cpp)
+target_link_libraries(through PRIVATE own)
+"""
 READY_OUTPUT, NOT_READY_OUTPUT = [text for text in blocks("") if text.startswith("[OEMINFO]")]
 [CLIENT_OUTPUT] = [text for text in blocks("") if text.startswith("Mac Type")]
 
@@ -85,13 +95,17 @@ class Sdk:
         (sources / "framework.cpp").write_text(FRAMEWORK_PROGRAM)
         (sources / "CMakeLists.txt").write_text(CONSUMER)
         cls.sources = sources
-        root = shlex.quote(str(cls.root))
-        for lines in (cls.cmake_lines.replace(PAGE_PREFIX, root), cls.pkg_config_lines):
-            # The shell takes the answer of pkg-config apart at blanks; eval heeds the backslashes there.
-            script = re.sub(r"^(.*\$\(.*)$", r"""eval "\1" """, lines, flags=re.MULTILINE)
-            require("bash", "-ec", script, cwd=sources, env=cls.environment)
+        for lines in (cls.cmake_lines, cls.pkg_config_lines):
+            cls.do_as_the_page(lines, sources)
         program = f"command{cls.suffix}"
         return {"cmake": sources / cls.cmake_folder / program, "pkg-config": sources / program}
+
+    @classmethod
+    def do_as_the_page(cls, lines, folder):
+        # The shell takes the answer of pkg-config apart at blanks; eval heeds the backslashes there.
+        script = re.sub(r"^(.*\$\(.*)$", r"""eval "\1" """, lines.replace(PAGE_PREFIX, shlex.quote(str(cls.root))),
+                        flags=re.MULTILINE)
+        require("bash", "-ec", script, cwd=folder, env=cls.environment)
 
     def flags(self, package):
         return shlex.split(
@@ -185,6 +199,15 @@ class Sdk:
         # A link that names the libraries alone makes nothing ready.
         flags.remove("-Wl,-u,SarvexToolStartUp")
         self.assertEqual(NOT_READY_OUTPUT, self.output_of(self.link("not_ready", made, *flags)))
+
+    def test_a_program_that_links_it_through_a_library_of_its_own_is_ready_too(self):
+        folder = self.stage / "through"
+        folder.mkdir()
+        (folder / "CMakeLists.txt").write_text(THROUGH_LIBRARY)
+        (folder / "own.cpp").write_text(FRAMEWORK_PROGRAM.replace("int main() {", "void Run() {"))
+        (folder / "main.cpp").write_text("void Run();\nint main() { Run(); }\n")
+        self.do_as_the_page(self.cmake_lines, folder)
+        self.assertEqual(READY_OUTPUT, self.output_of(folder / self.cmake_folder / f"through{self.suffix}"))
 
     def test_values_variables_factories_and_services_do_what_their_page_tells(self):
         sources = sorted(EXAMPLES.glob("*.cpp"))
