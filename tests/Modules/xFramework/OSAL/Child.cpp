@@ -8,7 +8,8 @@
 //                                  back
 //   OSALTestsChild utf8 TEXT...    prints its arguments, as UTF-8, in brackets
 //   OSALTestsChild streams         tells how its standard streams and its directory are
-//   OSALTestsChild hold PORT       connects to the port, then waits until it is ended
+//   OSALTestsChild hold PORT       connects to the port, writes held.txt, then sleeps until it is
+//                                  ended, ten minutes at most
 //   OSALTestsChild starter HOLD OWN
 //                                  starts one that holds HOLD; ends without tidying up when it gets
 //                                  a byte from OWN
@@ -97,21 +98,30 @@ int TellStreams() {
     return 7;
 }
 
-/// Waits for a byte on a new connection; false when the connection ended.
-bool WaitOn(const std::string& port) {
+/// A new connection, over which a byte has been sent.
+OSAL::SocketHandle Report(const std::string& port) {
     OSAL::AddressInfo* const address = Resolve(port);
     const OSAL::SocketHandle socket = OSAL::CreateSocket(address);
     OSAL::ConnectSocket(socket, address);
     OSAL::SendSocket(socket, "+", 1);
-    char byte = 0;
-    return OSAL::ReceiveSocket(socket, &byte, 1) > 0;
+    OSAL::FreeAddress(address);
+    return socket;
+}
+
+int Hold(const Arguments& arguments) {
+    constexpr std::uint32_t longestMilliseconds = 600'000;
+    Report(arguments.at(2));
+    std::ofstream("held.txt").put('+');
+    OSAL::Sleep(longestMilliseconds);
+    return 4;
 }
 
 int Start(const Arguments& arguments) {
     std::string program;
     OSAL::ReadModulePath(program);
     const OSAL::ChildProcess child({program, {"hold", arguments.at(2)}, ".", "started.log"});
-    if (WaitOn(arguments.at(3)))
+    char byte = 0;
+    if (OSAL::ReceiveSocket(Report(arguments.at(3)), &byte, 1) > 0)
         std::_Exit(3);
     return 4;
 }
@@ -134,7 +144,7 @@ int main(int count, char** texts) {
     if (mode == "streams")
         return TellStreams();
     if (mode == "hold")
-        return WaitOn(arguments.at(2)) ? 0 : 1;
+        return Hold(arguments);
     if (mode == "starter")
         return Start(arguments);
     return TellHowStarted(arguments);

@@ -30,6 +30,16 @@ protected:
         return text;
     }
 
+    /// Waits until a child that holds is connected to the peer and sleeps. Under wine the
+    /// connection of a program that is ended in a call of the sockets stays open.
+    void AwaitHolding() {
+        constexpr std::uint32_t pauseMilliseconds = 2;
+        peer.Accept();
+        peer.Receive(1);
+        while (TestSupport::ReadBytes(directory.Path("held.txt")).empty())
+            Sleep(pauseMilliseconds);
+    }
+
     TestSupport::TemporaryDirectory directory;
     LoopbackPeer peer;
 };

@@ -60,8 +60,7 @@ TEST_F(CommonChildProcessTest, TellsItsEndAgain) {
 
 TEST_F(CommonChildProcessTest, IsKilledWhileAnotherThreadWaits) {
     ChildProcess child(Start({"hold", peer.Port()}));
-    peer.Accept();
-    peer.Receive(1);
+    AwaitHolding();
     ChildEnd end;
     std::thread waiter([&] { end = child.Wait(); });
     child.Kill();
@@ -73,8 +72,7 @@ TEST_F(CommonChildProcessTest, IsKilledWhileAnotherThreadWaits) {
 TEST_F(CommonChildProcessTest, GoesWithItsObject) {
     {
         const ChildProcess child(Start({"hold", peer.Port()}));
-        peer.Accept();
-        peer.Receive(1);
+        AwaitHolding();
     }
     EXPECT_EQ(peer.ReceiveAll(), "");
 }
@@ -82,8 +80,7 @@ TEST_F(CommonChildProcessTest, GoesWithItsObject) {
 TEST_F(CommonChildProcessTest, GoesWithItsParent) {
     LoopbackPeer parentsPeer;
     ChildProcess parent(Start({"starter", peer.Port(), parentsPeer.Port()}));
-    peer.Accept();
-    peer.Receive(1);
+    AwaitHolding();
     parentsPeer.Accept();
     parentsPeer.Receive(1);
     parentsPeer.Send("!");

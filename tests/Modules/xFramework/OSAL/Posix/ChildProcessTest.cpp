@@ -65,8 +65,7 @@ TEST_F(ChildProcessTest, IsWaitedForWhereEndsOfChildrenAreIgnored) {
 TEST_F(ChildProcessTest, GoesWithAParentThatIsKilled) {
     LoopbackPeer parentsPeer;
     ChildProcess parent(Start({"starter", peer.Port(), parentsPeer.Port()}));
-    peer.Accept();
-    peer.Receive(1);
+    AwaitHolding();
     // The group of the parent alone.
     parent.Kill();
     EXPECT_EQ(parent.Wait(), (ChildEnd{SIGKILL, true}));
@@ -78,8 +77,7 @@ TEST_F(ChildProcessTest, KillEndsItsGroup) {
     start.arguments[2] = start.program;
     start.program = "/bin/sh";
     ChildProcess child(start);
-    peer.Accept();
-    peer.Receive(1);
+    AwaitHolding();
     child.Kill();
     EXPECT_EQ(peer.ReceiveAll(), "");
 }

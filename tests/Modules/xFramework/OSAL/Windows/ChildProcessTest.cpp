@@ -14,8 +14,7 @@ TEST_F(ChildProcessTest, InheritsNoHandle) {
                                       FILE_ATTRIBUTE_NORMAL, nullptr);
     ASSERT_NE(file, INVALID_HANDLE_VALUE);
     const ChildProcess child(Start({"hold", peer.Port()}));
-    peer.Accept();
-    peer.Receive(1);
+    AwaitHolding();
     ::CloseHandle(file);
     // Nobody removes a file that is open elsewhere.
     EXPECT_TRUE(::DeleteFileA(path.c_str()));
