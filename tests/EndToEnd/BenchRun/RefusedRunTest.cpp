@@ -70,12 +70,14 @@ TEST_F(RefusedRunTest, ResumingACompleteRunThatHadNoLines) {
 }
 
 TEST_F(RefusedRunTest, AFolderOrADaemonThatAnotherRunUses) {
-    tests.Write("test.csv", DependentLines(40));
     const Results alone = tests.RunAlone("test.csv");
-    const Simulator daemon({"--latency", "40"});
+    // The first run waits in its fifth line, until it is killed.
+    const Simulator daemon({"--fault", "12:no-answer"});
     const Simulator other;
-    const std::unique_ptr<Process> first = tests.Start(tests.NewRun(daemon, "test.csv", "run"));
-    ASSERT_TRUE(WaitForLines(*first, tests.Path("run/journal.jsonl"), 1)) << first->ErrSoFar();
+    std::vector<std::string> patient = tests.NewRun(daemon, "test.csv", "run");
+    patient.insert(patient.end(), {"--answer-timeout", "600"});
+    const std::unique_ptr<Process> first = tests.Start(patient);
+    ASSERT_TRUE(WaitForLines(*first, tests.Path("run/journal.jsonl"), 4)) << first->ErrSoFar();
     const std::string holder = "in use by process " + std::to_string(first->Id()) + ", since ";
     ExpectRefusal(resume, "run: error: the run is " + holder);
     ExpectRefusal(tests.NewRun(daemon, "test.csv", "second"),
@@ -88,9 +90,11 @@ TEST_F(RefusedRunTest, AFolderOrADaemonThatAnotherRunUses) {
     EXPECT_EQ(stop.exitCode, 0) << stop.err;
     EXPECT_THAT(stop.err, HasSubstr("This daemon is in use, and the device may transmit again"));
     EXPECT_THAT(stop.err, HasSubstr(holder));
-    ASSERT_FALSE(first->HasEnded()) << "the first run was over too early to be in the way";
     EXPECT_EQ(tests.Supervise(tests.NewRun(other, "test.csv", "second")).exitCode, 0);
-    const ProcessResult result = first->Wait();
+    EXPECT_FALSE(first->HasEnded());
+    first->Kill();
+    first->Wait();
+    const ProcessResult result = tests.Supervise(resume);
     EXPECT_EQ(result.exitCode, 0) << result.out << result.err;
     for (const char* const run : {"run", "second"})
         EXPECT_EQ(tests.ResultsIn(run).csv, alone.csv);
