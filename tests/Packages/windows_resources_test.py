@@ -60,14 +60,16 @@ class WindowsResourcesTest(unittest.TestCase):
             with self.subTest(program=name):
                 self.assertEqual((numbers, numbers), program.fixed_version())
 
-    def test_the_properties_name_program_product_and_version(self):
+    def test_the_properties_name_program_product_version_and_makers(self):
         for name, program in self.programs.items():
             with self.subTest(program=name):
                 self.assertEqual(
                     {
+                        "CompanyName": "SarvexTool maintainers",
                         "FileDescription": DESCRIPTIONS[name],
                         "FileVersion": VERSION,
                         "InternalName": name,
+                        "LegalCopyright": "Copyright 2026 the SarvexTool maintainers",
                         "OriginalFilename": f"{name}.exe",
                         "ProductName": "SarvexTool",
                         "ProductVersion": VERSION,
