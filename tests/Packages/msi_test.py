@@ -220,6 +220,12 @@ class ChangesTest(MsiTest):
 
 
 class TablesTest(unittest.TestCase):
+    def test_no_program_is_ended_and_no_computer_restarted(self):
+        # Under wine neither would happen anyway.
+        properties = {row["Property"]: row["Value"] for row in table(MSI, "Property")}
+        self.assertEqual(("ReallySuppress", "DisableShutdown"),
+                         (properties.get("REBOOT"), properties.get("MSIRESTARTMANAGERCONTROL")))
+
     def test_programs_have_their_versions_and_other_files_their_hashes(self):
         # A program without its version would never be replaced by an upgrade.
         hashed = {row["File_"] for row in table(MSI, "MsiFileHash")}
