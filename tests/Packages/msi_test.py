@@ -13,11 +13,14 @@ MAKE_MSI = ROOT / "packaging/windows/make-msi"
 OLDER = "0.9.8"
 FOLDER = "Program Files/SarvexTool"
 ENVIRONMENT_KEY = r"HKLM\System\CurrentControlSet\Control\Session Manager\Environment"
+OWN_KEY = r"HKLM\Software\SarvexTool"
 UNINSTALL_KEY = r"HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall"
 # What msiexec ends with.
 SUCCESS = 0
 # 1603, of which wine hands on the lowest eight bits.
 INSTALL_FAILURE = 1603 % 256
+PAGE = (ROOT / "docs/install.md").read_text()
+[REPAIR] = re.findall(r"^msiexec .* (REINSTALL=.*) /qn /norestart$", PAGE, re.MULTILINE)
 REFUSAL = "A newer version of SarvexTool is installed. Uninstall it before you install this one."
 
 
@@ -126,8 +129,20 @@ class InstalledTest(MsiTest):
     def test_the_system_lists_it(self):
         (code, version), = self.installed_versions().items()
         self.assertEqual(VERSION, version)
-        self.assertEqual("C:\\Program Files\\SarvexTool\\",
-                         self.wine.registry_value(f"{UNINSTALL_KEY}\\{code}", "InstallLocation"))
+        for name, text in [("InstallLocation", "C:\\Program Files\\SarvexTool\\"),
+                           ("Contact", "SarvexTool maintainers"),
+                           ("Comments", "Client for the SarvexTool daemon, and what is around a power test")]:
+            with self.subTest(name=name):
+                self.assertEqual(text, self.wine.registry_value(f"{UNINSTALL_KEY}\\{code}", name))
+
+    def test_the_registry_tells_what_the_page_says(self):
+        code, = self.installed_versions()
+        found = {"Version": VERSION, "ProductCode": code, "InstallDir": "C:\\Program Files\\SarvexTool\\"}
+        for name, text in found.items():
+            with self.subTest(name=name):
+                self.assertEqual(text, self.wine.registry_value(OWN_KEY, name))
+        told = re.findall(r"^\| `(\w+)` in `HKLM\\Software\\SarvexTool` \|", PAGE, re.MULTILINE)
+        self.assertEqual(sorted(found), sorted(told))
 
     def test_the_programs_are_found_by_their_names_but_the_simulated_daemon_is_not(self):
         done = self.wine.run("cmd", "/c", "SarvexToolBench", "--version")
@@ -196,11 +211,21 @@ class ChangesTest(MsiTest):
         self.assertEqual({**self.packed, **own}, contents(folder))
         self.assertFalse((folder / "obsolete").exists())
         self.assertEqual([VERSION], list(self.installed_versions().values()))
+        self.assertEqual(VERSION, self.wine.registry_value(OWN_KEY, "Version"))
         self.assertEqual(["C:\\Program Files\\SarvexTool\\"], self.own_path_entries())
         self.assertEqual(2, len(self.shortcuts()))
-        self.msiexec("/x", *self.installed_versions())
+        self.msiexec("/x", self.wine.registry_value(OWN_KEY, "ProductCode"))
         self.assertEqual({name: own[name] for name in ("SarvexToolCmds.txt", "docs/notes of our own.txt")},
                          contents(folder))
+
+    def test_a_repair_restores_the_files_but_not_what_users_edited(self):
+        self.install(MSI)
+        folder = self.wine.drive / FOLDER
+        (folder / "SarvexToolClient.exe").write_bytes(b"no program")
+        (folder / "docs/protocol.md").unlink()
+        (folder / "Socket.cfg").write_bytes(b"9123")
+        self.install(MSI, *REPAIR.split(" "))
+        self.assertEqual({**self.packed, "Socket.cfg": b"9123"}, contents(folder))
 
     def test_an_upgrade_goes_to_the_folder_of_the_older_version(self):
         self.install(self.older_msi, r"INSTALLDIR=C:\Tools\Sarvex Tool")
@@ -220,6 +245,10 @@ class ChangesTest(MsiTest):
 
 
 class TablesTest(unittest.TestCase):
+    def test_the_page_tells_the_upgrade_code(self):
+        code, = (row["Value"] for row in table(MSI, "Property") if row["Property"] == "UpgradeCode")
+        self.assertIn(f"`{code}`", PAGE)
+
     def test_no_program_is_ended_and_no_computer_restarted(self):
         # Under wine neither would happen anyway.
         properties = {row["Property"]: row["Value"] for row in table(MSI, "Property")}
