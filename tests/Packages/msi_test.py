@@ -12,6 +12,7 @@ MSI = DIST / f"{TOP}-windows-x64.msi"
 MAKE_MSI = ROOT / "packaging/windows/make-msi"
 OLDER = "0.9.8"
 FOLDER = "Program Files/SarvexTool"
+WINDOWS_KEY = r"HKLM\Software\Microsoft\Windows NT\CurrentVersion"
 ENVIRONMENT_KEY = r"HKLM\System\CurrentControlSet\Control\Session Manager\Environment"
 OWN_KEY = r"HKLM\Software\SarvexTool"
 UNINSTALL_KEY = r"HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall"
@@ -58,6 +59,7 @@ class MsiTest(unittest.TestCase):
         cls.older_msi = cls.work / "older.msi"
         cls.older_packed = cls.make_older(top)
         cls.wine = WinePrefix(cls)
+        cls.set_windows_version(10)
         cls.registry_before = cls.wine.registry()
         cls.files_before = cls.wine.files()
         cls.path_before = cls.path_entries()
@@ -76,6 +78,15 @@ class MsiTest(unittest.TestCase):
         (older / "obsolete/page.md").write_text("Nor this folder.")
         require(MAKE_MSI, older, cls.older_msi)
         return contents(older)
+
+    @classmethod
+    def set_windows_version(cls, major):
+        """Wine of itself may be a Windows of any version."""
+        value = [WINDOWS_KEY, "/v", "CurrentMajorVersionNumber", "/f"]
+        if major is None:
+            cls.wine.run("reg", "delete", *value)
+        else:
+            require(*WINE, "reg", "add", *value, "/t", "REG_DWORD", "/d", str(major), env=cls.wine.environment)
 
     @classmethod
     def msiexec(cls, *arguments):
@@ -177,8 +188,8 @@ class InstalledTest(MsiTest):
         self.install(self.older_msi, code=INSTALL_FAILURE)
         self.assertEqual(self.packed, contents(self.wine.drive / FOLDER))
         self.assertEqual([VERSION], list(self.installed_versions().values()))
-        self.assertEqual([{"Condition": "Installed OR NOT WIX_DOWNGRADE_DETECTED", "Description": REFUSAL}],
-                         table(MSI, "LaunchCondition"))
+        self.assertIn({"Condition": "Installed OR NOT WIX_DOWNGRADE_DETECTED", "Description": REFUSAL},
+                      table(MSI, "LaunchCondition"))
 
 
 class ChangesTest(MsiTest):
@@ -196,6 +207,19 @@ class ChangesTest(MsiTest):
         left = {line for line in self.wine.registry() - self.registry_before
                 if re.search(r"sarvex|" + re.escape(code[1:9]) + "|" + code[8:0:-1], line, re.IGNORECASE)}
         self.assertEqual(set(), left)
+
+    def test_a_windows_before_10_is_refused_with_words_but_can_uninstall(self):
+        self.addCleanup(self.set_windows_version, 10)
+        self.set_windows_version(None)
+        self.install(MSI, code=INSTALL_FAILURE)
+        self.assertFalse((self.wine.drive / FOLDER).exists())
+        self.assertIn("SarvexTool needs Windows 10 or later.",
+                      {row["Description"] for row in table(MSI, "LaunchCondition")})
+        self.set_windows_version(11)
+        self.install(MSI)
+        self.set_windows_version(None)
+        self.assertEqual(SUCCESS, self.msiexec("/x", *self.installed_versions()))
+        self.assertFalse((self.wine.drive / FOLDER).exists())
 
     def test_an_upgrade_keeps_what_users_edited_and_replaces_the_rest(self):
         self.install(self.older_msi)
