@@ -21,6 +21,7 @@ SUCCESS = 0
 # 1603, of which wine hands on the lowest eight bits.
 INSTALL_FAILURE = 1603 % 256
 PAGE = (ROOT / "docs/install.md").read_text()
+README = (ROOT / "README.md").read_text()
 [REPAIR] = re.findall(r"^msiexec .* (REINSTALL=.*) /qn /norestart$", PAGE, re.MULTILINE)
 REFUSAL = "A newer version of SarvexTool is installed. Uninstall it before you install this one."
 
@@ -171,16 +172,26 @@ class InstalledTest(MsiTest):
             self.assertEqual(0, self.wine.run("cmd", "/c", "SarvexToolClient", "-exit").returncode)
             self.assertEqual(0, process.wait(60))
 
+    def test_the_lines_of_the_readme_start_the_simulated_daemon_and_copy_the_examples(self):
+        start, copy = re.findall(r'^.*`((?:xcopy /i )?"%ProgramFiles%[^`]*)`', README, re.MULTILINE)
+        folder = temporary_folder(self)
+        script = folder / "lines.bat"
+        script.write_text(f"@{start} --version\r\n@{copy} >nul\r\n")
+        done = self.wine.run("cmd", "/c", script.name, cwd=folder)
+        self.assertEqual((0, f"vemo {VERSION}\r\n".encode()), (done.returncode, done.stdout))
+        self.assertEqual({name.removeprefix("examples/"): content for name, content in self.packed.items()
+                          if name.startswith("examples/")}, contents(folder / "examples"))
+
     def test_the_path_has_the_folder_of_the_programs_alone_at_its_end(self):
         self.assertEqual([*self.path_before, "C:\\Program Files\\SarvexTool\\"], self.path_entries())
 
-    def test_the_start_menu_has_a_command_prompt_and_the_pages(self):
+    def test_the_start_menu_has_a_command_prompt_and_the_readme(self):
         shortcuts = self.shortcuts()
         self.assertEqual(["SarvexTool Command Prompt", "SarvexTool Documentation"], sorted(shortcuts))
         for name, words in [
                 ("SarvexTool Command Prompt",
                  r'/K "set "PATH=C:\Program Files\SarvexTool\;%PATH%" & cd /d "%USERPROFILE%""'),
-                ("SarvexTool Documentation", "C:\\Program Files\\SarvexTool\\docs\\")]:
+                ("SarvexTool Documentation", r'"C:\Program Files\SarvexTool\README.md"')]:
             with self.subTest(name=name):
                 self.assertIn(words.encode("utf-16-le"), shortcuts[name])
 
