@@ -1,11 +1,12 @@
 """The Debian package: checked by lintian, installed, upgraded, removed and purged by dpkg. The short form has
 a tree with dpkg's own files alone, in which the package's programs run; the long form has a whole Debian."""
+import gzip
 import re
 import shutil
 import unittest
 
 from support import (DEB, DEV_DEB, DIST, LONG, ROOT, VERSION, enter, require, run, simulator, temporary_folder,
-                     way_into_trees)
+                     unpack, way_into_trees)
 
 OLD_VERSION = "0.9.0"
 FOLDER = "usr/lib/sarvextool"
@@ -167,6 +168,13 @@ class DebTest(unittest.TestCase):
 
 
 class PackagesTest(unittest.TestCase):
+    def test_the_man_pages_call_the_programs_as_they_are_on_the_path(self):
+        pages = list((unpack(DEB, temporary_folder(self)) / "usr/share/man").glob("man?/*.gz"))
+        self.assertIn("sarvextool.7.gz", {page.name for page in pages})
+        for page in pages:
+            with self.subTest(page=page.name):
+                self.assertNotIn(b"./SarvexTool", gzip.decompress(page.read_bytes()))
+
     def test_lintian_finds_neither_errors_nor_warnings(self):
         for package in sorted(DIST.glob("*.deb")):
             with self.subTest(package=package.name):

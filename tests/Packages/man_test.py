@@ -23,9 +23,9 @@ COMMANDS |= {
 EPOCH = str(366 * 24 * 3600)
 
 
-def make_pages(folder):
+def make_pages(folder, *options):
     subprocess.run(
-        [ROOT / "packaging/man/make-pages", folder, PROGRAMS], env=os.environ | {"SOURCE_DATE_EPOCH": EPOCH},
+        [ROOT / "packaging/man/make-pages", *options, folder, PROGRAMS], env=os.environ | {"SOURCE_DATE_EPOCH": EPOCH},
         check=True)
     return sorted(folder.glob("man?/*"))
 
@@ -147,6 +147,39 @@ class ManTest(unittest.TestCase):
             last_line = shown(page).rstrip("\n").split("\n")[-1]
             with self.subTest(page=page.name):
                 self.assertRegex(last_line, rf"^SarvexTool {re.escape(version)} +1971-01-02 ")
+
+
+class DebianManTest(unittest.TestCase):
+    """The pages of Debian's package, in whose folders the examples of the others could not be typed."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.usual = {page.name: page for page in make_pages(support.temporary_folder(cls))}
+        cls.pages = {page.name: page for page in make_pages(support.temporary_folder(cls), "--debian")}
+
+    def test_there_is_no_page_of_the_name_that_is_not_on_the_path(self):
+        self.assertEqual(set(self.usual) - {"vemo.1"}, set(self.pages))
+
+    def test_examples_call_the_programs_by_their_names_on_the_path(self):
+        of_a_folder = re.compile(r"\./SarvexTool|(?<!sarvextool/)simulator/vemo|(?<![\w-])vemo --|\$ vemo\b")
+        found = {name for name, page in self.usual.items() if of_a_folder.search(shown(page, 400))}
+        self.assertLessEqual({"sarvextool-vemo.1", "SarvexToolBench-run.1", "sarvextool-limits.5"}, found)
+        for name, page in self.pages.items():
+            with self.subTest(page=name):
+                self.assertEqual([], [line for line in shown(page, 400).split("\n") if of_a_folder.search(line)])
+
+    def test_nothing_else_is_different(self):
+        # Shorter lines are broken elsewhere, or not at all.
+        calls = re.compile(r"\./(?=SarvexTool)|simulator/(?=vemo)|sarvextool-(?=vemo)"
+                           r"|\(Long lines are broken here\.\)|\s")
+        for name, page in self.pages.items():
+            with self.subTest(page=name):
+                self.assertEqual(*(calls.sub("", shown(each, 400)) for each in (self.usual[name], page)))
+
+    def test_man_and_mandoc_find_nothing_wrong(self):
+        for name, page in self.pages.items():
+            with self.subTest(page=name):
+                self.assertEqual(([], 0), (findings_of_man(page), findings_of_mandoc(page)))
 
 
 if __name__ == "__main__":
