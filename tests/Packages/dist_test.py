@@ -82,10 +82,13 @@ class ContentsTest(unittest.TestCase):
             {path.name: os.readlink(path) for path in (self.deb / "usr/bin").iterdir()})
         doc = "usr/share/doc/sarvextool/"
         self.assertEqual(
-            {"copyright", "changelog.gz"} | NOTICES | PAGES | folder_of_sources("examples", "*.csv")
-            | folder_of_sources("docs"),
+            {"copyright", "changelog.gz", "examples"} | NOTICES | PAGES | folder_of_sources("docs"),
             {name.removeprefix(doc) for name in found
              if name.startswith(doc) and not name.startswith(f"{doc}licences/")})
+        # Also where a container has no /usr/share/doc.
+        self.assertEqual({"Socket.cfg"} | folder_of_sources("examples", "*.csv"),
+                         files_of(self.deb / "usr/share/sarvextool"))
+        self.assertEqual("../../sarvextool/examples", os.readlink(self.deb / doc / "examples"))
 
     def test_the_libraries_are_those_that_the_build_installs(self):
         doc = "usr/share/doc/"
