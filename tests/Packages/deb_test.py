@@ -111,6 +111,18 @@ class DebTest(unittest.TestCase):
                 self.assertEqual((0o100644, 1), (status.st_mode, status.st_nlink))
                 self.assertEqual(b"8738", self.file(name).read_bytes())
 
+    def test_the_lines_of_the_page_set_both_ports_and_copy_the_examples(self):
+        self.tree.install(DEB)
+        folder = temporary_folder(self)
+        section = (ROOT / "docs/install.md").read_text().split("## Debian and Ubuntu\n")[1].split("\n## ")[0]
+        lines = re.findall(r"^(?:printf|cp) .*$", section, re.MULTILINE)
+        script = "\n".join(lines).replace("sudo ", "").replace("/usr/", f"{self.tree.path}/usr/")
+        require("bash", "-ec", script, cwd=folder)
+        self.assertEqual(["8811", "8811"],
+                         [self.file(name).read_text() for name in ["Socket.cfg", "simulator/Socket.cfg"]])
+        self.assertEqual({path.name for path in (ROOT / "examples").glob("*.csv")},
+                         {path.name for path in (folder / "examples").iterdir()})
+
     def test_an_upgrade_keeps_what_the_user_has_written_and_takes_away_what_has_gone(self):
         self.tree.install(self.old_package)
         self.assertTrue(self.file("gone").exists())
