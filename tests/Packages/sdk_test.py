@@ -191,6 +191,8 @@ class Sdk:
         with self.start_simulator() as (_, port):
             code, out, err = self.told_by(program, [], port)
         self.assertEqual((0, CLIENT_OUTPUT, b""), (code, out.decode().replace(self.line_end, "\n"), err))
+        # The daemon has gone.
+        self.assertEqual((1, b"", b""), self.told_by(program, [], port))
 
     def test_the_framework_program_prints_what_the_page_shows(self):
         made = self.compile("framework", FRAMEWORK_PROGRAM)
