@@ -59,6 +59,12 @@ fs::path PathOf(const std::string& name) {
     return std::u8string(name.begin(), name.end());
 }
 
+std::string HintOfWildcards(const std::string& name) {
+    return name.find_first_of("*?") == std::string::npos
+               ? ""
+               : "; this program expands no wildcards: name each file";
+}
+
 fs::path EndOfLinks(fs::path path) {
     // As many as the systems follow themselves.
     constexpr int mostLinks = 40;

@@ -16,6 +16,10 @@ std::filesystem::path PathOf(const std::string& name);
 /// A path of the system as a name in UTF-8.
 std::string NameOf(const std::filesystem::path& path);
 
+/// What else there is to say of a name that cannot be read: that wildcards are not expanded, if it
+/// has some; empty otherwise.
+std::string HintOfWildcards(const std::string& name);
+
 /// Where a chain of links leads, whether a file is there or not; another path stays as it is.
 std::filesystem::path EndOfLinks(std::filesystem::path path);
 

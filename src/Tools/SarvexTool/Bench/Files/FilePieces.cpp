@@ -21,7 +21,8 @@ void ReadPieces(const std::string& name, const std::function<void(std::string_vi
         take({piece.data(), static_cast<std::size_t>(file.gcount())});
     }
     if (!file.is_open() || file.bad())
-        throw BadInput(name, "cannot be read (" + std::generic_category().message(errno) + ")");
+        throw BadInput(name, "cannot be read (" + std::generic_category().message(errno) + ")" +
+                                 HintOfWildcards(name));
 }
 
 std::string HashOfFile(const std::string& name) {

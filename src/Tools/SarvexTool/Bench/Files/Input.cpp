@@ -18,7 +18,7 @@ constexpr std::size_t blockSize = 65536;
 [[noreturn]] void Fail(const std::string& name, int error) {
     const std::string reason =
         error == 0 ? "" : " (" + std::generic_category().message(error) + ")";
-    throw BadInput(name, "cannot be read" + reason);
+    throw BadInput(name, "cannot be read" + reason + HintOfWildcards(name));
 }
 
 /// The file's size, so that its bytes need not be moved while they come; 0 where it is not known.

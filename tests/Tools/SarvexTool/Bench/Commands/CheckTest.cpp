@@ -15,6 +15,7 @@ using testing::HasSubstr;
 class CheckTest : public testing::Test {
 protected:
     CheckTest() { OSAL::Fake::Reset(); }
+using testing::StartsWith;
 
     int Run(const std::vector<std::string>& arguments, const std::string& input = "") {
         out.str("");
@@ -127,6 +128,14 @@ TEST_F(CheckTest, ADaemonIsNotAskedAboutAFileWithErrors) {
     EXPECT_EQ(Run({"-", "--daemon", "127.0.0.1:1"}, "Chains\nC\n"), 1);
     EXPECT_EQ(err.str(), "-: warning: the daemon is asked when the file has no errors\n");
 }
+TEST_F(CheckTest, AWildcardIsToldThatNobodyHasExpandedIt) {
+    for (const std::string name : {"*.csv", "a?.csv"}) {
+        EXPECT_EQ(Run({directory.Path(name)}), 2);
+        EXPECT_THAT(err.str(), StartsWith(directory.Path(name) + ": error: cannot be read ("));
+        EXPECT_THAT(err.str(), EndsWith("); this program expands no wildcards: name each file\n"));
+    }
+}
+
 
 TEST_F(CheckTest, ThePortIsThatOfThePortFileBesideTheProgram) {
     EXPECT_EQ(Run({sound, "--daemon", "127.0.0.1"}), 2);

@@ -10,6 +10,7 @@
 namespace Bench {
 namespace {
 
+using testing::EndsWith;
 using testing::StartsWith;
 
 class FilePiecesTest : public testing::Test {
@@ -39,6 +40,15 @@ TEST_F(FilePiecesTest, OfNoFileThereAreNone) {
     } catch (const BadInput& bad) {
         EXPECT_EQ(bad.File(), name);
         EXPECT_THAT(bad.Problems().at(0).text, StartsWith("cannot be read ("));
+    }
+}
+
+TEST_F(FilePiecesTest, OfAWildcardThereAreNone) {
+    try {
+        Read(directory.Path("*.csv"));
+        FAIL() << "nothing was thrown";
+    } catch (const BadInput& bad) {
+        EXPECT_THAT(bad.Problems().at(0).text, EndsWith("expands no wildcards: name each file"));
     }
 }
 
