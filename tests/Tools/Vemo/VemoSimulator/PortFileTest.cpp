@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <stdexcept>
+#include <string>
 
 namespace VemoSimulator {
 
@@ -18,6 +20,15 @@ protected:
     }
 
     void Write(const std::string& content) { OSAL::Fake::TheWorld().files[m_path] = {content}; }
+
+    static std::string Problem() {
+        try {
+            ReadPortFile();
+        } catch (const std::runtime_error& error) {
+            return error.what();
+        }
+        return "none";
+    }
 
     const std::string m_path = "/bench/Socket.cfg";
 };
@@ -45,14 +56,27 @@ TEST_F(PortFileTest, AnythingElseIsNoPort) {
     }
 }
 
-TEST_F(PortFileTest, AMissingFileIsNamed) {
-    try {
-        ReadPortFile();
-        FAIL() << "no error";
-    } catch (const std::runtime_error& error) {
-        EXPECT_EQ(error.what(),
-                  "the first four bytes of " + m_path + " hold no port; give one with --port");
-    }
+TEST_F(PortFileTest, TheFileIsNamedWithTheReason) {
+    Write("80\r\n");
+    EXPECT_EQ(Problem(),
+              "the first four bytes of " + m_path + " hold no port; give a port with --port");
+    OSAL::Fake::TheWorld().files.clear();
+    OSAL::Fake::TheWorld().lastError = 2;
+    EXPECT_EQ(Problem(), m_path + " is missing; give a port with --port");
+    OSAL::Fake::TheWorld().lastError = 13;
+    EXPECT_EQ(Problem(),
+              m_path + " cannot be opened (the system's error 13); give a port with --port");
+    OSAL::Fake::TheWorld().lastError = 2;
+    OSAL::Fake::TheWorld().files[m_path] = {
+        .content = "", .kind = {.isSymbolicLink = true}, .canBeOpened = false};
+    EXPECT_EQ(Problem(), m_path + " is a link that leads to no file; give a port with --port");
+}
+
+TEST_F(PortFileTest, AFileInTheWorkingDirectoryIsNamedWhole) {
+    OSAL::Fake::TheWorld().modulePathReadable = false;
+    OSAL::Fake::TheWorld().lastError = 2;
+    EXPECT_EQ(Problem(), std::filesystem::absolute("Socket.cfg").string() +
+                             " is missing; give a port with --port");
 }
 
 } // namespace VemoSimulator

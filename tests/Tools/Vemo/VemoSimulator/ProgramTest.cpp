@@ -115,7 +115,7 @@ TEST(ProgramTest, APortFileWithoutAPortFails) {
     const StagedProgram staged("80\r\n");
     const ProcessResult result = EndToEnd::Run(staged.Path(), {}, staged.Directory());
     EXPECT_EQ(result.exitCode, 1);
-    EXPECT_THAT(result.err, HasSubstr("Socket.cfg hold no port; give one with --port"));
+    EXPECT_THAT(result.err, HasSubstr("Socket.cfg hold no port; give a port with --port"));
 }
 
 TEST(ProgramTest, TheRequestLogHasALineForEachRequest) {

@@ -1,15 +1,19 @@
 #include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
 
 #include "Modules/xFramework/OSAL/File.h"
+#include "Modules/xFramework/OSAL/Process.h"
 #include "Modules/xFramework/Utilities/ProgramFiles.h"
 #include "Tools/SarvexTool/Bench/Daemon/Connection.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Supervision/Answer.h"
 #include "Tools/SarvexTool/Client/CliClient.h"
 #include "Tools/SarvexTool/Client/Request.h"
 
+#include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace Bench {
@@ -27,6 +31,47 @@ DaemonAnswer Understand(const Answer& answer) {
     return {answer.code != 0 || answer.hasErrors, answer.words};
 }
 
+constexpr const char* portFileName = "Socket.cfg";
+// The client reads four bytes of the file.
+constexpr std::size_t portSize = 4;
+
+/// The whole path in UTF-8 of the port file that is read. Where the folder of the program has a
+/// name that the client cannot read files by, that is one in the working directory.
+std::string NameOfPortFile(const std::string& path) {
+    if (path == portFileName) {
+        std::error_code ignored;
+        return NameOf(std::filesystem::absolute(PathOf(path), ignored));
+    }
+    const std::string program = OSAL::ModulePathInUtf8();
+    return program.substr(0, program.rfind(OSAL::PathSeparator) + 1) + portFileName;
+}
+
+/// Why a port file that cannot be opened cannot.
+std::string WhyNotOpened(const std::string& path, std::uint32_t error) {
+    // The number is the same on all systems.
+    constexpr std::uint32_t noSuchFile = 2;
+    if (error != noSuchFile)
+        return "cannot be opened (the system's error " + std::to_string(error) + ")";
+    return OSAL::LookAtPath(path).isSymbolicLink ? "is a link that leads to no file" : "is missing";
+}
+
+std::string WhyNoPort(const std::string& path, const std::string& text) {
+    if (OSAL::LookAtPath(path).isDirectory)
+        return "is a folder";
+    if (!OSAL::OpenFileForReading(path).IsOpen())
+        return WhyNotOpened(path, OSAL::GetLastError());
+    return text.empty() ? "is empty"
+                        : "holds no port; it begins with \"" + text.substr(0, portSize) + "\"";
+}
+
+/// For a port file in the working directory.
+std::string WhyThere(const std::string& path) {
+    return path == portFileName
+               ? " (it is read there because the client cannot read files in the program's own "
+                 "folder, by the characters of its name)"
+               : "";
+}
+
 } // namespace
 
 std::string BuildCommandRequest(const std::string& host,
@@ -41,12 +86,13 @@ std::string BuildCommandRequest(const std::string& host,
 }
 
 std::uint16_t ReadPortBesideProgram() {
-    const std::string path = Utilities::PathBesideProgram("Socket.cfg");
-    // The client reads four bytes of the file.
-    constexpr std::size_t portSize = 4;
-    const auto port = ParsePort(OSAL::ReadTextFile(path).substr(0, portSize));
+    const std::string path = Utilities::PathBesideProgram(portFileName);
+    const std::string text = OSAL::ReadTextFile(path);
+    const auto port = ParsePort(text.substr(0, portSize));
     if (!port)
-        throw BadInput(path, "has no port of four digits; name one after the host: HOST:PORT");
+        throw BadInput(NameOfPortFile(path),
+                       WhyNoPort(path, text) + WhyThere(path) +
+                           "; name the port after the host: --daemon HOST:PORT");
     return *port;
 }
 

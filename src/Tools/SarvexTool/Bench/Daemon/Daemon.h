@@ -25,8 +25,8 @@ public:
     virtual DaemonAnswer Ask(const std::vector<std::string>& arguments) = 0;
 };
 
-/// The port that the client reads from Socket.cfg beside the program. Throws BadInput when there is
-/// none.
+/// The port that the client reads from Socket.cfg beside the program. Throws BadInput with the
+/// whole path of the file and the reason when there is none.
 std::uint16_t ReadPortBesideProgram();
 
 /// The request of a command, as the client's power test would send it to a daemon of that host.

@@ -166,7 +166,7 @@ std::uint32_t CountNames(const std::string& path) {
 OwnedHandle OpenFileForReading(const std::string& path) {
     Record("OpenFileForReading " + path);
     const Fake::File* file = FindFile(path);
-    fileIsOpen = file != nullptr;
+    fileIsOpen = file != nullptr && file->canBeOpened;
     unread = fileIsOpen ? file->content : "";
     return fileIsOpen ? OwnedHandle(openFileHandle) : OwnedHandle();
 }
@@ -183,7 +183,7 @@ std::size_t ReadFile(const OwnedHandle& file, char* buffer, std::size_t size) {
 std::string ReadTextFile(const std::string& path) {
     Record("ReadTextFile " + path);
     const Fake::File* file = FindFile(path);
-    return file == nullptr ? "" : file->content;
+    return file == nullptr || !file->canBeOpened ? "" : file->content;
 }
 
 // Sockets

@@ -22,6 +22,8 @@ struct File {
     std::string content;
     PathKind kind = {.isToBeArchived = true};
     std::uint32_t hardLinks = 1;
+    /// A link that leads nowhere cannot be, for example.
+    bool canBeOpened = true;
 };
 
 struct World {

@@ -4,18 +4,22 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
+#include <filesystem>
+#include <optional>
 #include <sstream>
+#include <string>
 
 namespace Bench {
 namespace {
 
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 class CheckTest : public testing::Test {
 protected:
     CheckTest() { OSAL::Fake::Reset(); }
-using testing::StartsWith;
 
     int Run(const std::vector<std::string>& arguments, const std::string& input = "") {
         out.str("");
@@ -124,10 +128,6 @@ TEST_F(CheckTest, AnEmptyNameIsNoFile) {
     EXPECT_EQ(err.str(), "\"\": error: cannot be read (No such file or directory)\n");
 }
 
-TEST_F(CheckTest, ADaemonIsNotAskedAboutAFileWithErrors) {
-    EXPECT_EQ(Run({"-", "--daemon", "127.0.0.1:1"}, "Chains\nC\n"), 1);
-    EXPECT_EQ(err.str(), "-: warning: the daemon is asked when the file has no errors\n");
-}
 TEST_F(CheckTest, AWildcardIsToldThatNobodyHasExpandedIt) {
     for (const std::string name : {"*.csv", "a?.csv"}) {
         EXPECT_EQ(Run({directory.Path(name)}), 2);
@@ -136,11 +136,57 @@ TEST_F(CheckTest, AWildcardIsToldThatNobodyHasExpandedIt) {
     }
 }
 
+TEST_F(CheckTest, ADaemonIsNotAskedAboutAFileWithErrors) {
+    EXPECT_EQ(Run({"-", "--daemon", "127.0.0.1:1"}, "Chains\nC\n"), 1);
+    EXPECT_EQ(err.str(), "-: warning: the daemon is asked when the file has no errors\n");
+}
 
 TEST_F(CheckTest, ThePortIsThatOfThePortFileBesideTheProgram) {
+    OSAL::Fake::TheWorld().files["/bench/Socket.cfg"] = {"99\n"};
     EXPECT_EQ(Run({sound, "--daemon", "127.0.0.1"}), 2);
-    EXPECT_EQ(err.str(), "/bench/Socket.cfg: error: has no port of four digits; name one after the "
-                         "host: HOST:PORT\n");
+    EXPECT_EQ(err.str(),
+              "/bench/Socket.cfg: error: holds no port; it begins with \"99\\n\"; name the port "
+              "after the host: --daemon HOST:PORT\n");
+}
+
+TEST_F(CheckTest, APortFileThatCannotBeReadIsToldWithTheReason) {
+    constexpr std::uint32_t noSuchFile = 2;
+    constexpr std::uint32_t refused = 13;
+    struct Row {
+        std::optional<OSAL::Fake::File> file;
+        std::uint32_t systemError;
+        std::string reason;
+    };
+    const Row rows[] = {
+        {std::nullopt, noSuchFile, "is missing"},
+        {std::nullopt, refused, "cannot be opened (the system's error 13)"},
+        {OSAL::Fake::File{.content = "", .kind = {.isSymbolicLink = true}, .canBeOpened = false},
+         noSuchFile, "is a link that leads to no file"},
+        {OSAL::Fake::File{.content = ""}, 0, "is empty"},
+        {OSAL::Fake::File{.content = "", .kind = {.isDirectory = true}}, 0, "is a folder"},
+        {OSAL::Fake::File{.content = "80\r\n"}, 0, "holds no port; it begins with \"80\\r\\n\""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.reason);
+        OSAL::Fake::Reset();
+        OSAL::Fake::TheWorld().lastError = row.systemError;
+        if (row.file)
+            OSAL::Fake::TheWorld().files["/bench/Socket.cfg"] = *row.file;
+        EXPECT_EQ(Run({sound, "--daemon", "127.0.0.1"}), 2);
+        EXPECT_EQ(err.str(), "/bench/Socket.cfg: error: " + row.reason +
+                                 "; name the port after the host: --daemon HOST:PORT\n");
+    }
+}
+
+TEST_F(CheckTest, APortFileInTheWorkingDirectoryIsNamedWhole) {
+    OSAL::Fake::TheWorld().modulePathReadable = false;
+    OSAL::Fake::TheWorld().lastError = 2;
+    EXPECT_EQ(Run({sound, "--daemon", "127.0.0.1"}), 2);
+    const std::u8string file = std::filesystem::absolute("Socket.cfg").u8string();
+    EXPECT_EQ(err.str(), std::string(file.begin(), file.end()) +
+                             ": error: is missing (it is read there because the client cannot read "
+                             "files in the program's own folder, by the characters of its name); "
+                             "name the port after the host: --daemon HOST:PORT\n");
 }
 
 } // namespace
