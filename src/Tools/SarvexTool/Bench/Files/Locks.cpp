@@ -4,6 +4,8 @@
 
 #include <array>
 #include <fstream>
+#include <stdexcept>
+#include <system_error>
 
 namespace Bench {
 
@@ -60,9 +62,21 @@ OSAL::FileLock LockDaemon(const std::string& host, std::uint16_t port, const Loc
                     "the daemon", holder);
 }
 
+std::string LockFolder(const std::string& name) {
+    try {
+        return OSAL::MakeUserFolder(name);
+    } catch (const std::system_error& error) {
+        if (error.code() != std::errc::permission_denied)
+            throw;
+        throw std::runtime_error(std::string(error.what()) +
+                                 "; it belongs to another user or is open to others: have it "
+                                 "removed, or the run's locks would be theirs");
+    }
+}
+
 std::string DaemonLockFile(const std::string& host, std::uint16_t port) {
-    const std::string folder = OSAL::MakeUserFolder("SarvexToolBench");
-    return folder + "/daemon-" + AsFileName(host) + "-" + std::to_string(port) + ".lock";
+    return LockFolder("SarvexToolBench") + "/daemon-" + AsFileName(host) + "-" +
+           std::to_string(port) + ".lock";
 }
 
 } // namespace Bench

@@ -33,6 +33,10 @@ OSAL::FileLock TakeLock(const std::string& file, const std::string& name, const 
 /// the daemon's host was resolved to.
 OSAL::FileLock LockDaemon(const std::string& host, std::uint16_t port, const LockHolder& holder);
 
+/// The folder of that name for this user's locks, which is made where there is none. Throws
+/// std::runtime_error, which says what to do about one that is not this user's alone.
+std::string LockFolder(const std::string& name);
+
 /// The file that LockDaemon locks.
 std::string DaemonLockFile(const std::string& host, std::uint16_t port);
 
