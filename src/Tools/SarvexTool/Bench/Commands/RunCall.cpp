@@ -10,6 +10,7 @@
 #include "Tools/SarvexTool/Bench/Files/TestLines.h"
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"
 #include "Tools/SarvexTool/Bench/Output/JsonProgress.h"
+#include "Tools/SarvexTool/Bench/Output/Phrases.h"
 #include "Tools/SarvexTool/Bench/Run/SupervisedRun.h"
 
 #include <algorithm>
@@ -163,10 +164,7 @@ private:
                        measurement.reason.cause == NotMeasured::Cause::Uncertain;
             });
         if (count > 0)
-            m_directory.Facts().AddNote(
-                std::to_string(count) +
-                " of the powers do not count, because a setting of theirs was refused before; "
-                "judge and report name them");
+            m_directory.Facts().AddNote(NoteOfUncertain(static_cast<std::size_t>(count)));
     }
 
     /// The results are there, whatever becomes of the facts.

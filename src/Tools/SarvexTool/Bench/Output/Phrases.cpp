@@ -94,6 +94,14 @@ std::string PhraseOf(const RunResult& oldRun, const RunResult& newRun,
     return "in the new run only: " + after();
 }
 
+std::string NoteOfUncertain(std::size_t count) {
+    return count == 1 ? "1 of the powers does not count, because one of its settings was refused "
+                        "before; judge and report name it"
+                      : std::to_string(count) +
+                            " of the powers do not count, because a setting of theirs was refused "
+                            "before; judge and report name them";
+}
+
 std::string SignedDecibels(Decimal change) {
     return (change > Decimal() ? "+" : "") + Decibels(change);
 }

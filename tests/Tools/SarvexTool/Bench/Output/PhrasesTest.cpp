@@ -56,5 +56,12 @@ TEST(PhrasesTest, ChangesHaveASign) {
     EXPECT_EQ(SignedDecibels("-0.5"_dB), "-0.5 dB");
 }
 
+TEST(PhrasesTest, OnePowerThatDoesNotCountIsSingular) {
+    EXPECT_EQ(NoteOfUncertain(1), "1 of the powers does not count, because one of its settings was "
+                                  "refused before; judge and report name it");
+    EXPECT_EQ(NoteOfUncertain(2), "2 of the powers do not count, because a setting of theirs was "
+                                  "refused before; judge and report name them");
+}
+
 } // namespace
 } // namespace Bench
