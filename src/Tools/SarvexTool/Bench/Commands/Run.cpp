@@ -211,6 +211,9 @@ void StopBeforeReading(const std::string& directory, const RunFacts& facts,
 }
 
 int Resume(const RunArguments& arguments, Surroundings& surroundings) {
+    // As with a variable of a script that is not set.
+    if (arguments.resume == "")
+        throw WrongUsage("--resume needs the name of a folder");
     const std::optional<RunFacts> unstopped = FactsOfUnstopped(*arguments.resume);
     try {
         if (unstopped)

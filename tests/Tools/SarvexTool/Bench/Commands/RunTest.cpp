@@ -62,6 +62,7 @@ TEST_F(RunTest, WrongUsageIsToldAndNothingIsMade) {
         {{"run", directory.Path()},
          ": error: is no ordinary file; a run reads it more than once, so save it in one"},
         {With({"--limits", directory.Path()}), ": error: is no ordinary file"},
+        {{"run", "--resume", ""}, "--resume needs the name of a folder"},
         {{"run", "--resume", folder, "--force"}, "leave out --force"},
         {{"run", "--resume", folder, "--", "-wifi-stop"}, "takes the client's own first command"},
         {{"run", "--resume", directory.Path("none")}, "error: "},
