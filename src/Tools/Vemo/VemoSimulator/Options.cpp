@@ -140,19 +140,28 @@ void Finish(const CLI::App& app, Options& options, const RawOptions& raw) {
     options.simulator.pRecording = ReadRecording(raw.recordingFile);
 }
 
-EarlyEnd Complain(const std::string& problem) {
+EarlyEnd Complain(const std::string& problem, const std::string& name) {
     constexpr int badCommandLine = 2;
-    return {"", "vemo: " + problem + "\nRun vemo --help for the options.\n", badCommandLine};
+    return {"", "vemo: " + problem + "\nRun " + name + " --help for the options.\n",
+            badCommandLine};
+}
+
+/// What is to be typed to call the program.
+std::string NameToCall(const std::string& calledAs) {
+    const std::string name = calledAs.substr(calledAs.find_last_of("/\\") + 1);
+    return name.ends_with("-vemo") ? name : "vemo";
 }
 
 } // namespace
 
-std::variant<Options, EarlyEnd> ParseOptions(const std::vector<std::string>& arguments) {
+std::variant<Options, EarlyEnd> ParseOptions(const std::vector<std::string>& arguments,
+                                             const std::string& calledAs) {
+    const std::string name = NameToCall(calledAs);
     Options options;
     RawOptions raw;
     CLI::App app("Replaces the daemon where there is no device: takes commands over HTTP and "
                  "answers as a simulated device would.",
-                 "vemo");
+                 name);
     app.set_help_flag("--help", "Print this text and end");
     app.set_version_flag("--version", "vemo " VEMO_VERSION, "Print the version and end");
     AddServerOptions(app, options);
@@ -171,7 +180,7 @@ std::variant<Options, EarlyEnd> ParseOptions(const std::vector<std::string>& arg
     } catch (const CLI::CallForVersion&) {
         return EarlyEnd{app.version() + "\n", "", 0};
     } catch (const std::exception& error) {
-        return Complain(error.what());
+        return Complain(error.what(), name);
     }
 }
 

@@ -28,8 +28,10 @@ struct EarlyEnd {
     int exitCode = 0;
 };
 
-/// arguments are those after the program's name. Reads the recording and
-/// the files that fault rules name.
-std::variant<Options, EarlyEnd> ParseOptions(const std::vector<std::string>& arguments);
+/// arguments are those after the program's name; calledAs is that name, perhaps with its folder.
+/// Texts that show how to call the program have it when it ends in vemo, as that of a link may.
+/// Reads the recording and the files that fault rules name.
+std::variant<Options, EarlyEnd> ParseOptions(const std::vector<std::string>& arguments,
+                                             const std::string& calledAs = "vemo");
 
 } // namespace VemoSimulator

@@ -42,8 +42,8 @@ void Serve(const Options& options) {
 
 } // namespace
 
-int RunProgram(const std::vector<std::string>& arguments) {
-    const auto parsed = ParseOptions(arguments);
+int RunProgram(const std::vector<std::string>& arguments, const std::string& calledAs) {
+    const auto parsed = ParseOptions(arguments, calledAs);
     if (const auto* const pEnd = std::get_if<EarlyEnd>(&parsed)) {
         std::cout << pEnd->output << std::flush;
         std::cerr << pEnd->error;

@@ -1,5 +1,7 @@
 #include "Tools/Vemo/VemoSimulator/Program.h"
 
 int main(int argc, char* argv[]) {
-    return VemoSimulator::RunProgram({argv + (argc > 0 ? 1 : 0), argv + argc});
+    if (argc == 0)
+        return VemoSimulator::RunProgram({}, "");
+    return VemoSimulator::RunProgram({argv + 1, argv + argc}, argv[0]);
 }

@@ -115,6 +115,25 @@ TEST(OptionsTest, HelpNamesEveryFault) {
     EXPECT_THAT(end.output, HasSubstr("Faults:\n" + DescribeFaults()));
 }
 
+TEST(OptionsTest, ALinkIsToldByItsOwnName) {
+    const struct {
+        std::string calledAs;
+        std::string name;
+    } rows[] = {{"/usr/bin/sarvextool-vemo", "sarvextool-vemo"},
+                {"sarvextool-vemo", "sarvextool-vemo"},
+                {"simulator/vemo", "vemo"},
+                {"C:\\bench\\vemo.exe", "vemo"},
+                {"", "vemo"},
+                {"./SimulatedDaemon", "vemo"}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.calledAs);
+        EXPECT_THAT(std::get<EarlyEnd>(ParseOptions({"--help"}, row.calledAs)).output,
+                    HasSubstr("\nUsage: " + row.name + " [OPTIONS]\n"));
+        EXPECT_THAT(std::get<EarlyEnd>(ParseOptions({"--none"}, row.calledAs)).error,
+                    HasSubstr("\nRun " + row.name + " --help for the options.\n"));
+    }
+}
+
 TEST(OptionsTest, TheVersionIsTold) {
     const EarlyEnd end = Refused({"--version"});
     EXPECT_EQ(end.exitCode, 0);
