@@ -157,6 +157,8 @@ public:
 
     /// The exit code of what the arguments ask for.
     int Run(std::vector<std::string> arguments, Surroundings& surroundings) {
+        if (AsksForHelp(arguments))
+            arguments.back() = "--help";
         try {
             HandOn(arguments, surroundings);
             RequireKnownSubcommand(arguments);
@@ -176,6 +178,12 @@ public:
     }
 
 private:
+    /// In the words of Windows, alone or after a subcommand: no file has this name there.
+    static bool AsksForHelp(const std::vector<std::string>& arguments) {
+        return !arguments.empty() && arguments.size() <= 2 && arguments.back() == "/?" &&
+               !arguments.front().starts_with('-');
+    }
+
     /// Takes what follows "--" off the arguments of run, which hands it on.
     static void HandOn(std::vector<std::string>& arguments, Surroundings& surroundings) {
         const auto dashes = std::find(arguments.begin(), arguments.end(), "--");

@@ -172,6 +172,8 @@ std::variant<Options, EarlyEnd> ParseOptions(const std::vector<std::string>& arg
     // It gets a line end of its own.
     app.footer(footer.substr(0, footer.size() - 1));
     try {
+        if (arguments == std::vector<std::string>{"/?"}) // As Windows asks for help.
+            throw CLI::CallForHelp();
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
         Finish(app, options, raw);
         return options;

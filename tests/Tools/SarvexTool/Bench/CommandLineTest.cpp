@@ -82,6 +82,21 @@ TEST_F(CommandLineTest, TheVersionIsThatOfTheProject) {
     EXPECT_EQ(out.str(), "SarvexToolBench " SARVEX_BENCH_VERSION "\n");
 }
 
+TEST_F(CommandLineTest, ASlashAndAQuestionMarkAskForHelp) {
+    for (const std::vector<std::string>& subcommand :
+         std::vector<std::vector<std::string>>{{}, {"check"}, {"run"}}) {
+        std::vector<std::string> arguments = subcommand;
+        arguments.emplace_back("--help");
+        EXPECT_EQ(Run(arguments), 0);
+        const std::string help = out.str();
+        arguments.back() = "/?";
+        EXPECT_EQ(Run(arguments), 0);
+        EXPECT_EQ(out.str(), help);
+        EXPECT_EQ(err.str(), "");
+    }
+    EXPECT_EQ(Run({"check", "/?", "/?"}), 2) << "these would be files";
+}
+
 struct WrongUsageCase {
     std::vector<std::string> arguments;
     std::string message;

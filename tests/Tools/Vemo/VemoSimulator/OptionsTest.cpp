@@ -115,6 +115,11 @@ TEST(OptionsTest, HelpNamesEveryFault) {
     EXPECT_THAT(end.output, HasSubstr("Faults:\n" + DescribeFaults()));
 }
 
+TEST(OptionsTest, ASlashAndAQuestionMarkAskForHelp) {
+    EXPECT_EQ(Refused({"/?"}).output, Refused({"--help"}).output);
+    EXPECT_EQ(Refused({"/?"}).exitCode, 0);
+}
+
 TEST(OptionsTest, ALinkIsToldByItsOwnName) {
     const struct {
         std::string calledAs;
