@@ -1,15 +1,13 @@
 #include "tests/EndToEnd/Support/Bench.h"
+#include "tests/EndToEnd/Support/RandomMoments.h"
 #include "tests/EndToEnd/Support/Simulator.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <iostream>
 #include <optional>
-#include <random>
-#include <thread>
 
 // Ends the client with its pauses taken out at any moment of a run against the simulated daemon.
 
@@ -73,7 +71,7 @@ protected:
     }
 
     /// Without an interruption, the run goes on to its end.
-    Remains Run(const Interruption* interruption, std::chrono::duration<double> delay) const {
+    Remains Run(const Interruption* interruption, RandomMoments& moments) const {
         for (const char* name : {"result.csv", "requests.log"})
             std::filesystem::remove(bench.Path(name));
         Remains remains;
@@ -83,8 +81,7 @@ protected:
             bench.SetPort(simulator.Port());
             Process client(bench.Path(ExecutableName("SarvexToolClientWithoutPauses")),
                            {"-wifi-test-by-file", "test.csv"}, bench.Directory());
-            std::this_thread::sleep_for(delay);
-            if (interruption != nullptr)
+            if (interruption != nullptr && moments.WaitIn(client))
                 client.Interrupt(*interruption);
             const ProcessResult result = client.Wait();
             EXPECT_FALSE(result.timedOut);
@@ -114,16 +111,11 @@ protected:
 
 TEST_F(InterruptedRunTest, EveryMeasurementThatWasCompleteHasItsWholeRow) {
     const std::vector<Interruption> interruptions = Interruptions();
-    const int flag = GTEST_FLAG_GET(random_seed);
-    const unsigned seed =
-        flag != 0 ? static_cast<unsigned>(flag) : std::random_device()() % 99'999 + 1;
-    std::cout << "seed: --gtest_random_seed=" << seed << std::endl;
-    std::mt19937 random(seed);
-
-    const Remains whole = Run(nullptr, {});
+    RandomMoments moments;
+    const Remains whole = Run(nullptr, moments);
     ASSERT_FALSE(whole.wasInterrupted);
     ASSERT_EQ(whole.result, ResultOf(lineCount));
-    std::uniform_real_distribution<double> delays(0, whole.seconds);
+    moments.SetLongestWait(whole.seconds);
 
     std::size_t rowsInAll = 0;
     std::size_t runsWithRows = 0;
@@ -132,10 +124,8 @@ TEST_F(InterruptedRunTest, EveryMeasurementThatWasCompleteHasItsWholeRow) {
         ASSERT_LT(run, 20 * INTERRUPTED_RUNS) << "hardly a run lasts until it is interrupted";
         const Interruption& interruption =
             interruptions[static_cast<std::size_t>(run) % interruptions.size()];
-        const std::chrono::duration<double> delay(delays(random));
-        SCOPED_TRACE("run " + std::to_string(run) + ", " + interruption.name + " after " +
-                     std::to_string(delay.count()) + " s");
-        const Remains remains = Run(&interruption, delay);
+        SCOPED_TRACE("run " + std::to_string(run) + ", " + interruption.name);
+        const Remains remains = Run(&interruption, moments);
         const std::optional<std::size_t> rows = CountRows(remains.result);
         ASSERT_TRUE(rows) << testing::PrintToString(remains.result);
         // The next line is begun when the row is written, and the row when the line is stopped.

@@ -1,11 +1,11 @@
 #include "tests/EndToEnd/BenchRun/PowerTests.h"
+#include "tests/EndToEnd/Support/RandomMoments.h"
 
 #include <gmock/gmock.h>
 
 #include <array>
 #include <chrono>
 #include <iostream>
-#include <random>
 #include <thread>
 
 // Kills what takes part in a supervised run at random moments, and resumes the run to its end.
@@ -25,8 +25,8 @@ using Counts = std::array<int, 3>;
 /// A run that goes on until it is complete, whatever is killed in between.
 class DisturbedRun {
 public:
-    DisturbedRun(const PowerTests& tests, std::mt19937& random, double longestPause)
-        : m_tests(tests), m_random(random), m_delays(0, longestPause) {
+    DisturbedRun(const PowerTests& tests, RandomMoments& moments)
+        : m_tests(tests), m_moments(moments) {
         Begin();
     }
 
@@ -40,8 +40,7 @@ public:
 
     /// Kills one victim at a random moment; false when the run was complete before.
     bool Kill(Victim victim) {
-        std::this_thread::sleep_for(std::chrono::duration<double>(m_delays(m_random)));
-        if (m_pRun->HasEnded()) {
+        if (!m_moments.WaitIn(*m_pRun)) {
             TakeEnd(m_pRun->Wait());
             return false;
         }
@@ -97,7 +96,7 @@ private:
     /// A daemon that comes back has settings of its own; where a supervisor can be halted, it finds
     /// all at once when it goes on.
     bool KillDaemon() {
-        const bool isHalted = m_random() % 2 == 0 && m_pRun->Halt();
+        const bool isHalted = m_moments.Below(2) == 0 && m_pRun->Halt();
         m_owesStop = m_owesStop || HasStarted();
         m_daemon.Kill();
         m_daemon.StartAgain();
@@ -147,8 +146,7 @@ private:
     }
 
     const PowerTests& m_tests;
-    std::mt19937& m_random;
-    std::uniform_real_distribution<double> m_delays;
+    RandomMoments& m_moments;
     Simulator m_daemon{{"--request-log", m_tests.Path("requests.log")}};
     std::unique_ptr<Process> m_pRun;
     /// Where the commands begin that came from the supervisor that runs now.
@@ -184,24 +182,20 @@ protected:
 };
 
 TEST_P(KilledRunTest, ResumedToItsEndHasTheResultsOfAnUndisturbedOne) {
-    const int flag = GTEST_FLAG_GET(random_seed);
-    const unsigned seed =
-        flag != 0 ? static_cast<unsigned>(flag) : std::random_device()() % 99'999 + 1;
-    std::cout << "seed: --gtest_random_seed=" << seed << std::endl;
-    std::mt19937 random(seed);
+    RandomMoments moments;
     expected = tests.RunAlone("test.csv");
     ASSERT_EQ(CountHits(expected.csv, "\n"), lineCount + 1);
     ASSERT_EQ(expected.csv.find("NA,NA"), std::string::npos);
-    const double wholeSeconds = SecondsOfWholeRun();
+    moments.SetLongestWait(SecondsOfWholeRun() / 2);
 
     Counts counts{};
     int runs = 0;
     for (int killed = 0; killed < KILLED_RUNS; ++runs) {
         ASSERT_LT(runs, 20 * KILLED_RUNS) << "hardly a run lasts until something is killed";
-        DisturbedRun run(tests, random, wholeSeconds / 2);
+        DisturbedRun run(tests, moments);
         int daemons = 0;
         while (!run.IsComplete() && killed < KILLED_RUNS && !HasFailure()) {
-            const Victim victim = GetParam().victims[random() % GetParam().victims.size()];
+            const Victim victim = GetParam().victims[moments.Below(GetParam().victims.size())];
             // After more losses of the idle connection the daemon counts as one that closes it.
             if (victim == Victim::Daemon && ++daemons > 2)
                 break;
