@@ -21,10 +21,14 @@ function(add_layer name)
     endif()
 endfunction()
 
-# add_program(NAME SOURCES ... [USES library ...]): a program on the real operating system.
+# add_program(NAME SOURCES ... [USES library ...]): a program on the real operating system. The linker's map,
+# NAME.map beside it, tells what of others is in it (packaging/make-sbom).
 function(add_program name)
     cmake_parse_arguments(program "" "" "SOURCES;USES" ${ARGN})
     add_executable(${name} ${program_SOURCES})
     target_link_libraries(${name} PRIVATE OSAL ${program_USES} project_warnings project_hardening
         static_program)
+    target_link_options(${name} PRIVATE -Wl,-Map=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name}.map)
+    set_property(TARGET ${name} APPEND PROPERTY
+        ADDITIONAL_CLEAN_FILES ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name}.map)
 endfunction()

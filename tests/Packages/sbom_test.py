@@ -1,4 +1,5 @@
 """Checks the bills of materials and the notice that packages carry."""
+import hashlib
 import json
 import os
 import pathlib
@@ -8,14 +9,26 @@ import subprocess
 import tempfile
 import unittest
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
+from support import LINUX_BUILD, ROOT, WINDOWS_BUILD, run, temporary_folder
+
 VALIDATOR = ROOT / "tests/Packages/cyclonedx"
-PLATFORMS = ["linux", "windows"]
+MAKE_SBOM = ROOT / "packaging/make-sbom"
+BUILDS = {"linux": LINUX_BUILD, "windows": WINDOWS_BUILD}
+PLATFORMS = list(BUILDS)
+PROGRAMS = ["SarvexToolClient", "SarvexToolBench", "vemo"]
+# Archives of a build that are not made of the project's own sources, and whose they are.
+OTHERS_IN_BUILD = {"libexpat.a": "Expat", "resolver/libresolver.a": "GNU C Library"}
 
 
 def make(folder, moment="1700000000"):
-    subprocess.run([ROOT / "packaging/make-sbom", folder], check=True,
+    subprocess.run([MAKE_SBOM, LINUX_BUILD, WINDOWS_BUILD, folder], check=True,
                    env={**os.environ, "SOURCE_DATE_EPOCH": moment})
+
+
+def names_in_map(build, program):
+    """The object files and archives of which a section is in the linker's map of the memory, as it names them."""
+    text = (build / "bin" / f"{program}.map").read_text()
+    return set(re.findall(r"^ .*0x[0-9a-f]+ +0x[0-9a-f]+ (\S+?\.(?:a|o|obj))(?:\(.*\))?$", text, re.MULTILINE))
 
 
 def contents(folder):
@@ -91,11 +104,44 @@ class SbomTest(unittest.TestCase):
                     for file in component["components"]:
                         self.assertRegex(file["hashes"][0]["content"], r"^[0-9a-f]{64}$")
 
-    def test_a_library_has_the_hash_of_its_file(self):
-        path = subprocess.run(["g++", "-print-file-name=libc.a"], capture_output=True, text=True).stdout.strip()
-        told = self.components("linux")["GNU C Library"]["components"][0]["hashes"][0]["content"]
-        measured = subprocess.run(["sha256sum", path], capture_output=True, text=True).stdout.split()[0]
-        self.assertEqual(told, measured)
+    def works_in(self, platform, program):
+        """What the bill says that a program holds: the names of the works, and name and hash of each file."""
+        bill = self.bills[platform]
+        held, = (entry["dependsOn"] for entry in bill["dependencies"] if entry["ref"].endswith(f"#{program}"))
+        works = [component for component in bill["components"] if component["bom-ref"] in held]
+        return ({work["name"] for work in works},
+                {(file["name"], file["hashes"][0]["content"]) for work in works for file in work["components"]})
+
+    def test_each_file_in_a_map_of_the_linker_is_named_with_its_hash(self):
+        for platform, build in BUILDS.items():
+            for program in PROGRAMS:
+                works, files = self.works_in(platform, program)
+                names = names_in_map(build, program)
+                self.assertGreater(sum(name.startswith("/usr/") for name in names), 7)
+                for name in names:
+                    with self.subTest(platform=platform, program=program, name=name):
+                        if name.startswith("/usr/"):
+                            path = pathlib.Path(name)
+                            self.assertIn((path.name, hashlib.sha256(path.read_bytes()).hexdigest()), files)
+                        elif not name.startswith("src/"):
+                            self.assertIn(OTHERS_IN_BUILD[name], works)
+
+    def test_a_linked_file_that_no_work_knows_is_an_error_and_so_is_a_build_without_maps(self):
+        build = temporary_folder(self)
+        (build / "bin").mkdir()
+        library = run("g++", "-print-file-name=libanl.a").stdout.decode().strip()
+        text = f"Archive member included\n\n{library}(gai_misc.o)\n"
+        for program in PROGRAMS:
+            (build / "bin" / f"{program}.map").write_text(text)
+        made = temporary_folder(self)
+        done = run(MAKE_SBOM, build, WINDOWS_BUILD, made)
+        self.assertEqual(1, done.returncode)
+        self.assertRegex(done.stderr.decode(), r"^make-sbom: \S*/libanl\.a of libc6-dev is linked; name its work")
+        (build / "bin/SarvexToolClient.map").unlink()
+        done = run(MAKE_SBOM, build, WINDOWS_BUILD, made)
+        self.assertEqual((1, f"make-sbom: {build}/bin has no SarvexToolClient.map: build the programs again\n"),
+                         (done.returncode, done.stderr.decode()))
+        self.assertEqual([], [path for path in made.rglob("*") if path.is_file()])
 
     def test_the_notice_leads_to_a_licence_text_for_each_component(self):
         notice = (self.folder / "NOTICE.txt").read_text()
