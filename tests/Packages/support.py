@@ -74,6 +74,12 @@ def unpack(package, folder):
     return folder / TOP
 
 
+def is_signed(file):
+    """Whether a program for Windows or an installer carries a signature, whosoever's."""
+    with tempfile.TemporaryDirectory() as folder:
+        return run("osslsigncode", "extract-signature", "-in", file, "-out", f"{folder}/signature").returncode == 0
+
+
 @contextlib.contextmanager
 def simulator(*command):
     """Runs a simulated daemon on a free port. The value is its process and the port, of four digits. It is
