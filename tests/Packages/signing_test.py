@@ -3,10 +3,12 @@ import http.server
 import os
 import re
 import shutil
+import sys
 import threading
 import unittest
 
-from support import DIST, ROOT, TOP, WINE, ZIP, require, run, temporary_folder, unpack
+from support import (DIST, LINUX_BUILD, ROOT, TOP, WINDOWS_BUILD, WINE, ZIP, is_signed, require, run, source_date,
+                     temporary_folder, unpack)
 
 SIGN = ROOT / "packaging/windows/sign"
 MSI = DIST / f"{TOP}-windows-x64.msi"
@@ -73,40 +75,50 @@ class TimeStampRequest(http.server.BaseHTTPRequestHandler):
         pass
 
 
+def make_certificates(folder):
+    """An authority, and of it a certificate for signing programs and one for time stamps."""
+    (folder / "settings").write_text(OPENSSL_SETTINGS.format(folder=folder))
+    (folder / "serial").write_text("01\n")
+    for name in ("password", "password to write"):
+        (folder / name).write_text(PASSWORD + "\n")
+    common = ["-config", folder / "settings", "-newkey", "rsa:2048", "-days", "9000"]
+    require("openssl", "req", "-x509", *common, "-noenc", "-extensions", "authority", "-subj", "/CN=Test authority",
+            "-keyout", folder / "authority.key", "-out", folder / "authority.pem")
+    for name, protection in [("signer", ["-passout", f"file:{folder}/password"]), ("stamper", ["-noenc"])]:
+        require("openssl", "req", "-x509", *common, *protection, "-extensions", name, "-subj", f"/CN=Test {name}",
+                "-CA", folder / "authority.pem", "-CAkey", folder / "authority.key",
+                "-keyout", folder / f"{name}.key", "-out", folder / f"{name}.pem")
+    (folder / "chain.pem").write_bytes((folder / "signer.pem").read_bytes()
+                                       + (folder / "authority.pem").read_bytes())
+    require("openssl", "pkcs12", "-export", "-in", folder / "chain.pem", "-inkey", folder / "signer.key",
+            "-passin", f"file:{folder}/password", "-passout", f"file:{folder}/password to write",
+            "-out", folder / "signer.pfx")
+
+
+def without_settings():
+    """The environment, but for what it says of signing and of the time."""
+    return {name: value for name, value in os.environ.items()
+            if not name.startswith("SARVEX_SIGN_") and name != "SOURCE_DATE_EPOCH"}
+
+
+def verify(file, authority):
+    done = run("osslsigncode", "verify", "-CAfile", authority, "-TSA-CAfile", authority, "-in", file)
+    return done.returncode, done.stdout.decode()
+
+
 class SigningTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.folder = temporary_folder(cls)
         top = unpack(ZIP, cls.folder)
         cls.originals = {"client.exe": top / "SarvexToolClient.exe", "setup.msi": MSI}
-        cls.make_certificates()
+        make_certificates(cls.folder)
         cls.pem = {"SARVEX_SIGN_CERTIFICATE": str(cls.folder / "chain.pem"),
                    "SARVEX_SIGN_KEY": str(cls.folder / "signer.key"),
                    "SARVEX_SIGN_PASSWORD_FILE": str(cls.folder / "password")}
         cls.token = cls.make_token()
         cls.pfx = {"SARVEX_SIGN_CERTIFICATE": str(cls.folder / "signer.pfx"),
                    "SARVEX_SIGN_PASSWORD_FILE": str(cls.folder / "password")}
-
-    @classmethod
-    def make_certificates(cls):
-        """An authority, and of it a certificate for signing programs and one for time stamps."""
-        folder = cls.folder
-        (folder / "settings").write_text(OPENSSL_SETTINGS.format(folder=folder))
-        (folder / "serial").write_text("01\n")
-        for name in ("password", "password to write"):
-            (folder / name).write_text(PASSWORD + "\n")
-        common = ["-config", folder / "settings", "-newkey", "rsa:2048", "-days", "9000"]
-        require("openssl", "req", "-x509", *common, "-noenc", "-extensions", "authority", "-subj", "/CN=Test authority",
-                "-keyout", folder / "authority.key", "-out", folder / "authority.pem")
-        for name, protection in [("signer", ["-passout", f"file:{folder}/password"]), ("stamper", ["-noenc"])]:
-            require("openssl", "req", "-x509", *common, *protection, "-extensions", name, "-subj", f"/CN=Test {name}",
-                    "-CA", folder / "authority.pem", "-CAkey", folder / "authority.key",
-                    "-keyout", folder / f"{name}.key", "-out", folder / f"{name}.pem")
-        (folder / "chain.pem").write_bytes((folder / "signer.pem").read_bytes()
-                                           + (folder / "authority.pem").read_bytes())
-        require("openssl", "pkcs12", "-export", "-in", folder / "chain.pem", "-inkey", folder / "signer.key",
-                "-passin", f"file:{folder}/password", "-passout", f"file:{folder}/password to write",
-                "-out", folder / "signer.pfx")
 
     @classmethod
     def make_token(cls):
@@ -133,9 +145,7 @@ class SigningTest(unittest.TestCase):
         return [shutil.copy(original, folder / name) for name, original in self.originals.items()]
 
     def sign(self, settings, *files, **more):
-        environment = {name: value for name, value in os.environ.items() if not name.startswith("SARVEX_SIGN_")}
-        environment.pop("SOURCE_DATE_EPOCH", None)
-        return run(SIGN, *files, env={**environment, **settings, **more})
+        return run(SIGN, *files, env={**without_settings(), **settings, **more})
 
     def signed_copies(self, settings, **more):
         files = self.copies()
@@ -144,9 +154,7 @@ class SigningTest(unittest.TestCase):
         return files
 
     def verify(self, file, authority="authority.pem"):
-        done = run("osslsigncode", "verify", "-CAfile", self.folder / authority, "-TSA-CAfile",
-                   self.folder / authority, "-in", file)
-        return done.returncode, done.stdout.decode()
+        return verify(file, self.folder / authority)
 
     def test_without_a_certificate_nothing_is_signed(self):
         files = self.copies()
@@ -236,6 +244,49 @@ class SigningTest(unittest.TestCase):
                 self.assertRegex(done.stderr.decode(), rf"(?m)^sign: .*{re.escape(message)}$")
                 for file, original in zip(files, self.originals.values()):
                     self.assertEqual(original.read_bytes(), file.read_bytes())
+
+
+class SignedPackagesTest(unittest.TestCase):
+    """What scripts/package makes with a certificate. All paths are relative to where it is called."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = temporary_folder(cls)
+        make_certificates(cls.folder)
+        require(ROOT / "scripts/package", "--out", "signed", LINUX_BUILD, WINDOWS_BUILD, cwd=cls.folder, env={
+            **without_settings(), "SOURCE_DATE_EPOCH": str(source_date()), "SARVEX_SIGN_CERTIFICATE": "chain.pem",
+            "SARVEX_SIGN_KEY": "signer.key", "SARVEX_SIGN_PASSWORD_FILE": "password"})
+        cls.dist = cls.folder / "signed"
+        cls.unpacked = unpack(cls.dist / ZIP.name, cls.folder / "unpacked")
+        cls.installed = cls.folder / "installed"
+        require("msiextract", "--directory", cls.installed, cls.dist / MSI.name)
+
+    def test_the_programs_of_the_zip_those_in_the_installer_and_the_installer_are_signed(self):
+        folders = [self.unpacked, self.installed]
+        files = [path for folder in folders for path in sorted(folder.rglob("*.exe"))] + [self.dist / MSI.name]
+        self.assertEqual(["SarvexToolBench.exe", "SarvexToolClient.exe", "vemo.exe"] * 2 + [MSI.name],
+                         [file.name for file in files])
+        for file in files:
+            with self.subTest(file=file):
+                code, text = verify(file, self.folder / "authority.pem")
+                self.assertEqual(0, code, text)
+                self.assertIn("Subject: /CN=Test signer", text)
+                self.assertTrue(is_signed(file))
+
+    def test_nothing_else_of_them_differs_and_the_checksums_are_right(self):
+        require("sha256sum", "--check", "--strict", "SHA256SUMS", cwd=self.dist)
+        before = unpack(ZIP, self.folder / "before")
+        names = [{path.relative_to(folder) for path in folder.rglob("*")} for folder in (before, self.unpacked)]
+        self.assertEqual(*names)
+        for path in before.rglob("*"):
+            if path.is_file() and path.suffix != ".exe":
+                self.assertEqual(path.read_bytes(), (self.unpacked / path.relative_to(before)).read_bytes(), path)
+
+    def test_they_are_not_compared_with_what_is_packed_again(self):
+        done = run(sys.executable, "-B", ROOT / "tests/Packages/reproducible_test.py", "-v",
+                   env={**os.environ, "SARVEX_DIST": str(self.dist)})
+        self.assertEqual(0, done.returncode, done.stderr)
+        self.assertIn(b"skipped 'the packages are signed", done.stderr)
 
 
 if __name__ == "__main__":
