@@ -12,9 +12,8 @@ HEADER = r"""#pragma once
 
 // Public { and not complete
 
-#include <string>
-#define TWO_LINES { \
-    }
+#include "Tools/Object.h" // {
+#  include <string>
 
 namespace Tools {
 
@@ -39,7 +38,8 @@ protected:
     IShape() = default;
 
 private:
-    virtual void Hidden() = 0;
+    virtual std::string Hidden() = 0;
+    std::string Seen() const override;
     int m_count = 0;
 };
 
@@ -78,6 +78,8 @@ struct Global {
 LINES = """The public interface of version 1.2.3; scripts/check-interface --write writes it.
 
 Tools/Shape.h
+    #include "Tools/Object.h"
+    #include <string>
     Tools: inline constexpr int limit = int{5}
     Tools: inline constexpr const char* pattern = R"({"(\\d*) // no comment)"
     Tools: enum class Kind { First, Second }
@@ -85,6 +87,8 @@ Tools/Shape.h
     Tools::IShape: virtual ~IShape() = default
     Tools::IShape: virtual double Area(double scale = double{1}) const = 0
     Tools::IShape: protected IShape() = default
+    Tools::IShape: private virtual std::string Hidden() = 0
+    Tools::IShape: private std::string Seen() const override
     Tools: template <typename T> requires(sizeof(T) == 1) struct Box
     Tools::Box: explicit Box(T content)
     Tools::Box: template <typename U> U As() const
@@ -146,7 +150,7 @@ class CheckInterfaceTest(unittest.TestCase):
 
     def test_what_no_program_sees_is_well(self):
         for old, new in [("/// A shape.", "// Another text; {"), ("int m_count = 0;", "long m_size = 1;"),
-                         ("virtual void Hidden() = 0;", ""), ('return "\';";', "return {};"),
+                         ("#  include <string>", "#include <string>\n#include <vector>"), ('return "\';";', "return {};"),
                          ("left,\n                const", "left, const"), (": m_content(content) {", "{"),
                          ("class Forward;", ""), ("return U(m_content);", "return {};")]:
             with self.subTest(old=old):
@@ -177,6 +181,12 @@ class CheckInterfaceTest(unittest.TestCase):
                 ("int{5}", "int{6}",
                  "- Tools/Shape.h: Tools: inline constexpr int limit = int{5}",
                  "+ Tools/Shape.h: Tools: inline constexpr int limit = int{6}"),
+                ("virtual std::string Hidden() = 0;", "",
+                 "- Tools/Shape.h: Tools::IShape: private virtual std::string Hidden() = 0"),
+                ("Seen() const override;", "Seen() override;",
+                 "- Tools/Shape.h: Tools::IShape: private std::string Seen() const override",
+                 "+ Tools/Shape.h: Tools::IShape: private std::string Seen() override"),
+                ("#  include <string>\n", "", "- Tools/Shape.h: #include <string>"),
                 ("protected:\n    IShape() = default;\n", "",
                  "- Tools/Shape.h: Tools::IShape: protected IShape() = default"),
                 ("    int value = 0;", "private:\n    int value = 0;", "- Tools/Shape.h: Global: int value = 0")]:
@@ -191,8 +201,18 @@ class CheckInterfaceTest(unittest.TestCase):
         self.set_version("1.3.0")
         self.change("\nprotected:", "    virtual void Draw() = 0;\nprotected:")
         self.assert_needs("2.0.0", "+ Tools/Shape.h: Tools::IShape: virtual void Draw() = 0")
+        self.change("int m_count = 0;", "virtual void Draw() = 0;")
+        self.assert_needs("2.0.0", "+ Tools/Shape.h: Tools::IShape: private virtual void Draw() = 0")
         self.change("class Forward;", "class INew {\npublic:\n    virtual void Draw() = 0;\n};")
         self.assert_well()
+
+    def test_a_header_with_conditions_or_macros_cannot_be_compared(self):
+        for line in ["#if 1", "#ifdef _WIN32", "#  ifndef X", "#define TWO_LINES { \\\n    }", "#undef X",
+                     "#pragma pack(1)"]:
+            with self.subTest(line=line):
+                self.change("class Forward;", f"class Forward;\n{line}\n")
+                self.assertEqual((2, f"check-interface: Tools/Shape.h: a public header holds {line}; "
+                                     "only #include and #pragma once can be compared\n"), self.check())
 
     def test_a_header_that_leaves_the_list_takes_a_major_version(self):
         self.write("cmake/Sdk.cmake", "set(sdk_headers\n    Tools/Other.h)\n")
