@@ -9,8 +9,8 @@ import time
 import unittest
 import zipfile
 
-from support import (DEB, DEV_DEB, DIST, LINUX_BUILD, ROOT, TAR, TOP, VERSION, WINDOWS_BUILD, ZIP, require, source_date,
-                     temporary_folder, unpack)
+from support import (DEB, DEV_DEB, DIST, LINUX_BUILD, OBJECTS, ROOT, TAR, TOP, VERSION, WINDOWS_BUILD, ZIP, require,
+                     source_date, temporary_folder, unpack)
 
 NOTICES = {"NOTICE.txt", "sbom-linux.cdx.json", "sbom-windows.cdx.json"}
 PAGES = {"README.md", "CHANGELOG.md", "CONTRIBUTING.md"}
@@ -34,7 +34,7 @@ def files_of(folder):
 class DistTest(unittest.TestCase):
     def test_it_holds_these_files(self):
         self.assertEqual(
-            {"SHA256SUMS", f"{TOP}-windows-x64.zip", f"{TOP}-windows-x64.msi", f"{TOP}-linux-x64.tar.gz",
+            {"SHA256SUMS", f"{TOP}-windows-x64.zip", f"{TOP}-windows-x64.msi", f"{TOP}-linux-x64.tar.gz", OBJECTS.name,
              f"sarvextool_{VERSION}_amd64.deb", f"sarvextool-dev_{VERSION}_amd64.deb"},
             files_of(DIST))
 
@@ -50,6 +50,7 @@ class ContentsTest(unittest.TestCase):
         cls.folder = temporary_folder(cls)
         cls.zip = unpack(ZIP, cls.folder / "zip")
         cls.tar = unpack(TAR, cls.folder / "tar")
+        unpack(OBJECTS, cls.folder / "objects")
         cls.deb = unpack(DEB, cls.folder / "deb")
         cls.dev_deb = unpack(DEV_DEB, cls.folder / "dev-deb")
 
@@ -134,14 +135,15 @@ class ContentsTest(unittest.TestCase):
 
 
 class ArchiveEntriesTest(unittest.TestCase):
-    def test_the_tar_has_one_time_one_owner_and_no_odd_modes(self):
-        with tarfile.open(TAR) as archive:
-            for entry in archive:
-                with self.subTest(name=entry.name):
-                    self.assertTrue(entry.isfile() or entry.isdir())
-                    self.assertEqual((source_date(), 0, 0), (entry.mtime, entry.uid, entry.gid))
-                    executable = entry.isdir() or entry.name.removeprefix(f"{TOP}/") in programs("")
-                    self.assertEqual(0o755 if executable else 0o644, entry.mode)
+    def test_the_tars_have_one_time_one_owner_and_no_odd_modes(self):
+        for package, executables in [(TAR, programs("")), (OBJECTS, {"link"})]:
+            with tarfile.open(package) as archive:
+                for entry in archive:
+                    with self.subTest(package=package.name, name=entry.name):
+                        self.assertTrue(entry.isfile() or entry.isdir())
+                        self.assertEqual((source_date(), 0, 0), (entry.mtime, entry.uid, entry.gid))
+                        executable = entry.isdir() or entry.name.partition("/")[2] in executables
+                        self.assertEqual(0o755 if executable else 0o644, entry.mode)
 
     def test_the_zip_has_the_same_time_in_steps_of_two_seconds(self):
         moment = time.gmtime((source_date() + 1) // 2 * 2)

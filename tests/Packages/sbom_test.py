@@ -9,7 +9,7 @@ import subprocess
 import tempfile
 import unittest
 
-from support import LINUX_BUILD, ROOT, WINDOWS_BUILD, run, temporary_folder
+from support import LINUX_BUILD, OBJECTS, ROOT, WINDOWS_BUILD, run, temporary_folder
 
 VALIDATOR = ROOT / "tests/Packages/cyclonedx"
 MAKE_SBOM = ROOT / "packaging/make-sbom"
@@ -29,6 +29,12 @@ def names_in_map(build, program):
     """The object files and archives of which a section is in the linker's map of the memory, as it names them."""
     text = (build / "bin" / f"{program}.map").read_text()
     return set(re.findall(r"^ .*0x[0-9a-f]+ +0x[0-9a-f]+ (\S+?\.(?:a|o|obj))(?:\(.*\))?$", text, re.MULTILINE))
+
+
+def component_version(package):
+    """The version of the sources that a package was made of, as it is in an address."""
+    version = run("dpkg-query", "-W", "-f=${source:Version}", package).stdout.decode()
+    return version.replace("+", "%2B")
 
 
 def contents(folder):
@@ -150,6 +156,34 @@ class SbomTest(unittest.TestCase):
                 self.assertIn(f"{component['name']} {component['version']}", notice)
         for name in re.findall(r"text in (licences/\S+)", notice):
             self.assertGreater((self.folder / name).stat().st_size, 500, name)
+
+    def test_each_text_that_another_one_refers_to_is_there(self):
+        folder = self.folder / "licences"
+        references = {(file.name, name) for file in folder.iterdir()
+                      for name in re.findall(r"common-licenses/([^\s'\"`,;)]*[^\s'\"`,;.)])", file.read_text())}
+        self.assertGreater(len(references), 6)
+        for file, name in sorted(references):
+            with self.subTest(file=file, name=name):
+                self.assertEqual(pathlib.Path("/usr/share/common-licenses", name).read_text(),
+                                 (folder / f"{name}.txt").read_text())
+        self.assertIn("/usr/share/common-licenses/NAME, that is licences/NAME.txt",
+                      (self.folder / "NOTICE.txt").read_text())
+
+    def test_winpthreads_has_the_licences_of_all_its_files(self):
+        licence, = self.components("windows")["MinGW-w64 winpthreads"]["licenses"]
+        self.assertEqual({"expression": "MIT AND BSD-3-Clause"}, licence)
+        page = pathlib.Path("/usr/share/doc/mingw-w64-x86-64-dev/copyright").read_text()
+        self.assertRegex(page, r"winpthreads/include/pthread\.h\n(?: .*\n)*Copyright: .*\nLicense: BSD-3-clause")
+
+    def test_the_notice_tells_where_each_source_is_and_how_to_link_the_programs_again(self):
+        notice = (self.folder / "NOTICE.txt").read_text()
+        for bill in self.bills.values():
+            for component in bill["components"]:
+                reference, = component["externalReferences"]
+                self.assertEqual("source-distribution", reference["type"])
+                self.assertIn(f"      source code at {reference['url']}\n", notice)
+        self.assertIn(f"/glibc/{component_version('libc6-dev')}/\n", notice)
+        self.assertIn(f"{OBJECTS.name}, which is handed out", notice)
 
     def test_the_same_time_gives_the_same_files(self):
         again, later = self.folder.parent / "again", self.folder.parent / "later"

@@ -25,6 +25,7 @@ VERSION = re.search(r"^project\(SarvexTool VERSION (\d+\.\d+\.\d+) ",
 TOP = f"SarvexTool-{VERSION}"
 ZIP = DIST / f"{TOP}-windows-x64.zip"
 TAR = DIST / f"{TOP}-linux-x64.tar.gz"
+OBJECTS = DIST / f"{TOP}-linux-x64-objects.tar.gz"
 DEB = DIST / f"sarvextool_{VERSION}_amd64.deb"
 DEV_DEB = DIST / f"sarvextool-dev_{VERSION}_amd64.deb"
 WINE = [str(ROOT / "scripts/wine")]
