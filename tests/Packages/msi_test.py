@@ -22,7 +22,7 @@ SUCCESS = 0
 INSTALL_FAILURE = 1603 % 256
 PAGE = (ROOT / "docs/install.md").read_text()
 README = (ROOT / "README.md").read_text()
-[REPAIR] = re.findall(r"^msiexec .* (REINSTALL=.*) /qn /norestart$", PAGE, re.MULTILINE)
+[REPAIR] = re.findall(r"^start /wait msiexec .* (REINSTALL=.*) /qn /norestart$", PAGE, re.MULTILINE)
 REFUSAL = "A newer version of SarvexTool is installed. Uninstall it before you install this one."
 
 
@@ -234,6 +234,30 @@ class ChangesTest(MsiTest):
         self.assertEqual(SUCCESS, self.msiexec("/x", *self.installed_versions()))
         self.assertFalse((self.wine.drive / FOLDER).exists())
 
+    def test_the_lines_of_the_page_install_and_uninstall(self):
+        section = PAGE.split("## Windows: the installer\n")[1].split("\n## ")[0]
+        lines = {kind: [line for text in re.findall(rf"^```{kind}\n(.*?)^```$", section, re.DOTALL | re.MULTILINE)
+                        for line in text.splitlines() if "msiexec" in line] for kind in ("bat", "powershell")}
+        arguments = [line.removeprefix("start /wait msiexec ") for line in lines["bat"]]
+        self.assertEqual(["/i", "/i", "/x", "/x"], [text[:2] for text in arguments])
+        for line, text in zip(lines["powershell"], arguments, strict=True):
+            self.assertRegex(line, r"^(\$done = )?Start-Process msiexec -Wait (-PassThru )?-ArgumentList "
+                                   rf"'{re.escape(text)}'$")
+        install, repair, uninstall, uninstall_by_code = lines["bat"]
+        for line, versions in [(install, [VERSION]), (repair, [VERSION]), (uninstall, []), (install, [VERSION]),
+                               (uninstall_by_code, [])]:
+            code = "".join(self.installed_versions())
+            self.run_in_command_prompt(line.replace("VERSION-", f"{VERSION}-").replace("{PRODUCT-CODE}", code))
+            self.assertEqual(versions, list(self.installed_versions().values()), line)
+        self.assertTrue((self.work / "install.log").exists())
+
+    def run_in_command_prompt(self, line):
+        """In a folder with the installer, in which something may be written."""
+        shutil.copy(MSI, self.work)
+        (self.work / "page.bat").write_text(f"{line}\n@exit %ERRORLEVEL%\n")
+        done = self.wine.run("cmd", "/c", "page.bat", cwd=self.work)
+        self.assertEqual(SUCCESS, done.returncode, done.stdout)
+
     def test_an_upgrade_keeps_what_users_edited_and_replaces_the_rest(self):
         self.install(self.older_msi)
         folder = self.wine.drive / FOLDER
@@ -304,6 +328,12 @@ class TablesTest(unittest.TestCase):
                 self.assertEqual(not program, row["File"] in hashed)
                 short = row["FileName"].partition("|")[0]
                 self.assertRegex(short, r"^[^. ]{1,8}(\.[^. ]{1,3})?$")
+
+    def test_windows_keeps_the_choice_of_parts_at_an_upgrade(self):
+        migrate_features, only_detect = 1, 2
+        rows = {row["ActionProperty"]: int(row["Attributes"]) for row in table(MSI, "Upgrade")}
+        self.assertEqual({"WIX_UPGRADE_DETECTED": migrate_features, "WIX_DOWNGRADE_DETECTED": only_detect}, rows)
+        self.assertIn("MigrateFeatureStates", {row["Action"] for row in table(MSI, "InstallExecuteSequence")})
 
     def test_configuration_is_never_overwritten(self):
         never_overwrite, is_64_bit = 128, 256
