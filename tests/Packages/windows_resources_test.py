@@ -7,7 +7,7 @@ from support import ROOT, VERSION, ZIP, require, temporary_folder, unpack
 
 DESCRIPTIONS = {
     "SarvexToolClient": "Console client for the SarvexTool daemon",
-    "SarvexToolBench": "Checks and judges power tests of the SarvexTool daemon",
+    "SarvexToolBench": "Checks, runs and judges power tests of the SarvexTool daemon",
     "vemo": "Simulated SarvexTool daemon",
 }
 ICON_SIZES = [16, 24, 32, 48, 64, 256]
