@@ -1,5 +1,6 @@
 """What is handed out: that dist/ holds these files and their checksums, what is in the archives, and that
 nothing of the machine that has made them is."""
+import gzip
 import hashlib
 import os
 import re
@@ -9,8 +10,8 @@ import time
 import unittest
 import zipfile
 
-from support import (DEB, DEV_DEB, DIST, LINUX_BUILD, OBJECTS, ROOT, TAR, TOP, VERSION, WINDOWS_BUILD, ZIP, require,
-                     source_date, temporary_folder, unpack)
+from support import (DEB, DEV_DEB, DIST, LINUX_BUILD, MSI, OBJECTS, ROOT, TAR, TOP, VERSION, WINDOWS_BUILD, ZIP,
+                     require, source_date, temporary_folder, unpack)
 
 NOTICES = {"NOTICE.txt", "sbom-linux.cdx.json", "sbom-windows.cdx.json"}
 PAGES = {"README.md", "CHANGELOG.md", "CONTRIBUTING.md"}
@@ -27,8 +28,24 @@ def programs(suffix):
     return {f"SarvexToolClient{suffix}", f"SarvexToolBench{suffix}", f"simulator/vemo{suffix}"}
 
 
+def made_by(maker, folder, *arguments):
+    """What one of the scripts in packaging makes of the same builds, at the time of the packages."""
+    require(ROOT / "packaging" / maker, *arguments, env=os.environ | {"SOURCE_DATE_EPOCH": str(source_date())})
+    return folder
+
+
 def files_of(folder):
     return {str(path.relative_to(folder)) for path in folder.rglob("*") if path.is_symlink() or not path.is_dir()}
+
+
+def contents(folder, pattern="**/*"):
+    """The bytes of each file in a folder by its name; of compressed ones, those that were compressed."""
+    found = {}
+    for path in folder.glob(pattern):
+        if path.is_file():
+            data, name = path.read_bytes(), path.relative_to(folder).as_posix()
+            found[name.removesuffix(".gz")] = gzip.decompress(data) if name.endswith(".gz") else data
+    return found
 
 
 class DistTest(unittest.TestCase):
@@ -53,6 +70,9 @@ class ContentsTest(unittest.TestCase):
         unpack(OBJECTS, cls.folder / "objects")
         cls.deb = unpack(DEB, cls.folder / "deb")
         cls.dev_deb = unpack(DEV_DEB, cls.folder / "dev-deb")
+        cls.doc = cls.deb / "usr/share/doc/sarvextool"
+        cls.msi = cls.folder / "msi"
+        require("msiextract", "--directory", cls.msi, MSI)
 
     def test_the_archives_hold_the_programs_their_configuration_examples_and_pages(self):
         for folder, suffix, own_folders in [(self.zip, ".exe", {"sdk"}), (self.tar, "", {"man"})]:
@@ -104,6 +124,32 @@ class ContentsTest(unittest.TestCase):
         self.assertEqual({f"{doc}sarvextool-dev"}, {str(path.relative_to(self.dev_deb))
                                                    for path in (self.dev_deb / doc).iterdir()})
 
+    def test_the_man_pages_of_all_sections_are_those_that_are_made(self):
+        for found, options in [(self.tar / "man", []), (self.deb / "usr/share/man", ["--debian"])]:
+            with self.subTest(found=found):
+                folder = temporary_folder(self)
+                made = contents(made_by("man/make-pages", folder, *options, folder, LINUX_BUILD / "bin"))
+                self.assertEqual({"man1", "man5", "man7"}, {name.partition("/")[0] for name in made})
+                self.assertIn("man5/Socket.cfg.5", made)
+                self.assertEqual(made, contents(found))
+
+    def test_licences_notice_and_bills_of_materials_are_those_that_are_made(self):
+        folder = temporary_folder(self)
+        made = contents(made_by("make-sbom", folder, LINUX_BUILD, WINDOWS_BUILD, folder))
+        self.assertEqual(NOTICES, {name for name in made if not name.startswith("licences/")})
+        self.assertGreater(len(made), len(NOTICES) + 10)
+        for package in [self.zip, self.tar, self.doc]:
+            with self.subTest(package=package):
+                self.assertEqual(made, {name: data for name, data in contents(package).items()
+                                        if name in NOTICES or name.startswith("licences/")})
+
+    def test_pages_and_examples_are_those_of_the_sources(self):
+        expected = {name: (ROOT / name).read_bytes()
+                    for name in PAGES | folder_of_sources("docs") | folder_of_sources("examples", "*.csv")}
+        for package in [self.zip, self.tar, self.doc]:
+            with self.subTest(package=package):
+                self.assertEqual([], [name for name, data in expected.items() if (package / name).read_bytes() != data])
+
     def test_all_packages_hold_the_same_programs(self):
         for name in programs(""):
             with self.subTest(name=name):
@@ -128,10 +174,12 @@ class ContentsTest(unittest.TestCase):
     def test_no_file_tells_where_it_was_made(self):
         traces = {f"{ROOT}/src/", f"{ROOT}/build/", f"{LINUX_BUILD}/", f"{WINDOWS_BUILD}/"}
         traces = {trace.encode(encoding) for trace in traces for encoding in ["utf-8", "utf-16le"]}
-        for path in self.folder.rglob("*"):
-            if path.is_file() and not path.is_symlink():
-                data = path.read_bytes()
-                self.assertEqual([], [trace for trace in traces if trace in data], path)
+        looked_at = 0
+        for folder in [*self.folder.iterdir(), DIST]:
+            for name, data in contents(folder).items():
+                looked_at += 1
+                self.assertEqual([], [trace for trace in traces if trace in data], (folder, name))
+        self.assertGreater(looked_at, 400)
 
 
 class ArchiveEntriesTest(unittest.TestCase):

@@ -5,10 +5,9 @@ import shutil
 import struct
 import unittest
 
-from support import DIST, ROOT, TOP, VERSION, WINE, ZIP, require, simulator, temporary_folder, unpack
+from support import MSI, ROOT, VERSION, WINE, ZIP, require, simulator, temporary_folder, unpack
 from wine_prefix import WinePrefix
 
-MSI = DIST / f"{TOP}-windows-x64.msi"
 MAKE_MSI = ROOT / "packaging/windows/make-msi"
 OLDER = "0.9.8"
 FOLDER = "Program Files/SarvexTool"

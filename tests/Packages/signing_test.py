@@ -7,11 +7,10 @@ import sys
 import threading
 import unittest
 
-from support import (DIST, LINUX_BUILD, ROOT, TOP, WINDOWS_BUILD, WINE, ZIP, is_signed, require, run, source_date,
+from support import (LINUX_BUILD, MSI, ROOT, WINDOWS_BUILD, WINE, ZIP, is_signed, require, run, source_date,
                      temporary_folder, unpack)
 
 SIGN = ROOT / "packaging/windows/sign"
-MSI = DIST / f"{TOP}-windows-x64.msi"
 TOKEN_MODULE = "/usr/lib/softhsm/libsofthsm2.so"
 PASSWORD = "a password, with blanks"
 # Another time than now, at which certificates that are made today are valid: the beginning of 2030.

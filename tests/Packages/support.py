@@ -24,6 +24,7 @@ VERSION = re.search(r"^project\(SarvexTool VERSION (\d+\.\d+\.\d+) ",
                     (ROOT / "CMakeLists.txt").read_text(), re.MULTILINE)[1]
 TOP = f"SarvexTool-{VERSION}"
 ZIP = DIST / f"{TOP}-windows-x64.zip"
+MSI = DIST / f"{TOP}-windows-x64.msi"
 TAR = DIST / f"{TOP}-linux-x64.tar.gz"
 OBJECTS = DIST / f"{TOP}-linux-x64-objects.tar.gz"
 DEB = DIST / f"sarvextool_{VERSION}_amd64.deb"
