@@ -12,7 +12,7 @@ _sarvextool_bench_options() {
     run)
         echo -h --help --resume:run --out:folder --client:file --limits:table --fail-fast --force \
             --progress:progress --daemon:text --answer-timeout:text --retries:text --wait:text \
-            --stop-timeout:text --segment:text
+            --stop-timeout:text --segment:text --bench:text --device:text --attempt:text
         ;;
     stop) echo -h --help --daemon:text --stop-timeout:text ;;
     judge) echo -h --help --limits:table --junit:xml --json:json --csv:table ;;

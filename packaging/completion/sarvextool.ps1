@@ -14,7 +14,7 @@ Register-ArgumentCompleter -Native -CommandName @(
         'check' = '-h --help --write:table --mac-type:text --exchange:text --daemon:text --timeout:text'
         'run' = '-h --help --resume:run --out:folder --client:file --limits:table --fail-fast --force ' +
             '--progress:progress --daemon:text --answer-timeout:text --retries:text --wait:text ' +
-            '--stop-timeout:text --segment:text'
+            '--stop-timeout:text --segment:text --bench:text --device:text --attempt:text'
         'stop' = '-h --help --daemon:text --stop-timeout:text'
         'judge' = '-h --help --limits:table --junit:xml --json:json --csv:table'
         'report' = '-h --help --limits:table --baseline:result -o:html --output:html'

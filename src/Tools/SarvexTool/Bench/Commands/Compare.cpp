@@ -51,46 +51,48 @@ std::vector<std::string> Both(std::vector<std::string> names,
     return names;
 }
 
+/// One of the two runs and the names of its files.
+struct ReadRun {
+    ResultNames names;
+    Result result;
+};
+
 /// The older run is the page's baseline.
-void WriteComparedPage(const ResultNames& oldNames, const ResultNames& newNames,
-                       const ComparedRuns& compared, std::ostream& stream) {
+void WriteComparedPage(const ReadRun& older, const ReadRun& newer, const ComparedRuns& compared,
+                       std::ostream& stream) {
     const PageBaseline baseline{compared.oldResult.run, compared.differences, compared.tolerance};
-    std::vector<PageFact> facts =
-        FactsOf(newNames, compared.newResult.run, compared.newResult.device);
-    for (PageFact& fact :
-         FactsOfBaseline(oldNames, compared.oldResult.run, compared.oldResult.device))
+    std::vector<PageFact> facts = FactsOf(newer.names, newer.result);
+    for (PageFact& fact : FactsOfBaseline(older.names, older.result))
         facts.push_back(std::move(fact));
-    WritePage({"Comparison of two transmit power tests", SubjectOf(newNames.table),
+    WritePage({"Comparison of two transmit power tests", SubjectOf(newer.names.table),
                std::move(facts), compared.newResult.run, nullptr, &baseline},
               stream);
 }
 
 int Compare(const CompareOptions& options, Surroundings& surroundings) {
     const Decimal tolerance = ReadTolerance(options.tolerance);
-    const ResultNames oldNames = NamesOf(options.oldResult);
-    const ResultNames newNames = NamesOf(options.newResult);
-    Result oldResult;
-    Result newResult;
+    ReadRun older{NamesOf(options.oldResult), {}};
+    ReadRun newer{NamesOf(options.newResult), {}};
     Differences differences;
-    const ComparedRuns compared{{oldNames.table, oldResult.run, oldResult.device},
-                                {newNames.table, newResult.run, newResult.device},
+    const ComparedRuns compared{{older.names.table, older.result.run, older.result.device},
+                                {newer.names.table, newer.result.run, newer.result.device},
                                 tolerance,
                                 differences};
     const std::vector<Output> outputs{
         {options.junit, [&compared](std::ostream& stream) { WriteJunit(stream, compared); }},
         {options.json, [&compared](std::ostream& stream) { WriteJson(stream, compared); }},
         {options.html,
-         [&](std::ostream& stream) { WriteComparedPage(oldNames, newNames, compared, stream); }}};
-    RequireDistinctFiles(Both(oldNames.All(), newNames.All()), NamesOf(outputs));
+         [&](std::ostream& stream) { WriteComparedPage(older, newer, compared, stream); }}};
+    RequireDistinctFiles(Both(older.names.All(), newer.names.All()), NamesOf(outputs));
 
     TextPool texts;
-    oldResult = ReadResult(oldNames, surroundings.in, texts);
-    newResult = ReadResult(newNames, surroundings.in, texts);
+    older.result = ReadResult(older.names, surroundings.in, texts);
+    newer.result = ReadResult(newer.names, surroundings.in, texts);
     // Two runs without a device would be alike, which nobody wants to hear.
-    if (!HasPower(oldResult.run) && !HasPower(newResult.run))
-        throw BadInput(newNames.table, "neither run has a power, so that there is nothing to "
-                                       "compare; see why the daemon reported none");
-    differences = Compare(oldResult.run, newResult.run, tolerance);
+    if (!HasPower(older.result.run) && !HasPower(newer.result.run))
+        throw BadInput(newer.names.table, "neither run has a power, so that there is nothing to "
+                                          "compare; see why the daemon reported none");
+    differences = Compare(older.result.run, newer.result.run, tolerance);
     WriteOutputs(outputs, surroundings);
     PrintDifferences(ConsoleBeside(outputs, surroundings), compared);
     return differences.AreAlike() ? ExitCode::Fine : ExitCode::Found;

@@ -22,28 +22,44 @@ std::string LinesOf(const EarlyEnd& earlyEnd) {
     return std::to_string(earlyEnd.linesDone) + total + ": the run ended early";
 }
 
+/// What the parts of a place are called.
+struct PlaceNames {
+    const char* bench;
+    const char* device;
+    const char* attempt;
+};
+
+void AddPlace(std::vector<PageFact>& facts, const RunPlace& place, const PlaceNames& names) {
+    if (place.bench)
+        facts.push_back({names.bench, *place.bench});
+    if (place.device)
+        facts.push_back({names.device, *place.device});
+    if (place.attempt)
+        facts.push_back({names.attempt, std::to_string(*place.attempt)});
+}
+
 } // namespace
 
 std::string SubjectOf(const std::string& name) {
     return name == StandardStreamName ? "standard input" : name;
 }
 
-std::vector<PageFact> FactsOf(const ResultNames& names, const RunResult& run,
-                              const DeviceFacts& device) {
+std::vector<PageFact> FactsOf(const ResultNames& names, const Result& result) {
     std::vector<PageFact> facts{{"Result written", WrittenAt(names)},
-                                {"Country code", CountryCodeOf(device)}};
-    if (run.earlyEnd)
-        facts.push_back({"Lines run", LinesOf(*run.earlyEnd)});
+                                {"Country code", CountryCodeOf(result.device)}};
+    AddPlace(facts, result.place, {"Bench", "Device", "Attempt"});
+    if (result.run.earlyEnd)
+        facts.push_back({"Lines run", LinesOf(*result.run.earlyEnd)});
     return facts;
 }
 
-std::vector<PageFact> FactsOfBaseline(const ResultNames& names, const RunResult& run,
-                                      const DeviceFacts& device) {
+std::vector<PageFact> FactsOfBaseline(const ResultNames& names, const Result& result) {
     std::vector<PageFact> facts{{"Baseline", SubjectOf(names.table)},
                                 {"Baseline written", WrittenAt(names)},
-                                {"Baseline's country code", CountryCodeOf(device)}};
-    if (run.earlyEnd)
-        facts.push_back({"Baseline's lines run", LinesOf(*run.earlyEnd)});
+                                {"Baseline's country code", CountryCodeOf(result.device)}};
+    AddPlace(facts, result.place, {"Baseline's bench", "Baseline's device", "Baseline's attempt"});
+    if (result.run.earlyEnd)
+        facts.push_back({"Baseline's lines run", LinesOf(*result.run.earlyEnd)});
     return facts;
 }
 

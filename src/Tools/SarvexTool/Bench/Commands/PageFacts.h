@@ -12,12 +12,10 @@ namespace Bench {
 std::string SubjectOf(const std::string& name);
 
 /// What is known of a run beside its measurements: when its file was written, the device's country
-/// code or why it is not known, and whether the run ended early.
-std::vector<PageFact> FactsOf(const ResultNames& names, const RunResult& run,
-                              const DeviceFacts& device);
+/// code or why it is not known, where it was measured, and whether the run ended early.
+std::vector<PageFact> FactsOf(const ResultNames& names, const Result& result);
 
 /// The same of a run that another one is held against, with its name.
-std::vector<PageFact> FactsOfBaseline(const ResultNames& names, const RunResult& run,
-                                      const DeviceFacts& device);
+std::vector<PageFact> FactsOfBaseline(const ResultNames& names, const Result& result);
 
 } // namespace Bench

@@ -38,8 +38,8 @@ public:
     ReportData(const ReportOptions& options, Surroundings& surroundings)
         : m_names(NamesOf(options.result)),
           m_result(ReadResult(m_names, surroundings.in, m_texts)),
-          m_page{"Transmit power report", SubjectOf(m_names.table),
-                 FactsOf(m_names, m_result.run, m_result.device), m_result.run} {
+          m_page{"Transmit power report", SubjectOf(m_names.table), FactsOf(m_names, m_result),
+                 m_result.run} {
         if (options.limits)
             Judge(*options.limits, surroundings);
         if (options.baseline)
@@ -66,7 +66,7 @@ private:
         m_differences = Bench::Compare(m_old.run, m_result.run, Tolerance());
         m_baseline.emplace(PageBaseline{m_old.run, m_differences, Tolerance()});
         m_page.baseline = &*m_baseline;
-        for (PageFact& fact : FactsOfBaseline(names, m_old.run, m_old.device))
+        for (PageFact& fact : FactsOfBaseline(names, m_old))
             m_page.facts.push_back(std::move(fact));
     }
 

@@ -48,6 +48,9 @@ struct RunArguments {
     std::string wait = "300";
     std::string stopTimeout = "10";
     std::string progress = "text";
+    std::optional<std::string> bench;
+    std::optional<std::string> device;
+    std::optional<std::string> attempt;
     bool failFast = false;
     bool force = false;
 };
@@ -122,6 +125,24 @@ RunOptions OptionsFrom(const RunArguments& arguments, const std::vector<std::str
     return options;
 }
 
+/// A name from an option, where it was given.
+std::optional<std::string> NameFrom(const std::string& option,
+                                    const std::optional<std::string>& name) {
+    if (name && name->empty())
+        throw WrongUsage(option + " needs a name");
+    return name;
+}
+
+RunPlace PlaceFrom(const RunArguments& arguments) {
+    constexpr std::uint32_t mostAttempts = 1'000'000;
+    RunPlace place;
+    place.bench = NameFrom("--bench", arguments.bench);
+    place.device = NameFrom("--device", arguments.device);
+    if (arguments.attempt)
+        place.attempt = NumberOf("--attempt", *arguments.attempt, 1, mostAttempts);
+    return place;
+}
+
 RunFacts FactsFrom(const RunArguments& arguments, const std::vector<std::string>& handedOn) {
     RunFacts facts;
     facts.programVersion = SARVEX_BENCH_VERSION;
@@ -129,6 +150,7 @@ RunFacts FactsFrom(const RunArguments& arguments, const std::vector<std::string>
     facts.host = OwnHostName();
     facts.started = Now();
     facts.daemon = DaemonOf(arguments.daemon).ToText();
+    facts.place = PlaceFrom(arguments);
     facts.options = OptionsFrom(arguments, handedOn);
     facts.clientSha256 = HashOfFile(facts.options.client);
     facts.linesTotal = CountTestLines(*arguments.file);
@@ -277,6 +299,16 @@ void AddFileOptions(CLI::App& app, RunArguments& arguments) {
         ->capture_default_str();
 }
 
+void AddPlaceOptions(CLI::App& app, RunArguments& arguments) {
+    app.add_option("--bench", arguments.bench, "The bench's name, kept with the results")
+        ->type_name("NAME");
+    app.add_option("--device", arguments.device, "The device's name, kept with the results")
+        ->type_name("NAME");
+    app.add_option("--attempt", arguments.attempt,
+                   "Which attempt this is at the same lines, kept with the results")
+        ->type_name("N");
+}
+
 void AddDaemonOptions(CLI::App& app, RunArguments& arguments) {
     app.add_option("--daemon", arguments.daemon,
                    "The device's daemon. Without PORT the one in Socket.cfg beside this program")
@@ -309,6 +341,7 @@ Command AddRun(CLI::App& program) {
     const auto arguments = std::make_shared<RunArguments>();
     AddFileOptions(*app, *arguments);
     AddDaemonOptions(*app, *arguments);
+    AddPlaceOptions(*app, *arguments);
     app->footer(
         "What follows -- is the client's own first command. Exit code: 0 complete and all measured "
         "or, with limits, passed; 1 complete, but something was not, or ended by --fail-fast; 2 "

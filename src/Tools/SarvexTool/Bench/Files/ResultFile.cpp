@@ -6,6 +6,7 @@
 #include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/ResultTree.h"
 #include "Tools/SarvexTool/Bench/Files/RunEnd.h"
+#include "Tools/SarvexTool/Bench/Files/RunPlaceFields.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/TestFile.h"
 
 #include <algorithm>
@@ -303,6 +304,8 @@ Result ReadResult(const ResultNames& names, std::istream& standardInput, TextPoo
                                : ParseResult(table, names.table, texts);
     result.device = names.tree ? ReadResultTree(*names.tree)
                                : DeviceFacts{std::nullopt, "standard input has no result.xml"};
+    if (names.facts)
+        result.place = ReadPlace(*names.facts);
     return result;
 }
 

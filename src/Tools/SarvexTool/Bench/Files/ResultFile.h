@@ -2,6 +2,7 @@
 
 #include "Tools/SarvexTool/Bench/Core/DeviceFacts.h"
 #include "Tools/SarvexTool/Bench/Core/Measurements.h"
+#include "Tools/SarvexTool/Bench/Core/RunPlace.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
 #include "Tools/SarvexTool/Bench/Files/Journal.h"
 
@@ -36,6 +37,7 @@ ResultNames NamesOf(const std::string& result);
 struct Result {
     RunResult run;
     DeviceFacts device;
+    RunPlace place;
 };
 
 /// Reads a run. Its texts are kept by the pool. Throws BadInput when result.csv cannot be read, and

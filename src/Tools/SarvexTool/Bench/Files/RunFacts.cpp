@@ -5,6 +5,7 @@
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/JsonFields.h"
+#include "Tools/SarvexTool/Bench/Files/RunPlaceFields.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -66,6 +67,7 @@ void PutOrigin(Json& json, const RunFacts& facts) {
     testFile["sha256"] = facts.testFile.sha256;
     json["testFile"] = testFile;
     PutText(json, "daemon", facts.daemon);
+    PutPlace(json, facts.place);
     if (facts.macType)
         json["macType"] = *facts.macType;
     if (facts.countryCode)
@@ -96,6 +98,7 @@ void ReadOrigin(const JsonFields& fields, RunFacts& facts) {
     const JsonFields testFile = fields.Object("testFile");
     facts.testFile = {testFile.Text("name"), testFile.Text("sha256")};
     facts.daemon = fields.Text("daemon");
+    facts.place = PlaceOf(fields);
     if (fields.Has("macType"))
         facts.macType = fields.Integer("macType");
     if (fields.Has("countryCode"))

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Tools/SarvexTool/Bench/Core/RunPlace.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -54,6 +56,7 @@ struct RunFacts {
     std::string clientSha256;
     /// HOST:PORT
     std::string daemon;
+    RunPlace place;
     /// Of the first segment; nothing until the daemon has told it.
     std::optional<std::int32_t> macType;
     std::optional<std::string> countryCode;

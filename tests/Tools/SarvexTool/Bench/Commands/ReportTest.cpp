@@ -55,6 +55,20 @@ TEST_F(ReportTest, RunDirectoryTellsReasonsAndAnEarlyEnd) {
                       HasSubstr("\"the daemon refused the line: \\u003cNo>\"")));
 }
 
+TEST_F(ReportTest, TheHeadTellsWhereTheRunsHaveMeasured) {
+    CreateEarlyRun();
+    directory.Create("run.json", R"({"bench":"<1>","device":"DUT-42","attempt":2})");
+    EXPECT_EQ(Run({"report", directory.Path(), "--baseline", directory.Path(), "-o", "-"}), 0);
+    EXPECT_THAT(out.str(), AllOf(HasSubstr("<dt>Bench</dt><dd>&lt;1&gt;</dd>"),
+                                 HasSubstr("<dt>Device</dt><dd>DUT-42</dd>"),
+                                 HasSubstr("<dt>Attempt</dt><dd>2</dd>"),
+                                 HasSubstr("<dt>Baseline&#39;s bench</dt><dd>&lt;1&gt;</dd>"),
+                                 HasSubstr("<dt>Baseline&#39;s device</dt><dd>DUT-42</dd>"),
+                                 HasSubstr("<dt>Baseline&#39;s attempt</dt><dd>2</dd>")));
+    EXPECT_EQ(Run({"report", ResultOf("other.csv", "9"), "-o", "-"}), 0);
+    EXPECT_THAT(out.str(), testing::Not(HasSubstr("<dt>Attempt</dt>")));
+}
+
 TEST_F(ReportTest, ABaselineIsHeldAgainstTheRun) {
     const std::string result = ResultOf("result.csv", "9");
     const std::string old = ResultOf("old.csv", "10");

@@ -22,6 +22,7 @@ RunFacts FullFacts() {
     facts.ended = "2026-03-09T09:05:00.000Z";
     facts.testFile = {"/home/a b/short.csv", std::string(64, '0')};
     facts.daemon = "127.0.0.1:8738";
+    facts.place = {"bench 1", "DUT-\xFF", 2};
     facts.macType = -3;
     facts.countryCode = "DE";
     facts.options = {.segment = 3,
@@ -80,6 +81,9 @@ TEST(RunFactsTest, AreWrittenInAFixedOrder) {
     "sha256": "0000000000000000000000000000000000000000000000000000000000000000"
   },
   "daemon": "127.0.0.1:8738",
+  "bench": "bench 1",
+  "deviceBase64": "RFVULf8=",
+  "attempt": 2,
   "macType": -3,
   "countryCode": "DE",
   "options": {

@@ -113,6 +113,22 @@ TEST_F(LimitsRunTest, FailFastEndsAfterTheLineAndCanBeResumed) {
         << resumed.out;
 }
 
+TEST_F(LimitsRunTest, ResumedRunKeepsWhereItHasMeasured) {
+    probe.Write("limits.csv", "Chain,Min,Max\nA,17.88,*\nB,*,*\n");
+    daemon.Start();
+    EXPECT_EQ(probe
+                  .Run(daemon.Address(), {"--limits", "limits.csv", "--fail-fast", "--bench",
+                                          "bench 1", "--device", "DUT-42", "--attempt", "2"})
+                  .exitCode,
+              1);
+    EXPECT_EQ(probe.RunBench({"run", "--resume", "run"}).exitCode, 1);
+    const JsonFields facts = probe.Facts();
+    EXPECT_EQ(facts.Text("outcome"), "complete");
+    EXPECT_EQ(facts.Text("bench"), "bench 1");
+    EXPECT_EQ(facts.Text("device"), "DUT-42");
+    EXPECT_EQ(facts.Line("attempt"), 2u);
+}
+
 TEST_F(LimitsRunTest, FailFastAtTheLastLineHasNothingToEnd) {
     probe.Write("limits.csv", "Chain,Min,Max\nA,*,17.88\nB,*,*\n");
     daemon.Start();
