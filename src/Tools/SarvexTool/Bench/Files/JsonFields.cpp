@@ -140,6 +140,19 @@ JsonFields JsonFields::Object(const std::string& key) const {
     return JsonFields(At(key));
 }
 
+std::vector<JsonFields> JsonFields::Objects(const std::string& key) const {
+    const Json& list = At(key);
+    if (!list.is_array())
+        Fail(key, "no list");
+    std::vector<JsonFields> objects;
+    for (const Json& value : list) {
+        if (!value.is_object())
+            Fail(key, "no list of objects");
+        objects.push_back(JsonFields(value));
+    }
+    return objects;
+}
+
 const Json& JsonFields::At(const std::string& key) const {
     const auto found = m_json.find(key);
     if (found == m_json.end())

@@ -50,6 +50,7 @@ public:
     std::string Text(const std::string& key) const;
     std::vector<std::string> Texts(const std::string& key) const;
     JsonFields Object(const std::string& key) const;
+    std::vector<JsonFields> Objects(const std::string& key) const;
 
 private:
     explicit JsonFields(Json json) : m_json(std::move(json)) {}

@@ -49,6 +49,15 @@ TEST(JsonFieldsTest, AKeyIsThereUnlessItIsNull) {
     EXPECT_FALSE(fields.Has("d"));
 }
 
+TEST(JsonFieldsTest, AListOfObjectsHasThemInTheirOrder) {
+    const JsonFields fields = JsonFields::Parse(R"({"all": [{"a": 1}, {"a": 2}], "none": []})");
+    const std::vector<JsonFields> all = fields.Objects("all");
+    ASSERT_EQ(all.size(), 2u);
+    EXPECT_EQ(all[0].Count("a"), 1u);
+    EXPECT_EQ(all[1].Count("a"), 2u);
+    EXPECT_TRUE(fields.Objects("none").empty());
+}
+
 TEST(JsonFieldsTest, ValuesOfAnotherTypeAreTold) {
     for (const std::string text : {"1", "[]", "null", "{", "", "{} x", "\xFF"}) {
         SCOPED_TRACE(text);
@@ -61,6 +70,9 @@ TEST(JsonFieldsTest, ValuesOfAnotherTypeAreTold) {
     EXPECT_EQ(ProblemOf("[1]", &JsonFields::Texts), "the value of \"key\" is no text");
     EXPECT_EQ(ProblemOf(R"([{"base64": "!"}])", &JsonFields::Texts),
               "the value of \"key\" is no base64");
+    EXPECT_EQ(ProblemOf("{}", &JsonFields::Objects), "the value of \"key\" is no list");
+    EXPECT_EQ(ProblemOf("[{}, 1]", &JsonFields::Objects),
+              "the value of \"key\" is no list of objects");
     try {
         JsonFields::Parse("{}").Text("key");
         FAIL() << "nothing was thrown";
