@@ -25,6 +25,9 @@ public:
 
     void Add(const ProblemKind& kind, LineNumber line, std::uint32_t column, std::string text);
 
+    /// Counts so many that are not named. To be called after those that are.
+    void AddCounted(const ProblemKind& kind, std::size_t count) { m_counts[&kind] += count; }
+
     /// How many there are of a severity, named or counted.
     std::size_t Count(Severity severity) const;
     std::size_t Count(const ProblemKind& kind) const;

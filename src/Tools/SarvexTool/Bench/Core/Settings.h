@@ -72,6 +72,10 @@ public:
     /// The pool's copy of the text; it lives as long as the pool.
     const std::string* Keep(std::string_view text);
 
+    /// All texts, in no order.
+    auto begin() const { return m_texts.begin(); }
+    auto end() const { return m_texts.end(); }
+
 private:
     struct Hash : std::hash<std::string_view> {
         using is_transparent = void;

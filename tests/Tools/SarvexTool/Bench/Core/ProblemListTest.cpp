@@ -24,6 +24,17 @@ TEST(ProblemListTest, ProblemsAreInTheOrderOfTheirPlaces) {
     EXPECT_EQ(list.Count(error), 2);
 }
 
+TEST(ProblemListTest, ThoseThatAreNotNamedCanBeCounted) {
+    ProblemList list;
+    for (LineNumber line = 1; line <= ProblemList::MostOfAKind; ++line)
+        list.Add(warning, line, 0, "text");
+    list.AddCounted(warning, 0);
+    EXPECT_EQ(list.InOrder().size(), ProblemList::MostOfAKind);
+    list.AddCounted(warning, 3);
+    EXPECT_EQ(list.InOrder().back().text, "and 3 more warnings");
+    EXPECT_EQ(list.Count(warning), ProblemList::MostOfAKind + 3);
+}
+
 TEST(ProblemListTest, TooManyOfAKindAreCountedEachKindByItself) {
     ProblemList list;
     for (LineNumber line = 1; line <= ProblemList::MostOfAKind + 7; ++line)

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
+
 namespace Bench {
 namespace {
 
@@ -41,6 +43,7 @@ TEST(SettingsTest, PoolKeepsEachTextOnce) {
     EXPECT_EQ(pool.Keep("36"), first);
     EXPECT_NE(pool.Keep("37"), first);
     EXPECT_EQ(*pool.Keep(std::string_view("a\0b", 3)), std::string("a\0b", 3));
+    EXPECT_EQ(std::distance(pool.begin(), pool.end()), 1001);
 }
 
 } // namespace
