@@ -1,8 +1,8 @@
 #include "Tools/SarvexTool/Bench/Files/Correction.h"
 
 #include "Tools/SarvexTool/Bench/Files/Encoding.h"
+#include "Tools/SarvexTool/Bench/Files/PlanLines.h"
 #include "Tools/SarvexTool/Bench/Files/TableProblems.h"
-#include "Tools/SarvexTool/Bench/Files/TestFileCheck.h"
 
 #include <algorithm>
 #include <utility>

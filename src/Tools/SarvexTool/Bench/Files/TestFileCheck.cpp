@@ -5,6 +5,7 @@
 #include "Tools/SarvexTool/Bench/Files/TypedLiteral.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <string>
 #include <utility>
@@ -12,8 +13,6 @@
 namespace Bench {
 
 namespace {
-
-constexpr std::string_view unsetMarker = "-";
 
 /// Whether the cells of a column are filed in result.xml.
 constexpr std::array<bool, SettingCount> isFiled = [] {
@@ -48,10 +47,7 @@ class Check {
 public:
     Check(std::string_view bytes, TextPool& pool, std::uint64_t mostLines)
         : m_table(bytes, TestFileRules()), m_pool(pool), m_mostLines(mostLines) {
-        for (std::size_t index = 0; index < SettingCount; ++index) {
-            const auto place = m_table.PlaceOf(index);
-            m_checked.columns[index] = place ? static_cast<std::uint32_t>(*place + 1) : 0;
-        }
+        m_checked.columns = ColumnsOf(m_table);
     }
 
     CheckedTestFile Make() {
@@ -69,7 +65,8 @@ public:
 
 private:
     void CheckRow(const TableRow& row) {
-        const Settings own = SettingsOf(row);
+        const Settings own = SettingsOf(row, m_checked.columns, m_pool);
+        CheckValues(row, own);
         const bool hasSetting = std::any_of(
             own.begin(), own.end(), [](const std::string* pText) { return pText != nullptr; });
         const LineNumber same = m_builder.Add(row.line, own);
@@ -85,22 +82,14 @@ private:
                     " lines in one run of the client; split the file here");
     }
 
-    Settings SettingsOf(const TableRow& row) {
-        Settings own;
+    /// The table tells cells of blanks alone.
+    void CheckValues(const TableRow& row, const Settings& own) {
         for (std::size_t index = 0; index < SettingCount; ++index) {
-            const std::uint32_t column = m_checked.columns[index];
-            if (column == 0 || column > row.cells.size())
-                continue;
-            const std::string_view text = row.cells[column - 1].text;
-            if (text.empty() || text == unsetMarker)
-                continue;
             const auto setting = static_cast<Setting>(index);
-            own[setting] = m_pool.Keep(text);
-            // The table tells a cell of blanks alone.
-            if (text.find_first_not_of(" \t\r") != std::string_view::npos)
-                CheckValue(setting, text, row.line, column);
+            const std::string* const pText = own[setting];
+            if (pText != nullptr && pText->find_first_not_of(" \t\r") != std::string::npos)
+                CheckValue(setting, *pText, row.line, m_checked.columns[index]);
         }
-        return own;
     }
 
     void CheckValue(Setting setting, std::string_view text, LineNumber line, std::uint32_t column) {
@@ -146,16 +135,6 @@ private:
 };
 
 } // namespace
-
-const TableRules& TestFileRules() {
-    static const TableRules rules = [] {
-        TableRules made;
-        for (const PowerTest::ColumnCommand& row : PowerTest::columnCommands)
-            made.columns.push_back(row.column);
-        return made;
-    }();
-    return rules;
-}
 
 CheckedTestFile CheckTestFile(std::string_view bytes, TextPool& pool, std::uint64_t mostLines) {
     return Check(bytes, pool, mostLines).Make();
