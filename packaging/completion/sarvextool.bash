@@ -15,6 +15,7 @@ _sarvextool_bench_options() {
             --stop-timeout:text --segment:text --bench:text --device:text --attempt:text
         ;;
     stop) echo -h --help --daemon:text --stop-timeout:text ;;
+    split) echo -h --help --lines:text -o:folder --output:folder ;;
     judge) echo -h --help --limits:table --junit:xml --json:json --csv:table ;;
     report) echo -h --help --limits:table --baseline:result -o:html --output:html ;;
     compare) echo -h --help --tolerance:text --junit:xml --json:json --html:html ;;
@@ -25,7 +26,7 @@ _sarvextool_bench_options() {
 _sarvextool_bench_argument() {
     case $1 in
     '' | help) echo subcommand ;;
-    check | run) echo table ;;
+    check | run | split) echo table ;;
     judge | report | compare) echo result ;;
     esac
 }
@@ -133,7 +134,7 @@ _sarvextool_value() {
     folder) _sarvextool_files "$2" ;;
     run) _sarvextool_runs "$2" ;;
     progress) _sarvextool_answer "$2"{text,json} ;;
-    subcommand) _sarvextool_answer "$2"{check,run,stop,judge,report,compare,help} ;;
+    subcommand) _sarvextool_answer "$2"{check,run,stop,split,judge,report,compare,help} ;;
     fault) _sarvextool_fault "$2" ;;
     esac
 }

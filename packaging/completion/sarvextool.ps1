@@ -16,6 +16,7 @@ Register-ArgumentCompleter -Native -CommandName @(
             '--progress:progress --daemon:text --answer-timeout:text --retries:text --wait:text ' +
             '--stop-timeout:text --segment:text --bench:text --device:text --attempt:text'
         'stop' = '-h --help --daemon:text --stop-timeout:text'
+        'split' = '-h --help --lines:text -o:folder --output:folder'
         'judge' = '-h --help --limits:table --junit:xml --json:json --csv:table'
         'report' = '-h --help --limits:table --baseline:result -o:html --output:html'
         'compare' = '-h --help --tolerance:text --junit:xml --json:json --html:html'
@@ -27,6 +28,7 @@ Register-ArgumentCompleter -Native -CommandName @(
         'check' = 'table'
         'run' = 'table'
         'stop' = ''
+        'split' = 'table'
         'judge' = 'result'
         'report' = 'result'
         'compare' = 'result'
@@ -122,7 +124,7 @@ Register-ArgumentCompleter -Native -CommandName @(
         } elseif ($kind -eq 'fault') {
             Write-FaultAnswer $taken
         } elseif ($kind -eq 'subcommand') {
-            foreach ($name in 'check', 'run', 'stop', 'judge', 'report', 'compare', 'help') {
+            foreach ($name in 'check', 'run', 'stop', 'split', 'judge', 'report', 'compare', 'help') {
                 Write-Answer $name
             }
         }

@@ -6,6 +6,7 @@
 #include "Tools/SarvexTool/Bench/Commands/Judge.h"
 #include "Tools/SarvexTool/Bench/Commands/Report.h"
 #include "Tools/SarvexTool/Bench/Commands/Run.h"
+#include "Tools/SarvexTool/Bench/Commands/Split.h"
 #include "Tools/SarvexTool/Bench/Commands/Stop.h"
 #include "Tools/SarvexTool/Bench/Core/Nearest.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
@@ -31,8 +32,8 @@ namespace {
 constexpr const char* programName = "SarvexToolBench";
 
 /// The subcommands, in the order in which the help shows them.
-constexpr std::array<Command (*)(CLI::App&), 6> addCommands{AddCheck, AddRun,    AddStop,
-                                                            AddJudge, AddReport, AddCompare};
+constexpr std::array<Command (*)(CLI::App&), 7> addCommands{
+    AddCheck, AddRun, AddStop, AddSplit, AddJudge, AddReport, AddCompare};
 
 /// A text in lines of at most so many characters, cut at blanks.
 std::string Wrapped(std::string text, std::size_t width) {

@@ -32,6 +32,21 @@ std::string PlanText(const Plan& plan, double seconds) {
            "; a run takes about " + DurationText(seconds);
 }
 
+std::string ChunksText(const std::vector<LineRange>& chunks, const RunConditions& conditions) {
+    const LineNumber largest = chunks.front().Count();
+    const LineNumber smallest = chunks.back().Count();
+    const auto about = [&](std::size_t benches) {
+        return "about " + DurationText(EstimateSeconds(chunks, benches, conditions));
+    };
+    std::string text = Counted(chunks.size(), "chunk") + " of " +
+                       (smallest == largest ? "" : std::to_string(smallest) + " or ") +
+                       Counted(largest, "line") + ", " + (chunks.size() == 1 ? "" : "each ") +
+                       about(chunks.size()) + "; " + about(1) + " on 1 bench";
+    for (std::size_t benches = 4; benches < chunks.size() && benches <= 64; benches *= 4)
+        text += ", " + about(benches) + " on " + std::to_string(benches);
+    return text;
+}
+
 std::string ProblemCountsText(std::size_t errors, std::size_t warnings) {
     return Counted(errors, "error") + ", " + Counted(warnings, "warning");
 }
