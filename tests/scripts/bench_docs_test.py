@@ -173,6 +173,7 @@ FAULTY_FILES = (
     "", "\n", HEADER, "\ufeff" + HEADER + "5,A,36\n", "Band;Chains\n5;A\n",
     "Band\tChains\n5\tA\n", HEADER + "5;A;36\n", "Bnd,Chains\n5,A\n", "XYZ,Chains\n5,A\n",
     "sep=,\n" + HEADER + "5,A,36\n",
+    "Band,Chains,\r\n5,A,\r\n",
     "Band,,Chains\n5,A,36\n", "Band, ,Chains\n5,A,36\n", "Band,Band\n5,6\n", HEADER + "5,,36\n",
     HEADER + "5,A, \n", HEADER + "5,A\n", HEADER + "5,A,36,1\n", HEADER + "5,A,36\n\n-,-,-\n",
     HEADER.replace("\n", "\r\n") + "5,A,36\r\n\r\n", HEADER + "5,A\r,36\n",

@@ -1,6 +1,7 @@
 #include "Tools/SarvexTool/Bench/Files/TestFileCheck.h"
 
 #include "Tools/SarvexTool/Bench/Core/Nearest.h"
+#include "Tools/SarvexTool/Bench/Files/TableProblems.h"
 #include "Tools/SarvexTool/Bench/Files/TestFileProblems.h"
 #include "Tools/SarvexTool/Bench/Files/TypedLiteral.h"
 
@@ -48,6 +49,7 @@ public:
     Check(std::string_view bytes, TextPool& pool, std::uint64_t mostLines)
         : m_table(bytes, TestFileRules()), m_pool(pool), m_mostLines(mostLines) {
         m_checked.columns = ColumnsOf(m_table);
+        TellCarriageReturnColumn(bytes.substr(0, bytes.find('\n')));
     }
 
     CheckedTestFile Make() {
@@ -64,6 +66,15 @@ public:
     }
 
 private:
+    /// Spreadsheets save an empty column at the end so.
+    void TellCarriageReturnColumn(std::string_view header) {
+        if (header.ends_with(",\r"))
+            Add(TableProblem::columnName, 1, static_cast<std::uint32_t>(m_table.Width() + 1),
+                "the header ends in a comma before its CR LF, so that a client on Linux takes the "
+                "CR for the name of a column, and no line has any setting; take the comma away, "
+                "or save the file with LF");
+    }
+
     void CheckRow(const TableRow& row) {
         const Settings own = SettingsOf(row, m_checked.columns, m_pool);
         CheckValues(row, own);

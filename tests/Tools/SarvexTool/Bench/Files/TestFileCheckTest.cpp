@@ -51,6 +51,18 @@ TEST(TestFileCheckTest, ChainsAreThoseThatPowersAreFiledFor) {
     EXPECT_THAT(ProblemsOfCell(1, "B"), IsEmpty());
 }
 
+TEST(TestFileCheckTest, AnEmptyLastColumnIsNoneUnlessACarriageReturnIsInIt) {
+    const std::string problem =
+        "E 1:11 the header ends in a comma before its CR LF, so that a client on Linux takes the CR "
+        "for the name of a column, and no line has any setting; take the comma away, or save the "
+        "file with LF";
+    std::string columns = header;
+    columns.pop_back();
+    EXPECT_THAT(ProblemsOf(columns + ",\n" + firstLine), IsEmpty());
+    EXPECT_THAT(ProblemsOf(columns + ",\r\n" + firstLine), testing::Contains(problem));
+    EXPECT_THAT(ProblemsOf(columns + "\r\n" + firstLine), testing::Not(testing::Contains(problem)));
+}
+
 TEST(TestFileCheckTest, AValueIsNoOption) {
     EXPECT_THAT(ProblemsOfCell(3, "-36"),
                 ElementsAre("E 3:4 the daemon would take \"-36\" for an option; a value cannot "
