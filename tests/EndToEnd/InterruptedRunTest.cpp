@@ -111,7 +111,7 @@ protected:
 
 TEST_F(InterruptedRunTest, EveryMeasurementThatWasCompleteHasItsWholeRow) {
     const std::vector<Interruption> interruptions = Interruptions();
-    RandomMoments moments;
+    RandomMoments moments(GTEST_FLAG_GET(random_seed));
     const Remains whole = Run(nullptr, moments);
     ASSERT_FALSE(whole.wasInterrupted);
     ASSERT_EQ(whole.result, ResultOf(lineCount));

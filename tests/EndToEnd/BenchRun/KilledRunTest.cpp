@@ -182,7 +182,7 @@ protected:
 };
 
 TEST_P(KilledRunTest, ResumedToItsEndHasTheResultsOfAnUndisturbedOne) {
-    RandomMoments moments;
+    RandomMoments moments(GTEST_FLAG_GET(random_seed));
     expected = tests.RunAlone("test.csv");
     ASSERT_EQ(CountHits(expected.csv, "\n"), lineCount + 1);
     ASSERT_EQ(expected.csv.find("NA,NA"), std::string::npos);

@@ -1,7 +1,5 @@
 #include "tests/EndToEnd/Support/RandomMoments.h"
 
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <iostream>
 #include <thread>
@@ -10,18 +8,17 @@ namespace EndToEnd {
 
 namespace {
 
-unsigned Seed() {
+unsigned Told(int seed) {
     constexpr unsigned most = 99'999;
-    const int flag = GTEST_FLAG_GET(random_seed);
-    const unsigned seed =
-        flag != 0 ? static_cast<unsigned>(flag) : std::random_device()() % most + 1;
-    std::cout << "seed: --gtest_random_seed=" << seed << std::endl;
-    return seed;
+    const unsigned told =
+        seed != 0 ? static_cast<unsigned>(seed) : std::random_device()() % most + 1;
+    std::cout << "seed: --gtest_random_seed=" << told << std::endl;
+    return told;
 }
 
 } // namespace
 
-RandomMoments::RandomMoments() : m_random(Seed()) {}
+RandomMoments::RandomMoments(int seed) : m_random(Told(seed)) {}
 
 bool RandomMoments::WaitIn(const Process& program) {
     using Clock = std::chrono::steady_clock;

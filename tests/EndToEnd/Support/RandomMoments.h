@@ -7,11 +7,11 @@
 
 namespace EndToEnd {
 
-/// Random moments in the runs of a program at which a test disturbs it. The seed is that of
-/// --gtest_random_seed, or a new one; it is printed.
+/// Random moments in the runs of a program at which a test disturbs it.
 class RandomMoments {
 public:
-    RandomMoments();
+    /// The seed is printed, as the option that gives it again; 0 stands for a new one.
+    explicit RandomMoments(int seed);
 
     /// A number below the limit.
     std::size_t Below(std::size_t limit) { return m_random() % limit; }
