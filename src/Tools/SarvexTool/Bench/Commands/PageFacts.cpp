@@ -15,11 +15,11 @@ std::string WrittenAt(const ResultNames& names) {
     return LastWritten(names.table).value_or("not known");
 }
 
-/// "5 of 12: the run ended early"
+/// "5 of 12: the run is not complete"
 std::string LinesOf(const EarlyEnd& earlyEnd) {
     const std::string total =
         earlyEnd.linesTotal ? " of " + std::to_string(*earlyEnd.linesTotal) : "";
-    return std::to_string(earlyEnd.linesDone) + total + ": the run ended early";
+    return std::to_string(earlyEnd.linesDone) + total + ": the run is not complete";
 }
 
 /// What the parts of a place are called.

@@ -210,12 +210,13 @@ int GoOn(RunDirectory& directory, const std::string& progress, Surroundings& sur
     return RunTest(directory, progress, surroundings);
 }
 
-/// The facts of a run that may have left the transmitter on; nothing for any other folder.
+/// The facts of a run that may have left the transmitter on; nothing for any other folder, nor for
+/// a merged one, which has sent nothing itself.
 std::optional<RunFacts> FactsOfUnstopped(const std::string& directory) {
     try {
         RunFacts facts = ReadRunFacts(RunFiles(directory).facts);
-        return facts.startPassedOn && !facts.stopConfirmed ? std::optional(std::move(facts))
-                                                           : std::nullopt;
+        const bool mayTransmit = facts.startPassedOn && !facts.stopConfirmed && !facts.isMerged;
+        return mayTransmit ? std::optional(std::move(facts)) : std::nullopt;
     } catch (const BadFile&) {
         return std::nullopt;
     }

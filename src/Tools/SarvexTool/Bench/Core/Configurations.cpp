@@ -29,6 +29,13 @@ void CarriedSettings::Write(LineNumber line, const Settings& own) {
     }
 }
 
+void CarriedSettings::WriteAll(LineNumber line, const Settings& own) {
+    Write(line, own);
+    for (std::size_t index = 0; index < SettingCount; ++index)
+        m_isOwn[index] = m_effective[At(index)] != nullptr;
+    m_uncertainSince = {};
+}
+
 void CarriedSettings::Judge(bool isAccepted) {
     if (isAccepted)
         return;

@@ -33,6 +33,10 @@ public:
     /// Writes the settings of the next line; null ones stay as they are.
     void Write(LineNumber line, const Settings& own);
 
+    /// The same for a line that was sent with all its effective settings: what it carries over from
+    /// a refused line is none the less certain.
+    void WriteAll(LineNumber line, const Settings& own);
+
     /// Says whether the daemon took the line written last.
     void Judge(bool isAccepted);
 

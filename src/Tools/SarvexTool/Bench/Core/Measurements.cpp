@@ -21,6 +21,8 @@ const char* SentenceOf(Outcome outcome) {
         return "the connection to the daemon was lost";
     case Outcome::OtherConfiguration:
         return "the power is one of another configuration";
+    case Outcome::NotRun:
+        return "the line was not run";
     case Outcome::Measured:
         break;
     }
@@ -98,7 +100,10 @@ void RunResultBuilder::Reserve(std::size_t rows) {
 }
 
 void RunResultBuilder::Add(const Row& row) {
-    m_carried.Write(row.line, row.own);
+    if (row.journalled && row.journalled->isExplicit)
+        m_carried.WriteAll(row.line, row.own);
+    else
+        m_carried.Write(row.line, row.own);
     m_run.configurations.push_back({row.line, m_carried.Effective()});
     const ExpectedChains chains = ChainsOf(m_carried.Effective()[Setting::Chains]);
     const bool hasPower = chains.AreKnown() ? AddExpected(row, chains) : AddWhatIsThere(row);

@@ -3,6 +3,7 @@
 #include "Tools/SarvexTool/Bench/Core/Configurations.h"
 #include "Tools/SarvexTool/Bench/Core/Decimal.h"
 #include "Tools/SarvexTool/Bench/Core/Outcomes.h"
+#include "Tools/SarvexTool/Bench/Core/Sources.h"
 
 #include <optional>
 #include <string>
@@ -85,12 +86,18 @@ struct RunResult {
     std::size_t unexpectedPowers = 0;
     /// Nothing for a run that is complete, or of which nothing tells whether it is.
     std::optional<EarlyEnd> earlyEnd;
+    /// None where nothing tells where the run was measured.
+    Sources sources;
 
     const Settings& SettingsOf(const Measurement& measurement) const {
         return configurations[measurement.configuration].settings;
     }
     LineNumber LineOf(const Measurement& measurement) const {
         return configurations[measurement.configuration].line;
+    }
+    /// Null where nothing tells it.
+    const RunPlace* PlaceOf(const Measurement& measurement) const {
+        return sources.PlaceOf(LineOf(measurement));
     }
 };
 
@@ -106,6 +113,8 @@ struct JournalledLine {
     JournalledChain a;
     JournalledChain b;
     bool isAccepted = false;
+    /// Whether all effective settings of the line were sent with it, and not only its own.
+    bool isExplicit = false;
 };
 
 /// One row of a result: the settings that its line wrote, and the powers that the daemon reported.

@@ -8,9 +8,9 @@ namespace Bench {
 namespace {
 
 /// In the order of the enumeration.
-constexpr std::array<const char*, 7> names{"measured",           "refused",  "uncalibrated",
-                                           "chain not active",   "time-out", "connection lost",
-                                           "other configuration"};
+constexpr std::array<const char*, 8> names{
+    "measured", "refused",         "uncalibrated",        "chain not active",
+    "time-out", "connection lost", "other configuration", "not run"};
 
 } // namespace
 

@@ -21,11 +21,13 @@ enum class Outcome : std::uint8_t {
     TimedOut,
     ConnectionLost,
     /// There is a power, of other settings than those that the line asked for.
-    OtherConfiguration
+    OtherConfiguration,
+    /// No run has come to the line; only where runs of some lines were put together.
+    NotRun
 };
 
-/// "measured", "refused", "uncalibrated", "chain not active", "time-out", "connection lost" or
-/// "other configuration".
+/// "measured", "refused", "uncalibrated", "chain not active", "time-out", "connection lost",
+/// "other configuration" or "not run".
 const char* NameOf(Outcome outcome);
 
 /// The outcome of that name; nothing for any other text.

@@ -11,6 +11,7 @@
 
 namespace Bench {
 
+/// The outcomes of a line that was run.
 inline constexpr std::size_t OutcomeCount =
     static_cast<std::size_t>(Outcome::OtherConfiguration) + 1;
 

@@ -15,6 +15,8 @@ namespace {
 /// The first line after the header.
 constexpr LineNumber firstLine = 2;
 
+constexpr const char* explicitKey = "explicit";
+
 Json ToJson(const ChainOutcome& chain) {
     Json json{{"outcome", NameOf(chain.outcome)}};
     if (!chain.text.empty())
@@ -40,6 +42,7 @@ JournalEntry Parse(const std::string& line) {
     entry.csvEnd = fields.Count("csvEnd");
     entry.started = fields.Text("started");
     entry.seconds = fields.Seconds("seconds");
+    entry.isExplicit = fields.Has(explicitKey) && fields.Flag(explicitKey);
     return entry;
 }
 
@@ -54,10 +57,12 @@ void RequireOrder(const JournalEntry& last, const JournalEntry& next) {
 } // namespace
 
 std::string LineOf(const JournalEntry& entry) {
-    const Json json{{"line", entry.line},           {"accepted", entry.outcome.isAccepted},
-                    {"a", ToJson(entry.outcome.a)}, {"b", ToJson(entry.outcome.b)},
-                    {"csvEnd", entry.csvEnd},       {"started", entry.started},
-                    {"seconds", entry.seconds}};
+    Json json{{"line", entry.line},           {"accepted", entry.outcome.isAccepted},
+              {"a", ToJson(entry.outcome.a)}, {"b", ToJson(entry.outcome.b)},
+              {"csvEnd", entry.csvEnd},       {"started", entry.started},
+              {"seconds", entry.seconds}};
+    if (entry.isExplicit)
+        json[explicitKey] = true;
     return LineOf(json);
 }
 

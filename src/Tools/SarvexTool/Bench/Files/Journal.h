@@ -14,13 +14,15 @@ namespace Bench {
 /// A finished line of a run, as its journal tells it.
 struct JournalEntry {
     LineNumber line = 0;
-    LineOutcome outcome;
+    LineOutcome outcome = {};
     /// How many bytes result.csv has with the line's row.
     std::uint64_t csvEnd = 0;
     /// When the line's configuration was first sent, as UtcTime writes it.
-    std::string started;
+    std::string started = {};
     /// From then until its row was whole.
     double seconds = 0;
+    /// Whether all effective settings of the line were sent with it, and not only its own.
+    bool isExplicit = false;
 
     bool operator==(const JournalEntry&) const = default;
 };

@@ -7,6 +7,7 @@
 #include "Tools/SarvexTool/Bench/Files/ResultTree.h"
 #include "Tools/SarvexTool/Bench/Files/RunEnd.h"
 #include "Tools/SarvexTool/Bench/Files/RunPlaceFields.h"
+#include "Tools/SarvexTool/Bench/Files/RunSourceFields.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/TestFile.h"
 
 #include <algorithm>
@@ -79,6 +80,8 @@ public:
 
     ProblemList& Problems() { return m_problems; }
     RunResult Take() { return m_builder.Take(); }
+    /// How many of the lines have a row, but were not run.
+    std::size_t NotRun() const { return m_notRun; }
 
 private:
     /// Reads the rows of finished lines off the rest of the file; false when one of them is not
@@ -204,7 +207,8 @@ private:
             row.own[static_cast<Setting>(index)] = OwnText(index);
         if (m_pJournal != nullptr)
             row.journalled = {KeptOf(m_entry.outcome.a), KeptOf(m_entry.outcome.b),
-                              m_entry.outcome.isAccepted};
+                              m_entry.outcome.isAccepted, m_entry.isExplicit};
+        m_notRun += std::size_t{m_entry.outcome.a.outcome == Outcome::NotRun};
         m_builder.Add(row);
     }
 
@@ -245,6 +249,7 @@ private:
     RunResultBuilder m_builder;
     ProblemList m_problems;
     LineNumber m_line = 1;
+    std::size_t m_notRun = 0;
     /// The place of each setting among the cells.
     std::array<std::optional<std::size_t>, SettingCount> m_places;
     std::array<const std::string*, SettingCount> m_last{};
@@ -252,6 +257,13 @@ private:
 };
 
 constexpr const char* tableName = "result.csv";
+
+RunResult Parse(ResultReader& reader, std::string_view bytes, const std::string& name) {
+    reader.Read(bytes);
+    if (reader.Problems().Count(Severity::Error) != 0)
+        throw BadInput(name, reader.Problems().InOrder());
+    return reader.Take();
+}
 
 RunResult ReadJournalledRun(const ResultNames& names, std::string_view table, TextPool& texts) {
     const std::filesystem::path path = PathOf(*names.journal);
@@ -263,8 +275,10 @@ RunResult ReadJournalledRun(const ResultNames& names, std::string_view table, Te
     if (!file.is_open())
         throw BadInput(*names.journal, "cannot be read");
     JournalReader journal(file, *names.journal);
-    RunResult run = ParseResult(table, names.table, texts, &journal);
-    run.earlyEnd = ReadEarlyEnd(*names.facts, run.configurations.size());
+    ResultReader reader(texts, &journal);
+    RunResult run = Parse(reader, table, names.table);
+    run.earlyEnd = ReadEarlyEnd(*names.facts, run.configurations.size() - reader.NotRun());
+    run.sources = ReadSources(*names.facts);
     return run;
 }
 
@@ -312,10 +326,7 @@ Result ReadResult(const ResultNames& names, std::istream& standardInput, TextPoo
 RunResult ParseResult(std::string_view bytes, const std::string& name, TextPool& texts,
                       JournalReader* pJournal) {
     ResultReader reader(texts, pJournal);
-    reader.Read(bytes);
-    if (reader.Problems().Count(Severity::Error) != 0)
-        throw BadInput(name, reader.Problems().InOrder());
-    return reader.Take();
+    return Parse(reader, bytes, name);
 }
 
 } // namespace Bench

@@ -198,6 +198,9 @@ RunDirectory RunDirectory::Resume(const std::string& directory, const LockHolder
         throw BadInput(directory, "holds no run: run.json is missing");
     OSAL::FileLock lock = TakeLock(files.lock, directory, "the run", holder);
     RunFacts facts = ReadRunFacts(files.facts);
+    if (facts.isMerged)
+        throw BadInput(directory, "is merged from other runs; resume those of them that are not "
+                                  "complete, and merge them again");
     RequireSameTestFile(files, facts.testFile);
     const JournalEntry last = CutJournal(files.journal);
     DurableFile result = CutResult(files.result, last.csvEnd);

@@ -6,6 +6,7 @@
 #include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/JsonFields.h"
 #include "Tools/SarvexTool/Bench/Files/RunPlaceFields.h"
+#include "Tools/SarvexTool/Bench/Files/RunSourceFields.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -87,6 +88,33 @@ void PutState(Json& json, const RunFacts& facts) {
     json["closesIdleConnections"] = facts.closesIdleConnections;
 }
 
+template <typename Items>
+Json ListOf(const Items& items) {
+    Json list = Json::array();
+    for (const auto& item : items)
+        list.push_back(ToJson(item));
+    return list;
+}
+
+/// What only merged runs have.
+void PutMerged(Json& json, const RunFacts& facts) {
+    if (!facts.isMerged)
+        return;
+    json["merged"] = true;
+    json["sources"] = ListOf(facts.sources);
+    json["otherAttempts"] = ListOf(facts.otherAttempts);
+}
+
+void ReadMerged(const JsonFields& fields, RunFacts& facts) {
+    facts.isMerged = fields.Has("merged") && fields.Flag("merged");
+    if (!facts.isMerged)
+        return;
+    for (const JsonFields& source : fields.Objects("sources"))
+        facts.sources.push_back(RunSourceOf(source));
+    for (const JsonFields& attempt : fields.Objects("otherAttempts"))
+        facts.otherAttempts.push_back(OtherAttemptOf(attempt));
+}
+
 void ReadOrigin(const JsonFields& fields, RunFacts& facts) {
     facts.programVersion = fields.Text("programVersion");
     facts.clientSha256 = fields.Text("clientSha256");
@@ -124,6 +152,7 @@ RunFacts FactsOf(const JsonFields& fields) {
     ReadOrigin(fields, facts);
     facts.options = OptionsOf(fields.Object("options"));
     ReadState(fields, facts);
+    ReadMerged(fields, facts);
     return facts;
 }
 
@@ -140,6 +169,7 @@ std::string ToJsonText(const RunFacts& facts) {
     PutOrigin(json, facts);
     json["options"] = ToJson(facts.options);
     PutState(json, facts);
+    PutMerged(json, facts);
     return json.dump(indentation, ' ', true) + "\n";
 }
 

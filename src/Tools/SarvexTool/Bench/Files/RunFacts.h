@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Tools/SarvexTool/Bench/Core/RunPlace.h"
+#include "Tools/SarvexTool/Bench/Core/RunSource.h"
 
 #include <cstdint>
 #include <optional>
@@ -75,6 +76,13 @@ struct RunFacts {
     std::vector<std::string> notes;
     /// Whether the daemon closes connections that nothing is sent on.
     bool closesIdleConnections = false;
+    /// Whether it was put together from runs of parts of its test file. Such a run has sent nothing
+    /// itself, and cannot be resumed.
+    bool isMerged = false;
+    /// Of a merged run: the runs that its lines are from, in the order of the lines, and those that
+    /// were not used.
+    std::vector<RunSource> sources;
+    std::vector<OtherAttempt> otherAttempts;
 
     /// Unless it is there already.
     void AddNote(const std::string& text);

@@ -71,7 +71,7 @@ TEST_F(CompareTest, RunDirectoryTellsReasonsAndAnEarlyEnd) {
         std::string::npos)
         << out.str();
     EXPECT_NE(ReadBytes("c.html").find(
-                  "<dt>Baseline&#39;s lines run</dt><dd>1 of 2: the run ended early</dd>"),
+                  "<dt>Baseline&#39;s lines run</dt><dd>1 of 2: the run is not complete</dd>"),
               std::string::npos);
 }
 

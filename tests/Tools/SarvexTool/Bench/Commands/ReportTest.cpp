@@ -50,7 +50,7 @@ TEST_F(ReportTest, RunDirectoryTellsReasonsAndAnEarlyEnd) {
     CreateEarlyRun();
     EXPECT_EQ(Run({"report", directory.Path(), "-o", "-"}), 0);
     EXPECT_THAT(out.str(),
-                AllOf(HasSubstr("<dt>Lines run</dt><dd>1 of 2: the run ended early</dd>"),
+                AllOf(HasSubstr("<dt>Lines run</dt><dd>1 of 2: the run is not complete</dd>"),
                       HasSubstr("<span>The run is not complete: 1 of 2 lines were run. No limits"),
                       HasSubstr("\"the daemon refused the line: \\u003cNo>\"")));
 }

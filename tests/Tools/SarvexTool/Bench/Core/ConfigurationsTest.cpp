@@ -85,5 +85,17 @@ TEST_F(ConfigurationsCarriedTest, FirstUncertainFollowsTheColumnsOrder) {
     EXPECT_EQ(Uncertain(), "Chains since 3");
 }
 
+TEST_F(ConfigurationsCarriedTest, ALineThatWasSentWholeReliesOnNoOther) {
+    Write(2, {{Setting::Band, "5"}, {Setting::Channel, "36"}}, false);
+    carried.WriteAll(3, fixture.Of({{Setting::Channel, "40"}}));
+    EXPECT_EQ(carried.FirstUncertain().since, 0u);
+    EXPECT_EQ(carried.Effective(), fixture.Of({{Setting::Band, "5"}, {Setting::Channel, "40"}}));
+    carried.Judge(false);
+    Write(4, {{Setting::Channel, "44"}}, true);
+    EXPECT_EQ(Uncertain(), "Band since 3") << "line 3 has sent the band too";
+    carried.WriteAll(5, fixture.Of({}));
+    EXPECT_EQ(carried.FirstUncertain().since, 0u);
+}
+
 } // namespace
 } // namespace Bench

@@ -112,6 +112,7 @@ TEST_F(MeasurementsTest, ReasonIsWhatTheJournalTells) {
         {{Outcome::ConnectionLost, nullptr}, "the connection to the daemon was lost"},
         {{Outcome::OtherConfiguration, fixture.Text("Channel 36")},
          "the power is one of another configuration: Channel 36"},
+        {{Outcome::NotRun, nullptr}, "the line was not run"},
         {{Outcome::Measured, nullptr}, "no power was reported"},
     };
     for (const auto& [chain, reason] : cases) {
@@ -156,6 +157,25 @@ TEST_F(MeasurementsTest, ChainThatIsNotJustInactiveSaysWhyNothingIsThere) {
     EXPECT_EQ(Describe(builder.Take()), "2 ? the connection to the daemon was lost\n"
                                         "3 ? the connection to the daemon was lost\n"
                                         "4 ? the chain was not active\n");
+}
+
+TEST_F(MeasurementsTest, RefusedLineMakesNothingUncertainInALineThatWasSentWhole) {
+    const JournalledChain refused{Outcome::Refused, nullptr};
+    AddJournalled(2, {{Setting::Chains, "A"}, {Setting::Band, "7"}}, "", "",
+                  {refused, measured, false, true});
+    AddJournalled(3, {{Setting::Rate, "1"}}, "12", "", {measured, measured, true, true});
+    EXPECT_EQ(Describe(builder.Take()), "2 A the daemon refused the line\n3 A 12\n");
+}
+
+TEST_F(MeasurementsTest, PlaceIsThatOfTheLine) {
+    Add(2, {{Setting::Chains, "A"}}, "1", "");
+    Add(3, {{Setting::Chains, "A"}}, "2", "");
+    RunResult run = builder.Take();
+    EXPECT_EQ(run.PlaceOf(run.measurements[1]), nullptr);
+    run.sources = Sources({{{3, 3}, {"bench-1", std::nullopt, 2}}});
+    EXPECT_EQ(run.PlaceOf(run.measurements[0]), nullptr);
+    ASSERT_NE(run.PlaceOf(run.measurements[1]), nullptr);
+    EXPECT_EQ(*run.PlaceOf(run.measurements[1]), (RunPlace{"bench-1", std::nullopt, 2}));
 }
 
 TEST(EarlyEndTest, IsToldInWords) {

@@ -15,7 +15,8 @@ TEST(OutcomesTest, EachHasItsNameAndIsFoundByIt) {
         {Outcome::ChainNotActive, "chain not active"},
         {Outcome::TimedOut, "time-out"},
         {Outcome::ConnectionLost, "connection lost"},
-        {Outcome::OtherConfiguration, "other configuration"}};
+        {Outcome::OtherConfiguration, "other configuration"},
+        {Outcome::NotRun, "not run"}};
     for (const auto& [outcome, name] : outcomes) {
         EXPECT_STREQ(NameOf(outcome), name);
         EXPECT_EQ(OutcomeNamed(name), outcome);

@@ -74,6 +74,15 @@ TEST_F(JournalTest, EachEntryIsALineOfJson) {
               "\"csvEnd\":120,\"started\":\"2026-03-09T08:05:00.007Z\",\"seconds\":1.25}\n");
 }
 
+TEST_F(JournalTest, ALineThatWasSentWholeIsMarked) {
+    JournalEntry whole = first;
+    whole.isExplicit = true;
+    const std::string text = LineOf(whole);
+    EXPECT_THAT(text, testing::EndsWith(",\"seconds\":1.25,\"explicit\":true}\n"));
+    std::uint64_t end = 0;
+    EXPECT_THAT(Read(text, end), ElementsAre(whole));
+}
+
 TEST_F(JournalTest, EntriesComeBackAsTheyWere) {
     EXPECT_THAT(ReadJournal(path), ElementsAre(first, second));
 }

@@ -287,6 +287,30 @@ TEST_F(ResultFileNamesTest, JournalBesideTheResultIsRead) {
                                   directory.Path("journal.jsonl"), directory.Path("run.json")}));
 }
 
+TEST_F(ResultFileNamesTest, LinesThatWereNotRunDoNotCountAsRun) {
+    const std::string header = "Band,Chain-A Power, Chain B Power\n";
+    directory.Create("result.csv", header + "5,1,NA\n6,NA,NA\n");
+    JournalEntry entry{.line = 2, .outcome = {{}, {}, true}, .csvEnd = header.size() + 7};
+    std::string journal = LineOf(entry);
+    entry = {.line = 3,
+             .outcome = {{Outcome::NotRun, ""}, {Outcome::NotRun, ""}, false},
+             .csvEnd = header.size() + 15};
+    directory.Create("journal.jsonl", journal + LineOf(entry));
+    directory.Create("run.json", "{\"linesTotal\":2}");
+    const Result result = Read(directory.Path());
+    EXPECT_EQ(Describe(result.run), "2 A 1\n3 ? the line was not run\n");
+    EXPECT_EQ(result.run.earlyEnd, (EarlyEnd{1, 2}));
+}
+
+TEST_F(ResultFileNamesTest, SourcesOfTheLinesAreRead) {
+    directory.Create("journal.jsonl", EntryOf(2, ReadBytesOf("result.csv").size(), true));
+    directory.Create("run.json", R"({"linesTotal":1,"bench":"seven"})");
+    EXPECT_EQ(Read(directory.Path()).run.sources.PlaceOf(2)->bench, "seven");
+    directory.Create("run.json",
+                     R"({"linesTotal":1,"sources":[{"firstLine":2,"lastLine":2,"attempt":3}]})");
+    EXPECT_EQ(Read(directory.Path()).run.sources.PlaceOf(2)->attempt, 3U);
+}
+
 TEST_F(ResultFileNamesTest, JournalIsNotThatOfAnotherFileBesideIt) {
     directory.Create("journal.jsonl", "anything");
     directory.Create("other.csv", ReadBytesOf("result.csv"));

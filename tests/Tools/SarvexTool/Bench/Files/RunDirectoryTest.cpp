@@ -200,6 +200,16 @@ TEST_F(RunDirectoryTest, ResultsThatWereChangedAreRefused) {
               files.journal + ": there is no object of JSON");
 }
 
+TEST_F(RunDirectoryTest, AMergedRunDoesNotGoOn) {
+    MakeRun();
+    RunFacts facts = ReadRunFacts(files.facts);
+    facts.isMerged = true;
+    WriteRunFacts(files.facts, facts);
+    EXPECT_EQ(ProblemOf<BadInput>([&] { Resume(); }),
+              folder + ": is merged from other runs; resume those of them that are not complete, "
+                       "and merge them again");
+}
+
 TEST_F(RunDirectoryTest, ATestFileThatHasChangedIsRefused) {
     MakeRun();
     WriteBytes(testFile, "Band\n5\n6\n8\n");

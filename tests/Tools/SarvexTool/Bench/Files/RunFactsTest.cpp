@@ -120,6 +120,53 @@ TEST(RunFactsTest, AreWrittenInAFixedOrder) {
 )");
 }
 
+TEST(RunFactsTest, AMergedRunHasItsSources) {
+    RunFacts facts = FullFacts();
+    facts.isMerged = true;
+    facts.sources = {
+        {{2, 3}, "runs/a\xFF/1", {"bench-1", "DUT", 2}, "10.0.0.7:81", 16, "DE", "s", "e"},
+        {{4, 4}, "runs/b/1", {}, "", std::nullopt, std::nullopt, "", std::nullopt}};
+    facts.otherAttempts = {{facts.sources[1], 1, "interrupted"}};
+    EXPECT_EQ(ParseRunFacts(ToJsonText(facts), "run.json"), facts);
+    const std::string text = ToJsonText(facts);
+    EXPECT_EQ(text.substr(text.find("  \"merged\"")), R"(  "merged": true,
+  "sources": [
+    {
+      "firstLine": 2,
+      "lastLine": 3,
+      "directoryBase64": "cnVucy9h/y8x",
+      "bench": "bench-1",
+      "device": "DUT",
+      "attempt": 2,
+      "daemon": "10.0.0.7:81",
+      "macType": 16,
+      "countryCode": "DE",
+      "started": "s",
+      "ended": "e"
+    },
+    {
+      "firstLine": 4,
+      "lastLine": 4,
+      "directory": "runs/b/1",
+      "daemon": "",
+      "started": ""
+    }
+  ],
+  "otherAttempts": [
+    {
+      "firstLine": 4,
+      "lastLine": 4,
+      "directory": "runs/b/1",
+      "daemon": "",
+      "started": "",
+      "linesDone": 1,
+      "outcome": "interrupted"
+    }
+  ]
+}
+)");
+}
+
 TEST(RunFactsTest, UnknownKeysAreIgnored) {
     const std::string text = Replaced(ToJsonText(FullFacts()), "{", R"({"new": [1, {"a": null}],)");
     EXPECT_EQ(ParseRunFacts(text, "run.json"), FullFacts());
