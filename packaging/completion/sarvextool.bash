@@ -16,6 +16,7 @@ _sarvextool_bench_options() {
         ;;
     stop) echo -h --help --daemon:text --stop-timeout:text ;;
     split) echo -h --help --lines:text -o:folder --output:folder ;;
+    merge) echo -h --help -o:folder --output:folder --partial ;;
     judge) echo -h --help --limits:table --junit:xml --json:json --csv:table ;;
     report) echo -h --help --limits:table --baseline:result -o:html --output:html ;;
     compare) echo -h --help --tolerance:text --junit:xml --json:json --html:html ;;
@@ -27,6 +28,7 @@ _sarvextool_bench_argument() {
     case $1 in
     '' | help) echo subcommand ;;
     check | run | split) echo table ;;
+    merge) echo json ;;
     judge | report | compare) echo result ;;
     esac
 }
@@ -134,7 +136,7 @@ _sarvextool_value() {
     folder) _sarvextool_files "$2" ;;
     run) _sarvextool_runs "$2" ;;
     progress) _sarvextool_answer "$2"{text,json} ;;
-    subcommand) _sarvextool_answer "$2"{check,run,stop,split,judge,report,compare,help} ;;
+    subcommand) _sarvextool_answer "$2"{check,run,stop,split,merge,judge,report,compare,help} ;;
     fault) _sarvextool_fault "$2" ;;
     esac
 }

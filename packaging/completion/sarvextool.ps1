@@ -17,6 +17,7 @@ Register-ArgumentCompleter -Native -CommandName @(
             '--stop-timeout:text --segment:text --bench:text --device:text --attempt:text'
         'stop' = '-h --help --daemon:text --stop-timeout:text'
         'split' = '-h --help --lines:text -o:folder --output:folder'
+        'merge' = '-h --help -o:folder --output:folder --partial'
         'judge' = '-h --help --limits:table --junit:xml --json:json --csv:table'
         'report' = '-h --help --limits:table --baseline:result -o:html --output:html'
         'compare' = '-h --help --tolerance:text --junit:xml --json:json --html:html'
@@ -29,6 +30,7 @@ Register-ArgumentCompleter -Native -CommandName @(
         'run' = 'table'
         'stop' = ''
         'split' = 'table'
+        'merge' = 'json'
         'judge' = 'result'
         'report' = 'result'
         'compare' = 'result'
@@ -124,7 +126,7 @@ Register-ArgumentCompleter -Native -CommandName @(
         } elseif ($kind -eq 'fault') {
             Write-FaultAnswer $taken
         } elseif ($kind -eq 'subcommand') {
-            foreach ($name in 'check', 'run', 'stop', 'split', 'judge', 'report', 'compare', 'help') {
+            foreach ($name in 'check', 'run', 'stop', 'split', 'merge', 'judge', 'report', 'compare', 'help') {
                 Write-Answer $name
             }
         }

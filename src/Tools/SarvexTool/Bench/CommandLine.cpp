@@ -4,6 +4,7 @@
 #include "Tools/SarvexTool/Bench/Commands/Check.h"
 #include "Tools/SarvexTool/Bench/Commands/Compare.h"
 #include "Tools/SarvexTool/Bench/Commands/Judge.h"
+#include "Tools/SarvexTool/Bench/Commands/Merge.h"
 #include "Tools/SarvexTool/Bench/Commands/Report.h"
 #include "Tools/SarvexTool/Bench/Commands/Run.h"
 #include "Tools/SarvexTool/Bench/Commands/Split.h"
@@ -32,8 +33,8 @@ namespace {
 constexpr const char* programName = "SarvexToolBench";
 
 /// The subcommands, in the order in which the help shows them.
-constexpr std::array<Command (*)(CLI::App&), 7> addCommands{
-    AddCheck, AddRun, AddStop, AddSplit, AddJudge, AddReport, AddCompare};
+constexpr std::array<Command (*)(CLI::App&), 8> addCommands{
+    AddCheck, AddRun, AddStop, AddSplit, AddMerge, AddJudge, AddReport, AddCompare};
 
 /// A text in lines of at most so many characters, cut at blanks.
 std::string Wrapped(std::string text, std::size_t width) {

@@ -14,7 +14,6 @@
 #include "Tools/SarvexTool/Bench/Run/SupervisedRun.h"
 
 #include <algorithm>
-#include <cctype>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -34,14 +33,6 @@ std::unique_ptr<IProgress> ProgressTo(const std::string& kind, const Surrounding
         constexpr std::size_t usualWidth = 80;
         return OSAL::TerminalWidth(OSAL::StandardStream::Error).value_or(usualWidth);
     });
-}
-
-/// "the daemon is gone" as a sentence of its own.
-std::string AsSentence(std::string text) {
-    text.erase(text.find_last_not_of('.') + 1);
-    if (!text.empty())
-        text.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
-    return text + ".";
 }
 
 /// One call of the subcommand, on the folder of a run.
@@ -122,8 +113,7 @@ private:
         summary.limits = m_directory.Facts().options.limits;
         summary.exitCode = ExitCodeOf(end);
         SaveEnd(end, summary);
-        for (const std::string& note : m_directory.Facts().notes)
-            summary.notes.push_back(AsSentence(note));
+        summary.notes = AsSentences(m_directory.Facts().notes);
         return summary;
     }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Tools/SarvexTool/Bench/Core/LineRange.h"
+#include "Tools/SarvexTool/Bench/Core/ManifestChunk.h"
 
 #include <string>
 #include <string_view>
@@ -22,17 +22,6 @@ struct ManifestPlan {
     LineNumber lines = 0;
 
     bool operator==(const ManifestPlan&) const = default;
-};
-
-/// A test file with some of the plan's lines.
-struct ManifestChunk {
-    /// Its name in the manifest's folder.
-    std::string file;
-    std::string sha256;
-    /// Of the plan; its header is line 1.
-    LineRange lines;
-
-    bool operator==(const ManifestChunk&) const = default;
 };
 
 /// What a plan was cut into.

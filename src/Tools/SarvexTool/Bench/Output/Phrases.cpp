@@ -1,6 +1,7 @@
 #include "Tools/SarvexTool/Bench/Output/Phrases.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 
 namespace Bench {
@@ -13,6 +14,12 @@ std::string Decibels(Decimal power) {
 
 std::string DecibelMilliwatts(Decimal power) {
     return power.ToText() + " dBm";
+}
+
+std::string Capitalized(std::string text) {
+    if (!text.empty())
+        text.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
+    return text;
 }
 
 std::string OutOfLimits(const Measurement& measurement, const Judgement& judgement) {
@@ -114,6 +121,14 @@ std::string Rounded(double number) {
 
 std::string Counted(std::size_t count, const std::string& word) {
     return std::to_string(count) + " " + word + (count == 1 ? "" : "s");
+}
+
+std::vector<std::string> AsSentences(std::vector<std::string> texts) {
+    for (std::string& text : texts) {
+        text.erase(text.find_last_not_of('.') + 1);
+        text = Capitalized(text) + ".";
+    }
+    return texts;
 }
 
 } // namespace Bench

@@ -5,6 +5,7 @@
 
 #include <span>
 #include <string>
+#include <vector>
 
 namespace Bench {
 
@@ -36,5 +37,8 @@ std::string Rounded(double number);
 
 /// "1 line", "2 lines".
 std::string Counted(std::size_t count, const std::string& word);
+
+/// Each with a capital letter and an end mark: "the daemon is gone" becomes "The daemon is gone.".
+std::vector<std::string> AsSentences(std::vector<std::string> texts);
 
 } // namespace Bench

@@ -1,0 +1,116 @@
+#include "Tools/SarvexTool/Bench/Files/MergedFacts.h"
+
+#include <gmock/gmock.h>
+
+namespace Bench {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const std::vector<ManifestChunk> chunks{{"chunk-0001.csv", "aa", {2, 4}},
+                                        {"chunk-0002.csv", "bb", {5, 6}}};
+
+RunFolder RunOf(const std::string& name, const std::string& started, const std::string& ended) {
+    RunFacts facts;
+    facts.daemon = name + ":81";
+    facts.place.bench = "bench of " + name;
+    facts.started = started;
+    facts.ended = ended;
+    facts.macType = 4;
+    facts.countryCode = "DE";
+    facts.clientSha256 = "cc";
+    facts.startPassedOn = true;
+    facts.stopConfirmed = true;
+    facts.outcome = "complete";
+    return {name, facts};
+}
+
+/// Both chunks have a complete run; the second one has ended before the first one began.
+class MergedFactsTest : public testing::Test {
+protected:
+    RunFacts Merged() const { return MergedFacts(chunks, runs, choice); }
+
+    std::vector<RunFolder> runs{RunOf("one", "2026-03-09T09:00", "2026-03-09T10:00"),
+                                RunOf("two", "2026-03-09T07:00", "2026-03-09T08:00")};
+    ChunkChoice choice{{{{0, 3}}, {{1, 2}}}, {}, 2};
+};
+
+TEST_F(MergedFactsTest, LastFromTheFirstStartToTheLastEnd) {
+    const RunFacts facts = Merged();
+    EXPECT_EQ(facts.started, "2026-03-09T07:00");
+    EXPECT_EQ(facts.ended, "2026-03-09T10:00");
+    EXPECT_EQ(facts.outcome, "complete");
+    EXPECT_TRUE(facts.isMerged);
+    EXPECT_EQ(facts.place, RunPlace());
+    EXPECT_THAT(facts.notes, IsEmpty());
+    EXPECT_TRUE(facts.startPassedOn);
+    EXPECT_TRUE(facts.stopConfirmed);
+}
+
+TEST_F(MergedFactsTest, EachRunIsASourceOfItsLines) {
+    const RunFacts& one = runs[0].facts;
+    const RunFacts& two = runs[1].facts;
+    EXPECT_THAT(
+        Merged().sources,
+        ElementsAre(
+            RunSource{{2, 4}, "one", one.place, "one:81", 4, "DE", one.started, one.ended},
+            RunSource{{5, 6}, "two", two.place, "two:81", 4, "DE", two.started, two.ended}));
+    EXPECT_THAT(Merged().otherAttempts, IsEmpty());
+}
+
+TEST_F(MergedFactsTest, OfARunThatEndedEarlyTheLinesThatItHas) {
+    runs[0].facts.outcome = "interrupted";
+    runs[0].facts.stopConfirmed = false;
+    choice = {{{{0, 1}}, std::nullopt}, {{1, 1, 0}}, 0};
+    const RunFacts facts = Merged();
+    ASSERT_EQ(facts.sources.size(), 1u);
+    EXPECT_EQ(facts.sources[0].lines.first, 2u);
+    EXPECT_EQ(facts.sources[0].lines.last, 2u);
+    EXPECT_EQ(facts.outcome, "partial");
+    EXPECT_FALSE(facts.stopConfirmed);
+    ASSERT_EQ(facts.otherAttempts.size(), 1u);
+    EXPECT_EQ(facts.otherAttempts[0].run.directory, "two");
+    EXPECT_EQ(facts.otherAttempts[0].run.lines.first, 5u);
+    EXPECT_EQ(facts.otherAttempts[0].run.lines.last, 6u);
+    EXPECT_EQ(facts.otherAttempts[0].linesDone, 0u);
+    EXPECT_EQ(facts.otherAttempts[0].outcome, "complete");
+}
+
+TEST_F(MergedFactsTest, WhatDiffersFromTheFirstLinesIsNoted) {
+    runs[1].facts.macType = 16;
+    runs[1].facts.countryCode.reset();
+    runs[1].facts.clientSha256 = "dd";
+    runs[1].facts.options.firstCommand = {"-wifi-power"};
+    const RunFacts facts = Merged();
+    EXPECT_EQ(facts.macType, 4);
+    EXPECT_EQ(facts.countryCode, "DE");
+    const std::string tells = "; sources tells of each run";
+    EXPECT_THAT(
+        facts.notes,
+        ElementsAre("1 of the 2 runs had another MAC type than that of the first lines" + tells,
+                    "1 of the 2 runs had another country code than that of the first lines" + tells,
+                    "1 of the 2 runs were made with another client than that of the first lines" +
+                        tells,
+                    "1 of the 2 runs had a first command that the daemon did not accept" + tells));
+}
+
+TEST_F(MergedFactsTest, NotesOfTheRunsAreKeptOnce) {
+    runs[0].facts.notes = {"the daemon closes idle connections"};
+    runs[1].facts.notes = {"the daemon closes idle connections", "the client changed"};
+    runs[1].facts.closesIdleConnections = true;
+    EXPECT_THAT(Merged().notes, ElementsAre("the daemon closes idle connections (one and 1 more)",
+                                            "the client changed (two)"));
+    EXPECT_TRUE(Merged().closesIdleConnections);
+}
+
+TEST_F(MergedFactsTest, OfNoRunThereIsNothingToTell) {
+    choice = {{std::nullopt, std::nullopt}, {}, 0};
+    const RunFacts facts = Merged();
+    EXPECT_THAT(facts.sources, IsEmpty());
+    EXPECT_EQ(facts.started, "");
+    EXPECT_EQ(facts.outcome, "partial");
+}
+
+} // namespace
+} // namespace Bench
