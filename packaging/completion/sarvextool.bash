@@ -17,9 +17,9 @@ _sarvextool_bench_options() {
     stop) echo -h --help --daemon:text --stop-timeout:text ;;
     split) echo -h --help --lines:text -o:folder --output:folder ;;
     merge) echo -h --help -o:folder --output:folder --partial ;;
-    judge) echo -h --help --limits:table --junit:xml --json:json --csv:table ;;
-    report) echo -h --help --limits:table --baseline:result -o:html --output:html ;;
-    compare) echo -h --help --tolerance:text --junit:xml --json:json --html:html ;;
+    judge) echo -h --help --limits:table --junit:xml --json:json --csv:table --group-by:part ;;
+    report) echo -h --help --limits:table --baseline:result -o:html --output:html --group-by:part ;;
+    compare) echo -h --help --tolerance:text --junit:xml --json:json --html:html --group-by:part ;;
     esac
 }
 
@@ -136,6 +136,7 @@ _sarvextool_value() {
     folder) _sarvextool_files "$2" ;;
     run) _sarvextool_runs "$2" ;;
     progress) _sarvextool_answer "$2"{text,json} ;;
+    part) _sarvextool_answer "$2"{bench,device,attempt} ;;
     subcommand) _sarvextool_answer "$2"{check,run,stop,split,merge,judge,report,compare,help} ;;
     fault) _sarvextool_fault "$2" ;;
     esac

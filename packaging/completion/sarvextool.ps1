@@ -18,9 +18,9 @@ Register-ArgumentCompleter -Native -CommandName @(
         'stop' = '-h --help --daemon:text --stop-timeout:text'
         'split' = '-h --help --lines:text -o:folder --output:folder'
         'merge' = '-h --help -o:folder --output:folder --partial'
-        'judge' = '-h --help --limits:table --junit:xml --json:json --csv:table'
-        'report' = '-h --help --limits:table --baseline:result -o:html --output:html'
-        'compare' = '-h --help --tolerance:text --junit:xml --json:json --html:html'
+        'judge' = '-h --help --limits:table --junit:xml --json:json --csv:table --group-by:part'
+        'report' = '-h --help --limits:table --baseline:result -o:html --output:html --group-by:part'
+        'compare' = '-h --help --tolerance:text --junit:xml --json:json --html:html --group-by:part'
         'help' = '-h --help'
     }
     # The kind of a subcommand's arguments that are no options.
@@ -123,6 +123,10 @@ Register-ArgumentCompleter -Native -CommandName @(
         } elseif ($kind -eq 'progress') {
             Write-Answer "${taken}text"
             Write-Answer "${taken}json"
+        } elseif ($kind -eq 'part') {
+            foreach ($name in 'bench', 'device', 'attempt') {
+                Write-Answer "${taken}${name}"
+            }
         } elseif ($kind -eq 'fault') {
             Write-FaultAnswer $taken
         } elseif ($kind -eq 'subcommand') {

@@ -31,7 +31,7 @@ CALLS |= {f"SarvexToolBench {name}": help_text.of(PROGRAMS / "SarvexToolBench", 
 CMDLETS = {"ForEach-Object", "Get-ChildItem", "Join-Path", "Register-ArgumentCompleter", "Select-Object",
            "Test-Path", "Where-Object"}
 # What completes the values of an option where there are no files.
-CHOICES = {"KIND": {"text", "json"}, "WHICH:FAULT": {"*:", "text="}}
+CHOICES = {"KIND": {"text", "json"}, "PART": {"bench", "device", "attempt"}, "WHICH:FAULT": {"*:", "text="}}
 FILES = ["plan.csv", "OLD.CSV", "two words.csv", "notes.txt", "junit.xml", "page.html", "verdict.json",
          "exchanges.jsonl", "first/run.json", "first/result.csv", "runs/second/run.json", "pictures/one.png"]
 FOLDERS = {"first/", "runs/", "pictures/"}

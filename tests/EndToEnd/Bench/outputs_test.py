@@ -205,6 +205,31 @@ class OutputsTest(unittest.TestCase):
         document = self.check_json("out.json", "comparison.schema.json")
         self.assertEqual(document["new"]["endedEarly"], {"linesDone": rows, "linesTotal": None})
 
+    def test_places_and_groups_fit_their_schemas(self):
+        rows = RUN[len(HEADER):].count(b"\n")
+        self.write("journal.jsonl", journal(RUN, [b"No."] * rows))
+        self.write("run.json", json.dumps({"linesTotal": rows, "sources": [
+            {"firstLine": 2, "lastLine": 3, "bench": "=1+1", "attempt": 2},
+            {"firstLine": 5, "lastLine": 6, "device": "\u202e"}]}).encode("ascii"))
+        for part, names in (("bench", [None, "=1+1"]), ("device", [None, "\u202e"]),
+                            ("attempt", [None, "2"])):
+            with self.subTest(part=part):
+                ended = self.judge("--group-by", part, "--json", "out.json", "--csv", "out.csv")
+                self.assertEqual(ended.returncode, 1, ended.stderr)
+                document = self.check_json("out.json", "judgement.schema.json")
+                self.assertEqual([group["name"] for group in document["groups"]], names)
+                self.assertEqual(document["measurements"][0]["bench"], "=1+1")
+                self.assertNotIn("device", document["measurements"][0])
+                table = (self.folder / "out.csv").read_text(encoding="utf-8")
+                first, *_, last = csv.DictReader(table.splitlines())
+                self.assertEqual((first["Bench"], first["Attempt"]), ("'=1+1", "2"))
+                self.assertEqual((last["Bench"], last["Device"]), ("", ""))
+                self.assertNotIn("\u202e", table)
+                ended = self.run_program("compare", "old.csv", "result.csv", "--group-by", part,
+                                         "--json", "out.json")
+                self.assertEqual(ended.returncode, 1, ended.stderr)
+                self.assertEqual(self.check_json("out.json", "comparison.schema.json")["groupBy"], part)
+
     def test_outputs_are_the_same_bytes_as_on_standard_output(self):
         for option in ("--json", "--junit", "--csv"):
             with self.subTest(option=option):

@@ -253,6 +253,85 @@ class ContentTest(PageTest):
         self.assertIn("need JavaScript", text)
 
 
+class PlacesTest(PageTest):
+    """A run whose lines were measured on several benches."""
+
+    SOURCES = [{"firstLine": 2, "lastLine": 4, "bench": "bench-2", "device": "DUT-1", "attempt": 1},
+               {"firstLine": 5, "lastLine": 6, "bench": "<b>bench</b>", "attempt": 2},
+               {"firstLine": 7, "lastLine": 8, "bench": "bench-10", "device": "DUT-1", "attempt": 1}]
+
+    def open_merged(self, limits=LIMITS, baseline=None, sources=None):
+        rows, end, lines = RUN.split("\n")[1:-1], len(HEADER), []
+        for number, row in enumerate(rows, 2):
+            end += len(row) + 1
+            chain = {"outcome": "measured"}
+            lines.append({"line": number, "accepted": True, "a": chain, "b": chain, "csvEnd": end,
+                          "started": "", "seconds": 0, "explicit": True})
+        (self.folder / "journal.jsonl").write_text("".join(json.dumps(line) + "\n" for line in lines))
+        (self.folder / "run.json").write_text(
+            json.dumps({"linesTotal": len(rows), "sources": sources or self.SOURCES}))
+        self.open(RUN, limits, baseline)
+
+    def test_there_is_a_table_by_bench(self):
+        self.open_merged()
+        self.assertEqual(["Benches"], self.texts("#places-title"))
+        self.assertEqual(["unknown", "<b>bench</b>", "bench-2", "bench-10"], self.column("Bench", "#places"))
+        self.assertEqual(["2", "2", "3", "2"], self.column("Measurements", "#places"))
+        self.assertEqual(["1", "2", "2", "1"], self.column("Pass", "#places"))
+        self.assertEqual(["0", "0", "1", "0"], self.column("Too low", "#places"))
+        self.assertEqual(["0", "0", "0", "1"], self.column("Not measured", "#places"))
+        self.assertEqual(["-1", "+2", "-0.5", "+2.5"], self.column("Worst margin, dB", "#places"))
+        self.assertEqual([], self.all("#places b"))
+
+    def test_a_measurement_names_its_bench_device_and_attempt(self):
+        self.open_merged()
+        self.assertEqual(["bench-2"] * 3 + ["<b>bench</b>"] * 2 + ["bench-10"] * 2 + ["unknown"] * 2,
+                         self.column("Bench"))
+        self.assertEqual(["DUT-1"] * 3 + ["unknown"] * 2 + ["DUT-1"] * 2 + ["unknown"] * 2,
+                         self.column("Device"))
+        self.assertEqual(["1"] * 3 + ["2"] * 2 + ["1"] * 2 + ["unknown"] * 2, self.column("Attempt"))
+        self.assertIn("Bench bench-2, Device DUT-1, Attempt 1", self.point_at(self.plots()[1], 4))
+
+    def test_measurements_are_filtered_by_bench(self):
+        self.open_merged()
+        chooser = self.one("#measurements select")
+        self.assertEqual(["All benches", "unknown", "<b>bench</b>", "bench-2", "bench-10"],
+                         self.texts("#measurements option"))
+        for option, lines in ((1, "9 9"), (3, "2 3 4"), (0, "2 3 4 5 6 7 8 9 9")):
+            chooser.find_elements(By.TAG_NAME, "option")[option].click()
+            self.assertEqual(lines.split(), self.column("Line"))
+        self.one("#measurements input").send_keys("bench=bench-10 58")
+        self.assertEqual(["7"], self.column("Line"))
+
+    def test_a_bench_of_the_table_leads_to_its_measurements(self):
+        self.open_merged()
+        self.one("#measurements [data-verdict='too high']").click()
+        [*_, last] = self.all("#places td .text-button")
+        self.script("arguments[0].scrollIntoView({block: 'center'})", last)
+        last.click()
+        self.assertEqual("7 8".split(), self.column("Line"))
+        # A point whose row is hidden takes the filter away.
+        self.point_at(self.plots()[1], 4)
+        ActionChains(self.driver).click().perform()
+        self.assertEqual(["4"], self.texts("tr.current td:first-child"))
+        self.assertEqual(9, len(self.column("Line")))
+
+    def test_a_baseline_gives_each_bench_its_mean_change(self):
+        self.open_merged(baseline=BASELINE)
+        self.assertEqual(["", "0", "-0.417", ""], self.column("Mean change, dB", "#places"))
+
+    def test_attempts_take_the_place_of_benches_that_are_not_told(self):
+        self.open_merged(sources=[{"firstLine": 2, "lastLine": 8, "attempt": 3}])
+        self.assertEqual(["Attempts"], self.texts("#places-title"))
+        self.assertEqual(["unknown", "3"], self.column("Attempt", "#places"))
+
+    def test_a_run_that_tells_no_bench_has_no_such_table(self):
+        self.open(RUN, LIMITS)
+        self.assertFalse(self.one("#places").is_displayed())
+        self.assertEqual([], self.all("#measurements select"))
+        self.assertNotIn("Bench", self.texts("#measurements th button"))
+
+
 class HostileTest(PageTest):
     CELLS = ["<script>alert(1)</script>", "</script><img src=x onerror=alert(1)>", "<!--", "-->",
              "a'b&amp;c", "{{data}}", "__proto__", "constructor", "%3Cscript%3E", "javascript:alert(1)"]

@@ -1,5 +1,6 @@
 #include "Tools/SarvexTool/Bench/Commands/Compare.h"
 
+#include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Commands/Outputs.h"
 #include "Tools/SarvexTool/Bench/Commands/PageFacts.h"
 #include "Tools/SarvexTool/Bench/Core/Differences.h"
@@ -13,6 +14,7 @@
 #include <CLI/Formatter.hpp>
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -30,6 +32,7 @@ struct CompareOptions {
     std::optional<std::string> junit;
     std::optional<std::string> json;
     std::optional<std::string> html;
+    std::optional<std::string> groupBy;
 };
 
 Decimal ReadTolerance(const std::string& text) {
@@ -65,19 +68,22 @@ void WriteComparedPage(const ReadRun& older, const ReadRun& newer, const Compare
     for (PageFact& fact : FactsOfBaseline(older.names, older.result))
         facts.push_back(std::move(fact));
     WritePage({"Comparison of two transmit power tests", SubjectOf(newer.names.table),
-               std::move(facts), compared.newResult.run, nullptr, &baseline},
+               std::move(facts), compared.newResult.run, nullptr, &baseline,
+               ToldPart(compared.newResult.run.sources, compared.groupBy)},
               stream);
 }
 
 int Compare(const CompareOptions& options, Surroundings& surroundings) {
     const Decimal tolerance = ReadTolerance(options.tolerance);
+    const std::optional<PlacePart> groupBy = GroupByOf(options.groupBy);
     ReadRun older{NamesOf(options.oldResult), {}};
     ReadRun newer{NamesOf(options.newResult), {}};
     Differences differences;
     const ComparedRuns compared{{older.names.table, older.result.run, older.result.device},
                                 {newer.names.table, newer.result.run, newer.result.device},
                                 tolerance,
-                                differences};
+                                differences,
+                                groupBy};
     const std::vector<Output> outputs{
         {options.junit, [&compared](std::ostream& stream) { WriteJunit(stream, compared); }},
         {options.json, [&compared](std::ostream& stream) { WriteJson(stream, compared); }},
@@ -88,6 +94,8 @@ int Compare(const CompareOptions& options, Surroundings& surroundings) {
     TextPool texts;
     older.result = ReadResult(older.names, surroundings.in, texts);
     newer.result = ReadResult(newer.names, surroundings.in, texts);
+    RequireTold(groupBy, std::array<const Sources*, 2>{&newer.result.run.sources,
+                                                       &older.result.run.sources});
     // Two runs without a device would be alike, which nobody wants to hear.
     if (!HasPower(older.result.run) && !HasPower(newer.result.run))
         throw BadInput(newer.names.table, "neither run has a power, so that there is nothing to "
@@ -119,6 +127,9 @@ Command AddCompare(CLI::App& program) {
         ->type_name("FILE");
     app->add_option("--html", options->html, "Write an HTML page, - for standard output")
         ->type_name("FILE");
+    app->add_option("--group-by", options->groupBy,
+                    "Show shifts by bench, device or attempt, and not by band and rate")
+        ->type_name("PART");
     app->footer("Exit code: 0 alike, 1 different or a run that ended early, 2 wrong usage, a file "
                 "that cannot be read or written, or two runs without any power.");
     return {app, [options](Surroundings& surroundings) { return Compare(*options, surroundings); }};

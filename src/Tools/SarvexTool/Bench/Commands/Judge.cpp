@@ -1,6 +1,7 @@
 #include "Tools/SarvexTool/Bench/Commands/Judge.h"
 
 #include "Tools/SarvexTool/Bench/Commands/NeedlessLimits.h"
+#include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Commands/Outputs.h"
 #include "Tools/SarvexTool/Bench/Files/LimitsFile.h"
 #include "Tools/SarvexTool/Bench/Files/ResultFile.h"
@@ -13,6 +14,7 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -28,13 +30,16 @@ struct JudgeOptions {
     std::optional<std::string> junit;
     std::optional<std::string> json;
     std::optional<std::string> csv;
+    std::optional<std::string> groupBy;
 };
 
 int Judge(const JudgeOptions& options, Surroundings& surroundings) {
+    const std::optional<PlacePart> groupBy = GroupByOf(options.groupBy);
     const ResultNames names = NamesOf(options.result);
     Judgements judgements;
     Result result;
-    const JudgedRun judged{{names.table, result.run, result.device}, options.limits, judgements};
+    const JudgedRun judged{
+        {names.table, result.run, result.device}, options.limits, judgements, groupBy};
     const std::vector<Output> outputs{
         {options.junit, [&judged](std::ostream& stream) { WriteJunit(stream, judged); }},
         {options.json, [&judged](std::ostream& stream) { WriteJson(stream, judged); }},
@@ -46,6 +51,7 @@ int Judge(const JudgeOptions& options, Surroundings& surroundings) {
     TextPool texts;
     LimitTable table(ReadLimits(options.limits, surroundings.in, texts));
     result = ReadResult(names, surroundings.in, texts);
+    RequireTold(groupBy, std::array<const Sources*, 1>{&result.run.sources});
     judgements = Judge(result.run, table);
     WriteOutputs(outputs, surroundings);
     PrintJudgements(ConsoleBeside(outputs, surroundings), judged);
@@ -72,6 +78,9 @@ Command AddJudge(CLI::App& program) {
         ->type_name("FILE");
     app->add_option("--csv", options->csv, "Write a table for spreadsheets, - for standard output")
         ->type_name("FILE");
+    app->add_option("--group-by", options->groupBy,
+                    "Count by bench, device or attempt, and not by band")
+        ->type_name("PART");
     app->footer("Exit code: 0 all pass, 1 something did not pass, 2 wrong usage, or a file that "
                 "cannot be read or written.");
     return {app, [options](Surroundings& surroundings) { return Judge(*options, surroundings); }};

@@ -6,6 +6,7 @@
 #include "Tools/SarvexTool/Bench/Files/Locks.h"
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <optional>
@@ -30,6 +31,26 @@ std::uint32_t NumberOf(const std::string& option, const std::string& text, std::
         throw WrongUsage(option + " " + text + " is no number from " + std::to_string(least) +
                          " to " + std::to_string(most));
     return number;
+}
+
+std::optional<PlacePart> GroupByOf(const std::optional<std::string>& text) {
+    if (!text)
+        return std::nullopt;
+    const std::optional<PlacePart> part = PlacePartNamed(*text);
+    if (!part)
+        throw WrongUsage("--group-by " + *text + " is none of bench, device and attempt");
+    return part;
+}
+
+void RequireTold(std::optional<PlacePart> part, std::span<const Sources* const> runs) {
+    if (!part || std::any_of(runs.begin(), runs.end(), [part](const Sources* const sources) {
+            return AreTold(*sources, *part);
+        }))
+        return;
+    const std::string name = NameOf(*part);
+    throw WrongUsage("--group-by " + name + " needs a run that tells its " + name +
+                     ": the folder of one that was run with --" + name +
+                     ", or that was merged from such runs");
 }
 
 DaemonAddress DaemonOf(const std::string& text) {

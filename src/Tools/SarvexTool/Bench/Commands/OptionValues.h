@@ -2,9 +2,12 @@
 
 #include "Modules/xFramework/OSAL/FileLock.h"
 #include "Tools/SarvexTool/Bench/Core/Decimal.h"
+#include "Tools/SarvexTool/Bench/Core/Sources.h"
 #include "Tools/SarvexTool/Bench/Daemon/DaemonAddress.h"
 
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 
 namespace Bench {
@@ -15,6 +18,12 @@ Decimal SecondsOf(const std::string& option, const std::string& text);
 /// A whole number from an option, from the least to the most. Throws WrongUsage.
 std::uint32_t NumberOf(const std::string& option, const std::string& text, std::uint32_t least,
                        std::uint32_t most);
+
+/// What --group-by asks for. Throws WrongUsage.
+std::optional<PlacePart> GroupByOf(const std::optional<std::string>& text);
+
+/// Throws WrongUsage where --group-by asks for something of which no run tells anything.
+void RequireTold(std::optional<PlacePart> part, std::span<const Sources* const> runs);
 
 /// A daemon's address from the option --daemon, with the port of the client's Socket.cfg beside the
 /// program where it has none. Throws WrongUsage, and BadInput for the file.

@@ -1,6 +1,7 @@
 #include "Tools/SarvexTool/Bench/Commands/Report.h"
 
 #include "Tools/SarvexTool/Bench/Commands/NeedlessLimits.h"
+#include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Commands/Outputs.h"
 #include "Tools/SarvexTool/Bench/Commands/PageFacts.h"
 #include "Tools/SarvexTool/Bench/Files/LimitsFile.h"
@@ -10,6 +11,7 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -25,6 +27,7 @@ struct ReportOptions {
     std::optional<std::string> limits;
     std::optional<std::string> baseline;
     std::string output;
+    std::optional<std::string> groupBy;
 };
 
 /// The tolerance that compare has unless it is told another.
@@ -40,6 +43,9 @@ public:
           m_result(ReadResult(m_names, surroundings.in, m_texts)),
           m_page{"Transmit power report", SubjectOf(m_names.table), FactsOf(m_names, m_result),
                  m_result.run} {
+        const std::optional<PlacePart> groupBy = GroupByOf(options.groupBy);
+        RequireTold(groupBy, std::array<const Sources*, 1>{&m_result.run.sources});
+        m_page.groupBy = ToldPart(m_result.run.sources, groupBy);
         if (options.limits)
             Judge(*options.limits, surroundings);
         if (options.baseline)
@@ -119,6 +125,9 @@ Command AddReport(CLI::App& program) {
     app->add_option("-o,--output", options->output, "The page to write, - for standard output")
         ->required()
         ->type_name("FILE.html");
+    app->add_option("--group-by", options->groupBy,
+                    "What the table of benches is by: bench, device or attempt")
+        ->type_name("PART");
     app->footer("Exit code: 0 the page is written, whatever the verdict, 2 wrong usage, or a file "
                 "that cannot be read or written.");
     return {app, [options](Surroundings& surroundings) { return Report(*options, surroundings); }};

@@ -202,4 +202,28 @@ Differences Compare(const RunResult& oldRun, const RunResult& newRun, Decimal to
     return differences;
 }
 
+std::vector<PlaceShift> ShiftsBy(PlacePart part, const RunResult& oldRun, const RunResult& newRun,
+                                 const Differences& differences) {
+    const bool isByNew = AreTold(newRun.sources, part);
+    const LineGroups groups(isByNew ? newRun.sources : oldRun.sources, part);
+    std::vector<PlaceShift> shifts;
+    for (const std::optional<std::string>& name : groups.Names())
+        shifts.push_back({name, 0, 0});
+    for (std::size_t place = 0; place < differences.oldOfNew.size(); ++place) {
+        const std::optional<std::uint32_t>& oldPlace = differences.oldOfNew[place];
+        const Measurement& after = newRun.measurements[place];
+        if (!oldPlace || !after.power || !oldRun.measurements[*oldPlace].power)
+            continue;
+        const Measurement& before = oldRun.measurements[*oldPlace];
+        PlaceShift& shift =
+            shifts[groups.GroupOf(isByNew ? newRun.LineOf(after) : oldRun.LineOf(before))];
+        ++shift.pairs;
+        shift.mean += (*after.power - *before.power).ToDouble();
+    }
+    std::erase_if(shifts, [](const PlaceShift& shift) { return shift.pairs == 0; });
+    for (PlaceShift& shift : shifts)
+        shift.mean = InDecimalDigits(shift.mean / static_cast<double>(shift.pairs));
+    return shifts;
+}
+
 } // namespace Bench

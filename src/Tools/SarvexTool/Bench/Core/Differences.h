@@ -3,6 +3,7 @@
 #include "Tools/SarvexTool/Bench/Core/Measurements.h"
 
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace Bench {
@@ -39,6 +40,15 @@ struct Shift {
     double mean = 0;
 };
 
+/// How far the powers have moved together that have the same bench, device or attempt.
+struct PlaceShift {
+    /// Nothing for those of which nothing tells it.
+    std::optional<std::string> name;
+    std::size_t pairs = 0;
+    /// As for Shift.
+    double mean = 0;
+};
+
 /// How two runs differ.
 struct Differences {
     /// Changes first, the largest first; then what is measured in one only; then what is in one
@@ -66,5 +76,11 @@ struct Differences {
 /// settings and their chain are; those that a run has several times are paired in their order. A
 /// change of exactly the tolerance is none.
 Differences Compare(const RunResult& oldRun, const RunResult& newRun, Decimal tolerance);
+
+/// The shifts of pairs that are measured in both runs, by the place that the new run tells, or by
+/// that of the old run where the new one tells that part of no line. Without those that have no
+/// pair, in the order of LineGroups.
+std::vector<PlaceShift> ShiftsBy(PlacePart part, const RunResult& oldRun, const RunResult& newRun,
+                                 const Differences& differences);
 
 } // namespace Bench

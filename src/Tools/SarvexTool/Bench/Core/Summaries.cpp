@@ -47,6 +47,20 @@ JudgementSummary Summarize(const RunResult& run, const Judgements& judgements) {
     return summary;
 }
 
+std::vector<PlaceCounts> SummarizeBy(PlacePart part, const RunResult& run,
+                                     const Judgements& judgements) {
+    const LineGroups groups(run.sources, part);
+    std::vector<PlaceCounts> all;
+    for (const std::optional<std::string>& name : groups.Names())
+        all.push_back({name, {}});
+    for (std::uint32_t place = 0; place < judgements.all.size(); ++place) {
+        const Measurement& measurement = run.measurements[judgements.all[place].measurement];
+        Count(all[groups.GroupOf(run.LineOf(measurement))].counts, judgements, place);
+    }
+    std::erase_if(all, [](const PlaceCounts& group) { return group.counts.Total() == 0; });
+    return all;
+}
+
 std::vector<std::uint32_t> NotPassed(const Judgements& judgements) {
     std::vector<std::uint32_t> places;
     for (std::uint32_t place = 0; place < judgements.all.size(); ++place) {

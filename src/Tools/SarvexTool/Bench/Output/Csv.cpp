@@ -32,11 +32,20 @@ std::string NumberCell(const std::optional<Decimal>& number) {
     return number ? number->ToText() : "";
 }
 
-std::string Header() {
+std::string Header(bool hasPlaces) {
     std::string header = "Line";
     for (std::size_t index = 0; index < SettingCount; ++index)
         header.append(",").append(NameOf(static_cast<Setting>(index)));
-    return header + ",Chain,Power,Minimum,Maximum,Verdict,Margin,Limit line,Reason\n";
+    header += ",Chain,Power,Minimum,Maximum,Verdict,Margin,Limit line,Reason";
+    return header + (hasPlaces ? ",Bench,Device,Attempt\n" : "\n");
+}
+
+/// The cells of a place, which may not be known.
+std::string PlaceCells(const RunPlace* place) {
+    if (place == nullptr)
+        return ",,,";
+    return "," + CsvCell(place->bench.value_or("")) + "," + CsvCell(place->device.value_or("")) +
+           "," + (place->attempt ? std::to_string(*place->attempt) : "");
 }
 
 std::string RowOf(const RunResult& run, const Judgement& judgement) {
@@ -53,13 +62,15 @@ std::string RowOf(const RunResult& run, const Judgement& judgement) {
     row.append(",").append(NumberCell(judgement.margin));
     row.append(",").append(limit != nullptr ? std::to_string(limit->line) : "");
     row.append(",").append(measurement.power ? "" : CsvCell(measurement.reason.ToText()));
+    if (!run.sources.All().empty())
+        row += PlaceCells(run.PlaceOf(measurement));
     return row + "\n";
 }
 
 } // namespace
 
 void WriteCsv(std::ostream& stream, const JudgedRun& judged) {
-    stream << Header();
+    stream << Header(!judged.result.run.sources.All().empty());
     for (const Judgement& judgement : judged.judgements.all)
         stream << RowOf(judged.result.run, judgement);
 }

@@ -83,6 +83,26 @@ void WriteCounts(JsonWriter& json, const VerdictCounts& counts, const Judgements
                  counts.worst ? judgements.all[*counts.worst].margin : std::nullopt);
 }
 
+/// What is known of where a measurement was made.
+void WritePlace(JsonWriter& json, const RunPlace* place) {
+    if (place == nullptr)
+        return;
+    if (place->bench)
+        json.Key("bench").Text(*place->bench);
+    if (place->device)
+        json.Key("device").Text(*place->device);
+    if (place->attempt)
+        json.Key("attempt").Count(*place->attempt);
+}
+
+void WriteName(JsonWriter& json, const std::optional<std::string>& name) {
+    WriteText(json.Key("name"), name ? &*name : nullptr);
+}
+
+void WriteGroupBy(JsonWriter& json, PlacePart part) {
+    json.Key("groupBy").Text(NameOf(part));
+}
+
 void WriteLimit(JsonWriter& json, const Limit* limit) {
     json.Key("limit");
     if (limit == nullptr) {
@@ -107,6 +127,7 @@ void WriteJudgement(JsonWriter& json, const RunResult& run, const Judgement& jud
     json.Key("verdict").Text(NameOf(judgement.verdict));
     WriteLimit(json, judgement.limit);
     WriteDecimal(json.Key("margin"), judgement.margin);
+    WritePlace(json, run.PlaceOf(measurement));
     json.EndObject();
 }
 
@@ -120,6 +141,43 @@ void WriteSummary(JsonWriter& json, const JudgedRun& judged) {
         json.BeginObject();
         WriteText(json.Key("band"), band.band);
         WriteCounts(json, band, judged.judgements);
+        json.EndObject();
+    }
+    json.BreakLine();
+    json.EndArray();
+}
+
+void WriteGroups(JsonWriter& json, const JudgedRun& judged) {
+    if (!judged.groupBy)
+        return;
+    WriteGroupBy(json, *judged.groupBy);
+    json.Key("groups").BeginArray();
+    for (const PlaceCounts& group :
+         SummarizeBy(*judged.groupBy, judged.result.run, judged.judgements)) {
+        json.BreakLine();
+        json.BeginObject();
+        WriteName(json, group.name);
+        WriteCounts(json, group.counts, judged.judgements);
+        json.EndObject();
+    }
+    json.BreakLine();
+    json.EndArray();
+    json.BreakLine();
+}
+
+void WriteGroups(JsonWriter& json, const ComparedRuns& compared) {
+    if (!compared.groupBy)
+        return;
+    json.BreakLine();
+    WriteGroupBy(json, *compared.groupBy);
+    json.Key("groupShifts").BeginArray();
+    for (const PlaceShift& shift : ShiftsBy(*compared.groupBy, compared.oldResult.run,
+                                            compared.newResult.run, compared.differences)) {
+        json.BreakLine();
+        json.BeginObject();
+        WriteName(json, shift.name);
+        json.Key("pairs").Count(shift.pairs);
+        json.Key("mean").Number(shift.mean);
         json.EndObject();
     }
     json.BreakLine();
@@ -152,6 +210,7 @@ void WriteSide(JsonWriter& json, const char* key, const RunResult& run,
     json.BeginObject();
     json.Key("line").Count(run.LineOf(run.measurements[*place]));
     WritePower(json, run.measurements[*place]);
+    WritePlace(json, run.PlaceOf(run.measurements[*place]));
     json.EndObject();
 }
 
@@ -190,6 +249,7 @@ void WriteJson(std::ostream& stream, const JudgedRun& judged) {
     json.Key("passed").Bool(judged.judgements.HaveAllPassed());
     WriteSummary(json, judged);
     json.BreakLine();
+    WriteGroups(json, judged);
     json.Key("measurements").BeginArray();
     for (const Judgement& judgement : judged.judgements.all)
         WriteJudgement(json, judged.result.run, judgement);
@@ -220,6 +280,7 @@ void WriteJson(std::ostream& stream, const ComparedRuns& compared) {
     else
         json.Null();
     WriteShifts(json, differences.shifts);
+    WriteGroups(json, compared);
     json.BreakLine();
     json.Key("differences").BeginArray();
     for (const Difference& difference : differences.all)

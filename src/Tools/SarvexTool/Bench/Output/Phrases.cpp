@@ -123,6 +123,10 @@ std::string Counted(std::size_t count, const std::string& word) {
     return std::to_string(count) + " " + word + (count == 1 ? "" : "s");
 }
 
+std::string TitleOf(PlacePart part) {
+    return Capitalized(NameOf(part));
+}
+
 std::vector<std::string> AsSentences(std::vector<std::string> texts) {
     for (std::string& text : texts) {
         text.erase(text.find_last_not_of('.') + 1);

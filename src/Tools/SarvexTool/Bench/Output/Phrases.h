@@ -38,6 +38,9 @@ std::string Rounded(double number);
 /// "1 line", "2 lines".
 std::string Counted(std::size_t count, const std::string& word);
 
+/// "Bench", "Device" or "Attempt".
+std::string TitleOf(PlacePart part);
+
 /// Each with a capital letter and an end mark: "the daemon is gone" becomes "The daemon is gone.".
 std::vector<std::string> AsSentences(std::vector<std::string> texts);
 

@@ -4,6 +4,7 @@
 #include "Tools/SarvexTool/Bench/Core/Differences.h"
 #include "Tools/SarvexTool/Bench/Core/Verdicts.h"
 
+#include <optional>
 #include <string>
 
 namespace Bench {
@@ -20,6 +21,8 @@ struct JudgedRun {
     NamedRun result;
     std::string limitsName;
     const Judgements& judgements;
+    /// What the counts are grouped by in place of the band.
+    std::optional<PlacePart> groupBy = std::nullopt;
 };
 
 /// What the outputs of compare show.
@@ -28,6 +31,8 @@ struct ComparedRuns {
     NamedRun newResult;
     Decimal tolerance;
     const Differences& differences;
+    /// What the shifts are grouped by in place of band and rate.
+    std::optional<PlacePart> groupBy = std::nullopt;
 };
 
 } // namespace Bench

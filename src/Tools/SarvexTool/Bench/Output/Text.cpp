@@ -66,16 +66,26 @@ std::vector<std::string> RowOf(const std::string& title, const VerdictCounts& co
     return row;
 }
 
+void AddGroups(TextTable& table, const JudgementSummary& summary, const JudgedRun& judged) {
+    if (!judged.groupBy) {
+        for (const VerdictCounts& band : summary.bands)
+            table.Add(RowOf(band.band == nullptr ? "unknown" : *band.band, band, judged));
+        return;
+    }
+    for (const PlaceCounts& group :
+         SummarizeBy(*judged.groupBy, judged.result.run, judged.judgements))
+        table.Add(RowOf(group.name.value_or("unknown"), group.counts, judged));
+}
+
 void PrintSummary(const Console& console, const JudgedRun& judged) {
     const JudgementSummary summary = Summarize(judged.result.run, judged.judgements);
-    std::vector<std::string> titles{"Band"};
+    std::vector<std::string> titles{judged.groupBy ? TitleOf(*judged.groupBy) : "Band"};
     for (std::size_t verdict = 0; verdict < VerdictCount; ++verdict)
         titles.emplace_back(NameOf(static_cast<Verdict>(verdict)));
     titles.emplace_back("worst margin");
     titles.emplace_back("at line");
     TextTable table(titles, 1);
-    for (const VerdictCounts& band : summary.bands)
-        table.Add(RowOf(band.band == nullptr ? "unknown" : *band.band, band, judged));
+    AddGroups(table, summary, judged);
     table.Add(RowOf("all", summary.all, judged));
     table.Print(console.stream);
 }
@@ -123,14 +133,36 @@ std::string PlaceOf(const ComparedRuns& compared, const Difference& difference) 
     return text;
 }
 
-void PrintShifts(const Console& console, const std::vector<Shift>& shifts) {
-    if (shifts.empty())
-        return;
+std::string MeanText(double mean) {
+    return (mean > 0 ? "+" : "") + Rounded(mean) + " dB";
+}
+
+TextTable TableOf(const std::vector<Shift>& shifts) {
     TextTable table({"Band", "Rate", "pairs", "mean shift"}, 2);
     for (const Shift& shift : shifts)
         table.Add({shift.band == nullptr ? "unknown" : *shift.band,
                    shift.rate == nullptr ? "unknown" : *shift.rate, std::to_string(shift.pairs),
-                   (shift.mean > 0 ? "+" : "") + Rounded(shift.mean) + " dB"});
+                   MeanText(shift.mean)});
+    return table;
+}
+
+TextTable TableOf(const std::vector<PlaceShift>& shifts, PlacePart part) {
+    TextTable table({TitleOf(part), "pairs", "mean shift"}, 1);
+    for (const PlaceShift& shift : shifts)
+        table.Add(
+            {shift.name.value_or("unknown"), std::to_string(shift.pairs), MeanText(shift.mean)});
+    return table;
+}
+
+void PrintShifts(const Console& console, const ComparedRuns& compared) {
+    // There are none by place where there are none by band.
+    if (compared.differences.shifts.empty())
+        return;
+    const TextTable table = compared.groupBy
+                                ? TableOf(ShiftsBy(*compared.groupBy, compared.oldResult.run,
+                                                   compared.newResult.run, compared.differences),
+                                          *compared.groupBy)
+                                : TableOf(compared.differences.shifts);
     table.Print(console.stream);
     console.stream << "\n";
 }
@@ -184,7 +216,7 @@ void PrintDifferences(const Console& console, const ComparedRuns& compared) {
         console.stream << "noise of repeated lines: " << Rounded(*differences.noise)
                        << " dB (standard deviation)\n";
     console.stream << "\n";
-    PrintShifts(console, differences.shifts);
+    PrintShifts(console, compared);
     for (const Difference& difference : differences.all)
         PrintDifference(console, compared, difference);
     if (!differences.all.empty())

@@ -47,6 +47,12 @@ protected:
         directory.Create("run.json", R"({"linesTotal":2,"linesDone":1,"outcome":"interrupted"})");
     }
 
+    /// The same, with where it was measured.
+    void CreatePlacedRun(const std::string& bench, const std::string& power) const {
+        CreateEarlyRun(power, R"({"outcome":"measured"})");
+        directory.Create("run.json", R"({"linesTotal":1,"bench":")" + bench + "\"}");
+    }
+
     std::string ReadBytes(const std::string& name) const {
         return TestSupport::ReadBytes(directory.Path(name));
     }

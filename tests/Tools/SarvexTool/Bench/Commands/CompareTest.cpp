@@ -1,5 +1,7 @@
 #include "tests/Tools/SarvexTool/Bench/Commands/CommandFixture.h"
 
+#include <gmock/gmock.h>
+
 namespace Bench {
 namespace {
 
@@ -116,6 +118,26 @@ TEST_F(CompareTest, OutputIsNeverAnInput) {
                    directory.Path("x")}),
               2);
     EXPECT_EQ(ReadBytes("new.csv"), before);
+}
+
+TEST_F(CompareTest, ShiftsAreByTheBenchOfEitherRun) {
+    CreatePlacedRun("seven", "11");
+    const std::string other = ResultOf("other.csv", "12");
+    EXPECT_EQ(Run({"compare", other, directory.Path(), "--group-by", "bench"}), 1);
+    EXPECT_THAT(out.str(), testing::HasSubstr("\nseven      1       -1 dB\n"));
+    EXPECT_EQ(Run({"compare", directory.Path(), other, "--group-by", "bench"}), 1);
+    EXPECT_THAT(out.str(), testing::HasSubstr("\nseven      1       +1 dB\n"));
+    EXPECT_EQ(Run({"compare", other, other, "--group-by", "bench"}), 2);
+    EXPECT_THAT(err.str(), testing::HasSubstr("--group-by bench needs a run that tells its bench"));
+}
+
+TEST_F(CompareTest, ThePageIsByTheBenchOfTheNewRun) {
+    CreatePlacedRun("seven", "11");
+    const std::string other = ResultOf("other.csv", "12");
+    EXPECT_EQ(Run({"compare", other, directory.Path(), "--html", "-"}), 1);
+    EXPECT_THAT(out.str(), testing::HasSubstr("\"groupBy\":\"bench\""));
+    EXPECT_EQ(Run({"compare", directory.Path(), other, "--group-by", "bench", "--html", "-"}), 1);
+    EXPECT_THAT(out.str(), testing::HasSubstr("\"groupBy\":null"));
 }
 
 } // namespace

@@ -1,5 +1,9 @@
 #include "tests/Tools/SarvexTool/Bench/Commands/CommandFixture.h"
 
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
 namespace Bench {
 namespace {
 
@@ -161,6 +165,31 @@ TEST_F(JudgeTest, NoOutputTakesItsPlaceWhenALaterOneCannotBeWrittenToItsEnd) {
                    directory.Path("j.json"), "--csv", "-"}),
               2);
     EXPECT_EQ(ReadBytes("j.json"), "old");
+}
+
+TEST_F(JudgeTest, CountsAreByBenchWhereTheRunTellsIt) {
+    CreatePlacedRun("seven", "11");
+    EXPECT_EQ(Run({"judge", directory.Path(), "--limits", limits, "--group-by", "bench"}), 0);
+    EXPECT_THAT(out.str(), testing::HasSubstr("\nBench  pass"));
+    EXPECT_THAT(out.str(), testing::HasSubstr("\nseven     1"));
+}
+
+TEST_F(JudgeTest, WhatNoRunTellsIsWrongUsage) {
+    CreatePlacedRun("seven", "11");
+    const std::string json = directory.Path("out.json");
+    EXPECT_EQ(Run({"judge", directory.Path(), "--limits", limits, "--group-by", "device", "--json",
+                   json}),
+              2);
+    EXPECT_THAT(err.str(),
+                testing::HasSubstr("--group-by device needs a run that tells its device: the "
+                                   "folder of one that was run with --device, or that was merged "
+                                   "from such runs\n"));
+    EXPECT_FALSE(std::filesystem::exists(json));
+    EXPECT_EQ(Run({"judge", ResultOf("a.csv", "11"), "--limits", limits, "--group-by", "bench"}),
+              2);
+    EXPECT_EQ(Run({"judge", directory.Path(), "--limits", limits, "--group-by", "Bench"}), 2);
+    EXPECT_THAT(err.str(), testing::HasSubstr("--group-by Bench is none of bench, device and "
+                                              "attempt\n"));
 }
 
 } // namespace

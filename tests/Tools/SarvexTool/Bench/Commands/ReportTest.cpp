@@ -99,5 +99,18 @@ TEST_F(ReportTest, AnOutputIsNeeded) {
     EXPECT_THAT(err.str(), StartsWith("SarvexToolBench report: --output is required"));
 }
 
+TEST_F(ReportTest, ThePageIsByWhatIsAskedForOrTold) {
+    CreatePlacedRun("seven", "11");
+    directory.Create("run.json", R"({"linesTotal":1,"bench":"seven","attempt":2})");
+    EXPECT_EQ(Run({"report", directory.Path(), "-o", "-"}), 0);
+    EXPECT_THAT(out.str(), HasSubstr("\"groupBy\":\"bench\""));
+    EXPECT_EQ(Run({"report", directory.Path(), "-o", "-", "--group-by", "attempt"}), 0);
+    EXPECT_THAT(out.str(), HasSubstr("\"groupBy\":\"attempt\""));
+    EXPECT_EQ(Run({"report", directory.Path(), "-o", "-", "--group-by", "device"}), 2);
+    EXPECT_THAT(err.str(), HasSubstr("--group-by device needs a run that tells its device"));
+    EXPECT_EQ(Run({"report", ResultOf("a.csv", "9"), "-o", "-"}), 0);
+    EXPECT_THAT(out.str(), HasSubstr("\"groupBy\":null"));
+}
+
 } // namespace
 } // namespace Bench

@@ -206,5 +206,42 @@ TEST_F(DifferencesTest, RunsThatAreAlikeDifferInNothing) {
     EXPECT_EQ(none.noise, std::nullopt);
 }
 
+class DifferencesByPlaceTest : public DifferencesTest {
+protected:
+    /// One line for each shift by the bench.
+    std::string Shifts() const {
+        std::string text;
+        for (const PlaceShift& shift :
+             ShiftsBy(PlacePart::Bench, oldRun, newRun, Compare(oldRun, newRun, "0.5"_dB)))
+            text += shift.name.value_or("?") + " " + std::to_string(shift.pairs) + " " +
+                    std::to_string(shift.mean) + "\n";
+        return text;
+    }
+
+    static Source Of(LineNumber line, const char* bench) {
+        return {{line, line}, {bench, std::nullopt, std::nullopt}};
+    }
+
+    /// The same lines in another order, and one without a power in each run.
+    RunResult oldRun = RunOf(
+        {{"5", "0", "10"}, {"6", "0", "10"}, {"6", "1", "10"}, {"7", "1", ""}, {"8", "1", "1"}});
+    RunResult newRun = RunOf(
+        {{"6", "1", "12"}, {"6", "0", "11"}, {"5", "0", "10.5"}, {"7", "1", "9"}, {"8", "1", ""}});
+};
+
+TEST_F(DifferencesByPlaceTest, ShiftsAreByThePlaceOfTheNewRun) {
+    newRun.sources = Sources({Of(2, "b"), Of(3, "b"), Of(4, "a"), Of(5, "c")});
+    oldRun.sources = Sources({Of(2, "x")});
+    EXPECT_EQ(Shifts(), "a 1 0.500000\nb 2 1.500000\n");
+}
+
+TEST_F(DifferencesByPlaceTest, ShiftsAreByThatOfTheOldRunWhereTheNewOneTellsNone) {
+    oldRun.sources = Sources({Of(2, "b"), Of(3, "a"), Of(5, "c")});
+    EXPECT_EQ(Shifts(), "? 1 2.000000\na 1 1.000000\nb 1 0.500000\n");
+    newRun.sources = Sources({{{2, 5}, {std::nullopt, "DUT", std::nullopt}}});
+    EXPECT_EQ(Shifts(), "? 1 2.000000\na 1 1.000000\nb 1 0.500000\n")
+        << "the new one tells no bench";
+}
+
 } // namespace
 } // namespace Bench

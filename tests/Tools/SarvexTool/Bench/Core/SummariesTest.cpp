@@ -81,5 +81,25 @@ TEST_F(SummariesTest, NothingIsListedWhereAllPassed) {
     EXPECT_TRUE(NotPassed(judgements).empty());
 }
 
+TEST_F(SummariesTest, CountsByThePlaceOfTheLines) {
+    Add({{Setting::Band, "5"}}, "15");
+    Add({{Setting::Band, "5"}}, "9");
+    Add({{Setting::Band, "2.4"}}, "25");
+    Add({{Setting::Band, "2.4"}}, "12");
+    JudgeAll();
+    run.sources = Sources({{{2, 2}, {"b", std::nullopt, 10}},
+                           {{3, 3}, {"a", "DUT", 9}},
+                           {{4, 4}, {"b", std::nullopt, 9}}});
+    const auto described = [this](PlacePart part) {
+        std::string text;
+        for (const PlaceCounts& group : SummarizeBy(part, run, judgements))
+            text += group.name.value_or("?") + Describe(group.counts).substr(1) + "\n";
+        return text;
+    };
+    EXPECT_EQ(described(PlacePart::Bench), "? 1 0 0 0 0 3\na 0 1 0 0 0 1\nb 1 0 1 0 0 2\n");
+    EXPECT_EQ(described(PlacePart::Device), "? 2 0 1 0 0 2\nDUT 0 1 0 0 0 1\n");
+    EXPECT_EQ(described(PlacePart::Attempt), "? 1 0 0 0 0 3\n9 0 1 1 0 0 2\n10 1 0 0 0 0 0\n");
+}
+
 } // namespace
 } // namespace Bench

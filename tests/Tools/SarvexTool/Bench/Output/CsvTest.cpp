@@ -63,5 +63,18 @@ TEST(CsvTest, WordsOfTheDaemonAreACell) {
     EXPECT_EQ(stream.str().substr(stream.str().size() - end.size()), end);
 }
 
+TEST(CsvTest, WhereItIsToldEachLineHasItsPlace) {
+    OutputFixture fixture;
+    fixture.TellPlaces();
+    std::ostringstream stream;
+    WriteCsv(stream, fixture.Judged());
+    for (const char* const end :
+         {",Limit line,Reason,Bench,Device,Attempt\n",
+          "\n2,5,AB,80,36,-,MCS9,-,-,-,-,A,12.5,12,14,pass,0.5,2,,'=b\\x1B,DUT,2\n",
+          ",15,,14.5,too high,-0.5,3,,a,,10\n", ",not measured,,4,no power was reported,,,\n",
+          ",no limit,,,,,,\n"})
+        EXPECT_NE(stream.str().find(end), std::string::npos) << end << stream.str();
+}
+
 } // namespace
 } // namespace Bench

@@ -107,5 +107,51 @@ TEST(JsonTest, AnyBytesOfACellMakeValidJson) {
         << stream.str();
 }
 
+TEST(JsonTest, JudgementHoldsThePlacesAndTheirCounts) {
+    OutputFixture fixture;
+    fixture.TellPlaces();
+    JudgedRun judged = fixture.Judged();
+    judged.groupBy = PlacePart::Device;
+    std::ostringstream stream;
+    WriteJson(stream, judged);
+    for (const char* const part :
+         {R"(
+],
+"groupBy": "device", "groups": [
+{"name": null, "counts": {"pass": 2, "tooLow": 0, "tooHigh": 1, "notMeasured": 2, "noLimit": 1}, "worstMargin": -0.5},
+{"name": "DUT", "counts": {"pass": 1, "tooLow": 1, "tooHigh": 0, "notMeasured": 0, "noLimit": 0}, "worstMargin": -0.25}
+],
+"measurements": [
+)",
+          R"("margin": 0.5, "bench": "=b\u001b", "device": "DUT", "attempt": 2},
+)",
+          R"("margin": -0.5, "bench": "a", "attempt": 10},
+)",
+          R"("verdict": "no limit", "limit": null, "margin": null},
+)"})
+        EXPECT_NE(stream.str().find(part), std::string::npos) << part << stream.str();
+}
+
+TEST(JsonTest, ComparisonHoldsThePlacesAndTheirShifts) {
+    OutputFixture fixture;
+    fixture.TellPlaces();
+    ComparedRuns compared = fixture.Compared();
+    compared.groupBy = PlacePart::Bench;
+    std::ostringstream stream;
+    WriteJson(stream, compared);
+    for (
+        const char* const part :
+        {R"(
+],
+"groupBy": "bench", "groupShifts": [
+{"name": "=b\u001b", "pairs": 2, "mean": -0.375},
+{"name": "a", "pairs": 1, "mean": 0.75}
+],
+"differences": [
+)",
+         R"("old": {"line": 2, "power": 14.25}, "new": {"line": 3, "power": 15, "bench": "a", "attempt": 10}, )"})
+        EXPECT_NE(stream.str().find(part), std::string::npos) << part << stream.str();
+}
+
 } // namespace
 } // namespace Bench

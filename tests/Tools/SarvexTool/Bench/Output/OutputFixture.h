@@ -39,6 +39,11 @@ public:
             {"old.csv", oldRun, oldDevice}, {"run/result.csv", run, device}, "0.5"_dB, differences};
     }
 
+    /// Lines 2 and 3 of the run were measured on two benches; of the others nothing is told.
+    void TellPlaces() {
+        run.sources = Sources({{{2, 2}, {"=b\x1B", "DUT", 2}}, {{3, 3}, {"a", std::nullopt, 10}}});
+    }
+
     /// Judges one measurement of band 5 on chain A with another value as its channel.
     Judgements JudgeChannel(std::string_view channel) {
         RunResultBuilder builder;

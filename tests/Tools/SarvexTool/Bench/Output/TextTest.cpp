@@ -151,5 +151,41 @@ TEST(TextTest, CellsReachNoTerminal) {
     EXPECT_NE(stream.str().find(R"(Channel \x1B[31m\xFF\r\n))"), std::string::npos);
 }
 
+TEST(TextTest, JudgementsMayBeCountedByBench) {
+    OutputFixture fixture;
+    fixture.TellPlaces();
+    JudgedRun judged = fixture.Judged();
+    judged.groupBy = PlacePart::Bench;
+    std::ostringstream stream;
+    PrintJudgements({stream}, judged);
+    EXPECT_NE(stream.str().find(
+                  R"(
+Bench    pass  too low  too high  not measured  no limit  worst margin  at line
+unknown     2        0         0             2         1          1 dB      7 A
+=b\x1B      1        1         0             0         0      -0.25 dB      2 B
+a           0        0         1             0         0       -0.5 dB      3 A
+all         3        1         1             2         1       -0.5 dB      3 A
+)"),
+              std::string::npos)
+        << stream.str();
+}
+
+TEST(TextTest, ShiftsMayBeShownByAttempt) {
+    OutputFixture fixture;
+    fixture.TellPlaces();
+    ComparedRuns compared = fixture.Compared();
+    compared.groupBy = PlacePart::Attempt;
+    std::ostringstream stream;
+    PrintDifferences({stream}, compared);
+    EXPECT_NE(stream.str().find(R"(
+Attempt  pairs  mean shift
+2            2   -0.375 dB
+10           1    +0.75 dB
+
+)"),
+              std::string::npos)
+        << stream.str();
+}
+
 } // namespace
 } // namespace Bench

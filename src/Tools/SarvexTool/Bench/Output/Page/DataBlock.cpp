@@ -99,6 +99,7 @@ public:
         WriteLimits();
         WriteMeasurements();
         WriteDifferences();
+        WriteSources();
         // They name places of texts and configurations, which are complete only now.
         m_out << "\"configurations\":[";
         WriteConfigurations();
@@ -227,6 +228,23 @@ private:
             lines.Next() << "[" << m_texts.PlaceOf(shift.band) << "," << m_texts.PlaceOf(shift.rate)
                          << "," << shift.pairs << "," << Quoted(Rounded(shift.mean)) << "]";
         m_out << "],\n";
+    }
+
+    void WriteSources() {
+        m_out << "\"sources\":[";
+        Lines lines(m_out);
+        for (const Source& source : Run().sources.All()) {
+            const RunPlace& place = source.place;
+            lines.Next() << "[" << source.lines.first << "," << source.lines.last << ","
+                         << PlaceOf(place.bench) << "," << PlaceOf(place.device) << ","
+                         << (place.attempt ? std::to_string(*place.attempt) : "null") << "]";
+        }
+        m_out << "],\n\"groupBy\":" << (m_page.groupBy ? Quoted(NameOf(*m_page.groupBy)) : "null")
+              << ",\n";
+    }
+
+    std::string PlaceOf(const std::optional<std::string>& text) {
+        return text ? m_texts.PlaceOf(*text) : "-1";
     }
 
     void WriteConfigurations() {

@@ -23,6 +23,10 @@ namespace Bench {
 ///                 [configuration, chain]; null without a baseline
 /// tolerance       in dB as a text; absent without a baseline, as the two below
 /// noise           in dB as a text, or null
+/// sources         [first line, last line, bench or -1, device or -1, attempt or null], in the
+/// order
+///                 of the lines; of the page's run
+/// groupBy         "bench", "device" or "attempt", what the table of places is by; null without one
 /// shifts          [band or -1, rate or -1, pairs, mean change in dB as a text]
 void WriteDataBlock(const Page& page, std::ostream& out);
 

@@ -4,6 +4,7 @@
 #include "Tools/SarvexTool/Bench/Core/Verdicts.h"
 
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,8 @@ struct Page {
     const Judgements* judgements = nullptr;
     /// Null when there is no other run.
     const PageBaseline* baseline = nullptr;
+    /// What the table of the places of measurement is by; without it there is none.
+    std::optional<PlacePart> groupBy = std::nullopt;
 };
 
 /// Writes one HTML file that needs nothing else: style, scripts and data are in it, and it asks the

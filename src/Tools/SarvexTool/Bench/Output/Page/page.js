@@ -69,12 +69,33 @@ function textAt(index) {
   return index < 0 ? null : data.texts[index];
 }
 
+// What a place of measurement has, with its title and that of several.
+const PARTS = {bench: ["Bench", "Benches"], device: ["Device", "Devices"], attempt: ["Attempt", "Attempts"]};
+
+const sources = data.sources.map(([first, last, bench, device, attempt]) =>
+  ({first, last, bench: textAt(bench), device: textAt(device), attempt: attempt === null ? null : String(attempt)}));
+const knownParts = Object.keys(PARTS).filter(part => sources.some(source => source[part] !== null));
+const NOWHERE = {bench: null, device: null, attempt: null};
+
+// The source of a line; they are in the order of their lines.
+function placeOf(line) {
+  let first = 0, end = sources.length;
+  while (first < end) {
+    const middle = (first + end) >> 1;
+    if (sources[middle].last < line)
+      first = middle + 1;
+    else
+      end = middle;
+  }
+  return first < sources.length && sources[first].first <= line ? sources[first] : NOWHERE;
+}
+
 function measurementOf(fields, index) {
   const [configuration, chain, power, reason, verdict, limit, margin, oldLine, oldPower, change] = fields;
   const [line, ...settings] = data.configurations[configuration];
   const bounds = limit >= 0 ? data.limits[limit] : null;
   return {
-    index, line, settings: settings.map(textAt), chain: data.chains[chain],
+    index, line, place: placeOf(line), settings: settings.map(textAt), chain: data.chains[chain],
     power, value: power === null ? null : Number(power), reason: textAt(reason),
     verdict: isJudged ? data.verdicts[verdict] : power === null ? "not measured" : "measured",
     limitLine: bounds ? bounds[0] : null, minimum: bounds ? bounds[1] : null, maximum: bounds ? bounds[2] : null,
@@ -114,6 +135,11 @@ function settingColumns(list) {
     textColumn(data.columns[index], row => row.settings[index], {nullText: "unknown"}));
 }
 
+function placeColumns(placeOfRow) {
+  return knownParts.map(part => (part === "attempt" ? numberColumn : textColumn)(
+    PARTS[part][0], row => placeOfRow(row)[part], {nullText: "unknown"}));
+}
+
 function verdictCell(row) {
   return make("span", {class: classOf(row.verdict)},
     make("span", {class: "sign", "aria-hidden": "true"}, SIGNS[row.verdict] || ""), row.verdict);
@@ -139,7 +165,7 @@ function measurementColumns(list) {
   }
   if (hasBaseline)
     columns.push(numberColumn("Baseline, dBm", row => row.oldPower), numberColumn("Change, dB", row => withSign(row.change)));
-  columns.push(...settingColumns(list));
+  columns.push(...placeColumns(row => row.place), ...settingColumns(list));
   if (list.some(row => row.reason !== null))
     columns.push(textColumn("Why not measured", row => row.reason, {isWide: true}));
   return columns;
@@ -327,15 +353,35 @@ class Measurements {
     this.columns = measurementColumns(rows);
     this.choices = this.makeChoices();
     this.choice = this.choices[0];
+    this.place = null;
     this.words = [];
     this.told = make("span", {class: "told", role: "status"});
     this.input = make("input", {type: "search", "aria-label": "Filter by text", placeholder: "Filter, like MCS11 channel=36",
       autocomplete: "off", spellcheck: "false", input: () => this.setText(this.input.value)});
+    this.places = this.makePlaces();
     const buttons = this.choices.map(choice => choice.button);
     this.section.append(
       make("p", {class: "note text-hint"}, "Every word must be in a row; COLUMN=TEXT asks for exactly this text, with the column's name written without blanks. A click on a column's title sorts, one on a power shows its point in the plot."),
-      make("div", {class: "bar"}, this.input, make("div", {role: "group", "aria-label": "Filter by verdict", class: "bar"}, ...buttons), this.told));
+      make("div", {class: "bar"}, this.input, make("div", {role: "group", "aria-label": "Filter by verdict", class: "bar"}, ...buttons), this.places, this.told));
     this.table = addTable(this.section, "Measurements", this.columns, rows);
+    this.apply();
+  }
+
+  // The list of benches, or of what else the page is by; null for a run that tells none.
+  makePlaces() {
+    if (data.groupBy === null)
+      return null;
+    const [title, many] = PARTS[data.groupBy];
+    const list = make("select", {"aria-label": "Filter by " + title.toLowerCase(), change: () => this.choosePlace(list.selectedIndex - 1)},
+      make("option", {}, "All " + many.toLowerCase()), ...placeGroups.map(group => make("option", {}, nameOfPlace(group.name))));
+    return list;
+  }
+
+  // One of the groups of places; all of them for -1.
+  choosePlace(index) {
+    this.place = index < 0 ? null : placeGroups[index];
+    if (this.places)
+      this.places.selectedIndex = index + 1;
     this.apply();
   }
 
@@ -387,7 +433,8 @@ class Measurements {
   }
 
   apply() {
-    const found = rows.filter(row => this.choice.fits(row) && this.words.every(test => test(row)));
+    const isThere = row => this.place === null || row.place[data.groupBy] === this.place.name;
+    const found = rows.filter(row => this.choice.fits(row) && isThere(row) && this.words.every(test => test(row)));
     this.told.textContent = found.length === rows.length ? counted(rows.length, "measurement")
       : `${found.length.toLocaleString("en")} of ${counted(rows.length, "measurement")}`;
     this.table.scroller.scrollTop = 0;
@@ -397,7 +444,15 @@ class Measurements {
   clear() {
     this.input.value = "";
     this.words = [];
+    this.choosePlace(-1);
     this.choose("all");
+  }
+
+  // Goes to the measurements of a group of places alone.
+  showPlace(index) {
+    this.clear();
+    this.choosePlace(index);
+    this.section.scrollIntoView();
   }
 
   // Goes to the row of a measurement; a filter that hides it is taken away.
@@ -974,6 +1029,9 @@ function describe(row) {
     texts.push(`Verdict: ${row.verdict}`);
   if (row.oldPower !== null)
     texts.push(`Baseline ${row.oldPower} dBm` + (row.change === null ? "" : `, change ${withSign(row.change)} dB`));
+  const places = knownParts.filter(part => row.place[part] !== null).map(part => `${PARTS[part][0]} ${row.place[part]}`);
+  if (places.length > 0)
+    texts.push(places.join(", "));
   texts.push(`Line ${row.line}`);
   return texts;
 }
@@ -1045,6 +1103,46 @@ function addMissing() {
   ], groups);
 }
 
+// -- Benches, devices or attempts
+
+function nameOfPlace(name) {
+  return name === null ? "unknown" : name;
+}
+
+function placeGroupOf(list) {
+  const margins = list.map(row => row.margin).filter(margin => margin !== null);
+  const changes = list.map(row => row.change).filter(change => change !== null).map(Number);
+  return {
+    name: list[0].place[data.groupBy], list,
+    worst: margins.length === 0 ? null : margins.reduce((least, margin) => Number(margin) < Number(least) ? margin : least),
+    mean: changes.length === 0 ? null : String(Number((changes.reduce((sum, change) => sum + change, 0) / changes.length).toFixed(3))),
+  };
+}
+
+// Those of which nothing is known come first.
+const placeGroups = data.groupBy === null ? [] : groupBy(rows, row => row.place[data.groupBy]).map(placeGroupOf)
+  .sort((left, right) => left.name === null ? -1 : right.name === null ? 1 : byText(left.name, right.name));
+
+function placeCell(group) {
+  return make("button", {type: "button", class: "text-button", title: "Show its measurements",
+    click: () => measurements.showPlace(placeGroups.indexOf(group))}, nameOfPlace(group.name));
+}
+
+function addPlaces() {
+  const [title, many] = PARTS[data.groupBy];
+  byId("places-title").textContent = many;
+  const verdicts = isJudged ? data.verdicts : ["measured", "not measured"];
+  const columns = [textColumn(title, group => group.name, {nullText: "unknown", cell: placeCell}),
+    numberColumn("Measurements", group => String(group.list.length)),
+    ...verdicts.map(verdict => numberColumn(verdict[0].toUpperCase() + verdict.slice(1),
+      group => String(group.list.filter(row => row.verdict === verdict).length)))];
+  if (isJudged)
+    columns.push(numberColumn("Worst margin, dB", group => withSign(group.worst)));
+  if (hasBaseline)
+    columns.push(numberColumn("Mean change, dB", group => withSign(group.mean)));
+  addTable(byId("places"), many, columns, placeGroups);
+}
+
 const KINDS = ["changed", "measured in the baseline only", "measured in this run only", "in the baseline only", "in this run only"];
 
 function differenceOf([kind, place, oldLine, oldPower, change, isNoise, old]) {
@@ -1081,6 +1179,7 @@ function addDifferences() {
       ...settingColumns(list), textColumn("Chain", difference => difference.chain),
       numberColumn("Baseline line", difference => difference.oldLine === null ? null : String(difference.oldLine)),
       numberColumn("Line", difference => difference.line === null ? null : String(difference.line)),
+      ...placeColumns(difference => difference.row ? difference.row.place : NOWHERE),
     ], list);
   }
 }
@@ -1127,6 +1226,10 @@ function start() {
   if (missing > 0) {
     open("missing", "Not measured", missing);
     addMissing();
+  }
+  if (placeGroups.length > 0) {
+    open("places", PARTS[data.groupBy][1], placeGroups.length);
+    addPlaces();
   }
   if (rows.length > 0)
     open("plots", "Plots", plots.length);

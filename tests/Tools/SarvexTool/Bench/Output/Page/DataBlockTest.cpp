@@ -31,6 +31,8 @@ TEST_F(DataBlockTest, ARunAloneHasNeitherLimitsNorDifferences) {
 [0,0,"12.5",-1,-1,-1,null],
 [1,0,null,0,-1,-1,null]],
 "differences":null,
+"sources":[],
+"groupBy":null,
 "configurations":[
 [2,1,2,-1,3,-1,4,-1,-1,-1,-1],
 [3,1,2,-1,5,-1,4,-1,-1,-1,-1]],
@@ -47,6 +49,8 @@ TEST_F(DataBlockTest, ARunWithoutMeasurementsIsAWholeBlock) {
     EXPECT_EQ(BlockOf(RunOf({})), std::string(names) + R"("limits":null,
 "measurements":[],
 "differences":null,
+"sources":[],
+"groupBy":null,
 "configurations":[],
 "texts":[]}
 )");
@@ -94,12 +98,27 @@ TEST_F(DataBlockTest, WithABaselineEachMeasurementHasItsOldPowerAndItsExactChang
 "noise":null,
 "shifts":[
 [1,2,1,"0.3"]],
+"sources":[],
+"groupBy":null,
 "configurations":[
 [2,1,3,-1,4,-1,2,-1,-1,-1,-1],
 [3,1,3,-1,5,-1,2,-1,-1,-1,-1],
 [4,1,3,-1,6,-1,2,-1,-1,-1,-1],
 [4,1,3,-1,7,-1,8,-1,-1,-1,-1]],
 )"));
+}
+
+TEST_F(DataBlockTest, SourcesNameTheirPlaces) {
+    RunResult run = RunOf({{"36", "0", "9.9"}, {"36", "0", "15"}});
+    run.sources = Sources(
+        {{{2, 2}, {"one</b>", "DUT", 7}}, {{3, 3}, {"one</b>", std::nullopt, std::nullopt}}});
+    const std::string block = BlockOf(Page{"", "", {}, run, nullptr, nullptr, PlacePart::Device});
+    EXPECT_THAT(block, HasSubstr(R"("sources":[
+[2,2,0,1,7],
+[3,3,0,-1,null]],
+"groupBy":"device",
+)"));
+    EXPECT_THAT(block, HasSubstr("\"texts\":[\"one\\u003c/b>\",\n\"DUT\",\n"));
 }
 
 struct TextCase {
