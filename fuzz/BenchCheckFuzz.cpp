@@ -2,14 +2,18 @@
 // finds no error, the client's own reader, in the text mode of either system, sets in each line
 // exactly the columns that the file shows there, and its command holds each value as one word. A
 // corrected copy has as many lines as the file, and where it is without errors its cells are those
-// that the file shows, but for "-" in empty ones and a point for a decimal comma.
+// that the file shows, but for "-" in empty ones and a point for a decimal comma. A file without an
+// error can be written so that each line says all that the lines up to it say together, as split
+// does; the client sets that, and there is no error either.
 //
 // Input: the test file.
 
 #include "Modules/xFramework/Utilities/Log.h"
 #include "Modules/xFramework/Utilities/LogPrinter.h"
 #include "Modules/xFramework/Utilities/Singleton.h"
+#include "Tools/SarvexTool/Bench/Core/Configurations.h"
 #include "Tools/SarvexTool/Bench/Files/Correction.h"
+#include "Tools/SarvexTool/Bench/Files/PlanLines.h"
 #include "Tools/SarvexTool/Bench/Files/TestFileCheck.h"
 #include "Tools/SarvexTool/Bench/Files/TypedLiteral.h"
 #include "Tools/SarvexTool/Client/CliClient.h"
@@ -193,6 +197,36 @@ void CheckCorrection(const std::string& bytes, bool isSound) {
     }
 }
 
+/// The file with all settings written out in each line.
+std::string WrittenOut(const std::string& bytes) {
+    Bench::TextPool pool;
+    Bench::PlanLines plan(bytes, pool);
+    Bench::CarriedSettings carried;
+    std::string text;
+    Bench::AppendHeader(text, plan.Columns());
+    Bench::LineNumber line = 0;
+    Bench::Settings own;
+    while (plan.Read(line, own)) {
+        carried.Write(line, own);
+        Bench::AppendLine(text, plan.Columns(), carried.Effective());
+    }
+    return text;
+}
+
+void CheckWrittenOut(const std::string& bytes) {
+    std::vector<SetCells> expected;
+    SetCells all;
+    for (const SetCells& own : SetByClient(LinesOf(bytes))) {
+        for (const auto& [column, text] : own)
+            all[column] = text;
+        expected.push_back(all);
+    }
+    const std::string text = WrittenOut(bytes);
+    Check(SetByClient(LinesOf(text)) == expected, "each line says what it comes to");
+    Bench::TextPool pool;
+    Check(!HasErrors(Bench::CheckTestFile(text, pool, manyLines)), "a chunk is without errors");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -204,8 +238,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const Bench::Problem& problem : checked.problems.InOrder())
         isErrorTold = isErrorTold || problem.severity == Severity::Error;
     CheckEqual(isErrorTold, HasErrors(checked), "an error that is counted is told");
-    if (!HasErrors(checked))
+    if (!HasErrors(checked)) {
         CheckSound(bytes, checked);
+        CheckWrittenOut(bytes);
+    }
     CheckCorrection(bytes, !HasErrors(checked));
     return 0;
 }
