@@ -212,10 +212,12 @@ void CountMeasurements(const RunFiles& files, MergeSummary& summary, RunFacts& f
     }
 }
 
-int ExitCodeOf(const MergeSummary& summary) {
+/// As for a run.
+int ExitCodeOf(const MergeSummary& summary, const RunOptions& options) {
     const bool isMeasured = summary.measurements > 0 && summary.measured == summary.measurements;
-    return isMeasured && summary.chunksDone == summary.chunksTotal ? ExitCode::Fine
-                                                                   : ExitCode::Found;
+    const bool isAccepted = options.firstCommand.empty() || options.firstCommandAccepted;
+    return isMeasured && isAccepted && summary.chunksDone == summary.chunksTotal ? ExitCode::Fine
+                                                                                 : ExitCode::Found;
 }
 
 int Merge(const MergeOptions& options, Surroundings& surroundings) {
@@ -245,7 +247,7 @@ int Merge(const MergeOptions& options, Surroundings& surroundings) {
     facts.linesDone = summary.linesDone;
     merged.Finish(facts.countryCode.value_or(PowerTest::unsetCell));
     CountMeasurements(merged.Files(), summary, facts, surroundings);
-    facts.exitCode = ExitCodeOf(summary);
+    facts.exitCode = ExitCodeOf(summary, facts.options);
     merged.Commit(facts);
     summary.notes = AsSentences(facts.notes);
     PrintSummary(surroundings.out.stream, summary);

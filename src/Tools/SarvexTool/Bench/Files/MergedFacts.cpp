@@ -87,8 +87,11 @@ private:
         m_otherCountryCodes += std::size_t{facts.countryCode != m_merged.countryCode};
         m_otherClients += std::size_t{facts.clientSha256 != m_merged.clientSha256};
         const RunOptions& options = facts.options;
-        m_refusedCommands +=
-            std::size_t{!options.firstCommand.empty() && !options.firstCommandAccepted};
+        if (options.firstCommand.empty() || options.firstCommandAccepted)
+            return;
+        ++m_refusedCommands;
+        m_merged.options.firstCommand = options.firstCommand;
+        m_merged.options.firstCommandAccepted = false;
     }
 
     /// Many runs may say the same.

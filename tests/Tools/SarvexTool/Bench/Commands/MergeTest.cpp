@@ -148,6 +148,17 @@ TEST_F(MergeTest, ARefusedLineMakesNothingUncertainInTheNextChunk) {
     EXPECT_THAT(out.str(), HasSubstr("FAIL: 1 of 3 measurements did not pass"));
 }
 
+TEST_F(MergeTest, AFirstCommandThatWasRefusedIsNotFine) {
+    MakeFirst();
+    MakeSecond();
+    const std::string name = directory.Path("runs/chunk-0002/1/run.json");
+    RunFacts facts = ReadRunFacts(name);
+    facts.options.firstCommand = {"-wifi-power"};
+    WriteRunFacts(name, facts);
+    EXPECT_EQ(Merge(), 1);
+    EXPECT_THAT(out.str(), HasSubstr("Note: 1 of the 2 runs had a first command that the daemon "));
+}
+
 TEST_F(MergeTest, MissingDoubledAndForeignRunsAreListed) {
     MakeFirst("runs/a");
     MakeFirst("runs/b");

@@ -95,6 +95,15 @@ TEST_F(MergedFactsTest, WhatDiffersFromTheFirstLinesIsNoted) {
                     "1 of the 2 runs had a first command that the daemon did not accept" + tells));
 }
 
+TEST_F(MergedFactsTest, AFirstCommandThatWasRefusedIsThatOfTheWhole) {
+    runs[0].facts.options.firstCommand = {"-wifi-power"};
+    runs[0].facts.options.firstCommandAccepted = true;
+    EXPECT_TRUE(Merged().options.firstCommandAccepted);
+    runs[1].facts.options.firstCommand = {"-wifi-mode"};
+    EXPECT_FALSE(Merged().options.firstCommandAccepted);
+    EXPECT_THAT(Merged().options.firstCommand, ElementsAre("-wifi-mode"));
+}
+
 TEST_F(MergedFactsTest, NotesOfTheRunsAreKeptOnce) {
     runs[0].facts.notes = {"the daemon closes idle connections"};
     runs[1].facts.notes = {"the daemon closes idle connections", "the client changed"};
