@@ -62,6 +62,19 @@ TEST_F(FoundRunsTest, FactsThatCannotBeReadAreTold) {
               "the facts of the run runs/2 cannot be used: the key \"format\" is missing");
 }
 
+TEST_F(FoundRunsTest, LinksAreNotFollowed) {
+    MakeRun("runs/1", "a");
+    MakeRun("elsewhere/2", "b");
+    fs::create_directories(folder + "runs/3");
+    std::error_code error;
+    fs::create_directory_symlink(folder + "elsewhere", folder + "runs/link", error);
+    if (!error)
+        fs::create_symlink(folder + "runs/1/run.json", folder + "runs/3/run.json", error);
+    if (error)
+        GTEST_SKIP() << "no links can be made here: " << error.message();
+    EXPECT_THAT(Found(), ElementsAre("runs/1 a"));
+}
+
 TEST_F(FoundRunsTest, AFolderOfThatNameIsNoRun) {
     fs::create_directories(folder + "runs/1/run.json");
     EXPECT_THAT(Found(), IsEmpty());
