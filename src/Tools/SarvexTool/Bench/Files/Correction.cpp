@@ -57,7 +57,10 @@ private:
     }
 
     void Copy(const TableRow& row) {
-        const bool isSeparated = row.separator == ',' || row.cells.size() < 2;
+        // A comma in the one cell of a line would separate.
+        const bool isSeparated =
+            row.separator == ',' ||
+            (row.cells.size() < 2 && row.whole.find(',') == std::string_view::npos);
         // Once for the whole file, and for each line that differs from it.
         if (!isSeparated && (row.line == 1 || row.separator != m_table.Header().separator))
             Tell(separator, row.line, 0, "commas separate the cells now");

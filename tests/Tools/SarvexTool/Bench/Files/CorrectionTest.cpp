@@ -101,6 +101,12 @@ TEST(CorrectionTest, WhatIsNotCertainStaysAnError) {
     }
 }
 
+TEST(CorrectionTest, ACommaInTheOnlyCellOfALineSeparatesNothing) {
+    const std::string corrected = CorrectTestFile("Band;\n5,A\n2,4\n6\n").bytes;
+    EXPECT_EQ(corrected, "Band,\n\"5,A\"\n2.4\n6\n");
+    EXPECT_GT(ErrorsOf(corrected), 0u);
+}
+
 TEST(CorrectionTest, NothingIsMendedWhereAnotherMarkWouldComeToTheFront) {
     for (const std::string_view bytes : {"\xEF\xBB\xBF\xFE\xFF"
                                          "Band\n5\n"sv,
