@@ -45,7 +45,8 @@ std::string LastPartOf(const std::string& name) {
     return name.substr(name.find_last_of("/\\") + 1);
 }
 
-/// The whole entries of the journal; 0 without a journal.
+/// The whole entries of the journal up to one that is damaged; 0 without a journal. An attempt that
+/// is of no use any more does not keep the others from being merged.
 std::size_t CountFinishedLines(const std::string& runFolder) {
     const std::string name = RunFiles(runFolder).journal;
     std::ifstream file(PathOf(name), std::ios::binary);
@@ -53,8 +54,12 @@ std::size_t CountFinishedLines(const std::string& runFolder) {
         return 0;
     JournalReader reader(file, name);
     std::size_t count = 0;
-    for (JournalEntry entry; reader.Read(entry);)
-        ++count;
+    try {
+        for (JournalEntry entry; reader.Read(entry);)
+            ++count;
+    } catch (const BadInput&) {
+        return count;
+    }
     return count;
 }
 

@@ -24,7 +24,7 @@ struct RunFolder {
 std::vector<RunFolder> FindRuns(const std::string& folder, ProblemList& problems);
 
 /// What a run is chosen by. It is complete when its facts say so; else its journal tells how many
-/// lines it has. The folder is that which the search began with. Throws BadInput for the journal.
+/// lines it has, up to an entry that is damaged. The folder is that which the search began with.
 FoundRun FoundRunOf(const std::string& folder, const RunFolder& run);
 
 } // namespace Bench

@@ -92,6 +92,8 @@ TEST_F(FoundRunsTest, LinesOfARunThatIsNotCompleteAreTheWholeEntriesOfItsJournal
     directory.Create("runs/1/journal.jsonl",
                      entry + LineOf(JournalEntry{.line = 3, .csvEnd = 9}) + entry.substr(0, 9));
     EXPECT_EQ(linesDone(), 2u);
+    directory.Create("runs/1/journal.jsonl", entry + "damaged\n" + entry);
+    EXPECT_EQ(linesDone(), 1u);
 }
 
 TEST_F(FoundRunsTest, ARunIsChosenByItsFacts) {
