@@ -51,7 +51,8 @@ TEST_F(CommandLineTest, TheHelpOfASubcommandIsAskedForInTwoWays) {
 }
 
 TEST_F(CommandLineTest, TheHelpFitsAConsole) {
-    for (const char* const name : {"help", "check", "split", "judge", "report", "compare"}) {
+    for (const char* const name :
+         {"help", "check", "split", "merge", "judge", "report", "compare"}) {
         Run({name, "--help"});
         std::istringstream help(out.str());
         for (std::string line; std::getline(help, line);)
