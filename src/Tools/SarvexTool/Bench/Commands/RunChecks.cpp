@@ -66,7 +66,7 @@ struct Findings {
 };
 
 Findings CheckAndPrint(const std::string& testFile, std::string_view bytes, TextPool& pool,
-                       Surroundings& surroundings) {
+                       const Surroundings& surroundings) {
     // The clients are started anew for each segment: no number of lines is too large.
     const CheckedTestFile file =
         CheckTestFile(bytes, pool, std::numeric_limits<std::uint64_t>::max());
