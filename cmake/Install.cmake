@@ -48,6 +48,9 @@ install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION . COMPONENT doc
 install(DIRECTORY docs DESTINATION . COMPONENT docs EXCLUDE_FROM_ALL)
 install(DIRECTORY packaging/completion DESTINATION . COMPONENT completion EXCLUDE_FROM_ALL)
 
+# What runs a plan on many benches, for Linux: it looks for the programs beside its folder, then on the PATH.
+install(DIRECTORY farm DESTINATION . COMPONENT farm EXCLUDE_FROM_ALL USE_SOURCE_PERMISSIONS)
+
 if(SARVEX_BUILD_SDK)
     include(cmake/Sdk.cmake)
 endif()

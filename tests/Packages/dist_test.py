@@ -17,7 +17,7 @@ NOTICES = {"NOTICE.txt", "sbom-linux.cdx.json", "sbom-windows.cdx.json"}
 PAGES = {"README.md", "CHANGELOG.md", "CONTRIBUTING.md"}
 PORT_FILES = {"Socket.cfg", "simulator/Socket.cfg"}
 # Folders whose content the rules of installing choose, or their makers.
-WHOLE_FOLDERS = ("docs", "licences", "man", "completion", "sdk")
+WHOLE_FOLDERS = ("docs", "licences", "man", "completion", "sdk", "farm")
 
 
 def folder_of_sources(name, pattern="**/*"):
@@ -75,7 +75,7 @@ class ContentsTest(unittest.TestCase):
         require("msiextract", "--directory", cls.msi, MSI)
 
     def test_the_archives_hold_the_programs_their_configuration_examples_and_pages(self):
-        for folder, suffix, own_folders in [(self.zip, ".exe", {"sdk"}), (self.tar, "", {"man"})]:
+        for folder, suffix, own_folders in [(self.zip, ".exe", {"sdk"}), (self.tar, "", {"man", "farm"})]:
             with self.subTest(folder=folder):
                 found = files_of(folder)
                 self.assertEqual(
@@ -110,6 +110,17 @@ class ContentsTest(unittest.TestCase):
         self.assertEqual({"Socket.cfg"} | folder_of_sources("examples", "*.csv"),
                          files_of(self.deb / "usr/share/sarvextool"))
         self.assertEqual("../../sarvextool/examples", os.readlink(self.deb / doc / "examples"))
+
+    def test_the_farm_is_for_linux_and_can_be_run(self):
+        for folder in [self.tar, self.deb / "usr/share/sarvextool"]:
+            with self.subTest(folder=folder):
+                names = {name for name in files_of(folder) if name.startswith("farm/")}
+                self.assertEqual(folder_of_sources("farm"), names)
+                for name in names:
+                    self.assertEqual((ROOT / name).stat().st_mode & 0o111 != 0,
+                                     (folder / name).stat().st_mode & 0o111 != 0, name)
+                done = subprocess.run([folder / "farm/parallel/sweep"], capture_output=True, text=True, check=False)
+                self.assertIn("usage: sweep PLAN", done.stderr)
 
     def test_the_libraries_are_those_that_the_build_installs(self):
         doc = "usr/share/doc/"

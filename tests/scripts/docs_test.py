@@ -15,7 +15,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 PROGRAMS = pathlib.Path(sys.argv[1])
 PAGES = [*sorted(ROOT.glob("*.md")), *sorted((ROOT / "docs").glob("*.md"))]
 SOURCE_FOLDERS = ("Modules/", "Tools/")
-TREE_FOLDERS = ("src/", "tests/", "benchmarks/", "fuzz/", "docs/", "examples/", "scripts/", "cmake/")
+TREE_FOLDERS = ("src/", "tests/", "benchmarks/", "fuzz/", "docs/", "examples/", "farm/", "scripts/", "cmake/")
 
 
 def links(page):

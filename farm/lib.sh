@@ -1,0 +1,109 @@
+# What run-chunk and the two sweeps share: for bash, to be sourced.
+#
+# A sweep's folder DIR holds, besides what SarvexToolBench split has written there:
+#   bench-table             the table of benches, where the sweep has one
+#   runs/CHUNK/N            the chunk's attempt N, a run directory; N.log is what it has printed
+#   runs/CHUNK/claimed      a link to the one attempt whose result counts
+#   surplus/CHUNK-N         a further complete attempt, of a job that went on after it had been given up
+#   benches/BENCH/running   the bench may be transmitting: HOST PID_OF_RUN_CHUNK PID_OF_RUN CHUNK/N
+#   benches/BENCH/failures  how often it has failed in a row
+#   benches/BENCH/why       the last reason; with GNU parallel benches/BENCH/out has it when that was too often
+#   stopped                 no further run is to begin; why
+#   log/                    what the jobs have printed
+#   merged                  the result
+farm=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd -P)
+
+# A bench that has failed so often in a row is taken out.
+failures_allowed=3
+
+# What is told on a console that has been closed is lost, and nothing else.
+say() {
+    printf '%s: %s\n' "${0##*/}" "$*" >&2 || true
+}
+
+# fail CODE WORDS...
+fail() {
+    say "${@:2}"
+    exit "$1"
+}
+
+# Sets program: SarvexToolBench beside this folder, as an unpacked archive has it, else the one on the PATH.
+find_program() {
+    program=${farm%/*}/SarvexToolBench
+    [ -x "$program" ] || program=$(type -P SarvexToolBench) ||
+        fail 2 "SarvexToolBench is neither in ${farm%/*} nor on the PATH"
+}
+
+# has_room DIR: whether runs can be written there. A run needs a copy of the client besides its results.
+has_room() {
+    printf '%4096s' . 2>/dev/null >"$1/room" && [ "$(df -k --output=avail "$1" 2>/dev/null | tail -n 1)" -ge 8192 ]
+}
+
+# is_complete RUN: whether each line of a run has its row.
+is_complete() {
+    grep -qs '^  "outcome": "complete"' "$1/run.json"
+}
+
+# settle DIR CHUNK: of the chunk's complete attempts one counts, the others go to DIR/surplus. An attempt that
+# is complete and has claimed nothing is one whose run-chunk was killed.
+settle() {
+    local runs=$1/runs/$2 attempt number
+    for attempt in "$runs"/[1-9]*/; do
+        attempt=${attempt%/}
+        number=${attempt##*/}
+        is_complete "$attempt" || continue
+        # As the name of a link it is made by one process alone, also over a network.
+        ln -sT "$number" "$runs/claimed" 2>/dev/null || true
+        [ "$(readlink "$runs/claimed")" != "$number" ] || continue
+        mkdir -p "$1/surplus"
+        mv -T "$attempt" "$1/surplus/$2-$number"
+    done
+}
+
+# is_claimed DIR CHUNK
+is_claimed() {
+    [ -L "$1/runs/$2/claimed" ]
+}
+
+# read_table FILE: sets bench_names, and daemon_of and device_of by name. A line is NAME DAEMON DEVICE.
+read_table() {
+    local name daemon device rest where number=0
+    declare -gA daemon_of=() device_of=()
+    local -A bench_at=()
+    bench_names=()
+    [ -r "$1" ] || fail 2 "the table of benches $1 cannot be read"
+    while read -r name daemon device rest || [ -n "$name" ]; do
+        number=$((number + 1))
+        where="$1:$number"
+        case $name in '' | '#'*) continue ;; esac
+        [ -n "$device" ] ||
+            fail 2 "$where: a line needs NAME DAEMON DEVICE, for example: bench1 10.0.0.11:8738 DUT-42"
+        case $rest in '' | '#'*) ;; *) fail 2 "$where: more than NAME DAEMON DEVICE: $rest" ;; esac
+        [[ $name =~ ^[A-Za-z0-9][A-Za-z0-9._-]*$ ]] ||
+            fail 2 "$where: the bench's name $name: only letters, digits, '.', '_' and '-' are allowed"
+        [[ $daemon =~ ^(\[[0-9A-Fa-f:.]+\]|[^]:[]+)(:[0-9]+)?$ ]] ||
+            fail 2 "$where: the daemon $daemon is not of the form HOST[:PORT]"
+        [ -z "${daemon_of[$name]:-}" ] || fail 2 "$where: there are two lines for the bench $name"
+        [ -z "${bench_at[$daemon]:-}" ] ||
+            fail 2 "$where: $name and ${bench_at[$daemon]} have the same daemon, $daemon"
+        bench_names+=("$name")
+        daemon_of[$name]=$daemon
+        device_of[$name]=$device
+        bench_at[$daemon]=$name
+    done < <(tr -d '\r' <"$1")
+    [ ${#bench_names[@]} -gt 0 ] || fail 2 "the table of benches $1 names none"
+}
+
+# find_bench DIR BENCH: sets daemon and device. Without a table the daemon is on the host that runs this.
+find_bench() {
+    daemon=127.0.0.1 device=$2
+    [ -e "$1/bench-table" ] || return 0
+    read_table "$1/bench-table"
+    [ -n "${daemon_of[$2]:-}" ] || fail 2 "the bench $2 is not in the sweep's table of benches, $1/bench-table"
+    daemon=${daemon_of[$2]} device=${device_of[$2]}
+}
+
+# failures_of DIR BENCH: how often in a row.
+failures_of() {
+    cat "$1/benches/$2/failures" 2>/dev/null || echo 0
+}

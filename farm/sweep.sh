@@ -1,0 +1,352 @@
+# What a sweep does on any engine: for bash, to be sourced after lib.sh. The engine's script defines
+#   engine_check          ends with 2 when there is no such engine; sets benches, the names that may be used
+#   engine_adopt          whether jobs of this sweep go on that an earlier call has begun
+#   engine_start CHUNK... hands the chunks over
+#   engine_look           looks how it is with the jobs; sets jobs (how many there are), note (a few words for
+#                         the progress) and over (why nothing more will come of them, or nothing)
+#   engine_cancel         ends all jobs, and may be called again
+#   engine_stop BENCH...  stops the transmissions of benches whose job has not done so
+. "$farm/lib.sh"
+poll_seconds=1
+# Where standard error is no terminal.
+report_seconds=30
+
+interrupted=
+interrupted_at=0
+shown=
+
+interrupt() {
+    if [ -z "$interrupted" ]; then
+        interrupted=1 interrupted_at=$SECONDS
+        tell "stopping; this takes until all transmitters are off (press Ctrl-C again to leave at once)"
+    elif [ $((SECONDS - interrupted_at)) -ge 1 ]; then
+        tell "left at once: jobs may still be stopping their transmitters"
+        exit 3
+    fi
+}
+
+usage() {
+    fail 2 "usage: ${0##*/} PLAN [--out DIR] [--table FILE] [--benches N] [--lines N] [-- RUN_OPTIONS...]"
+}
+
+# value_of OPTION VALUES...: the next of the arguments, which has to be there.
+value_of() {
+    [ $# -ge 2 ] || fail 2 "$1 needs a value"
+    printf '%s' "$2"
+}
+
+number_of() {
+    value_of "$@" >/dev/null
+    [[ $2 =~ ^[1-9][0-9]{0,8}$ ]] || fail 2 "$1 needs a number of 1 or more, not $2"
+    printf '%s' "$2"
+}
+
+# What the sweep itself decides for each run, and what would leave a chunk without a whole result.
+refused_run_options=(--out --daemon --resume --bench --device --attempt --progress --fail-fast)
+
+read_arguments() {
+    local option refused
+    call=("$0" "$@")
+    plan='' dir='' table='' benches_wanted='' lines_wanted='' run_options=()
+    while [ $# -gt 0 ]; do
+        case $1 in
+        --out) dir=$(value_of "$@") || exit 2; shift 2 ;;
+        --table) table=$(value_of "$@") || exit 2; shift 2 ;;
+        --benches) benches_wanted=$(number_of "$@") || exit 2; shift 2 ;;
+        --lines) lines_wanted=$(number_of "$@") || exit 2; shift 2 ;;
+        --) shift; run_options=("$@"); break ;;
+        -*) usage ;;
+        *) [ -z "$plan" ] || usage; plan=$1; shift ;;
+        esac
+    done
+    [ -n "$plan" ] || usage
+    for option in ${run_options[@]+"${run_options[@]}"}; do
+        [ "$option" != -- ] || break
+        for refused in "${refused_run_options[@]}"; do
+            [ "${option%%=*}" != "$refused" ] || fail 2 "$refused cannot be given to the runs of a sweep"
+        done
+    done
+    [ -f "$plan" ] && [ -r "$plan" ] || fail 2 "the plan $plan cannot be read"
+    plan=$(realpath "$plan")
+    if [ -z "$dir" ]; then
+        dir=${plan##*/}
+        dir=sweeps/${dir%.csv}
+    fi
+    if [ -z "$table" ] && [ -e /etc/sarvextool/benches ]; then
+        table=/etc/sarvextool/benches
+    fi
+}
+
+# The sweep's folder, as one of this call alone.
+open_folder() {
+    local holder
+    if [ ! -e "$dir/sweep.lock" ] && [ -n "$(ls -A "$dir" 2>/dev/null || true)" ]; then
+        fail 2 "$dir is not empty, and not the folder of a sweep; choose another one by --out"
+    fi
+    mkdir -p "$dir" 2>/dev/null || fail 2 "$dir cannot be made"
+    dir=$(realpath "$dir")
+    exec 8<>"$dir/sweep.lock" || fail 2 "there is no permission to write in $dir"
+    holder=$(cat <&8)
+    # A command of a call that was killed may outlive it for a moment.
+    flock -w 2 8 || fail 2 "the sweep in $dir is under way: ${holder:-another process} has it"
+    printf 'process %s on %s\n' $$ "$(uname -n)" >"$dir/sweep.lock" || fail 2 "there is no room in $dir"
+    [ ! -e "$dir/merged" ] ||
+        fail 2 "this sweep is complete, its result is in $dir/merged; for a new one give another --out"
+    [ ! -e "$dir/manifest.json" ] || cmp -s "$plan" "$dir/plan.csv" ||
+        fail 2 "$plan has changed since the sweep in $dir was begun; go on with $dir/plan.csv," \
+            "or give another --out"
+}
+
+# Chunks of at most 100 lines, so that at the end no bench waits long for the last one; at least four for each
+# bench, so that one that fails costs little; of at least ten lines, since a job needs a second of its own.
+lines_of_a_chunk() {
+    local total=$1 count=$2 rounds lines
+    rounds=$(((total + 100 * count - 1) / (100 * count)))
+    [ "$rounds" -ge 4 ] || rounds=4
+    lines=$(((total + count * rounds - 1) / (count * rounds)))
+    [ "$lines" -ge 10 ] || lines=10
+    echo "$lines"
+}
+
+split_plan() {
+    local total count=${#benches[@]}
+    [ ! -e "$dir/manifest.json" ] || {
+        [ -z "$lines_wanted" ] || say "the sweep in $dir goes on with its chunks, as they are"
+        return 0
+    }
+    # Without the header.
+    total=$(($(grep -c '' "$plan" || true) - 1))
+    [ "${benches_wanted:-$count}" -ge "$count" ] || count=$benches_wanted
+    [ -n "$lines_wanted" ] || lines_wanted=$(lines_of_a_chunk "$total" "$count")
+    "$program" split "$plan" --lines "$lines_wanted" -o "$dir" || {
+        [ -z "$interrupted" ] || exit 3
+        exit 2
+    }
+}
+
+# Sets chunks, and lines_of by chunk.
+read_chunks() {
+    local file count
+    declare -gA lines_of=()
+    chunks=()
+    total_lines=0
+    while IFS=: read -r file count; do
+        file=${file%.csv}
+        chunks+=("$file")
+        lines_of[$file]=$((count - 1))
+        total_lines=$((total_lines + count - 1))
+    done < <(cd "$dir" && printf '%s\0' chunk-*.csv | xargs -0 grep -c '' /dev/null | grep '^chunk-')
+}
+
+# Sets missing: the chunks without a run that counts.
+find_missing() {
+    local chunk
+    missing=()
+    for chunk in "${chunks[@]}"; do
+        is_claimed "$dir" "$chunk" || missing+=("$chunk")
+    done
+}
+
+# Attempts of jobs that were killed after they were complete, or that went on after they had been given up.
+settle_all() {
+    local chunk attempts
+    for chunk in "${chunks[@]}"; do
+        attempts=("$dir/runs/$chunk"/[1-9]*/)
+        [ -d "${attempts[0]}" ] || continue
+        if ! is_claimed "$dir" "$chunk" || [ ${#attempts[@]} -gt 1 ]; then
+            settle "$dir" "$chunk"
+        fi
+    done
+}
+
+# Sets open: the benches that may be transmitting.
+find_open() {
+    local file
+    open=()
+    for file in "$dir"/benches/*/running; do
+        [ -e "$file" ] || continue
+        file=${file%/running}
+        open+=("${file##*/}")
+    done
+}
+
+# Sets done_lines, those of runs that go on included.
+count_lines() {
+    local chunk file attempt count
+    local -A under_way=()
+    # A chunk is claimed before its run is no longer noted: in this order none is missed.
+    for file in "$dir"/benches/*/running; do
+        read -r _ _ _ attempt 2>/dev/null <"$file" || continue
+        [ -e "$dir/runs/$attempt/journal.jsonl" ] || continue
+        count=$(wc -l <"$dir/runs/$attempt/journal.jsonl")
+        under_way[${attempt%/*}]=${count:-0}
+    done
+    find_missing
+    done_lines=$total_lines
+    for chunk in ${missing[@]+"${missing[@]}"}; do
+        done_lines=$((done_lines - lines_of[$chunk] + ${under_way[$chunk]:-0}))
+    done
+}
+
+# clock SECONDS: hours:minutes:seconds.
+clock() {
+    if [ "$1" -ge 3600 ]; then
+        printf '%d:%02d:%02d' $(($1 / 3600)) $(($1 / 60 % 60)) $(($1 % 60))
+    else
+        printf '%d:%02d' $(($1 / 60)) $(($1 % 60))
+    fi
+}
+
+# tell WORDS...: a line of its own on standard error, which the progress does not overwrite.
+tell() {
+    [ -z "$shown" ] || printf '\r%*s\r' ${#shown} '' >&2 || true
+    shown=
+    say "$@"
+}
+
+# The progress: on a terminal one line that is written anew, elsewhere one every half minute.
+show_progress() {
+    local text width measured=$((done_lines - lines_before)) elapsed=$((SECONDS - started))
+    text="$done_lines/$total_lines ($((100 * done_lines / total_lines)) %), $(clock "$elapsed")"
+    # The first lines of all benches come together, and tell little about the others.
+    [ "$measured" -lt 1 ] || [ "$elapsed" -lt 3 ] || [ "$done_lines" -eq "$total_lines" ] ||
+        text+=", about $(clock $(((total_lines - done_lines) * elapsed / measured))) left"
+    [ -z "$note" ] || text+="; $note"
+    if [ -t 2 ]; then
+        read -r _ width < <(stty size <&2 2>/dev/null || echo 24 80)
+        [ "${width:-0}" -gt 20 ] || width=80
+        text=${text:0:width-1}
+        printf '\r%s%*s' "$text" $((${#shown} > ${#text} ? ${#shown} - ${#text} : 0)) '' >&2 || true
+        shown=$text
+    elif [ "$SECONDS" -ge "$next_report" ]; then
+        printf '%s\n' "$text" >&2 || true
+        next_report=$((SECONDS + report_seconds))
+    fi
+}
+
+# Sets ending when the jobs are to be ended.
+look_for_an_end() {
+    engine_look
+    ending=$over
+    if [ -n "$interrupted" ]; then
+        ending="it was interrupted"
+    elif [ -e "$dir/stopped" ]; then
+        ending=$(cat "$dir/stopped")
+        refused=1
+    elif ! has_room "$dir"; then
+        ending="there is no room in $dir, or no permission to write"
+    fi
+}
+
+# Until no job is left. Sets ending when that is before all chunks were measured.
+watch_jobs() {
+    started=$SECONDS next_report=$SECONDS
+    count_lines
+    lines_before=$done_lines
+    while look_for_an_end && [ -z "$ending" ] && [ "$jobs" -gt 0 ]; do
+        count_lines
+        show_progress
+        pause
+    done
+    tell_end_of_progress
+    [ -z "$ending" ] || end_jobs
+}
+
+# A signal ends the pause.
+pause() {
+    sleep "$poll_seconds" 8>&- &
+    wait $! || true
+}
+
+tell_end_of_progress() {
+    count_lines
+    next_report=0
+    show_progress
+    [ -z "$shown" ] || printf '\n' >&2 || true
+    shown=
+}
+
+end_jobs() {
+    [ -e "$dir/stopped" ] || printf '%s\n' "$ending" >"$dir/stopped" || true
+    while engine_cancel; engine_look; [ "$jobs" -gt 0 ]; do
+        pause
+    done
+}
+
+# Also after a sweep that ended well: a job that was killed has not stopped its bench.
+stop_transmissions() {
+    find_open
+    [ ${#open[@]} -gt 0 ] || return 0
+    tell "stopping the transmissions of ${open[*]}"
+    engine_stop "${open[@]}"
+    find_open
+}
+
+# tell_what_is_left WHY
+tell_what_is_left() {
+    local command
+    printf -v command '%q ' "${call[@]}"
+    {
+        printf 'The sweep ended early, after %s of %s lines: %s.\n' "$done_lines" "$total_lines" "$1"
+        printf '%s of %s chunks have no complete run.\n' ${#missing[@]} ${#chunks[@]}
+        printf 'To go on with them:\n  %s\n' "${command% }"
+        printf 'What there is can be merged:\n  SarvexToolBench merge %q -o RUN --partial\n' "$dir"
+    } || true
+}
+
+# The very last words, so that nobody overlooks them.
+tell_open_benches() {
+    local bench host
+    [ ${#open[@]} -gt 0 ] || return 0
+    for bench in "${open[@]}"; do
+        read -r host _ <"$dir/benches/$bench/running" || true
+        find_bench "$dir" "$bench"
+        say "switch the device off, or on $host: SarvexToolBench stop --daemon $daemon"
+    done
+    say "these benches may still be transmitting: ${open[*]}"
+    exit 4
+}
+
+run_sweep() {
+    local code=0
+    refused='' ending='' over='' note='' jobs=0
+    read_arguments "$@"
+    find_program
+    trap interrupt HUP INT TERM
+    trap '' PIPE
+    engine_check
+    open_folder
+    split_plan
+    if [ -n "$table" ]; then cp "$table" "$dir/bench-table"; else rm -f "$dir/bench-table"; fi
+    mkdir -p "$dir/log" "$dir/runs" "$dir/benches"
+    rm -f "$dir/stopped"
+    # Ctrl-C reaches the commands that this script has just started, too: none that ends is to end the script.
+    set +e
+    read_chunks
+    settle_all
+    find_missing
+    if engine_adopt; then
+        tell "the jobs of an earlier call go on"
+        watch_jobs
+        settle_all
+        find_missing
+    fi
+    if [ -z "$ending" ] && [ ${#missing[@]} -gt 0 ]; then
+        engine_start "${missing[@]}"
+        watch_jobs
+        settle_all
+        find_missing
+    fi
+    stop_transmissions
+    count_lines
+    if [ ${#missing[@]} -gt 0 ]; then
+        tell_what_is_left "${ending:-some chunks could not be measured; $dir/log tells why}"
+        code=3
+        [ -z "$refused" ] || code=2
+    else
+        "$program" merge "$dir" -o "$dir/merged" || code=$?
+        [ "$code" -le 2 ] || code=3
+    fi
+    tell_open_benches
+    exit "$code"
+}

@@ -1,0 +1,132 @@
+"""How a sweep shows itself and ends where something is in its way: on a terminal, with a second Ctrl-C, on a full
+disk, beside a run by hand."""
+import contextlib
+import fcntl
+import os
+import pty
+import re
+import signal
+import struct
+import subprocess
+import termios
+import time
+import unittest
+
+import support
+from support import wait_until
+
+load_tests = support.load_tests
+
+
+class Progress(support.FarmTest):
+    def setUp(self):
+        super().setUp()
+        self.start_devices(2, latency=20)
+
+    def test_on_a_terminal_it_is_one_line_that_fits(self):
+        plan = self.write_plan(150)
+        master, slave = pty.openpty()
+        self.addCleanup(os.close, master)
+        fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 40, 0, 0))
+        sweep = subprocess.Popen(
+            [support.SWEEPS["parallel"], plan, "--table", self.table, "--lines", "15", "--", "--client", support.CLIENT],
+            cwd=self.folder, env=self.environment, stdin=slave, stdout=subprocess.PIPE, stderr=slave, text=True)
+        os.close(slave)
+        shown = b""
+        with contextlib.suppress(OSError):
+            while piece := os.read(master, 4096):
+                shown += piece
+        sweep.communicate()
+        self.assertEqual(0, sweep.returncode, shown)
+        lines = shown.decode().split("\r\n")
+        progress = [line for line in lines if re.search(r"\d/150", line)]
+        self.assertEqual(1, len(progress), lines)
+        states = [state.rstrip() for state in progress[0].split("\r") if state.strip()]
+        for state in states:
+            self.assertRegex(state, r"^\d+/150 \(\d+ %\), \d:\d\d(, about \d:\d\d left|; |$)")
+            self.assertLess(len(state), 40)
+        self.assertRegex(states[-1], r"^150/150 \(100 %\)")
+        done = [int(state.partition("/")[0]) for state in states]
+        self.assertEqual(sorted(done), done)
+        self.assertGreater(len(set(done)), 3)
+
+    def test_elsewhere_it_is_a_line_at_the_beginning_and_one_at_the_end(self):
+        done = self.expect(0, self.sweep(self.write_plan(60), "--lines", "15"))
+        progress = [line for line in done.stderr.splitlines() if "/60 (" in line]
+        self.assertRegex(progress[0], r"^0/60 \(0 %\), \d:\d\d; \d on benches$")
+        self.assertRegex(progress[-1], r"^60/60 \(100 %\), \d:\d\d; 0 on benches$")
+        minutes, seconds = map(int, re.search(r" (\d+):(\d\d);", progress[-1]).groups())
+        self.assertLessEqual(len(progress), 2 + (60 * minutes + seconds) // 30)
+
+
+class Endings(support.FarmTest):
+    def test_a_second_ctrl_c_leaves_at_once_and_the_jobs_stop_by_themselves(self):
+        # No stop is answered in time.
+        self.start_devices(2)
+        for device in self.devices:
+            device.end()
+            device.start("--fault", "text=-wifi-stop:delay=4000")
+        plan = self.write_plan(100)
+        sweep = self.start_sweep(plan, "--lines", "25")
+        self.wait_for_rows(1)
+        os.killpg(sweep.pid, signal.SIGINT)
+        time.sleep(2)
+        os.killpg(sweep.pid, signal.SIGINT)
+        done = self.expect(3, self.finish(sweep))
+        self.assertIn("left at once: jobs may still be stopping their transmitters", done.stderr)
+        mark = f"SARVEX_LOCKS={self.folder}/locks"
+        wait_until(lambda: not list(support.processes_with(mark)), "all jobs have ended", 120)
+        self.expect_all_off()
+
+    def test_a_full_disk_ends_the_sweep_and_blames_no_bench(self):
+        self.start_devices(2)
+        plan = self.write_plan(400)
+        disk = self.folder / "disk"
+        disk.mkdir()
+        script = ('mount -t tmpfs -o size=40m none "$0" || exit 9\n'
+                  '(until cat "$0"/out/runs/*/1/journal.jsonl 2>/dev/null | grep -q .; do sleep .1; done\n'
+                  ' cat /dev/zero >"$0/filler" 2>/dev/null) &\n'
+                  'code=0; "$@" || code=$?; ls "$0"/out/benches/* >&2; exit $code')
+        done = subprocess.run(
+            ["unshare", "--user", "--mount", "--map-root-user", "bash", "-c", script, disk,
+             support.SWEEPS["parallel"], plan, "--table", self.table, "--out", disk / "out", "--lines", "50", "--",
+             "--client", support.CLIENT],
+            env=self.environment, cwd=self.folder, capture_output=True, text=True, check=False, timeout=240)
+        self.assertEqual(3, done.returncode, done.stdout + done.stderr)
+        self.assertRegex(done.stdout, r"after \d+ of 400 lines: there is no room in \S+, or no permission to write\.\n")
+        self.assertNotIn("failures", done.stderr)
+        self.expect_all_off()
+
+    def test_a_bench_that_somebody_uses_by_hand_is_left_to_him(self):
+        self.start_devices(2, latency=60)
+        plan = self.write_plan(120)
+        by_hand = subprocess.Popen(
+            [support.PROGRAMS / "SarvexToolBench", "run", plan, "--daemon", self.devices[0].daemon, "--out",
+             self.folder / "by hand", "--client", support.CLIENT], env=self.environment,
+            stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.addCleanup(by_hand.wait)
+        self.addCleanup(by_hand.terminate)
+        wait_until(lambda: len(self.devices[0].commands()) > 4, "the run by hand goes on")
+        done = self.expect(0, self.sweep(plan, "--lines", "15"))
+        self.assertRegex(done.stderr, "bench1 is out of use: .* is in use by process")
+        self.expect_whole_result(plan)
+        self.assertEqual(0, by_hand.wait(60))
+
+    def test_a_sweep_that_is_killed_is_under_way_until_its_runs_have_ended(self):
+        self.start_devices(2, latency=20)
+        plan = self.write_plan(100)
+        sweep = self.start_sweep(plan, "--lines", "25")
+        self.wait_for_rows(2)
+        sweep.kill()
+        sweep.wait()
+        done = self.expect(2, self.sweep(plan))
+        self.assertIn("is under way", done.stderr)
+        mark = f"SARVEX_LOCKS={self.folder}/locks"
+        wait_until(lambda: not list(support.processes_with(mark)), "all jobs have ended", 120)
+        self.expect(0, self.sweep(plan))
+        self.expect_whole_result(plan)
+        self.expect_all_off()
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,298 @@
+"""What holds for a sweep on each engine: its result is that of one client, a bench that dies loses nothing,
+nothing transmits afterwards, no two runs have one bench."""
+import json
+import os
+import signal
+import unittest
+
+import support
+from support import LONG, wait_until
+
+load_tests = support.load_tests
+
+
+class Sweeps:
+    """The tests that each engine has to pass."""
+
+    def setUp(self):
+        super().setUp()
+        self.start_farm()
+
+    def test_the_result_is_that_of_one_client_wherever_the_plan_is_cut(self):
+        plan = self.write_plan(600 if LONG else 60, "a plan; 50 % of 'it'.csv")
+        for size in (7, 10, 25, 100, 600) if LONG else (17, None):
+            name = f"a 50 % sweep of {size}"
+            with self.subTest(name):
+                options = ["--lines", str(size)] if size else []
+                self.expect(0, self.sweep(plan, *options, "--out", self.sweep_folder(name)))
+                self.expect_whole_result(plan, name)
+        self.expect_all_off()
+
+    def test_each_measurement_keeps_where_it_comes_from(self):
+        plan = self.write_plan(40)
+        self.expect(0, self.sweep(plan, "--lines", "10", "--benches", "2"))
+        facts = json.loads((self.sweep_folder() / "merged/run.json").read_text())
+        benches = [device.name for device in self.devices[:2 if self.engine == "parallel" else 4]]
+        self.assertEqual([(2, 11), (12, 21), (22, 31), (32, 41)],
+                         [(source["firstLine"], source["lastLine"]) for source in facts["sources"]])
+        for source in facts["sources"]:
+            self.assertIn(source["bench"], benches)
+            self.assertEqual(source["bench"].replace("bench", "DUT-"), source["device"])
+            self.assertEqual(1, source["attempt"])
+        self.expect_one_run_at_a_time()
+        times = [(source["started"], source["ended"]) for source in facts["sources"]]
+        for moment, _ in times:
+            self.assertLessEqual(sum(begin <= moment <= end for begin, end in times), 2, times)
+
+    def test_a_line_that_the_device_refuses_is_not_repeated(self):
+        plan = self.write_plan(20)
+        plan.write_text(plan.read_text() + "2.4,A,20,100,HE,MCS0,SISO,242,0,none\n")
+        self.expect(1, self.sweep(plan, "--lines", "7"))
+        self.assertEqual(3, len(self.runs()))
+        self.expect_whole_result(plan)
+
+    def test_a_bench_that_dies_for_good_is_taken_out_and_loses_nothing(self):
+        plan = self.write_plan(700)
+        sweep = self.start_sweep(plan, "--lines", "20", wait=1, run_options=["--stop-timeout", "1"])
+        self.wait_for_rows(20)
+        self.devices[1].kill()
+        done = self.finish(sweep)
+        failed = [run for run in self.runs() if not self.is_complete(run)]
+        # Had it a transmission when it died, or not?
+        transmits = 4 in [json.loads((run / "run.json").read_text())["exitCode"] for run in failed]
+        self.expect(4 if transmits else 0, done)
+        self.expect_whole_result(plan)
+        self.expect_one_run_at_a_time()
+        self.assertRegex(done.stderr, r"\nsweep: bench2 is out of use: .*(the daemon is gone|its transmission cannot be stopped)")
+        self.assertEqual(transmits, done.stderr.endswith(
+            "\nsweep: these benches may still be transmitting: bench2\n"), done.stderr)
+        # The later attempts end before they have a folder where the transmission cannot be stopped.
+        self.assertEqual(1 if transmits else 3, len(failed))
+        facts = json.loads((self.sweep_folder() / "merged/run.json").read_text())
+        self.assertEqual(sorted(str(run.relative_to(self.sweep_folder())) for run in failed),
+                         sorted(attempt["directory"] for attempt in facts["otherAttempts"]))
+        for device in self.devices[:1] + self.devices[2:]:
+            self.assertTrue(device.is_off(), device.name)
+
+    def test_a_daemon_that_restarts_costs_nothing(self):
+        plan = self.write_plan(400)
+        sweep = self.start_sweep(plan, "--lines", "50")
+        self.wait_for_rows(20)
+        self.devices[1].kill()
+        self.devices[1].start()
+        self.expect(0, self.finish(sweep))
+        self.expect_whole_result(plan)
+        self.expect_all_off()
+
+    def test_when_all_benches_are_out_of_use_the_sweep_ends_and_can_go_on(self):
+        plan = self.write_plan(12)
+        for device in self.devices:
+            device.end()
+        done = self.expect(3, self.sweep(plan, "--lines", "1", wait=1))
+        self.assertIn("The sweep ended early, after 0 of 12 lines: all benches are out of use", done.stdout)
+        for device in self.devices:
+            self.assertIn(f"sweep: {device.name} is out of use: ", done.stderr)
+        for device in self.devices:
+            device.start()
+        self.bring_back()
+        self.expect(0, self.sweep(plan))
+        self.expect_whole_result(plan)
+        self.expect_all_off()
+
+    def test_an_interrupted_sweep_stops_all_transmitters_and_goes_on(self):
+        plan = self.write_plan(600)
+        for number in (signal.SIGINT, signal.SIGTERM) if LONG else (signal.SIGINT,):
+            before = self.rows()
+            sweep = self.start_sweep(plan, "--lines", "50")
+            self.wait_for_rows(before + 20)
+            # As a terminal does: all that is in its foreground gets it.
+            os.killpg(sweep.pid, number)
+            done = self.expect(3, self.finish(sweep))
+            self.assertRegex(done.stdout, r"The sweep ended early, after \d+ of 600 lines: it was interrupted\.\n")
+            self.assertIn(f"To go on with them:\n  {support.SWEEPS[self.engine]} {plan}", done.stdout)
+            self.expect_all_off()
+            self.expect_nothing_left()
+        self.expect(0, self.sweep(plan))
+        self.expect_whole_result(plan)
+        self.expect_one_run_at_a_time()
+
+    @unittest.skipUnless(LONG, "as an interruption")
+    def test_a_console_that_closes_stops_all_transmitters(self):
+        plan = self.write_plan(400)
+        sweep = self.start_sweep(plan, "--lines", "50")
+        self.wait_for_rows(20)
+        sweep.stdout.close()
+        sweep.stderr.close()
+        os.killpg(sweep.pid, signal.SIGHUP)
+        self.assertEqual(3, sweep.wait(60))
+        self.expect_all_off()
+        self.expect_nothing_left()
+
+    def test_relative_names_in_the_options_of_run_are_those_of_the_sweep(self):
+        plan = self.write_plan(12)
+        (self.folder / "limits.csv").write_text("Chain,Min,Max\n*,0,30\n")
+        self.expect(0, self.sweep(plan, run_options=["--limits", "limits.csv"]))
+
+    def test_a_run_that_is_killed_is_stopped_and_repeated(self):
+        plan = self.write_plan(400)
+        sweep = self.start_sweep(plan, "--lines", "50")
+        self.wait_for_rows(20)
+        host, script, run, chunk = self.running_state("bench1")
+        support.kill(run)
+        self.expect(0, self.finish(sweep))
+        self.expect_whole_result(plan)
+        self.expect_one_run_at_a_time()
+        self.expect_all_off()
+
+    def test_a_mistake_in_the_options_ends_the_sweep_at_once(self):
+        plan = self.write_plan(40)
+        done = self.expect(2, self.sweep(plan, "--lines", "10", run_options=["--retries", "many"]))
+        self.assertRegex(done.stdout, r"The sweep ended early, after 0 of 40 lines: chunk-\d+, attempt \d+ on bench\d "
+                                      r"ended with 2: .*--retries")
+        self.assertEqual([], [device.name for device in self.devices if device.commands()])
+        self.expect(0, self.sweep(plan))
+
+    # What the tests look at.
+
+    def is_complete(self, run):
+        return json.loads((run / "run.json").read_text()).get("outcome") == "complete"
+
+    def running_state(self, bench):
+        """The host, the process of run-chunk, that of the run, and the chunk."""
+        def state():
+            words = (self.sweep_folder() / "benches" / bench / "running").read_text().split()
+            return (words[0], int(words[1]), int(words[2]), words[3]) if words[2] != "0" else None
+        return wait_until(state, f"{bench} runs something")
+
+    def expect_nothing_left(self):
+        for process in support.processes_with(f"SARVEX_LOCKS={self.folder}/locks"):
+            self.fail(f"still there: {support.command_of(process)}")
+
+
+class ParallelSweep(Sweeps, support.FarmTest):
+    def bring_back(self):
+        pass
+
+
+class SlurmSweep(Sweeps, support.FarmTest):
+    engine = "slurm"
+
+    def bring_back(self):
+        for device in self.devices:
+            self.slurm.ask("scontrol", "update", f"NodeName={device.name}", "State=RESUME")
+
+    def expect_nothing_left(self):
+        self.assertEqual([], self.slurm.jobs())
+        self.assertEqual([], list(self.slurm.processes_of_jobs()))
+
+    def test_a_job_that_is_requeued_by_hand_is_repeated(self):
+        plan = self.write_plan(400)
+        sweep = self.start_sweep(plan, "--lines", "50")
+        self.wait_for_rows(20)
+        bench, job = next(iter(self.slurm.running().items()))
+        self.slurm.ask("scontrol", "requeue", job)
+        self.expect(0, self.finish(sweep))
+        self.expect_whole_result(plan)
+        self.expect_one_run_at_a_time()
+        self.expect_all_off()
+        self.assertEqual(9, len(self.runs()))
+
+    def test_jobs_that_are_cancelled_by_hand_are_stopped_and_left_to_the_next_call(self):
+        plan = self.write_plan(400)
+        sweep = self.start_sweep(plan, "--lines", "50")
+        self.wait_for_rows(20)
+        self.slurm.ask("scancel", *self.slurm.running().values())
+        done = self.expect(3, self.finish(sweep))
+        self.assertIn("4 of 8 chunks have no complete run.", done.stdout)
+        self.expect_all_off()
+        self.expect(0, self.sweep(plan))
+        self.expect_whole_result(plan)
+        self.expect_one_run_at_a_time()
+
+    def test_a_controller_that_restarts_loses_nothing(self):
+        plan = self.write_plan(600)
+        sweep = self.start_sweep(plan, "--lines", "50")
+        self.wait_for_rows(20)
+        self.slurm.kill_process("slurmctld")
+        # The runs go on without it.
+        self.wait_for_rows(120)
+        self.slurm.start_controller()
+        self.expect(0, self.finish(sweep))
+        self.expect_whole_result(plan)
+        self.expect_one_run_at_a_time()
+        self.expect_all_off()
+
+    def test_a_host_that_dies_loses_nothing(self):
+        plan = self.write_plan(400)
+        sweep = self.start_sweep(plan, "--lines", "50")
+        self.wait_for_rows(20)
+        self.slurm.kill_node("bench1")
+        done = self.expect(0, self.finish(sweep))
+        self.expect_whole_result(plan)
+        # Nobody stopped its device but the end of the sweep.
+        self.assertIn("stopping the transmissions of bench1", done.stderr)
+        self.expect_all_off()
+        self.expect_one_run_at_a_time()
+
+    def test_a_sweep_that_is_killed_leaves_its_jobs_to_the_next_call(self):
+        plan = self.write_plan(400)
+        sweep = self.start_sweep(plan, "--lines", "50")
+        self.wait_for_rows(20)
+        sweep.kill()
+        sweep.wait()
+        done = self.expect(0, self.sweep(plan))
+        self.assertIn("the jobs of an earlier call go on", done.stderr)
+        self.expect_whole_result(plan)
+        self.assertEqual(8, len(self.runs()))
+        self.expect_all_off()
+
+    def test_a_job_whose_script_is_killed_gives_its_bench_up_only_with_its_run(self):
+        plan = self.write_plan(400)
+        sweep = self.start_sweep(plan, "--lines", "50")
+        self.wait_for_rows(20)
+        _, script, run, chunk = self.running_state("bench1")
+        support.kill(support.parent_of(script))
+        support.kill(script)
+        # Slurm gives the bench to the next job, which waits for it.
+        log = self.sweep_folder() / "log"
+        wait_until(lambda: [file for file in log.glob("chunk*") if "in use by another job" in file.read_text()],
+                   "a job waits for bench1")
+        done = self.finish(sweep)
+        self.assertIn(done.returncode, (0, 3))
+        # Its result counts if its run was complete.
+        self.expect(0, self.sweep(plan) if done.returncode else done)
+        self.expect_whole_result(plan)
+        self.expect_one_run_at_a_time()
+        self.expect_all_off()
+
+    @unittest.skipUnless(LONG, "takes more than a minute")
+    def test_a_node_daemon_that_dies_alone_leaves_two_runs_of_a_chunk_of_which_one_counts(self):
+        for device in self.devices:
+            device.end()
+            device.options[-1] = "120"
+            device.start()
+        plan = self.write_plan(600)
+        # One bench is free for the job that is given up.
+        sweep = self.start_sweep(plan, "--lines", "200")
+        self.wait_for_rows(20)
+        self.slurm.kill_process("bench1")
+        self.expect(0, self.finish(sweep))
+        self.expect_whole_result(plan)
+        self.assertEqual(4, len([run for run in self.runs() if self.is_complete(run)]))
+        self.assertEqual(1, len(list((self.sweep_folder() / "surplus").iterdir())))
+        self.expect_one_run_at_a_time()
+        self.expect_all_off()
+
+    @unittest.skipUnless(LONG, "takes a minute")
+    def test_a_chunk_that_always_fails_is_given_up(self):
+        # A return code that is no number ends the client.
+        for device in self.devices:
+            device.end()
+            device.start("--fault", "text=-wifi-channel 6 :return-code=abc")
+        plan = self.write_plan(12)
+        done = self.expect(3, self.sweep(plan, "--lines", "3"))
+        self.assertIn("chunks have failed on every attempt and are held", done.stdout)
+
+
+if __name__ == "__main__":
+    unittest.main()
