@@ -73,6 +73,7 @@ class ContentsTest(unittest.TestCase):
         cls.doc = cls.deb / "usr/share/doc/sarvextool"
         cls.msi = cls.folder / "msi"
         require("msiextract", "--directory", cls.msi, MSI)
+        cls.installed = cls.msi / "SarvexTool"
 
     def test_the_archives_hold_the_programs_their_configuration_examples_and_pages(self):
         for folder, suffix, own_folders in [(self.zip, ".exe", {"sdk"}), (self.tar, "", {"man", "farm"})]:
@@ -149,10 +150,19 @@ class ContentsTest(unittest.TestCase):
         made = contents(made_by("make-sbom", folder, LINUX_BUILD, WINDOWS_BUILD, folder))
         self.assertEqual(NOTICES, {name for name in made if not name.startswith("licences/")})
         self.assertGreater(len(made), len(NOTICES) + 10)
-        for package in [self.zip, self.tar, self.doc]:
+        for package in [self.zip, self.installed, self.tar, self.doc]:
             with self.subTest(package=package):
                 self.assertEqual(made, {name: data for name, data in contents(package).items()
                                         if name in NOTICES or name.startswith("licences/")})
+
+    def test_each_package_holds_the_files_that_its_notice_names(self):
+        for package in [self.zip, self.installed, self.tar, self.doc]:
+            with self.subTest(package=package):
+                text = (package / "NOTICE.txt").read_text()
+                # NAME is any of them.
+                named = set(re.findall(r"\blicences/[\w.-]*\w|\b[\w-]+\.cdx\.json", text)) - {"licences/NAME.txt"}
+                self.assertLessEqual(NOTICES - {"NOTICE.txt"} | {"licences/LGPL-2.1.txt"}, named)
+                self.assertEqual([], sorted(name for name in named if not (package / name).is_file()))
 
     def test_pages_and_examples_are_those_of_the_sources(self):
         expected = {name: (ROOT / name).read_bytes()
