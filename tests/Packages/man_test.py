@@ -119,6 +119,15 @@ class ManTest(unittest.TestCase):
                 self.assertIn(("sarvextool-vemo", "1") if page.name == "vemo.1" else tuple(page.name.rsplit(".", 1)), references)
                 self.assertEqual(set(), {".".join(each) for each in references} - set(self.by_name))
 
+    def test_the_overview_and_the_description_of_the_package_tell_of_each_subcommand(self):
+        names = [name.removeprefix("SarvexToolBench-")[:-2] for name in COMMANDS if name.startswith("SarvexToolBench-")]
+        overview = shown(self.by_name["sarvextool.7"], 400)
+        self.assertEqual(names, re.findall(r"SarvexToolBench-(\w+)\(1\)", overview))
+        control = (ROOT / "packaging/debian/sarvextool/control.in").read_text()
+        for text in (overview, control):
+            # "splits a table": each is said as a verb.
+            self.assertEqual([], [name for name in names if not re.search(rf"\b{name}s\b", text)])
+
     def test_each_file_of_the_documentation_that_is_named_exists(self):
         for page in self.pages:
             for path in re.findall(r"\b(?:docs|examples)/[\w./-]*\w", shown(page, 400)):
