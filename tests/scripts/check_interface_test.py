@@ -206,6 +206,64 @@ class CheckInterfaceTest(unittest.TestCase):
         self.change("class Forward;", "class INew {\npublic:\n    virtual void Draw() = 0;\n};")
         self.assert_well()
 
+    def test_a_member_that_is_0_at_first_is_no_pure_virtual_function(self):
+        for member in ["std::int32_t other = 0", "void (*call)(int) = 0", "alignas(8) int other = 0"]:
+            with self.subTest(member=member):
+                self.change("    int value = 0;", f"    int value = 0;\n    {member};")
+                self.assert_needs("1.3.0", f"+ Tools/Shape.h: Global: {member}")
+
+    def test_each_form_of_a_pure_virtual_function_is_known(self):
+        for function in ["virtual int Draw(int (*call)(int)) const = 0", "virtual int Draw() const& noexcept = 0",
+                         "auto Draw() -> int = 0", "void Seen() override = 0", "virtual int Draw() noexcept(true) = 0",
+                         "virtual IShape& operator=(const IShape&) = 0", "[[nodiscard]] virtual int Draw() = 0"]:
+            with self.subTest(function=function):
+                self.change("\nprotected:", f"    {function};\nprotected:")
+                self.assert_needs("2.0.0", f"+ Tools/Shape.h: Tools::IShape: {function}")
+
+    def test_a_deleted_function_takes_a_major_version_but_in_a_class_that_is_new(self):
+        for old, place, function in [
+                ("    int value = 0;", "Global: ", "Global(const Global&) = delete"),
+                ("    U As() const;", "Tools::Box: ", "void Take(long) = delete"),
+                ("class Forward;", "Tools: ", "template <typename T> void Take(T) = delete")]:
+            with self.subTest(function=function):
+                self.change(old, f"{old}\n    {function};")
+                self.assert_needs("2.0.0", f"+ Tools/Shape.h: {place}{function}")
+        self.change("class Forward;", "class [[nodiscard]] New {\npublic:\n    New(const New&) = delete;\n};")
+        self.assert_needs("1.3.0", "+ Tools/Shape.h: Tools: class [[nodiscard]] New",
+                          "+ Tools/Shape.h: Tools::New: New(const New&) = delete")
+        self.change("struct Global {", "void Take(long) = delete;\nstruct Global {")
+        self.assert_needs("2.0.0", "+ Tools/Shape.h: void Take(long) = delete")
+
+    def test_a_first_constructor_takes_a_major_version_and_a_further_one_does_not(self):
+        for constructor in ["explicit Global(int first)", "template <typename T> explicit(true) Global(T first)",
+                            "constexpr Global() = default"]:
+            with self.subTest(constructor=constructor):
+                self.change("    int value = 0;", f"    int value = 0;\n    {constructor};")
+                self.assert_needs("2.0.0", f"+ Tools/Shape.h: Global: {constructor}")
+        self.change("    int value = 0;", "    int value = 0;\nprotected:\n    template <int n>\n    Global(int first);")
+        self.assert_needs("2.0.0", "+ Tools/Shape.h: Global: protected template <int n> Global(int first)")
+        self.change("    U As() const;", "    U As() const;\n    Box(T first, T second);")
+        self.assert_needs("1.3.0", "+ Tools/Shape.h: Tools::Box: Box(T first, T second)")
+
+    def test_an_attribute_that_only_warns_takes_a_minor_version(self):
+        for old, new, before, after in [
+                ("struct Global {", "struct [[nodiscard]] Global {", "struct Global", "struct [[nodiscard]] Global"),
+                ("class IShape :", 'class [[deprecated("Not ]] or }; but \'Box\'.")]] IShape :',
+                 "Tools: class IShape : public virtual IObject",
+                 'Tools: class [[deprecated("Not ]] or }; but \'Box\'.")]] IShape : public virtual IObject'),
+                ("inline std::string Name() {", "[[nodiscard]] inline std::string Name() {",
+                 "Tools: inline std::string Name()", "Tools: [[nodiscard]] inline std::string Name()")]:
+            with self.subTest(new=new):
+                self.set_version("1.2.9")
+                self.change(old, new)
+                self.assert_needs("1.3.0", f"- Tools/Shape.h: {before}", f"+ Tools/Shape.h: {after}")
+                self.set_version("1.3.0")
+                self.assert_well()
+        self.change("bool operator==", "[[noreturn]] bool operator==")
+        self.assert_needs("2.0.0",
+                          "- Tools/Shape.h: Tools: bool operator==(const IShape& left, const IShape& right)",
+                          "+ Tools/Shape.h: Tools: [[noreturn]] bool operator==(const IShape& left, const IShape& right)")
+
     def test_a_header_with_conditions_or_macros_cannot_be_compared(self):
         for line in ["#if 1", "#ifdef _WIN32", "#  ifndef X", "#define TWO_LINES { \\\n    }", "#undef X",
                      "#pragma pack(1)"]:
