@@ -1,4 +1,5 @@
 """What scripts/package refuses before it packs anything, and what it says besides."""
+import os
 import shutil
 import unittest
 
@@ -114,6 +115,25 @@ class BuildTest(unittest.TestCase):
                 self.assertEqual(1, code)
                 self.assertRegex(told, rf"^package: \w+ in {copy} is of version {other}, the sources are of {one}: "
                                        "build again\n$")
+
+    def test_a_certificate_that_there_is_not_is_told_before_anything_is_built(self):
+        # Builds are asked for; nothing is installed, and no build may begin.
+        shutil.copytree(ROOT / "packaging/windows", self.top / "packaging/windows")
+        (self.top / "scripts/setup").write_text("#!/bin/sh\n")
+        tools = self.folder / "tools"
+        tools.mkdir()
+        (tools / "cmake").write_text(f"#!/bin/sh\ntouch {self.folder}/built\nexit 1\n")
+        (tools / "cmake").chmod(0o755)
+        environment = {name: value for name, value in os.environ.items() if not name.startswith("SARVEX_SIGN_")}
+        environment["PATH"] = f"{tools}:{os.environ['PATH']}"
+        done = run(self.top / "scripts/package", cwd=self.folder,
+                   env={**environment, "SARVEX_SIGN_CERTIFICATE": "mistyped.pem"})
+        self.assertEqual((1, f"sign: {self.folder}/mistyped.pem cannot be read"),
+                         (done.returncode, done.stderr.decode().splitlines()[-1]))
+        self.assertFalse((self.folder / "built").exists())
+        # So that the line above can fail.
+        run(self.top / "scripts/package", cwd=self.folder, env=environment)
+        self.assertTrue((self.folder / "built").exists())
 
     def test_a_folder_that_is_no_build_is_refused(self):
         code, told = self.package(windows_build=self.folder)

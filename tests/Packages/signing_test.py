@@ -225,6 +225,17 @@ class SigningTest(unittest.TestCase):
         self.assertEqual(4, arguments.count(f"-readpass\n{self.folder}/password\n"))
         self.assertNotIn(PASSWORD, arguments)
 
+    def test_a_check_of_the_settings_signs_nothing_and_says_nothing_when_all_is_well(self):
+        for settings in ({}, self.pem, self.pfx, self.token):
+            done = self.sign(settings, "--check")
+            self.assertEqual((0, b"", b""), (done.returncode, done.stdout, done.stderr))
+        done = self.sign({**self.pem, "SARVEX_SIGN_KEY": "/nonexistent.key"}, "--check")
+        self.assertEqual((1, b"sign: /nonexistent.key cannot be read\n"), (done.returncode, done.stderr))
+        tools = temporary_folder(self)
+        (tools / "bash").symlink_to(shutil.which("bash"))
+        done = self.sign(self.pem, "--check", PATH=str(tools))
+        self.assertEqual((1, b"sign: osslsigncode is not installed\n"), (done.returncode, done.stderr))
+
     def test_what_is_wrong_is_told_and_nothing_is_signed(self):
         for settings, message in [
                 ({"SARVEX_SIGN_KEY": "k"}, "SARVEX_SIGN_CERTIFICATE is not set, but other settings are"),
