@@ -68,6 +68,7 @@ class ContentsTest(unittest.TestCase):
         cls.zip = unpack(ZIP, cls.folder / "zip")
         cls.tar = unpack(TAR, cls.folder / "tar")
         unpack(OBJECTS, cls.folder / "objects")
+        cls.objects = cls.folder / "objects" / f"{TOP}-objects"
         cls.deb = unpack(DEB, cls.folder / "deb")
         cls.dev_deb = unpack(DEV_DEB, cls.folder / "dev-deb")
         cls.doc = cls.deb / "usr/share/doc/sarvextool"
@@ -150,13 +151,13 @@ class ContentsTest(unittest.TestCase):
         made = contents(made_by("make-sbom", folder, LINUX_BUILD, WINDOWS_BUILD, folder))
         self.assertEqual(NOTICES, {name for name in made if not name.startswith("licences/")})
         self.assertGreater(len(made), len(NOTICES) + 10)
-        for package in [self.zip, self.installed, self.tar, self.doc]:
+        for package in [self.zip, self.installed, self.tar, self.objects, self.doc]:
             with self.subTest(package=package):
                 self.assertEqual(made, {name: data for name, data in contents(package).items()
                                         if name in NOTICES or name.startswith("licences/")})
 
     def test_each_package_holds_the_files_that_its_notice_names(self):
-        for package in [self.zip, self.installed, self.tar, self.doc]:
+        for package in [self.zip, self.installed, self.tar, self.objects, self.doc]:
             with self.subTest(package=package):
                 text = (package / "NOTICE.txt").read_text()
                 # NAME is any of them.

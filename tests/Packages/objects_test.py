@@ -1,4 +1,5 @@
 """The archive of objects: the programs for Linux linked again, with the same C library and with another one."""
+import re
 import shutil
 import unittest
 
@@ -15,6 +16,15 @@ class ObjectsTest(unittest.TestCase):
 
     def test_it_holds_one_folder(self):
         self.assertEqual(f"{TOP}-objects", self.top.name)
+
+    def test_its_page_names_files_that_it_holds_and_the_licence_texts_are_those_of_the_programs(self):
+        named = re.findall(r"`(?:\./)?([\w./-]+\.txt)`", (self.top / "README.md").read_text())
+        self.assertEqual({"NOTICE.txt", "licences/LGPL-2.1.txt"}, set(named))
+        original = unpack(TAR, self.folder / "original")
+        files = ["NOTICE.txt", *(path.relative_to(original) for path in (original / "licences").iterdir())]
+        self.assertGreater(len(files), 10)
+        for name in files:
+            self.assertEqual((original / name).read_bytes(), (self.top / name).read_bytes(), name)
 
     def test_the_programs_that_are_linked_again_are_those_that_are_handed_out(self):
         require(self.top / "link", cwd="/")
