@@ -82,6 +82,9 @@ class Sdk:
         cls.libraries = cls.root / cls.library_folder
         cls.package = cls.libraries / "cmake" / "SarvexTool"
         cls.environment = {**os.environ, "PKG_CONFIG_LIBDIR": str(cls.libraries / "pkgconfig")}
+        # As the page wants it for its lines with pkg-config.
+        cls.without_blanks = cls.stage / "without_blanks"
+        cls.without_blanks.symlink_to(cls.root)
         cls.programs = unpack(cls.package_with_programs, cls.stage / "of users") / cls.programs_folder
         cls.client = cls.programs / f"SarvexToolClient{cls.suffix}"
         cls.made = cls.make_programs()
@@ -102,10 +105,9 @@ class Sdk:
 
     @classmethod
     def do_as_the_page(cls, lines, folder):
-        # The shell takes the answer of pkg-config apart at blanks; eval heeds the backslashes there.
-        script = re.sub(r"^(.*\$\(.*)$", r"""eval "\1" """, lines.replace(PAGE_PREFIX, shlex.quote(str(cls.root))),
-                        flags=re.MULTILINE)
-        require("bash", "-ec", script, cwd=folder, env=cls.environment)
+        script = lines.replace(PAGE_PREFIX, shlex.quote(str(cls.root)))
+        settings = {"PKG_CONFIG_LIBDIR": str(cls.without_blanks / cls.library_folder / "pkgconfig")}
+        require("bash", "-ec", script, cwd=folder, env={**cls.environment, **settings})
 
     def flags(self, package):
         return shlex.split(
