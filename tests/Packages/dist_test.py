@@ -109,7 +109,7 @@ class ContentsTest(unittest.TestCase):
             {name.removeprefix(doc) for name in found
              if name.startswith(doc) and not name.startswith(f"{doc}licences/")})
         # Also where a container has no /usr/share/doc.
-        self.assertEqual({"Socket.cfg"} | folder_of_sources("examples", "*.csv"),
+        self.assertEqual({"Socket.cfg"} | folder_of_sources("examples", "*.csv") | folder_of_sources("farm"),
                          files_of(self.deb / "usr/share/sarvextool"))
         self.assertEqual("../../sarvextool/examples", os.readlink(self.deb / doc / "examples"))
 
@@ -206,7 +206,8 @@ class ContentsTest(unittest.TestCase):
 
 class ArchiveEntriesTest(unittest.TestCase):
     def test_the_tars_have_one_time_one_owner_and_no_odd_modes(self):
-        for package, executables in [(TAR, programs("")), (OBJECTS, {"link"})]:
+        scripts = {name for name in folder_of_sources("farm") if (ROOT / name).stat().st_mode & 0o111}
+        for package, executables in [(TAR, programs("") | scripts), (OBJECTS, {"link"})]:
             with tarfile.open(package) as archive:
                 for entry in archive:
                     with self.subTest(package=package.name, name=entry.name):
