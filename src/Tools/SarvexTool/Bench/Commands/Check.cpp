@@ -1,4 +1,4 @@
-#include "Tools/SarvexTool/Bench/Commands/Check.h"
+#include "Tools/SarvexTool/Bench/Commands/Subcommands.h"
 
 #include "Modules/xFramework/OSAL/Socket.h"
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"

@@ -1,4 +1,4 @@
-#include "Tools/SarvexTool/Bench/Commands/Compare.h"
+#include "Tools/SarvexTool/Bench/Commands/Subcommands.h"
 
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Commands/Outputs.h"

@@ -1,4 +1,4 @@
-#include "Tools/SarvexTool/Bench/Commands/Judge.h"
+#include "Tools/SarvexTool/Bench/Commands/Subcommands.h"
 
 #include "Tools/SarvexTool/Bench/Commands/NeedlessLimits.h"
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"

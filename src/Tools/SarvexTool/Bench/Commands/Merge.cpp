@@ -1,4 +1,4 @@
-#include "Tools/SarvexTool/Bench/Commands/Merge.h"
+#include "Tools/SarvexTool/Bench/Commands/Subcommands.h"
 
 #include "Modules/xFramework/OSAL/Process.h"
 #include "Tools/SarvexTool/Bench/Core/ChunkChoice.h"

@@ -1,4 +1,4 @@
-#include "Tools/SarvexTool/Bench/Commands/Run.h"
+#include "Tools/SarvexTool/Bench/Commands/Subcommands.h"
 
 #include "Modules/xFramework/OSAL/Process.h"
 #include "Modules/xFramework/OSAL/Socket.h"

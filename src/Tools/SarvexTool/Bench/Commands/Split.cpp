@@ -1,4 +1,4 @@
-#include "Tools/SarvexTool/Bench/Commands/Split.h"
+#include "Tools/SarvexTool/Bench/Commands/Subcommands.h"
 
 #include "Modules/xFramework/OSAL/Process.h"
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Tools/SarvexTool/Bench/Commands/Command.h"
+
+// The subcommands, each in a source of its name: its options are added to the program's.
+
+namespace Bench {
+
+/// check FILE...: tells all that is wrong with test files.
+Command AddCheck(CLI::App& program);
+
+/// compare OLD NEW: tells what differs between two runs.
+Command AddCompare(CLI::App& program);
+
+/// judge RESULT --limits LIMITS: holds each measurement of a run against its limits.
+Command AddJudge(CLI::App& program);
+
+/// merge DIR -o RUN: puts the runs of a plan's chunks together as one run of the plan.
+Command AddMerge(CLI::App& program);
+
+/// report RESULT -o FILE.html: shows a run as one HTML page.
+Command AddReport(CLI::App& program);
+
+/// run TEST_FILE: runs a power test under supervision, or goes on with one.
+Command AddRun(CLI::App& program);
+
+/// split PLAN -o DIR: cuts a plan into chunks for several benches.
+Command AddSplit(CLI::App& program);
+
+} // namespace Bench
