@@ -173,6 +173,17 @@ class ParallelSweep(Sweeps, support.FarmTest):
     def bring_back(self):
         pass
 
+    def test_the_shell_and_the_settings_of_the_user_are_not_those_of_the_jobs(self):
+        self.environment["PARALLEL"] = "--dry-run"
+        for name, shell in (("no shell", None), ("a shell of no use", "/bin/true"), ("another one", "/bin/false")):
+            with self.subTest(name):
+                self.environment.pop("SHELL", None)
+                if shell:
+                    self.environment["SHELL"] = shell
+                plan = self.write_plan(8, f"{name}.csv")
+                self.expect(0, self.sweep(plan))
+                self.expect_whole_result(plan, name)
+
 
 class SlurmSweep(Sweeps, support.FarmTest):
     engine = "slurm"
