@@ -31,9 +31,11 @@ void Simulator::Start() {
             m_port = out.substr(colon + 1, lineEnd - colon - 1);
             return;
         }
+        if (m_process->HasEnded())
+            break;
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
-    throw std::runtime_error("the simulated daemon does not listen");
+    throw std::runtime_error("the simulated daemon does not listen: " + m_process->ErrSoFar());
 }
 
 } // namespace EndToEnd

@@ -33,15 +33,18 @@ struct Incoming {
     std::array<char, 4096> buffer{};
 };
 
-/// Takes any free port. Ports are tried in no order, so that two programs seldom want the same.
+/// Takes a free port, by chance, so that two programs seldom want the same: a low one while there
+/// is one, for a daemon that starts again is to find its own free, and those are mostly higher.
 void Listen(Tcp::acceptor& acceptor) {
     constexpr std::uint16_t first = 1024;
+    constexpr std::uint16_t lastLow = 1999;
     constexpr std::uint16_t last = 9999;
     constexpr int attempts = 1000;
     std::random_device random;
-    std::uniform_int_distribution<std::uint16_t> ports(first, last);
     acceptor.open(Tcp::v4());
     for (int attempt = 0; attempt < attempts; ++attempt) {
+        std::uniform_int_distribution<std::uint16_t> ports(first,
+                                                           attempt < attempts / 2 ? lastLow : last);
         error_code error;
         // Without the option to reuse the address, which lets two listen on one port on Windows.
         acceptor.bind({asio::ip::address_v4::loopback(), ports(random)}, error);

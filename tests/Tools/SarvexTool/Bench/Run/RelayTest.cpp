@@ -76,12 +76,12 @@ protected:
     Relay relay{loop, [this](std::string request) { requests.push_back(std::move(request)); }};
 };
 
-TEST_F(RelayTest, HasAPortOfFourDigitsOfItsOwn) {
+TEST_F(RelayTest, HasAPortOfItsOwnBelowThoseThatDaemonsMostlyHave) {
     const Relay other(loop, [](const std::string&) {});
     EXPECT_NE(relay.Port(), other.Port());
     for (const Relay* const pRelay : {&std::as_const(relay), &other}) {
         EXPECT_GE(pRelay->Port(), 1024);
-        EXPECT_LE(pRelay->Port(), 9999);
+        EXPECT_LT(pRelay->Port(), 2000);
     }
 }
 
