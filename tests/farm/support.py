@@ -116,6 +116,17 @@ class Device:
         self.process.wait()
         self.process.stdout.close()
 
+    def halt_in_a_transmission(self):
+        """Whether it does not run any more, and transmits: then no run on it can end."""
+        self.process.send_signal(signal.SIGSTOP)
+        if self.is_off():
+            self.go_on()
+            return False
+        return True
+
+    def go_on(self):
+        self.process.send_signal(signal.SIGCONT)
+
     @property
     def daemon(self):
         return f"127.0.0.1:{self.port}"

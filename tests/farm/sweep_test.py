@@ -236,8 +236,9 @@ class SlurmSweep(Sweeps, support.FarmTest):
     def test_a_host_that_dies_loses_nothing(self):
         plan = self.write_plan(400)
         sweep = self.start_sweep(plan, "--lines", "50")
-        self.wait_for_rows(20)
+        wait_until(self.devices[0].halt_in_a_transmission, "bench1 transmits", 120)
         self.slurm.kill_node("bench1")
+        self.devices[0].go_on()
         done = self.expect(0, self.finish(sweep))
         self.expect_whole_result(plan)
         # Nobody stopped its device but the end of the sweep.
