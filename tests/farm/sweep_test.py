@@ -136,10 +136,12 @@ class Sweeps:
     def test_a_run_that_is_killed_is_stopped_and_repeated(self):
         plan = self.write_plan(400)
         sweep = self.start_sweep(plan, "--lines", "50")
-        self.wait_for_rows(20)
-        host, script, run, chunk = self.running_state("bench1")
+        wait_until(self.devices[0].halt_in_a_transmission, "bench1 transmits", 120)
+        _, _, run, chunk = self.running_state("bench1")
         support.kill(run)
+        self.devices[0].go_on()
         self.expect(0, self.finish(sweep))
+        self.assertGreater(len(list((self.sweep_folder() / "runs" / chunk).parent.glob("[1-9]"))), 1)
         self.expect_whole_result(plan)
         self.expect_one_run_at_a_time()
         self.expect_all_off()
@@ -249,11 +251,13 @@ class SlurmSweep(Sweeps, support.FarmTest):
     def test_a_sweep_that_is_killed_leaves_its_jobs_to_the_next_call(self):
         plan = self.write_plan(400)
         sweep = self.start_sweep(plan, "--lines", "50")
-        self.wait_for_rows(20)
+        wait_until(self.devices[0].halt_in_a_transmission, "bench1 transmits", 120)
         sweep.kill()
         sweep.wait()
-        done = self.expect(0, self.sweep(plan))
-        self.assertIn("the jobs of an earlier call go on", done.stderr)
+        next_call = self.start_sweep(plan)
+        self.assertTrue(any("the jobs of an earlier call go on" in line for line in next_call.stderr))
+        self.devices[0].go_on()
+        self.expect(0, self.finish(next_call))
         self.expect_whole_result(plan)
         self.assertEqual(8, len(self.runs()))
         self.expect_all_off()
@@ -261,14 +265,15 @@ class SlurmSweep(Sweeps, support.FarmTest):
     def test_a_job_whose_script_is_killed_gives_its_bench_up_only_with_its_run(self):
         plan = self.write_plan(400)
         sweep = self.start_sweep(plan, "--lines", "50")
-        self.wait_for_rows(20)
-        _, script, run, chunk = self.running_state("bench1")
+        wait_until(self.devices[0].halt_in_a_transmission, "bench1 transmits", 120)
+        _, script, _, _ = self.running_state("bench1")
         support.kill(support.parent_of(script))
         support.kill(script)
         # Slurm gives the bench to the next job, which waits for it.
         log = self.sweep_folder() / "log"
         wait_until(lambda: [file for file in log.glob("chunk*") if "in use by another job" in file.read_text()],
-                   "a job waits for bench1")
+                   "a job waits for bench1", 120)
+        self.devices[0].go_on()
         done = self.finish(sweep)
         self.assertIn(done.returncode, (0, 3))
         # Its result counts if its run was complete.
