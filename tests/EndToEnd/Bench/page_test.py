@@ -107,6 +107,13 @@ class PageTest(unittest.TestCase):
     def open(self, run, limits=None, baseline=None):
         self.write(run, limits, baseline)
         self.driver.get(self.url)
+        self.wait_for_frames()
+
+    def wait_for_frames(self):
+        """After the first frame the page knows its size, and writes its table anew in the next one."""
+        self.driver.execute_async_script(
+            "const done = arguments[0]; let frames = 0;"
+            "const next = () => ++frames > 3 ? done() : requestAnimationFrame(next); next();")
 
     def script(self, text, *arguments):
         return self.driver.execute_script(text, *arguments)
