@@ -72,8 +72,9 @@ read_arguments() {
         dir=${plan##*/}
         dir=sweeps/${dir%.csv}
     fi
-    if [ -z "$table" ] && [ -e /etc/sarvextool/benches ]; then
-        table=/etc/sarvextool/benches
+    local usual=${SARVEX_BENCHES:-/etc/sarvextool/benches}
+    if [ -z "$table" ] && [ -e "$usual" ]; then
+        table=$usual
     fi
 }
 

@@ -328,7 +328,8 @@ class FarmTest(unittest.TestCase):
         (self.folder / "locks").mkdir()
         self.devices = []
         self.environment = {**os.environ, "PATH": f"{PROGRAMS}{os.pathsep}{os.environ['PATH']}",
-                            "SARVEX_LOCKS": str(self.folder / "locks")}
+                            "SARVEX_LOCKS": str(self.folder / "locks"),
+                            "SARVEX_BENCHES": str(self.folder / "no benches")}
         self.slurm = None
 
     def start_devices(self, count, latency=None):

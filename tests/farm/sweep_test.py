@@ -105,8 +105,10 @@ class Sweeps:
             before = self.rows()
             sweep = self.start_sweep(plan, "--lines", "50")
             self.wait_for_rows(before + 20)
+            self.halt_all()
             # As a terminal does: all that is in its foreground gets it.
             os.killpg(sweep.pid, number)
+            self.let_all_go_on()
             done = self.expect(3, self.finish(sweep))
             self.assertRegex(done.stdout, r"The sweep ended early, after \d+ of 600 lines: it was interrupted\.\n")
             self.assertIn(f"To go on with them:\n  {support.SWEEPS[self.engine]} {plan}", done.stdout)
@@ -166,6 +168,15 @@ class Sweeps:
             return (words[0], int(words[1]), int(words[2]), words[3]) if words[2] != "0" else None
         return wait_until(state, f"{bench} runs something")
 
+    def halt_all(self):
+        """Then each bench has a run that cannot end."""
+        for device in self.devices:
+            wait_until(device.halt_in_a_transmission, f"{device.name} transmits", 120)
+
+    def let_all_go_on(self):
+        for device in self.devices:
+            device.go_on()
+
     def expect_nothing_left(self):
         for process in support.processes_with(f"SARVEX_LOCKS={self.folder}/locks"):
             self.fail(f"still there: {support.command_of(process)}")
@@ -201,9 +212,9 @@ class SlurmSweep(Sweeps, support.FarmTest):
     def test_a_job_that_is_requeued_by_hand_is_repeated(self):
         plan = self.write_plan(400)
         sweep = self.start_sweep(plan, "--lines", "50")
-        self.wait_for_rows(20)
-        bench, job = next(iter(self.slurm.running().items()))
-        self.slurm.ask("scontrol", "requeue", job)
+        self.halt_all()
+        self.slurm.ask("scontrol", "requeue", self.slurm.running()["bench1"])
+        self.let_all_go_on()
         self.expect(0, self.finish(sweep))
         self.expect_whole_result(plan)
         self.expect_one_run_at_a_time()
@@ -213,8 +224,9 @@ class SlurmSweep(Sweeps, support.FarmTest):
     def test_jobs_that_are_cancelled_by_hand_are_stopped_and_left_to_the_next_call(self):
         plan = self.write_plan(400)
         sweep = self.start_sweep(plan, "--lines", "50")
-        self.wait_for_rows(20)
+        self.halt_all()
         self.slurm.ask("scancel", *self.slurm.running().values())
+        self.let_all_go_on()
         done = self.expect(3, self.finish(sweep))
         self.assertIn("4 of 8 chunks have no complete run.", done.stdout)
         self.expect_all_off()

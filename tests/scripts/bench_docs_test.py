@@ -16,6 +16,10 @@ import time
 import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(ROOT / "tests/EndToEnd"))
+import free_port  # noqa: E402
+
 PROGRAMS = pathlib.Path(sys.argv[1]).resolve()
 EMULATOR = sys.argv[2:]
 SUFFIX = ".exe" if EMULATOR else ""
@@ -65,7 +69,7 @@ class Stage:
     def start_simulator(self, command):
         """What it prints first, with the usual port in the place of its own."""
         simulator = subprocess.Popen(
-            [*shlex.split(command), "--port", "0"], cwd=self.folder, text=True,
+            [*shlex.split(command), "--port", str(free_port.reserve())], cwd=self.folder, text=True,
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, start_new_session=True)
         self.test.addCleanup(simulator.stdout.close)
         self.test.addCleanup(self.end, simulator)

@@ -12,6 +12,10 @@ import tempfile
 import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(ROOT / "tests/EndToEnd"))
+import free_port  # noqa: E402
+
 PROGRAMS = pathlib.Path(sys.argv[1])
 PAGES = [*sorted(ROOT.glob("*.md")), *sorted((ROOT / "docs").glob("*.md"))]
 SOURCE_FOLDERS = ("Modules/", "Tools/")
@@ -81,7 +85,7 @@ class FirstSessionTest(unittest.TestCase):
         shutil.copytree(ROOT / "examples", self.stage / "examples")
 
     def start_simulator(self):
-        command = [self.stage / "simulator" / "vemo", "--port", "0"]
+        command = [self.stage / "simulator" / "vemo", "--port", str(free_port.reserve())]
         simulator = subprocess.Popen(command, stdout=subprocess.PIPE, text=True)
         self.addCleanup(simulator.stdout.close)
         self.addCleanup(simulator.wait)
