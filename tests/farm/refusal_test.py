@@ -140,6 +140,61 @@ class Going(support.FarmTest):
         self.expect_one_run_at_a_time()
 
 
+class JobOnABadHost(support.FarmTest):
+    """The batch script of a chunk where its host lacks something, without Slurm: scontrol only notes its call."""
+
+    def setUp(self):
+        super().setUp()
+        self.told = self.folder / "told"
+        scontrol = self.folder / "tools/scontrol"
+        scontrol.parent.mkdir()
+        scontrol.write_text(f'#!/bin/sh\nprintf "%s\\n" "$@" >>"{self.told}"\n')
+        scontrol.chmod(0o755)
+        self.environment.update(PATH=f"{scontrol.parent}:{self.environment['PATH']}", SLURMD_NODENAME="bench1",
+                                SLURM_ARRAY_TASK_ID="2")
+        self.sweep_dir = self.folder / "a sweep"
+
+    def start_job(self, farm=support.ROOT / "farm", restarts=0):
+        self.environment["SLURM_RESTART_COUNT"] = str(restarts)
+        job = subprocess.Popen([support.ROOT / "farm/slurm/chunk.sbatch", farm, self.sweep_dir],
+                               env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                               stderr=subprocess.DEVNULL, start_new_session=True)
+        self.addCleanup(self.end_job, job)
+        return job
+
+    def end_job(self, job):
+        if job.poll() is None:
+            os.killpg(job.pid, signal.SIGKILL)
+        job.wait()
+
+    def expect_bench_out(self, job, code, why):
+        self.assertEqual(code, job.wait(60))
+        self.assertEqual(f"update\nNodeName=bench1\nState=DRAIN\nReason={why}\n", self.told.read_text())
+
+    def test_a_host_without_the_folder_is_taken_out_and_the_chunk_repeated(self):
+        self.expect_bench_out(self.start_job(), 3,
+                              f"its host has no folder {self.sweep_dir}, or no permission to write there")
+
+    def test_a_host_without_the_scripts_is_taken_out_and_a_chunk_that_was_repeated_often_held(self):
+        (self.sweep_dir / "log").mkdir(parents=True)
+        for number in (1, 2):
+            (self.sweep_dir / f"chunk-000{number}.csv").write_text("")
+        self.expect_bench_out(self.start_job(self.folder / "none", restarts=5), 5, f"its host has no {self.folder}/none")
+        self.assertIn("No such file", (self.sweep_dir / "log/chunk-0002.log").read_text())
+
+    def test_a_job_that_the_sweep_ends_blames_no_bench(self):
+        job = self.start_job()
+        # As Slurm does it, once the job waits for it.
+        support.wait_until(lambda: "sleep" in self.children_of(job), "the job waits")
+        os.killpg(job.pid, signal.SIGTERM)
+        self.assertEqual(3, job.wait(10))
+        self.assertFalse(self.told.exists())
+
+    def children_of(self, job):
+        return [support.command_of(child).partition("\0")[0]
+                for child in support.processes_with("SLURMD_NODENAME=bench1") if support.parent_of(child) == job.pid]
+
+
 class SlurmSetup(support.FarmTest):
     """A cluster that was not set up for benches."""
     engine = "slurm"

@@ -215,8 +215,17 @@ class Slurm:
     def start_controller(self, *options):
         self.start_process("slurmctld", "slurmctld", "-D", *options)
 
-    def start_node(self, bench):
-        self.start_process(bench, "slurmd", "-D", "-N", bench)
+    def start_node(self, bench, *surroundings):
+        self.start_process(bench, *surroundings, "slurmd", "-D", "-N", bench)
+
+    def start_node_without(self, bench, folder):
+        """As a host that has nothing in a folder, where nobody may write."""
+        log = self.folder / "log" / f"slurmd-{bench}"
+        starts = log.read_text().count("slurmd started")
+        self.kill_process(bench, signal.SIGTERM)
+        self.start_node(bench, "unshare", "--mount", "sh", "-c",
+                        'mount -t tmpfs -o ro none "$0" && exec "$@"', folder)
+        wait_until(lambda: log.read_text().count("slurmd started") > starts, f"slurmd of {bench} has started again")
 
     def kill_process(self, name, number=signal.SIGKILL):
         process = self.processes.pop(name)

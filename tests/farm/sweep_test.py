@@ -313,6 +313,29 @@ class SlurmSweep(Sweeps, support.FarmTest):
         self.expect_all_off()
 
     @unittest.skipUnless(LONG, "takes a minute")
+    def test_hosts_that_lack_what_the_chunks_need_are_taken_out_and_no_chunk_is_lost(self):
+        if os.geteuid():
+            self.skipTest("only root can hide a folder from a host")
+        self.slurm.start_node_without("bench1", self.folder)
+        self.slurm.start_node_without("bench2", self.folder / "locks")
+        plan = self.write_plan(400)
+        done = self.expect(0, self.sweep(plan, "--lines", "20"))
+        self.expect_whole_result(plan)
+        self.assertIn(f"bench1 is out of use: its host has no folder {self.sweep_folder()}, or no permission",
+                      done.stderr)
+        self.assertRegex(done.stderr, r"bench2 is out of use: 3 failures in a row; the lock of bench2, \S+, "
+                                      r"cannot be made\n")
+        for device in self.devices[:2]:
+            self.assertEqual([], device.commands())
+
+    def test_settings_of_slurms_commands_do_not_hide_the_jobs(self):
+        self.environment.update(SQUEUE_STATES="FAILED", SQUEUE_USERS="nobody", SINFO_PARTITION="none",
+                                SCANCEL_INTERACTIVE="1")
+        plan = self.write_plan(20)
+        self.expect(0, self.sweep(plan))
+        self.expect_whole_result(plan)
+
+    @unittest.skipUnless(LONG, "takes a minute")
     def test_a_chunk_that_always_fails_is_given_up(self):
         # A return code that is no number ends the client.
         for device in self.devices:
