@@ -366,8 +366,8 @@ class FarmTest(unittest.TestCase):
 
     def start_sweep(self, plan, *options, run_options=(), wait=5, engine=None, **more):
         """In a session of its own, so that a signal for its group reaches all that a terminal would reach."""
-        command = [*WITH_TEST, SWEEPS[engine or self.engine], plan, "--table", self.table, *options, "--", "--client", CLIENT,
-                   "--wait", str(wait), *run_options]
+        command = [*WITH_TEST, SWEEPS[engine or self.engine], plan, "--table", self.table, *options, "--",
+                   "--client", CLIENT, *(["--wait", str(wait)] if wait else []), *run_options]
         sweep = subprocess.Popen(command, cwd=self.folder, stdin=subprocess.DEVNULL, text=True,
                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE, start_new_session=True,
                                  env=self.environment, **more)

@@ -156,6 +156,14 @@ class Sweeps:
         self.assertEqual([], [device.name for device in self.devices if device.commands()])
         self.expect(0, self.sweep(plan))
 
+    def test_the_first_command_of_the_client_is_that_of_each_run(self):
+        plan = self.write_plan(20)
+        self.expect(0, self.sweep(plan, wait=None, run_options=["--", "-wifi-band", "5"]))
+        for run in self.runs():
+            options = json.loads((run / "run.json").read_text())["options"]
+            self.assertEqual((["-wifi-band", "5"], True, 60),
+                             (options["firstCommand"], options["firstCommandAccepted"], options["wait"]))
+
     # What the tests look at.
 
     def is_complete(self, run):
