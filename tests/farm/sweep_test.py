@@ -21,7 +21,7 @@ class Sweeps:
     def test_the_result_is_that_of_one_client_wherever_the_plan_is_cut(self):
         plan = self.write_plan(600 if LONG else 60, "a plan; 50 % of 'it'.csv")
         for size in (7, 10, 25, 100, 600) if LONG else (17, None):
-            name = f"a 50 % sweep of {size}"
+            name = f"a 50 % \\%a {{}} {{.}} {{%}} sweep of {size}"
             with self.subTest(name):
                 options = ["--lines", str(size)] if size else []
                 self.expect(0, self.sweep(plan, *options, "--out", self.sweep_folder(name)))
