@@ -48,6 +48,8 @@ is_complete() {
 # is complete and has claimed nothing is one whose run-chunk was killed.
 settle() {
     local runs=$1/runs/$2 attempt number
+    # The attempt that counted was taken away, to be measured again.
+    is_claimed "$1" "$2" || [ ! -L "$runs/claimed" ] || rm -f "$runs/claimed"
     for attempt in "$runs"/[1-9]*/; do
         attempt=${attempt%/}
         number=${attempt##*/}
@@ -62,7 +64,7 @@ settle() {
 
 # is_claimed DIR CHUNK
 is_claimed() {
-    [ -L "$1/runs/$2/claimed" ]
+    [ -e "$1/runs/$2/claimed/run.json" ]
 }
 
 # read_table FILE: sets bench_names, and daemon_of and device_of by name. A line is NAME DAEMON DEVICE.

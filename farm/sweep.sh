@@ -153,7 +153,7 @@ settle_all() {
     local chunk attempts
     for chunk in "${chunks[@]}"; do
         attempts=("$dir/runs/$chunk"/[1-9]*/)
-        [ -d "${attempts[0]}" ] || continue
+        [ -d "${attempts[0]}" ] || [ -L "$dir/runs/$chunk/claimed" ] || continue
         if ! is_claimed "$dir" "$chunk" || [ ${#attempts[@]} -gt 1 ]; then
             settle "$dir" "$chunk"
         fi

@@ -126,6 +126,17 @@ class Going(support.FarmTest):
         self.expect(0, self.sweep(plan))
         self.expect_whole_result(plan)
 
+    def test_an_attempt_that_is_taken_away_is_measured_again(self):
+        self.start_devices(2)
+        plan = self.write_plan(40)
+        self.expect(0, self.sweep(plan, "--lines", "10"))
+        shutil.rmtree(self.sweep_folder() / "merged")
+        shutil.rmtree(self.sweep_folder() / "runs/chunk-0002/1")
+        before = [len(device.commands()) for device in self.devices]
+        self.expect(0, self.sweep(plan))
+        self.expect_whole_result(plan)
+        self.assertNotEqual(before, [len(device.commands()) for device in self.devices])
+
     def test_a_sweep_that_is_under_way_is_not_started_again(self):
         self.start_devices(2, latency=50)
         plan = self.write_plan(60)
