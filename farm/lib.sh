@@ -67,7 +67,8 @@ is_claimed() {
     [ -e "$1/runs/$2/claimed/run.json" ]
 }
 
-# read_table FILE: sets bench_names, and daemon_of and device_of by name. A line is NAME DAEMON DEVICE.
+# read_table FILE: sets bench_names, and daemon_of and device_of by name. A line is NAME DAEMON DEVICE;
+# a word that begins with # begins a comment.
 read_table() {
     local name daemon device rest where number=0
     declare -gA daemon_of=() device_of=()
@@ -77,10 +78,10 @@ read_table() {
     while read -r name daemon device rest || [ -n "$name" ]; do
         number=$((number + 1))
         where="$1:$number"
-        case $name in '' | '#'*) continue ;; esac
+        [ -n "$name" ] || continue
         [ -n "$device" ] ||
             fail 2 "$where: a line needs NAME DAEMON DEVICE, for example: bench1 10.0.0.11:8738 DUT-42"
-        case $rest in '' | '#'*) ;; *) fail 2 "$where: more than NAME DAEMON DEVICE: $rest" ;; esac
+        [ -z "$rest" ] || fail 2 "$where: more than NAME DAEMON DEVICE: $rest"
         [[ $name =~ ^[A-Za-z0-9][A-Za-z0-9._-]*$ ]] ||
             fail 2 "$where: the bench's name $name: only letters, digits, '.', '_' and '-' are allowed"
         [[ $daemon =~ ^(\[[0-9A-Fa-f:.]+\]|[^]:[]+)(:[0-9]+)?$ ]] ||
@@ -92,7 +93,7 @@ read_table() {
         daemon_of[$name]=$daemon
         device_of[$name]=$device
         bench_at[$daemon]=$name
-    done < <(tr -d '\r' <"$1")
+    done < <(tr -d '\r' <"$1" | sed -E 's/(^|[[:blank:]])#.*//')
     [ ${#bench_names[@]} -gt 0 ] || fail 2 "the table of benches $1 names none"
 }
 

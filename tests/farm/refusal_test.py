@@ -54,6 +54,7 @@ class Refusals(support.FarmTest):
                 ("bench1 h:x DUT\n", ":1: the daemon h:x is not of the form HOST[:PORT]"),
                 ("bench1 h:1 A\nbench1 h:2 B\n", ":2: there are two lines for the bench bench1"),
                 ("bench1 h:1 A\nbench2 h:1 B\n", ":2: bench2 and bench1 have the same daemon, h:1"),
+                ("bench1 h:1 #DUT\n", ":1: a line needs NAME DAEMON DEVICE"),
                 ("# none\n\n", " names none")):
             with self.subTest(text=text):
                 self.table.write_text(text)
