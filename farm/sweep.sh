@@ -125,6 +125,16 @@ split_plan() {
     }
 }
 
+# For the jobs, of which some may go on and read it.
+keep_table() {
+    if [ -n "$table" ]; then
+        cp "$table" "$dir/bench-table.new"
+        mv "$dir/bench-table.new" "$dir/bench-table"
+    else
+        rm -f "$dir/bench-table"
+    fi
+}
+
 # Sets chunks, and lines_of by chunk.
 read_chunks() {
     local file count
@@ -318,7 +328,7 @@ run_sweep() {
     engine_check
     open_folder
     split_plan
-    if [ -n "$table" ]; then cp "$table" "$dir/bench-table"; else rm -f "$dir/bench-table"; fi
+    keep_table
     mkdir -p "$dir/log" "$dir/runs" "$dir/benches"
     rm -f "$dir/stopped"
     # Ctrl-C reaches the commands that this script has just started, too: none that ends is to end the script.
