@@ -5,9 +5,7 @@
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/ResultTree.h"
-#include "Tools/SarvexTool/Bench/Files/RunEnd.h"
-#include "Tools/SarvexTool/Bench/Files/RunPlaceFields.h"
-#include "Tools/SarvexTool/Bench/Files/RunSourceFields.h"
+#include "Tools/SarvexTool/Bench/Files/RunRecord.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/TestFile.h"
 
 #include <algorithm>

@@ -5,7 +5,6 @@
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/JsonFields.h"
-#include "Tools/SarvexTool/Bench/Files/RunPlaceFields.h"
 #include "Tools/SarvexTool/Bench/Files/RunSourceFields.h"
 
 #include <algorithm>

@@ -1,36 +1,15 @@
 #include "Tools/SarvexTool/Bench/Files/RunSourceFields.h"
 
-#include "Tools/SarvexTool/Bench/Files/BadFile.h"
-#include "Tools/SarvexTool/Bench/Files/FileNames.h"
-#include "Tools/SarvexTool/Bench/Files/Input.h"
-#include "Tools/SarvexTool/Bench/Files/RunPlaceFields.h"
-
-#include <filesystem>
-#include <limits>
-#include <sstream>
-#include <stdexcept>
-#include <utility>
-
 namespace Bench {
 
-namespace {
-
-LineRange LinesOf(const JsonFields& fields) {
-    return {fields.Line("firstLine"), fields.Line("lastLine")};
+void PutPlace(Json& object, const RunPlace& place) {
+    if (place.bench)
+        PutText(object, "bench", *place.bench);
+    if (place.device)
+        PutText(object, "device", *place.device);
+    if (place.attempt)
+        object["attempt"] = *place.attempt;
 }
-
-Sources SourcesOf(const JsonFields& facts) {
-    std::vector<Source> sources;
-    if (facts.Has("sources")) {
-        for (const JsonFields& source : facts.Objects("sources"))
-            sources.push_back({LinesOf(source), PlaceOf(source)});
-    } else if (const RunPlace place = PlaceOf(facts); place != RunPlace()) {
-        sources.push_back({{1, std::numeric_limits<LineNumber>::max()}, place});
-    }
-    return Sources(std::move(sources));
-}
-
-} // namespace
 
 Json ToJson(const RunSource& source) {
     Json json{{"firstLine", source.lines.first}, {"lastLine", source.lines.last}};
@@ -54,6 +33,21 @@ Json ToJson(const OtherAttempt& attempt) {
     return json;
 }
 
+RunPlace PlaceOf(const JsonFields& fields) {
+    RunPlace place;
+    if (fields.Has("bench"))
+        place.bench = fields.Text("bench");
+    if (fields.Has("device"))
+        place.device = fields.Text("device");
+    if (fields.Has("attempt"))
+        place.attempt = fields.Line("attempt");
+    return place;
+}
+
+LineRange LinesOf(const JsonFields& fields) {
+    return {fields.Line("firstLine"), fields.Line("lastLine")};
+}
+
 RunSource RunSourceOf(const JsonFields& fields) {
     RunSource source;
     source.lines = LinesOf(fields);
@@ -72,19 +66,6 @@ RunSource RunSourceOf(const JsonFields& fields) {
 
 OtherAttempt OtherAttemptOf(const JsonFields& fields) {
     return {RunSourceOf(fields), fields.Count("linesDone"), fields.Text("outcome")};
-}
-
-Sources ReadSources(const std::string& factsName) {
-    std::error_code ignored;
-    if (!std::filesystem::exists(PathOf(factsName), ignored))
-        return {};
-    std::istringstream noStandardInput;
-    const std::string text = ReadInput(factsName, noStandardInput);
-    try {
-        return SourcesOf(JsonFields::Parse(text));
-    } catch (const std::invalid_argument& wrong) {
-        throw BadInput(factsName, wrong.what());
-    }
 }
 
 } // namespace Bench
