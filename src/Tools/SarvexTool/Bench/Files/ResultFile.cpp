@@ -263,7 +263,9 @@ RunResult Parse(ResultReader& reader, std::string_view bytes, const std::string&
     return reader.Take();
 }
 
-RunResult ReadJournalledRun(const ResultNames& names, std::string_view table, TextPool& texts) {
+/// Reads the run and the place of a result.
+void ReadJournalledRun(const ResultNames& names, std::string_view table, TextPool& texts,
+                       Result& result) {
     const std::filesystem::path path = PathOf(*names.journal);
     std::error_code ignored;
     std::ifstream file;
@@ -274,10 +276,11 @@ RunResult ReadJournalledRun(const ResultNames& names, std::string_view table, Te
         throw BadInput(*names.journal, "cannot be read");
     JournalReader journal(file, *names.journal);
     ResultReader reader(texts, &journal);
-    RunResult run = Parse(reader, table, names.table);
-    run.earlyEnd = ReadEarlyEnd(*names.facts, run.configurations.size() - reader.NotRun());
-    run.sources = ReadSources(*names.facts);
-    return run;
+    result.run = Parse(reader, table, names.table);
+    RunRecord record = ReadRunRecord(*names.facts);
+    result.run.earlyEnd = record.EarlyEndAfter(result.run.configurations.size() - reader.NotRun());
+    result.run.sources = std::move(record.sources);
+    result.place = std::move(record.place);
 }
 
 } // namespace
@@ -312,12 +315,12 @@ ResultNames NamesOf(const std::string& result) {
 Result ReadResult(const ResultNames& names, std::istream& standardInput, TextPool& texts) {
     Result result;
     const std::string table = ReadInput(names.table, standardInput);
-    result.run = names.journal ? ReadJournalledRun(names, table, texts)
-                               : ParseResult(table, names.table, texts);
+    if (names.journal)
+        ReadJournalledRun(names, table, texts, result);
+    else
+        result.run = ParseResult(table, names.table, texts);
     result.device = names.tree ? ReadResultTree(*names.tree)
                                : DeviceFacts{std::nullopt, "standard input has no result.xml"};
-    if (names.facts)
-        result.place = ReadPlace(*names.facts);
     return result;
 }
 

@@ -10,23 +10,13 @@
 #include <limits>
 #include <sstream>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 #include <vector>
 
 namespace Bench {
 
 namespace {
-
-std::optional<EarlyEnd> EarlyEndOf(const JsonFields& facts, std::size_t journalledLines) {
-    if (facts.Has("linesTotal")) {
-        const auto total = static_cast<std::size_t>(facts.Count("linesTotal"));
-        return journalledLines < total ? std::optional(EarlyEnd{journalledLines, total})
-                                       : std::nullopt;
-    }
-    if (facts.Has("outcome") && facts.Text("outcome") == "complete")
-        return std::nullopt;
-    return EarlyEnd{journalledLines, std::nullopt};
-}
 
 Sources SourcesOf(const JsonFields& facts) {
     std::vector<Source> sources;
@@ -39,44 +29,35 @@ Sources SourcesOf(const JsonFields& facts) {
     return Sources(std::move(sources));
 }
 
+RunRecord RecordOf(const JsonFields& facts) {
+    RunRecord record;
+    if (facts.Has("linesTotal"))
+        record.linesTotal = static_cast<std::size_t>(facts.Count("linesTotal"));
+    else
+        record.isCalledComplete = facts.Has("outcome") && facts.Text("outcome") == "complete";
+    record.sources = SourcesOf(facts);
+    record.place = PlaceOf(facts);
+    return record;
+}
+
 } // namespace
 
-std::optional<EarlyEnd> ReadEarlyEnd(const std::string& factsName, std::size_t journalledLines) {
+std::optional<EarlyEnd> RunRecord::EarlyEndAfter(std::size_t journalledLines) const {
+    const bool isComplete = linesTotal ? journalledLines >= *linesTotal : isCalledComplete;
+    return isComplete ? std::nullopt : std::optional(EarlyEnd{journalledLines, linesTotal});
+}
+
+RunRecord ReadRunRecord(const std::string& factsName) {
     std::error_code ignored;
     if (!std::filesystem::exists(PathOf(factsName), ignored))
-        return EarlyEnd{journalledLines, std::nullopt};
+        return {};
+    // Opening a pipe would wait for somebody who writes into it.
     if (!std::filesystem::is_regular_file(PathOf(factsName), ignored))
         throw BadInput(factsName, "cannot be read");
     std::istringstream noStandardInput;
     const std::string text = ReadInput(factsName, noStandardInput);
     try {
-        return EarlyEndOf(JsonFields::Parse(text), journalledLines);
-    } catch (const WrongJson& wrong) {
-        throw BadInput(factsName, wrong.what());
-    }
-}
-
-RunPlace ReadPlace(const std::string& factsName) {
-    std::error_code ignored;
-    if (!std::filesystem::exists(PathOf(factsName), ignored))
-        return {};
-    std::istringstream noStandardInput;
-    const std::string text = ReadInput(factsName, noStandardInput);
-    try {
-        return PlaceOf(JsonFields::Parse(text));
-    } catch (const WrongJson& wrong) {
-        throw BadInput(factsName, wrong.what());
-    }
-}
-
-Sources ReadSources(const std::string& factsName) {
-    std::error_code ignored;
-    if (!std::filesystem::exists(PathOf(factsName), ignored))
-        return {};
-    std::istringstream noStandardInput;
-    const std::string text = ReadInput(factsName, noStandardInput);
-    try {
-        return SourcesOf(JsonFields::Parse(text));
+        return RecordOf(JsonFields::Parse(text));
     } catch (const std::invalid_argument& wrong) {
         throw BadInput(factsName, wrong.what());
     }

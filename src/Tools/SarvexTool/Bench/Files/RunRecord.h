@@ -4,26 +4,31 @@
 #include "Tools/SarvexTool/Bench/Core/RunPlace.h"
 #include "Tools/SarvexTool/Bench/Core/Sources.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
 namespace Bench {
 
-// What the run.json beside a result tells of its measurements. Somebody else may have written it:
-// keys that are missing, or that nobody asks for, do no harm. All of these throw BadInput when the
-// file cannot be read or is no JSON.
+/// What the run.json beside a result tells of its measurements. Without one, it tells nothing.
+struct RunRecord {
+    /// How many lines the test file had.
+    std::optional<std::size_t> linesTotal;
+    /// Whether it calls the run complete, where it does not tell the number of lines.
+    bool isCalledComplete = false;
+    /// Where the lines were measured: the runs that this one was merged from, else its own place,
+    /// which is that of all lines.
+    Sources sources;
+    RunPlace place;
 
-/// Whether a run with a journal ended before its last line: its run.json has fewer journalled lines
-/// than the test file had, or does not tell how many there were and calls the run anything but
-/// "complete". A run without a run.json is not known to be complete.
-std::optional<EarlyEnd> ReadEarlyEnd(const std::string& factsName, std::size_t journalledLines);
+    /// Whether a run with so many journalled lines ended before its last one. A run that is not
+    /// known to be complete did.
+    std::optional<EarlyEnd> EarlyEndAfter(std::size_t journalledLines) const;
+};
 
-/// The place that the run.json of that name tells. A file that does not exist tells none.
-RunPlace ReadPlace(const std::string& factsName);
-
-/// Where the lines of a run were measured: by its sources where it was merged, else by its own
-/// place, which is that of all lines. A file that does not exist tells nothing. Throws BadInput,
-/// too, for sources that are not as they should be.
-Sources ReadSources(const std::string& factsName);
+/// Somebody else may have written the file: keys that are missing, or that nobody asks for, do no
+/// harm. Throws BadInput when it is there and cannot be read, is no JSON, or has a value that is
+/// not as it should be.
+RunRecord ReadRunRecord(const std::string& factsName);
 
 } // namespace Bench
