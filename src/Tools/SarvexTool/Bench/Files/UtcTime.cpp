@@ -1,18 +1,87 @@
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"
 
+#include <algorithm>
+
 namespace Bench {
 
 namespace {
+
+namespace chrono = std::chrono;
 
 std::string Digits(long long number, std::size_t count) {
     std::string text = std::to_string(number);
     return text.size() < count ? std::string(count - text.size(), '0') + text : text;
 }
 
+bool IsDigit(char character) {
+    return character >= '0' && character <= '9';
+}
+
+/// Takes a number of so many digits off the text, and the character after it where there is to be
+/// one; nothing for anything else.
+std::optional<int> TakeNumber(std::string_view& text, std::size_t digits, char after) {
+    constexpr int ten = 10;
+    const std::size_t size = digits + std::size_t{after != '\0'};
+    if (text.size() < size || !std::all_of(text.begin(), text.begin() + digits, IsDigit) ||
+        (after != '\0' && text[digits] != after))
+        return std::nullopt;
+    int number = 0;
+    for (const char digit : text.substr(0, digits))
+        number = number * ten + (digit - '0');
+    text.remove_prefix(size);
+    return number;
+}
+
+std::optional<chrono::sys_days> TakeDay(std::string_view& text, char after) {
+    const std::optional<int> year = TakeNumber(text, 4, '-');
+    const std::optional<int> month = year ? TakeNumber(text, 2, '-') : std::nullopt;
+    const std::optional<int> day = month ? TakeNumber(text, 2, after) : std::nullopt;
+    if (!day)
+        return std::nullopt;
+    const chrono::year_month_day date(chrono::year(*year),
+                                      chrono::month(static_cast<unsigned>(*month)),
+                                      chrono::day(static_cast<unsigned>(*day)));
+    return date.ok() ? std::optional(chrono::sys_days(date)) : std::nullopt;
+}
+
+/// "08:05:00", up to 23:59:59.
+std::optional<chrono::seconds> TakeTime(std::string_view& text) {
+    constexpr int hours = 24;
+    constexpr int sixty = 60;
+    const std::optional<int> hour = TakeNumber(text, 2, ':');
+    const std::optional<int> minute = hour ? TakeNumber(text, 2, ':') : std::nullopt;
+    const std::optional<int> second = minute ? TakeNumber(text, 2, '\0') : std::nullopt;
+    if (!second || *hour >= hours || *minute >= sixty || *second >= sixty)
+        return std::nullopt;
+    return chrono::hours(*hour) + chrono::minutes(*minute) + chrono::seconds(*second);
+}
+
 } // namespace
 
+std::optional<chrono::system_clock::time_point> ParseUtcTime(std::string_view text) {
+    const std::optional<chrono::sys_days> day = TakeDay(text, 'T');
+    const std::optional<chrono::seconds> time = day ? TakeTime(text) : std::nullopt;
+    if (!time)
+        return std::nullopt;
+    chrono::milliseconds fraction{0};
+    if (text.starts_with('.')) {
+        text.remove_prefix(1);
+        const std::optional<int> number = TakeNumber(text, 3, '\0');
+        if (!number)
+            return std::nullopt;
+        fraction = chrono::milliseconds(*number);
+    }
+    return text == "Z" ? std::optional<chrono::system_clock::time_point>(*day + *time + fraction)
+                       : std::nullopt;
+}
+
+std::optional<chrono::system_clock::time_point> ParseUtcDay(std::string_view text) {
+    const std::optional<chrono::sys_days> day = TakeDay(text, '\0');
+    return day && text.empty() ? std::optional<chrono::system_clock::time_point>(*day)
+                               : std::nullopt;
+}
+
 std::string UtcTime(std::chrono::system_clock::time_point time) {
-    namespace chrono = std::chrono;
     const auto moment = chrono::floor<chrono::milliseconds>(time);
     const auto day = chrono::floor<chrono::days>(moment);
     const chrono::year_month_day date(day);

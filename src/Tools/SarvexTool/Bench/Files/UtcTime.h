@@ -1,11 +1,20 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace Bench {
 
 /// A moment as ISO 8601 writes it, to the millisecond: "2026-03-09T08:05:00.250Z".
 std::string UtcTime(std::chrono::system_clock::time_point time);
+
+/// Reads a moment in that form, with or without the fraction of the second; nothing for any other
+/// text, and for a day or a time that there is not.
+std::optional<std::chrono::system_clock::time_point> ParseUtcTime(std::string_view text);
+
+/// Reads a day as "2026-03-09": its first moment. Nothing for any other text.
+std::optional<std::chrono::system_clock::time_point> ParseUtcDay(std::string_view text);
 
 } // namespace Bench

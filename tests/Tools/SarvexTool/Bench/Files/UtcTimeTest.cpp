@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+
 namespace Bench {
 namespace {
 
@@ -15,6 +17,32 @@ TEST(UtcTimeTest, IsIso8601ToTheMillisecond) {
               "2026-03-09T08:05:00.007Z");
     EXPECT_EQ(UtcTime(system_clock::time_point(seconds(1'709'251'199) + milliseconds(999))),
               "2024-02-29T23:59:59.999Z");
+}
+
+TEST(UtcTimeTest, IsReadAsItIsWritten) {
+    for (const auto moment : {milliseconds(0), milliseconds(1'773'043'500'007),
+                              milliseconds(1'709'251'199'999), milliseconds(-1)}) {
+        const system_clock::time_point time(moment);
+        EXPECT_EQ(ParseUtcTime(UtcTime(time)), time) << moment.count();
+    }
+    EXPECT_EQ(ParseUtcTime("2026-03-09T08:05:00Z"),
+              system_clock::time_point(seconds(1'773'043'500)));
+}
+
+TEST(UtcTimeTest, NoOtherTextIsOne) {
+    for (const char* text :
+         {"", "2026-03-09", "2026-03-09T08:05:00", "2026-03-09 08:05:00Z", "2026-3-9T08:05:00Z",
+          "2026-02-29T08:05:00Z", "2026-13-01T08:05:00Z", "2026-03-09T24:00:00Z",
+          "2026-03-09T08:60:00Z", "2026-03-09T08:05:60Z", "2026-03-09T08:05:00.1Z",
+          "2026-03-09T08:05:00.1234Z", "2026-03-09T08:05:00.Z", "2026-03-09T08:05:00ZZ",
+          "2026-03-09T08:05:00+01:00", "+026-03-09T08:05:00Z", "2026-03-09T08:05Z"})
+        EXPECT_EQ(ParseUtcTime(text), std::nullopt) << text;
+}
+
+TEST(UtcTimeTest, ADayBeginsWithItsFirstMoment) {
+    EXPECT_EQ(ParseUtcDay("2026-03-09"), ParseUtcTime("2026-03-09T00:00:00Z"));
+    for (const char* text : {"", "2026-03", "2026-03-09T", "2026-02-30", "26-03-09", "2026-03-09 "})
+        EXPECT_EQ(ParseUtcDay(text), std::nullopt) << text;
 }
 
 } // namespace
