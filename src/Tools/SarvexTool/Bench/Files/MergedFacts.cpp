@@ -30,9 +30,14 @@ public:
             AddUnused(unused);
         m_merged.isMerged = true;
         m_merged.place = {};
+        // Whoever merges says anew whether the whole is kept, and what there is to say of it.
+        m_merged.note.reset();
+        m_merged.options.keep = false;
+        m_merged.options.store.reset();
         m_merged.outcome = m_choice.complete == m_chunks.size() ? "complete" : "partial";
         AddNotes();
         NoteDifferences();
+        NoteFirmware();
         return std::move(m_merged);
     }
 
@@ -85,6 +90,7 @@ private:
     void CountDifferences(const RunFacts& facts) {
         m_otherMacTypes += std::size_t{facts.macType != m_merged.macType};
         m_otherCountryCodes += std::size_t{facts.countryCode != m_merged.countryCode};
+        m_hasOtherFirmware = m_hasOtherFirmware || facts.firmware != m_merged.firmware;
         m_otherClients += std::size_t{facts.clientSha256 != m_merged.clientSha256};
         const RunOptions& options = facts.options;
         if (options.firstCommand.empty() || options.firstCommandAccepted)
@@ -117,6 +123,13 @@ private:
                              "; sources tells of each run");
     }
 
+    void NoteFirmware() {
+        if (!m_hasOtherFirmware)
+            return;
+        m_merged.firmware.reset();
+        m_merged.AddNote("the runs were not all measured with the same firmware");
+    }
+
     void AddUnused(const ChunkChoice::Unused& unused) {
         const RunFolder& run = m_runs[unused.run];
         m_merged.otherAttempts.push_back(
@@ -137,6 +150,7 @@ private:
     std::size_t m_otherMacTypes = 0;
     std::size_t m_otherCountryCodes = 0;
     std::size_t m_otherClients = 0;
+    bool m_hasOtherFirmware = false;
     std::size_t m_refusedCommands = 0;
 };
 

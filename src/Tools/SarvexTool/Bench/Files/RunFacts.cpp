@@ -32,6 +32,10 @@ Json ToJson(const RunOptions& options) {
     PutTexts(json, "firstCommand", options.firstCommand);
     json["firstCommandAnswered"] = options.firstCommandAnswered;
     json["firstCommandAccepted"] = options.firstCommandAccepted;
+    if (options.keep)
+        json["keep"] = true;
+    if (options.store)
+        PutText(json, "store", *options.store);
     return json;
 }
 
@@ -50,6 +54,9 @@ RunOptions OptionsOf(const JsonFields& fields) {
     options.firstCommand = fields.Texts("firstCommand");
     options.firstCommandAnswered = fields.Flag("firstCommandAnswered");
     options.firstCommandAccepted = fields.Flag("firstCommandAccepted");
+    options.keep = fields.Has("keep") && fields.Flag("keep");
+    if (fields.Has("store"))
+        options.store = fields.Text("store");
     return options;
 }
 
@@ -68,6 +75,10 @@ void PutOrigin(Json& json, const RunFacts& facts) {
     json["testFile"] = testFile;
     PutText(json, "daemon", facts.daemon);
     PutPlace(json, facts.place);
+    if (facts.firmware)
+        PutText(json, "firmware", *facts.firmware);
+    if (facts.note)
+        PutText(json, "note", *facts.note);
     if (facts.macType)
         json["macType"] = *facts.macType;
     if (facts.countryCode)
@@ -126,6 +137,10 @@ void ReadOrigin(const JsonFields& fields, RunFacts& facts) {
     facts.testFile = {testFile.Text("name"), testFile.Text("sha256")};
     facts.daemon = fields.Text("daemon");
     facts.place = PlaceOf(fields);
+    if (fields.Has("firmware"))
+        facts.firmware = fields.Text("firmware");
+    if (fields.Has("note"))
+        facts.note = fields.Text("note");
     if (fields.Has("macType"))
         facts.macType = fields.Integer("macType");
     if (fields.Has("countryCode"))

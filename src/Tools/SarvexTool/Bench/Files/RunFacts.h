@@ -29,6 +29,10 @@ struct RunOptions {
     bool firstCommandAnswered = false;
     /// Whether the daemon keeps its settings.
     bool firstCommandAccepted = false;
+    /// Whether the run is to be kept in a history when it is complete, and in which store where it
+    /// is not the default one; without a password.
+    bool keep = false;
+    std::optional<std::string> store;
 
     bool operator==(const RunOptions&) const = default;
 };
@@ -58,6 +62,9 @@ struct RunFacts {
     /// HOST:PORT
     std::string daemon;
     RunPlace place;
+    /// What somebody has told of the device's firmware and of the run. Any texts.
+    std::optional<std::string> firmware;
+    std::optional<std::string> note;
     /// Of the first segment; nothing until the daemon has told it.
     std::optional<std::int32_t> macType;
     std::optional<std::string> countryCode;

@@ -104,6 +104,25 @@ TEST_F(MergedFactsTest, AFirstCommandThatWasRefusedIsThatOfTheWhole) {
     EXPECT_THAT(Merged().options.firstCommand, ElementsAre("-wifi-mode"));
 }
 
+TEST_F(MergedFactsTest, TheFirmwareOfAllRunsIsThatOfTheWhole) {
+    runs[0].facts.firmware = "2.1";
+    runs[1].facts.firmware = "2.1";
+    EXPECT_EQ(Merged().firmware, "2.1");
+    runs[1].facts.firmware = "2.2";
+    const RunFacts facts = Merged();
+    EXPECT_EQ(facts.firmware, std::nullopt);
+    EXPECT_THAT(facts.notes, ElementsAre("the runs were not all measured with the same firmware"));
+}
+
+TEST_F(MergedFactsTest, WhatWasWantedOfThePartsIsNotWantedOfTheWhole) {
+    runs[0].facts.note = "only chunk 1";
+    runs[0].facts.options.keep = true;
+    runs[0].facts.options.store = "lab.db";
+    const RunFacts facts = Merged();
+    EXPECT_EQ(facts.note, std::nullopt);
+    EXPECT_EQ(facts.options, RunOptions());
+}
+
 TEST_F(MergedFactsTest, NotesOfTheRunsAreKeptOnce) {
     runs[0].facts.notes = {"the daemon closes idle connections"};
     runs[1].facts.notes = {"the daemon closes idle connections", "the client changed"};

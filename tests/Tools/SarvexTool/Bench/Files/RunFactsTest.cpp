@@ -23,6 +23,8 @@ RunFacts FullFacts() {
     facts.testFile = {"/home/a b/short.csv", std::string(64, '0')};
     facts.daemon = "127.0.0.1:8738";
     facts.place = {"bench 1", "DUT-\xFF", 2};
+    facts.firmware = "2.1-rc\xFF";
+    facts.note = "after the repair";
     facts.macType = -3;
     facts.countryCode = "DE";
     facts.options = {.segment = 3,
@@ -36,7 +38,9 @@ RunFacts FullFacts() {
                      .client = "/opt/SarvexToolClient",
                      .firstCommand = {"-wifi-band", "\xFE"},
                      .firstCommandAnswered = true,
-                     .firstCommandAccepted = true};
+                     .firstCommandAccepted = true,
+                     .keep = true,
+                     .store = "postgresql://lab/h\xFF"};
     facts.startPassedOn = true;
     facts.stopConfirmed = true;
     facts.linesTotal = 40000;
@@ -84,6 +88,8 @@ TEST(RunFactsTest, AreWrittenInAFixedOrder) {
   "bench": "bench 1",
   "deviceBase64": "RFVULf8=",
   "attempt": 2,
+  "firmwareBase64": "Mi4xLXJj/w==",
+  "note": "after the repair",
   "macType": -3,
   "countryCode": "DE",
   "options": {
@@ -103,7 +109,9 @@ TEST(RunFactsTest, AreWrittenInAFixedOrder) {
       }
     ],
     "firstCommandAnswered": true,
-    "firstCommandAccepted": true
+    "firstCommandAccepted": true,
+    "keep": true,
+    "storeBase64": "cG9zdGdyZXNxbDovL2xhYi9o/w=="
   },
   "startPassedOn": true,
   "stopConfirmed": true,
