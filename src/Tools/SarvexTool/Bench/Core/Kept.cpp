@@ -22,4 +22,9 @@ std::optional<KeptVerdict> KeptVerdictNamed(std::string_view name) {
     return static_cast<KeptVerdict>(found - names.begin());
 }
 
+std::string ShortHash(const std::string& hash) {
+    constexpr std::size_t shownDigits = 8;
+    return hash.substr(0, shownDigits);
+}
+
 } // namespace Bench

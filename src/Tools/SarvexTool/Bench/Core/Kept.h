@@ -21,6 +21,9 @@ const char* NameOf(KeptVerdict verdict);
 /// The verdict of that name; nothing for any other text.
 std::optional<KeptVerdict> KeptVerdictNamed(std::string_view name);
 
+/// The first digits of a run's hash, by which it is called.
+std::string ShortHash(const std::string& hash);
+
 /// What is told of a kept run. Texts may hold any bytes; moments are in seconds since 1970, UTC.
 struct KeptFacts {
     /// Of the run's files: 64 hexadecimal digits in small letters, which it is known by.

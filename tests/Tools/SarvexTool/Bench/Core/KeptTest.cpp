@@ -18,5 +18,10 @@ TEST(KeptTest, AVerdictIsFoundByItsNameAlone) {
         EXPECT_EQ(KeptVerdictNamed(name), std::nullopt) << name;
 }
 
+TEST(KeptTest, ARunIsCalledByTheFirstDigitsOfItsHash) {
+    EXPECT_EQ(ShortHash("0123456789abcdef"), "01234567");
+    EXPECT_EQ(ShortHash("0123"), "0123");
+}
+
 } // namespace
 } // namespace Bench
