@@ -15,8 +15,9 @@ namespace fs = std::filesystem;
 
 /// All that a run directory may hold, and what is made beside two of the files.
 std::vector<std::string> NamesIn(const RunFiles& files) {
-    return {files.testFile, files.result,  files.tree,           files.tree + ".part",
-            files.facts,    files.journal, files.facts + ".part"};
+    return {files.testFile,        files.result,    files.tree,
+            files.tree + ".part",  files.facts,     files.journal,
+            files.facts + ".part", files.exchanges, files.console};
 }
 
 std::string WithoutSlash(std::string name) {
