@@ -1,0 +1,369 @@
+#include "Tools/SarvexTool/Bench/Core/Trend.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numeric>
+
+namespace Bench {
+
+namespace {
+
+/// Powers have at most nine digits after the point; a smaller difference is one of rounding.
+constexpr double leastDifference = 1e-9;
+/// An item without a reference.
+constexpr double none = std::numeric_limits<double>::quiet_NaN();
+
+double MeanOf(std::span<const double> values) {
+    return std::accumulate(values.begin(), values.end(), 0.0) / static_cast<double>(values.size());
+}
+
+double MedianOfCopy(std::vector<double> values) {
+    return MedianOf(values);
+}
+
+/// Rows in the order of a key, and where the rows of each key begin; sorted by counting, because
+/// there may be millions.
+template <typename Value>
+struct Grouped {
+    std::vector<std::size_t> starts;
+    std::vector<Value> values;
+
+    std::span<Value> Of(std::size_t key) {
+        return {values.data() + starts[key], starts[key + 1] - starts[key]};
+    }
+};
+
+/// The key of a row is below the number of keys; rows for which there is no value are left out.
+template <typename Value, typename KeyOf, typename ValueOf>
+Grouped<Value> GroupRows(const std::vector<TrendRow>& rows, std::size_t keys, KeyOf keyOf,
+                         ValueOf valueOf) {
+    Grouped<Value> grouped;
+    grouped.starts.assign(keys + 1, 0);
+    for (const TrendRow& row : rows) {
+        if (valueOf(row))
+            ++grouped.starts[keyOf(row) + 1];
+    }
+    std::partial_sum(grouped.starts.begin(), grouped.starts.end(), grouped.starts.begin());
+    grouped.values.resize(grouped.starts.back());
+    std::vector<std::size_t> next = grouped.starts;
+    for (const TrendRow& row : rows) {
+        if (const std::optional<Value> value = valueOf(row))
+            grouped.values[next[keyOf(row)]++] = *value;
+    }
+    return grouped;
+}
+
+struct StationPower {
+    std::uint32_t station = 0;
+    double power = 0;
+};
+
+/// The means of an item's powers by station, in room that is used again for the next item.
+class StationMeans {
+public:
+    explicit StationMeans(std::size_t stations) : m_sums(stations), m_counts(stations) {}
+
+    /// Those of the stations that have a power, in no order.
+    std::span<double> Of(std::span<const StationPower> powers) {
+        m_means.clear();
+        m_touched.clear();
+        for (const StationPower& power : powers) {
+            if (m_counts[power.station]++ == 0)
+                m_touched.push_back(power.station);
+            m_sums[power.station] += power.power;
+        }
+        for (const std::uint32_t station : m_touched) {
+            m_means.push_back(m_sums[station] / static_cast<double>(m_counts[station]));
+            m_sums[station] = 0;
+            m_counts[station] = 0;
+        }
+        return m_means;
+    }
+
+private:
+    std::vector<double> m_sums;
+    std::vector<std::size_t> m_counts;
+    std::vector<std::uint32_t> m_touched;
+    std::vector<double> m_means;
+};
+
+/// One for each item; none where fewer stations have it than are needed.
+std::vector<double> ReferencesOf(const TrendData& data, std::size_t neededStations) {
+    Grouped<StationPower> byItem = GroupRows<StationPower>(
+        data.rows, data.items.size(), [](const TrendRow& row) { return row.item; },
+        [&data](const TrendRow& row) {
+            return std::optional(StationPower{data.visits[row.visit].station, row.power});
+        });
+    std::vector<double> references(data.items.size(), none);
+    StationMeans means(data.stations.size());
+    for (std::size_t item = 0; item < references.size(); ++item) {
+        const std::span<double> ofItem = means.Of(byItem.Of(item));
+        if (ofItem.size() >= neededStations)
+            references[item] = MedianOf(ofItem);
+    }
+    return references;
+}
+
+/// One for each station, in their order, with its points.
+std::vector<StationTrend> StationsWithPoints(const TrendData& data,
+                                             const std::vector<double>& references) {
+    Grouped<double> differences = GroupRows<double>(
+        data.rows, data.visits.size(), [](const TrendRow& row) { return row.visit; },
+        [&references](const TrendRow& row) {
+            const double reference = references[row.item];
+            return std::isnan(reference) ? std::nullopt : std::optional(row.power - reference);
+        });
+    std::vector<StationTrend> stations(data.stations.size());
+    for (std::size_t station = 0; station < stations.size(); ++station)
+        stations[station].station = static_cast<std::uint32_t>(station);
+    for (std::size_t visit = 0; visit < data.visits.size(); ++visit) {
+        const std::span<double> ofVisit = differences.Of(visit);
+        if (!ofVisit.empty())
+            stations[data.visits[visit].station].points.push_back(
+                {static_cast<std::uint32_t>(visit), MedianOf(ofVisit),
+                 static_cast<std::uint32_t>(ofVisit.size())});
+    }
+    return stations;
+}
+
+std::vector<double> MediansOf(std::span<const TrendPoint> points) {
+    std::vector<double> medians;
+    medians.reserve(points.size());
+    for (const TrendPoint& point : points)
+        medians.push_back(point.median);
+    return medians;
+}
+
+/// The last runs beyond, of a station that has some.
+Drift DriftOf(const std::vector<TrendPoint>& points, const ControlLimits& limits) {
+    const auto isHigh = [&limits](const TrendPoint& point) { return point.median > limits.mean; };
+    std::size_t end = points.size();
+    while (!points[end - 1].isBeyond)
+        --end;
+    Drift drift{end - 1, end - 1};
+    const bool side = isHigh(points[drift.last]);
+    std::size_t beyond = 0;
+    for (std::size_t place = end; place-- > 0 && isHigh(points[place]) == side;) {
+        if (points[place].isBeyond) {
+            drift.first = place;
+            ++beyond;
+        }
+    }
+    while (drift.last + 1 < points.size() && isHigh(points[drift.last + 1]) == side)
+        ++drift.last;
+    drift.isLasting = drift.last + 1 == points.size() || beyond > 1;
+    const std::span<const TrendPoint> all = points;
+    const std::span<const TrendPoint> others =
+        drift.first > 0 ? all.first(drift.first) : all.subspan(drift.last + 1);
+    drift.change = MedianOfCopy(MediansOf(all.subspan(drift.first, drift.last + 1 - drift.first))) -
+                   MedianOfCopy(MediansOf(others));
+    return drift;
+}
+
+void HoldAgainstOwnLimits(StationTrend& station) {
+    station.limits = ControlLimitsOf(MediansOf(station.points));
+    if (!station.limits)
+        return;
+    for (TrendPoint& point : station.points) {
+        point.isBeyond = !station.limits->AreKeptBy(point.median);
+        if (!point.isBeyond)
+            continue;
+        ++station.beyond;
+        station.farthest = std::max(station.farthest, station.limits->DistanceOf(point.median));
+    }
+    if (station.beyond > 0)
+        station.drift = DriftOf(station.points, *station.limits);
+}
+
+/// Whether an offset is too far from those of the others, which are its measure.
+bool IsApart(double offset, std::span<const double> others) {
+    constexpr std::size_t fewestOthers = 3;
+    if (others.size() < fewestOthers)
+        return false;
+    const double mean = MeanOf(others);
+    double squares = 0;
+    for (const double other : others)
+        squares += (other - mean) * (other - mean);
+    const double deviation = std::sqrt(squares / static_cast<double>(others.size() - 1));
+    return std::abs(offset - mean) > ControlLimits::Sigmas * deviation + leastDifference;
+}
+
+void FindApart(std::vector<StationTrend>& stations) {
+    const auto isSteady = [](const StationTrend& station) {
+        return station.limits && station.offset && !station.drift;
+    };
+    for (StationTrend& station : stations) {
+        if (!isSteady(station))
+            continue;
+        std::vector<double> others;
+        for (const StationTrend& other : stations) {
+            if (&other != &station && isSteady(other))
+                others.push_back(*other.offset);
+        }
+        station.isApart = IsApart(*station.offset, others);
+    }
+}
+
+bool IsOut(double power, const Limit& limit) {
+    constexpr double unitsPerOne = 1e9;
+    const Decimal exact = Decimal::FromUnits(std::llround(power * unitsPerOne));
+    return (limit.minimum && exact < *limit.minimum) || (limit.maximum && *limit.maximum < exact);
+}
+
+void CountPowers(const TrendData& data, const std::vector<const Limit*>* limits,
+                 std::vector<StationTrend>& stations) {
+    for (const TrendRow& row : data.rows) {
+        StationTrend& station = stations[data.visits[row.visit].station];
+        ++station.powers;
+        if (limits == nullptr)
+            continue;
+        const Limit* const limit = (*limits)[row.item];
+        station.withoutLimit += std::size_t{limit == nullptr};
+        station.outOfLimits += std::size_t{limit != nullptr && IsOut(row.power, *limit)};
+    }
+}
+
+/// How many stations have a power.
+std::size_t CountStations(const TrendData& data) {
+    std::vector<bool> isThere(data.stations.size());
+    for (const TrendRow& row : data.rows)
+        isThere[data.visits[row.visit].station] = true;
+    return static_cast<std::size_t>(std::count(isThere.begin(), isThere.end(), true));
+}
+
+TrendBasis BasisOf(std::size_t stations) {
+    constexpr std::size_t manyStations = 3;
+    if (stations >= manyStations)
+        return TrendBasis::Stations;
+    if (stations == 0)
+        return TrendBasis::Nothing;
+    return stations == 1 ? TrendBasis::OwnMean : TrendBasis::TwoStations;
+}
+
+/// Where a station is among all: the lower, the more it stands out.
+int RankOf(const StationTrend& station) {
+    enum Rank : int { Drifting, BeyondOnce, Apart, TooFew, Inconspicuous };
+    if (station.drift)
+        return station.drift->isLasting ? Drifting : BeyondOnce;
+    if (station.isApart)
+        return Apart;
+    return station.limits ? Inconspicuous : TooFew;
+}
+
+bool StandsOutMore(const StationTrend& left, const StationTrend& right, const TrendData& data) {
+    if (RankOf(left) != RankOf(right))
+        return RankOf(left) < RankOf(right);
+    if (left.farthest != right.farthest)
+        return left.farthest > right.farthest;
+    return data.stations[left.station].name < data.stations[right.station].name;
+}
+
+template <typename Fits>
+std::size_t CountThose(const std::vector<StationTrend>& stations, Fits fits) {
+    return static_cast<std::size_t>(std::count_if(stations.begin(), stations.end(), fits));
+}
+
+} // namespace
+
+double MedianOf(std::span<double> numbers) {
+    const auto middle = numbers.begin() + static_cast<std::ptrdiff_t>(numbers.size() / 2);
+    std::nth_element(numbers.begin(), middle, numbers.end());
+    if (numbers.size() % 2 == 1)
+        return *middle;
+    return std::midpoint(*std::max_element(numbers.begin(), middle), *middle);
+}
+
+bool ControlLimits::AreKeptBy(double value) const {
+    return std::abs(value - mean) <= Sigmas * sigma + leastDifference;
+}
+
+double ControlLimits::DistanceOf(double value) const {
+    return std::abs(value - mean) / std::max(sigma, leastDifference);
+}
+
+std::optional<ControlLimits> ControlLimitsOf(std::span<const double> values) {
+    if (values.size() < ControlLimits::FewestValues)
+        return std::nullopt;
+    double ranges = 0;
+    for (std::size_t place = 1; place < values.size(); ++place)
+        ranges += std::abs(values[place] - values[place - 1]);
+    const double meanRange = ranges / static_cast<double>(values.size() - 1);
+    return ControlLimits{MeanOf(values), meanRange / ControlLimits::RangeOfTwo};
+}
+
+std::size_t Trend::CountDrifting() const {
+    return CountThose(stations,
+                      [](const StationTrend& station) { return station.drift.has_value(); });
+}
+
+std::size_t Trend::CountTooFew() const {
+    return CountThose(stations, [](const StationTrend& station) { return !station.limits; });
+}
+
+std::size_t Trend::CountOutOfLimits() const {
+    return std::accumulate(
+        stations.begin(), stations.end(), std::size_t{0},
+        [](std::size_t sum, const StationTrend& station) { return sum + station.outOfLimits; });
+}
+
+bool Trend::IsFine() const {
+    return basis != TrendBasis::Nothing && CountDrifting() == 0 && CountTooFew() == 0 &&
+           CountOutOfLimits() == 0;
+}
+
+Trend TrendOf(const TrendData& data, const std::vector<const Limit*>* limits) {
+    const std::size_t stations = CountStations(data);
+    Trend trend;
+    trend.basis = BasisOf(stations);
+    trend.isJudged = limits != nullptr;
+    const std::vector<double> references =
+        ReferencesOf(data, std::clamp<std::size_t>(stations, 1, 2));
+    trend.sharedItems = static_cast<std::size_t>(
+        std::count_if(references.begin(), references.end(),
+                      [](double reference) { return !std::isnan(reference); }));
+    trend.stations = StationsWithPoints(data, references);
+    CountPowers(data, limits, trend.stations);
+    for (StationTrend& station : trend.stations) {
+        if (!station.points.empty() && trend.basis != TrendBasis::OwnMean)
+            station.offset = MedianOfCopy(MediansOf(station.points));
+        HoldAgainstOwnLimits(station);
+    }
+    FindApart(trend.stations);
+    std::sort(trend.stations.begin(), trend.stations.end(),
+              [&data](const StationTrend& left, const StationTrend& right) {
+                  return StandsOutMore(left, right, data);
+              });
+    return trend;
+}
+
+std::vector<const Limit*> LimitsOf(const TrendData& data, LimitTable& table) {
+    std::vector<const Limit*> limits;
+    limits.reserve(data.items.size());
+    for (const TrendItem& item : data.items)
+        limits.push_back(table.Find(item.settings, item.chain));
+    return limits;
+}
+
+std::vector<TrendPower> PowersOf(const TrendData& data, const std::vector<const Limit*>* limits) {
+    std::vector<TrendPower> powers;
+    if (data.items.size() != 1)
+        return powers;
+    const Limit* const limit = limits != nullptr ? limits->front() : nullptr;
+    std::vector<double> sums(data.visits.size());
+    std::vector<std::size_t> counts(data.visits.size());
+    std::vector<bool> areOut(data.visits.size());
+    for (const TrendRow& row : data.rows) {
+        sums[row.visit] += row.power;
+        ++counts[row.visit];
+        areOut[row.visit] = areOut[row.visit] || (limit != nullptr && IsOut(row.power, *limit));
+    }
+    for (std::size_t visit = 0; visit < data.visits.size(); ++visit) {
+        if (counts[visit] != 0)
+            powers.push_back({static_cast<std::uint32_t>(visit),
+                              sums[visit] / static_cast<double>(counts[visit]), areOut[visit]});
+    }
+    return powers;
+}
+
+} // namespace Bench

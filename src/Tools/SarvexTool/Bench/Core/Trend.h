@@ -1,0 +1,189 @@
+#pragma once
+
+#include "Tools/SarvexTool/Bench/Core/Limits.h"
+#include "Tools/SarvexTool/Bench/Core/Measurements.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace Bench {
+
+/// A bench whose runs are followed. The devices are told beside it: a change of the device shows in
+/// the same way as a drift.
+struct TrendStation {
+    /// "unknown" stands for the runs of which nothing tells the bench. Any text.
+    std::string name;
+    /// Each once, in the order of their names.
+    std::vector<std::string> devices;
+};
+
+/// What one station measured in one run.
+struct TrendVisit {
+    /// The place in TrendData::stations.
+    std::uint32_t station = 0;
+    /// In seconds since 1970, UTC.
+    std::int64_t measuredAt = 0;
+    /// The first digits of the run's hash, as the commands take them.
+    std::string run;
+    /// Empty where nothing tells it. Any text.
+    std::string device;
+};
+
+/// What is measured again and again: a configuration and a chain. The texts belong to a pool.
+struct TrendItem {
+    Settings settings;
+    Chain chain = Chain::A;
+};
+
+/// A measured power; what was not measured is no row.
+struct TrendRow {
+    /// The place in TrendData::visits.
+    std::uint32_t visit = 0;
+    /// The place in TrendData::items.
+    std::uint32_t item = 0;
+    /// In dBm: finite, with at most nine digits before the point.
+    double power = 0;
+};
+
+/// The kept powers that a trend is made of, in no order but that of the visits, which are in the
+/// order of time.
+struct TrendData {
+    std::vector<TrendStation> stations;
+    std::vector<TrendVisit> visits;
+    std::vector<TrendItem> items;
+    std::vector<TrendRow> rows;
+};
+
+/// The median: of an even number, the mean of the two in the middle. The numbers, at least one, are
+/// put in another order.
+double MedianOf(std::span<double> numbers);
+
+/// The limits of an individuals control chart, from its moving ranges.
+struct ControlLimits {
+    double mean = 0;
+    /// The standard deviation of a run, estimated from the mean moving range: a change of one run
+    /// widens the limits little, where the usual estimate would hide it in its own spread.
+    double sigma = 0;
+
+    double Lower() const { return mean - Sigmas * sigma; }
+    double Upper() const { return mean + Sigmas * sigma; }
+    bool AreKeptBy(double value) const;
+    /// How many standard deviations a value is from the mean.
+    double DistanceOf(double value) const;
+
+    static constexpr double Sigmas = 3;
+    /// The expected range of two values, in standard deviations: d2 for a sample of two.
+    static constexpr double RangeOfTwo = 1.128;
+    /// With fewer values there are no limits.
+    static constexpr std::size_t FewestValues = 8;
+};
+
+/// The mean of the values, and their standard deviation as the mean of the ranges of neighbours,
+/// divided by 1.128. Source: NIST/SEMATECH e-Handbook of Statistical Methods, 6.3.2.2, "Individuals
+/// Control Charts". Nothing for fewer values than FewestValues.
+std::optional<ControlLimits> ControlLimitsOf(std::span<const double> values);
+
+/// One run of a station, held against the references.
+struct TrendPoint {
+    /// The place in TrendData::visits.
+    std::uint32_t visit = 0;
+    /// The median of the run's differences from the references, in dB.
+    double median = 0;
+    /// How many differences.
+    std::uint32_t count = 0;
+    bool isBeyond = false;
+};
+
+/// The last time that a station's runs were beyond its limits: the runs from the first one beyond
+/// to the last one that is on the same side of the mean without another side between.
+struct Drift {
+    /// Places in StationTrend::points.
+    std::size_t first = 0;
+    std::size_t last = 0;
+    /// The median of these runs less that of the runs before, or of those after where there are
+    /// none before; in dB.
+    double change = 0;
+    /// Whether it goes on to the last run, or has at least two runs beyond; else one run alone was
+    /// beyond, as by chance 3 of 1,000 are.
+    bool isLasting = false;
+};
+
+/// What a station's runs tell of it.
+struct StationTrend {
+    /// The place in TrendData::stations.
+    std::uint32_t station = 0;
+    /// In the order of time; without the runs that share nothing with another station.
+    std::vector<TrendPoint> points;
+    /// The median of the points. Nothing where there are no points, or no other station.
+    std::optional<double> offset;
+    /// The offset is more than three standard deviations of the others' from their mean; told only
+    /// of a station that does not drift, and with three such others.
+    bool isApart = false;
+    /// Nothing with too few points.
+    std::optional<ControlLimits> limits;
+    std::size_t beyond = 0;
+    /// The largest distance of a point from the mean, in standard deviations; 0 where none is
+    /// beyond.
+    double farthest = 0;
+    /// There is one where a point is beyond.
+    std::optional<Drift> drift;
+    std::size_t powers = 0;
+    /// With limits of powers only.
+    std::size_t outOfLimits = 0;
+    std::size_t withoutLimit = 0;
+};
+
+/// What the stations' runs are held against.
+enum class TrendBasis : std::uint8_t {
+    /// There is no power.
+    Nothing,
+    /// There is one station, and each power is held against the mean of the same ones.
+    OwnMean,
+    /// The references are between the two: a drift of one is as much one of the other.
+    TwoStations,
+    /// The references are medians, which a drifting station moves little.
+    Stations
+};
+
+/// The stations' trends.
+struct Trend {
+    TrendBasis basis = TrendBasis::Nothing;
+    /// What drifts comes first, the farthest beyond its limits leading; then what was beyond once;
+    /// then what is apart, then what has too few runs; all else by name.
+    std::vector<StationTrend> stations;
+    /// How many items have a reference.
+    std::size_t sharedItems = 0;
+    /// Whether there were limits of powers.
+    bool isJudged = false;
+
+    std::size_t CountDrifting() const;
+    /// Those without control limits.
+    std::size_t CountTooFew() const;
+    std::size_t CountOutOfLimits() const;
+    /// Nothing drifts, no power is out of its limits, and there was enough to tell.
+    bool IsFine() const;
+};
+
+/// Follows the stations. An item's reference is the median of the stations' mean powers of it,
+/// where at least two stations have it. The limits are null, or one for each item: null where there
+/// is none.
+Trend TrendOf(const TrendData& data, const std::vector<const Limit*>* limits = nullptr);
+
+/// The first limit of the table for each item.
+std::vector<const Limit*> LimitsOf(const TrendData& data, LimitTable& table);
+
+/// The mean power of a run, where there is one item.
+struct TrendPower {
+    std::uint32_t visit = 0;
+    double power = 0;
+    bool isOut = false;
+};
+
+/// The powers of the visits in their order, where the data have just one item; else none.
+std::vector<TrendPower> PowersOf(const TrendData& data,
+                                 const std::vector<const Limit*>* limits = nullptr);
+
+} // namespace Bench

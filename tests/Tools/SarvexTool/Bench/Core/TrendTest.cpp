@@ -1,0 +1,313 @@
+#include "Tools/SarvexTool/Bench/Core/Trend.h"
+#include "tests/Tools/SarvexTool/Bench/Core/TrendFixture.h"
+
+#include <gtest/gtest.h>
+
+namespace Bench {
+namespace {
+
+constexpr double exactly = 1e-9;
+
+class TrendTest : public testing::Test, protected TrendFixture {
+protected:
+    std::string NamesInOrder(const Trend& trend) const {
+        std::string names;
+        for (const StationTrend& station : trend.stations)
+            names += (names.empty() ? "" : " ") + data.stations[station.station].name;
+        return names;
+    }
+
+    static std::string Beyond(const StationTrend& station) {
+        std::string places;
+        for (std::size_t place = 0; place < station.points.size(); ++place)
+            places += station.points[place].isBeyond ? " " + std::to_string(place) : "";
+        return places;
+    }
+
+    /// Two stations that always read 10 and 11, and a third whose runs are these.
+    StationTrend ThirdOf(const std::vector<double>& powers) {
+        AddSteady("A", 10);
+        AddSteady("B", 11);
+        AddRuns(AddStation("C"), powers);
+        const Trend trend = TrendOf(data);
+        for (const StationTrend& station : trend.stations) {
+            if (station.station == 2)
+                return station;
+        }
+        throw std::logic_error("station C is missing");
+    }
+
+    /// A limit of at most so many dBm for everything.
+    static Limit AtMost(Decimal maximum) {
+        Limit limit;
+        limit.maximum = maximum;
+        return limit;
+    }
+};
+
+TEST_F(TrendTest, MedianOfAnEvenNumberIsTheMeanOfTheTwoInTheMiddle) {
+    struct Case {
+        std::vector<double> numbers;
+        double median;
+    };
+    const Case cases[] = {
+        {{7}, 7}, {{4, 1}, 2.5}, {{9, -1, 2}, 2}, {{8, 1, 4, 2}, 3}, {{5, 5, 1, 1, 5, 1}, 3}};
+    for (Case each : cases) {
+        SCOPED_TRACE(each.numbers.size());
+        EXPECT_DOUBLE_EQ(MedianOf(each.numbers), each.median);
+    }
+}
+
+// The flow rates are the example of the NIST/SEMATECH e-Handbook of Statistical Methods, 6.3.2.2.
+TEST_F(TrendTest, ControlLimitsAreThoseOfTheHandbook) {
+    const std::vector<double> flow{49.6, 47.6, 49.9, 51.3, 47.8, 51.2, 52.6, 52.4, 53.6, 52.1};
+    const ControlLimits limits = ControlLimitsOf(flow).value();
+    EXPECT_NEAR(limits.mean, 50.81, exactly);
+    EXPECT_NEAR(limits.sigma, 1.664696611505123, exactly);
+    EXPECT_NEAR(limits.Lower(), 45.81591016548463, exactly);
+    EXPECT_NEAR(limits.Upper(), 55.80408983451537, exactly);
+    EXPECT_TRUE(limits.AreKeptBy(55.8));
+    EXPECT_FALSE(limits.AreKeptBy(55.81));
+    EXPECT_FALSE(limits.AreKeptBy(45.81));
+}
+
+TEST_F(TrendTest, SevenValuesHaveNoControlLimits) {
+    const std::vector<double> values{1, 2, 3, 4, 5, 6, 7, 8};
+    EXPECT_FALSE(ControlLimitsOf(std::span(values).first(7)));
+    EXPECT_TRUE(ControlLimitsOf(values));
+}
+
+TEST_F(TrendTest, ValuesThatAreAllAlikeAreWithinTheirLimits) {
+    const std::vector<double> values(9, 0.1);
+    EXPECT_TRUE(ControlLimitsOf(values)->AreKeptBy(0.1)) << "the mean of them is rounded";
+}
+
+// The expected figures are those of Python's module statistics for the same powers.
+TEST_F(TrendTest, StationThatReadsMoreFromARunOnComesFirst) {
+    AddDriftOfC();
+    const Trend trend = TrendOf(data);
+    EXPECT_EQ(trend.basis, TrendBasis::Stations);
+    EXPECT_EQ(trend.sharedItems, 3U);
+    EXPECT_FALSE(trend.IsFine());
+    EXPECT_EQ(trend.CountDrifting(), 1U);
+    ASSERT_EQ(NamesInOrder(trend), "C A B");
+    const StationTrend& drifting = trend.stations[0];
+    EXPECT_NEAR(*drifting.offset, -0.55, exactly);
+    EXPECT_NEAR(drifting.limits->mean, 0, exactly);
+    EXPECT_NEAR(drifting.limits->Upper(), 0.7683215130023648, exactly);
+    EXPECT_EQ(Beyond(drifting), " 7 8 9");
+    EXPECT_EQ(drifting.beyond, 3U);
+    EXPECT_NEAR(drifting.farthest, 1.4 / 0.25610717100078817, 1e-6);
+    ASSERT_TRUE(drifting.drift);
+    EXPECT_EQ(drifting.drift->first, 7U);
+    EXPECT_EQ(drifting.drift->last, 9U);
+    EXPECT_NEAR(drifting.drift->change, 1.4 - -0.6, exactly);
+    EXPECT_TRUE(drifting.drift->isLasting);
+}
+
+TEST_F(TrendTest, StationsHaveTheMediansOffsetsAndLimitsOfTheirDifferences) {
+    AddDriftOfC();
+    const Trend trend = TrendOf(data);
+    const StationTrend& steady = trend.stations[1];
+    const std::vector<double> medians{-.1, 0, -.2, -.1, .1, -.3, 0, -.2, -.1, -.1};
+    ASSERT_EQ(steady.points.size(), medians.size());
+    for (std::size_t place = 0; place < medians.size(); ++place) {
+        SCOPED_TRACE(place);
+        EXPECT_NEAR(steady.points[place].median, medians[place], exactly);
+        EXPECT_EQ(steady.points[place].count, 3U);
+        EXPECT_EQ(steady.points[place].visit, 3 * place);
+    }
+    EXPECT_NEAR(*steady.offset, -0.1, exactly);
+    EXPECT_NEAR(steady.limits->Lower(), -0.5728132387706836, exactly);
+    EXPECT_NEAR(steady.limits->Upper(), 0.3728132387706843, exactly);
+    EXPECT_FALSE(steady.drift);
+    EXPECT_NEAR(*trend.stations[2].offset, 0.4, exactly);
+}
+
+TEST_F(TrendTest, DriftSinceIsTheFirstRunBeyondOnTheSideOfTheLast) {
+    // Twelve runs that rise by 0.1 dB each: the first are beyond the lower limit, the last beyond
+    // the upper one.
+    std::vector<double> rising;
+    for (int run = 0; run < 12; ++run)
+        rising.push_back(10.5 + 0.1 * run);
+    const StationTrend station = ThirdOf(rising);
+    EXPECT_EQ(Beyond(station), " 0 1 2 9 10 11");
+    EXPECT_EQ(station.drift->first, 9U);
+    EXPECT_EQ(station.drift->last, 11U);
+    EXPECT_NEAR(station.drift->change, 1.0 - 0.4, exactly);
+    EXPECT_TRUE(station.drift->isLasting);
+}
+
+TEST_F(TrendTest, OneRunAloneBeyondIsNoLastingDrift) {
+    const StationTrend station = ThirdOf({10.5, 10.6, 10.5, 10.6, 10.5, 15, 10.5, 10.6, 10.5, 10.6,
+                                          10.5, 10.6, 10.5, 10.6, 10.5, 10.6});
+    EXPECT_EQ(Beyond(station), " 5");
+    ASSERT_TRUE(station.drift);
+    EXPECT_FALSE(station.drift->isLasting);
+    EXPECT_EQ(station.drift->first, 5U);
+    EXPECT_EQ(station.drift->last, 5U);
+    EXPECT_NEAR(station.drift->change, 4.5, exactly);
+}
+
+TEST_F(TrendTest, LastRunAloneBeyondIsALastingDrift) {
+    const StationTrend station =
+        ThirdOf({10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 15});
+    EXPECT_EQ(Beyond(station), " 11");
+    EXPECT_TRUE(station.drift->isLasting);
+    EXPECT_NEAR(station.drift->change, 15 - 10.5, exactly);
+}
+
+TEST_F(TrendTest, FirstRunsBeyondAreHeldAgainstThoseAfter) {
+    const StationTrend station = ThirdOf({15, 15, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6,
+                                          10.5, 10.6, 10.5, 10.6, 10.5, 10.6});
+    ASSERT_TRUE(station.drift);
+    EXPECT_EQ(station.drift->first, 0U);
+    EXPECT_EQ(station.drift->last, 1U);
+    EXPECT_NEAR(station.drift->change, 15 - 10.55, exactly);
+}
+
+TEST_F(TrendTest, WhatOneStationAloneHasIsHeldAgainstNothing) {
+    AddItems(2);
+    AddStation("A");
+    AddStation("B");
+    AddRun(0, {10, 20});
+    AddRun(1, {12, NAN});
+    AddRun(0, {NAN, 20});
+    const Trend trend = TrendOf(data);
+    EXPECT_EQ(trend.basis, TrendBasis::TwoStations);
+    EXPECT_EQ(trend.sharedItems, 1U);
+    ASSERT_EQ(NamesInOrder(trend), "A B");
+    ASSERT_EQ(trend.stations[0].points.size(), 1U) << "its second run shares nothing";
+    EXPECT_EQ(trend.stations[0].points[0].count, 1U);
+    EXPECT_DOUBLE_EQ(trend.stations[0].points[0].median, -1);
+    EXPECT_DOUBLE_EQ(trend.stations[1].points[0].median, 1);
+    EXPECT_EQ(trend.stations[0].powers, 3U);
+}
+
+TEST_F(TrendTest, StationsThatShareNothingHaveNeitherOffsetsNorLimits) {
+    AddItems(2);
+    AddStation("A");
+    AddStation("B");
+    for (int run = 0; run < 8; ++run) {
+        AddRun(0, {10, NAN});
+        AddRun(1, {NAN, 10});
+    }
+    const Trend trend = TrendOf(data);
+    EXPECT_EQ(trend.sharedItems, 0U);
+    EXPECT_FALSE(trend.stations[0].offset);
+    EXPECT_EQ(trend.CountTooFew(), 2U);
+    EXPECT_FALSE(trend.IsFine());
+}
+
+TEST_F(TrendTest, OneStationIsHeldAgainstItsOwnMean) {
+    AddRuns(AddStation("A"), {10, 10.2, 10, 10.2, 10, 10.2, 10, 10.2, 10, 14});
+    const Trend trend = TrendOf(data);
+    EXPECT_EQ(trend.basis, TrendBasis::OwnMean);
+    EXPECT_FALSE(trend.stations[0].offset) << "there is nothing that it could be an offset from";
+    EXPECT_NEAR(trend.stations[0].points[0].median, 10 - 10.48, exactly);
+    EXPECT_EQ(Beyond(trend.stations[0]), " 9");
+}
+
+TEST_F(TrendTest, StationWithSevenRunsIsNeverFine) {
+    AddSteady("A", 10);
+    AddSteady("B", 11);
+    AddRuns(AddStation("C"), std::vector<double>(7, 10.5));
+    EXPECT_FALSE(TrendOf(data).IsFine());
+    EXPECT_EQ(TrendOf(data).CountTooFew(), 1U);
+    AddRun(2, {10.5});
+    EXPECT_TRUE(TrendOf(data).IsFine());
+}
+
+TEST_F(TrendTest, NoPowerIsNotFine) {
+    EXPECT_EQ(TrendOf(data).basis, TrendBasis::Nothing);
+    EXPECT_FALSE(TrendOf(data).IsFine());
+    AddStation("A");
+    AddRun(0, {NAN});
+    EXPECT_EQ(TrendOf(data).basis, TrendBasis::Nothing);
+}
+
+TEST_F(TrendTest, OffsetFarFromThoseOfAtLeastThreeOthersIsApart) {
+    AddSteady("A", 10);
+    AddSteady("B", 10.1);
+    AddSteady("C", 10.2);
+    EXPECT_EQ(NamesInOrder(TrendOf(data)), "A B C");
+    AddSteady("D", 10.7);
+    const Trend trend = TrendOf(data);
+    ASSERT_EQ(NamesInOrder(trend), "D A B C");
+    EXPECT_TRUE(trend.stations[0].isApart);
+    EXPECT_NEAR(*trend.stations[0].offset, 10.7 - 10.15, exactly);
+    EXPECT_FALSE(trend.stations[1].isApart);
+    EXPECT_TRUE(trend.IsFine()) << "an offset alone is no drift";
+}
+
+TEST_F(TrendTest, OffsetFarFromThoseOfTwoOthersIsNotCalledApart) {
+    AddSteady("A", 10);
+    AddSteady("B", 10.1);
+    AddSteady("C", 99);
+    for (const StationTrend& station : TrendOf(data).stations)
+        EXPECT_FALSE(station.isApart);
+}
+
+TEST_F(TrendTest, PowersOutOfLimitsAreCountedByStation) {
+    AddItems(2);
+    AddSteady("A", 10);
+    AddSteady("B", 10.1);
+    AddRun(1, {10.100000001, 50});
+    const Limit limit = AtMost("10.1"_dB);
+    const std::vector<const Limit*> limits{&limit, nullptr};
+    const Trend trend = TrendOf(data, &limits);
+    EXPECT_TRUE(trend.isJudged);
+    EXPECT_EQ(trend.CountOutOfLimits(), 1U) << "a bound belongs to what passes";
+    for (const StationTrend& station : trend.stations) {
+        const bool isSecond = station.station == 1;
+        EXPECT_EQ(station.outOfLimits, isSecond ? 1U : 0U);
+        EXPECT_EQ(station.withoutLimit, isSecond ? 1U : 0U);
+        EXPECT_EQ(station.powers, isSecond ? 10U : 8U);
+    }
+}
+
+TEST_F(TrendTest, SteadyStationWithAPowerOutOfLimitsIsNotFine) {
+    AddSteady("A", 10);
+    AddSteady("B", 10);
+    ASSERT_TRUE(TrendOf(data).IsFine());
+    const Limit limit = AtMost("9"_dB);
+    const std::vector<const Limit*> limits{&limit};
+    EXPECT_FALSE(TrendOf(data, &limits).IsFine());
+}
+
+TEST_F(TrendTest, LimitsAreThoseOfTheItemsSettings) {
+    AddItems(2);
+    SettingPattern pattern;
+    pattern.values = {texts.Text("37")};
+    Limit limit = AtMost("9"_dB);
+    limit.settings[static_cast<std::size_t>(Setting::Channel)] = &pattern;
+    LimitTable table(Limits{{limit}, {}});
+    const std::vector<const Limit*> limits = LimitsOf(data, table);
+    ASSERT_EQ(limits.size(), 2U);
+    EXPECT_EQ(limits[0], nullptr);
+    ASSERT_NE(limits[1], nullptr);
+    EXPECT_EQ(limits[1]->maximum, "9"_dB);
+}
+
+TEST_F(TrendTest, PowersOverTimeAreThoseOfTheOneItem) {
+    AddStation("A");
+    AddRun(0, {10});
+    AddRun(0, {NAN});
+    AddRun(0, {12});
+    data.rows.push_back({2, 0, 13});
+    const Limit limit = AtMost("12.5"_dB);
+    const std::vector<const Limit*> limits{&limit};
+    const std::vector<TrendPower> powers = PowersOf(data, &limits);
+    ASSERT_EQ(powers.size(), 2U);
+    EXPECT_EQ(powers[0].visit, 0U);
+    EXPECT_DOUBLE_EQ(powers[0].power, 10);
+    EXPECT_FALSE(powers[0].isOut);
+    EXPECT_EQ(powers[1].visit, 2U);
+    EXPECT_DOUBLE_EQ(powers[1].power, 12.5) << "the mean of repeated lines";
+    EXPECT_TRUE(powers[1].isOut) << "one of them is out";
+    AddItems(2);
+    EXPECT_TRUE(PowersOf(data).empty());
+}
+
+} // namespace
+} // namespace Bench
