@@ -1,0 +1,175 @@
+#include "Tools/SarvexTool/Bench/Output/TrendPhrases.h"
+
+#include "Tools/SarvexTool/Bench/Output/Phrases.h"
+#include "Tools/SarvexTool/Bench/Output/ShownTime.h"
+
+#include <cmath>
+#include <cstdlib>
+
+namespace Bench {
+
+namespace {
+
+const std::string fewestRuns = std::to_string(ControlLimits::FewestValues);
+
+std::string DayOf(const TrendData& data, const TrendPoint& point) {
+    return ShownDay(data.visits[point.visit].measuredAt);
+}
+
+/// "3 of its 10 runs are", "1 of its 10 runs is", "none of its 10 runs is"
+std::string CountOfRuns(std::size_t count, const StationTrend& station) {
+    return (count == 0 ? "none" : std::to_string(count)) + " of its " +
+           Counted(station.points.size(), "run") + (count > 1 ? " are" : " is");
+}
+
+/// "2.00 dB higher"
+std::string Moved(double change) {
+    return Hundredths(std::abs(change)) + " dB " + (change < 0 ? "lower" : "higher");
+}
+
+std::string PhraseOf(const TrendData& data, const StationTrend& station, const Drift& drift) {
+    const std::string first = DayOf(data, station.points[drift.first]);
+    const std::string last = DayOf(data, station.points[drift.last]);
+    std::string when = " on " + first;
+    if (drift.last + 1 == station.points.size())
+        when = " since " + first;
+    else if (first != last)
+        when = " from " + first + " to " + last;
+    return (drift.last + 1 == station.points.size() ? "reads " : "read ") + Moved(drift.change) +
+           when + "; " + CountOfRuns(station.beyond, station) + " beyond its control limits";
+}
+
+const std::string& NameOf(const TrendData& data, const StationTrend& station) {
+    return data.stations[station.station].name;
+}
+
+std::string SentenceOf(const TrendData& data, const StationTrend& station) {
+    return NameOf(data, station) + " " + PhraseOf(data, station);
+}
+
+std::string OutOfLimits(const Trend& trend) {
+    std::size_t powers = 0;
+    for (const StationTrend& station : trend.stations)
+        powers += station.powers;
+    const std::size_t out = trend.CountOutOfLimits();
+    return std::to_string(out) + " of " + Counted(powers, "power") + (out == 1 ? " is" : " are") +
+           " out of " + (out == 1 ? "its" : "their") + " limits";
+}
+
+std::string TooFewRuns(const TrendData& data, const Trend& trend) {
+    if (trend.CountTooFew() == trend.stations.size() && trend.stations.size() > 1)
+        return "none of the " + std::to_string(trend.stations.size()) + " stations has the " +
+               fewestRuns + " runs that control limits need";
+    std::string names;
+    for (const StationTrend& station : trend.stations) {
+        if (!station.limits)
+            names += (names.empty() ? "" : ", ") + NameOf(data, station) + " (" +
+                     std::to_string(station.points.size()) + ")";
+    }
+    return "too few runs for control limits, which need " + fewestRuns + ": " + names;
+}
+
+std::string Steady(const Trend& trend) {
+    std::size_t runs = 0;
+    for (const StationTrend& station : trend.stations)
+        runs += station.points.size();
+    const std::size_t count = trend.stations.size();
+    return (count == 1 ? "the station does not drift: "
+                       : "none of the " + std::to_string(count) + " stations drifts: ") +
+           Counted(runs, "run") + ", " + Counted(trend.sharedItems, "measurement") +
+           (count == 1 ? "" : " that stations share");
+}
+
+/// What the first line says, where no station drifts.
+TrendConclusion WithoutDrift(const TrendData& data, const Trend& trend) {
+    if (trend.basis == TrendBasis::Nothing)
+        return {"NO POWER", {"no kept run that the filter leaves has a power"}};
+    if (trend.CountOutOfLimits() != 0)
+        return {"OUT OF LIMITS", {OutOfLimits(trend)}};
+    if (trend.sharedItems == 0)
+        return {"NOTHING SHARED",
+                {"no station has measured what another one has, so that there is nothing to hold "
+                 "them against"}};
+    if (trend.CountTooFew() != 0)
+        return {"TOO FEW RUNS", {TooFewRuns(data, trend)}};
+    return {"STEADY", {Steady(trend)}};
+}
+
+TrendConclusion WithDrift(const TrendData& data, const Trend& trend) {
+    TrendConclusion conclusion;
+    for (const StationTrend& station : trend.stations) {
+        if (station.drift)
+            conclusion.sentences.push_back(SentenceOf(data, station));
+    }
+    const bool isLasting = trend.stations.front().drift->isLasting;
+    conclusion.word = isLasting ? "DRIFT" : "BEYOND LIMITS";
+    if (!isLasting)
+        conclusion.sentences.emplace_back("of 1000 runs of a steady station, about 3 are beyond "
+                                          "its control limits by chance");
+    if (trend.CountOutOfLimits() != 0)
+        conclusion.sentences.push_back(OutOfLimits(trend));
+    return conclusion;
+}
+
+} // namespace
+
+TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
+    const bool hasDrift = trend.CountDrifting() != 0;
+    TrendConclusion conclusion = hasDrift ? WithDrift(data, trend) : WithoutDrift(data, trend);
+    for (const StationTrend& station : trend.stations) {
+        if (station.isApart)
+            conclusion.sentences.push_back(SentenceOf(data, station));
+    }
+    if (trend.CountTooFew() != 0 && trend.sharedItems != 0 && conclusion.word != "TOO FEW RUNS")
+        conclusion.sentences.push_back(TooFewRuns(data, trend));
+    if (trend.basis == TrendBasis::TwoStations && trend.sharedItems != 0)
+        conclusion.sentences.emplace_back("with two stations it cannot be told which of them is "
+                                          "wrong");
+    if (trend.basis == TrendBasis::OwnMean)
+        conclusion.sentences.emplace_back("with one station it cannot be told whether it or what "
+                                          "it measures has changed");
+    return conclusion;
+}
+
+std::string PhraseOf(const TrendData& data, const StationTrend& station) {
+    if (station.drift)
+        return PhraseOf(data, station, *station.drift);
+    if (station.powers == 0)
+        return "has no power";
+    if (station.points.empty())
+        return "has measured nothing that another station has measured";
+    if (!station.limits)
+        return "has " + Counted(station.points.size(), "run") + ", too few for control limits, " +
+               "which need " + fewestRuns;
+    const std::string steady = CountOfRuns(0, station) + " beyond its control limits";
+    if (station.isApart)
+        return "reads " + Hundredths(std::abs(*station.offset)) + " dB " +
+               (*station.offset < 0 ? "low" : "high") +
+               ", more than three standard deviations of the others' offsets from their mean; " +
+               steady;
+    return "is steady: " +
+           (station.offset ? "offset " + SignedHundredths(*station.offset) + " dB, " : "") + steady;
+}
+
+std::string DevicesOf(const TrendStation& station) {
+    if (station.devices.empty())
+        return "";
+    return station.devices.size() == 1 ? station.devices.front()
+                                       : Counted(station.devices.size(), "device");
+}
+
+std::string Hundredths(double number) {
+    constexpr long long perOne = 100;
+    constexpr long long firstOfTwo = 10;
+    const long long hundredths = std::llround(number * static_cast<double>(perOne));
+    const long long fraction = std::llabs(hundredths) % perOne;
+    return (hundredths < 0 ? "-" : "") + std::to_string(std::llabs(hundredths) / perOne) +
+           (fraction < firstOfTwo ? ".0" : ".") + std::to_string(fraction);
+}
+
+std::string SignedHundredths(double number) {
+    const std::string text = Hundredths(number);
+    return text.starts_with('-') || text == "0.00" ? text : "+" + text;
+}
+
+} // namespace Bench

@@ -1,0 +1,189 @@
+#include "Tools/SarvexTool/Bench/Output/TrendPhrases.h"
+#include "tests/Tools/SarvexTool/Bench/Core/TrendFixture.h"
+
+#include <gmock/gmock.h>
+
+namespace Bench {
+namespace {
+
+using testing::ElementsAre;
+
+class TrendPhrasesTest : public testing::Test, protected TrendFixture {
+protected:
+    TrendConclusion Conclusion(const std::vector<const Limit*>* limits = nullptr) const {
+        return ConclusionOf(data, TrendOf(data, limits));
+    }
+
+    /// The first sentence with its word.
+    std::string FirstLine() const {
+        const TrendConclusion conclusion = Conclusion();
+        return conclusion.word + ": " + conclusion.sentences.front();
+    }
+
+    void AddSteadyAB() {
+        AddSteady("A", 10);
+        AddSteady("B", 11);
+    }
+};
+
+const std::string chance =
+    "of 1000 runs of a steady station, about 3 are beyond its control limits by chance";
+
+TEST_F(TrendPhrasesTest, NumbersHaveTwoDigitsAfterThePoint) {
+    struct Case {
+        double number;
+        const char* text;
+        const char* withSign;
+    };
+    for (const Case& each : {Case{0, "0.00", "0.00"}, Case{-0.004, "0.00", "0.00"},
+                             Case{1.955, "1.96", "+1.96"}, Case{-0.05, "-0.05", "-0.05"},
+                             Case{-12.5, "-12.50", "-12.50"}, Case{100, "100.00", "+100.00"}}) {
+        SCOPED_TRACE(each.text);
+        EXPECT_EQ(Hundredths(each.number), each.text);
+        EXPECT_EQ(SignedHundredths(each.number), each.withSign);
+    }
+}
+
+TEST_F(TrendPhrasesTest, FirstLineNamesTheDriftingStationByHowMuchAndSinceWhen) {
+    AddDriftOfC();
+    const TrendConclusion conclusion = Conclusion();
+    EXPECT_EQ(conclusion.word, "DRIFT");
+    // The eighth run of C is the 24th run, and there is one a day from 2026-03-02 on.
+    EXPECT_THAT(conclusion.sentences,
+                ElementsAre("C reads 2.00 dB higher since 2026-03-25; 3 of its 10 runs are beyond "
+                            "its control limits"));
+}
+
+TEST_F(TrendPhrasesTest, DriftThatIsOverIsToldFromItsFirstDayToItsLast) {
+    AddSteadyAB();
+    AddRuns(AddStation("C"),
+            {10.5, 10.6, 10.5, 10.6, 10.5, 5, 5, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6});
+    EXPECT_EQ(FirstLine(), "DRIFT: C read 5.50 dB lower from 2026-03-23 to 2026-03-24; 2 of its 15 "
+                           "runs are beyond its control limits");
+}
+
+TEST_F(TrendPhrasesTest, OneRunAloneBeyondIsToldWithItsDayAndWithWhatChanceDoes) {
+    AddSteadyAB();
+    AddRuns(AddStation("C"), {10.5, 10.6, 10.5, 10.6, 10.5, 15, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6,
+                              10.5, 10.6, 10.5, 10.6});
+    const TrendConclusion conclusion = Conclusion();
+    EXPECT_EQ(conclusion.word, "BEYOND LIMITS");
+    EXPECT_THAT(conclusion.sentences,
+                ElementsAre("C read 4.50 dB higher on 2026-03-23; 1 of its 16 runs is beyond its "
+                            "control limits",
+                            chance));
+}
+
+TEST_F(TrendPhrasesTest, StationsThatDriftAreAllTold) {
+    AddSteady("A", 10);
+    for (const char* const name : {"B", "C"})
+        AddRuns(AddStation(name), {10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 14});
+    EXPECT_EQ(Conclusion().sentences.size(), 2U);
+}
+
+TEST_F(TrendPhrasesTest, SteadyStationsAreSaidToBe) {
+    AddSteadyAB();
+    AddSteady("C", 12);
+    EXPECT_EQ(FirstLine(), "STEADY: none of the 3 stations drifts: 24 runs, 1 measurement that "
+                           "stations share");
+    const Trend trend = TrendOf(data);
+    EXPECT_EQ(PhraseOf(data, trend.stations[0]),
+              "is steady: offset -1.00 dB, none of its 8 runs is beyond its control limits");
+}
+
+TEST_F(TrendPhrasesTest, WithTwoStationsItIsSaidThatNoneIsTheMeasure) {
+    AddSteadyAB();
+    EXPECT_THAT(Conclusion().sentences,
+                ElementsAre("none of the 2 stations drifts: 16 runs, 1 measurement that stations "
+                            "share",
+                            "with two stations it cannot be told which of them is wrong"));
+}
+
+TEST_F(TrendPhrasesTest, WithOneStationItIsSaidThatItsDeviceMayHaveChanged) {
+    AddSteady("A", 10);
+    EXPECT_THAT(Conclusion().sentences,
+                ElementsAre("the station does not drift: 8 runs, 1 measurement",
+                            "with one station it cannot be told whether it or what it measures has "
+                            "changed"));
+    EXPECT_EQ(PhraseOf(data, TrendOf(data).stations[0]),
+              "is steady: none of its 8 runs is beyond its control limits");
+}
+
+TEST_F(TrendPhrasesTest, StationThatIsApartIsToldBesideTheConclusion) {
+    AddSteadyAB();
+    AddSteady("C", 10.5);
+    AddSteady("D", 5);
+    EXPECT_EQ(Conclusion().word, "STEADY");
+    EXPECT_EQ(
+        Conclusion().sentences.at(1),
+        "D reads 5.25 dB low, more than three standard deviations of the others' offsets from "
+        "their mean; none of its 8 runs is beyond its control limits");
+}
+
+TEST_F(TrendPhrasesTest, TooFewRunsAreNeverFine) {
+    AddSteadyAB();
+    const std::uint32_t few = AddStation("C");
+    AddRun(few, {10.5});
+    const TrendConclusion conclusion = Conclusion();
+    EXPECT_EQ(conclusion.word, "TOO FEW RUNS");
+    EXPECT_THAT(conclusion.sentences,
+                ElementsAre("too few runs for control limits, which need 8: C (1)"));
+    EXPECT_EQ(PhraseOf(data, TrendOf(data).stations[0]),
+              "has 1 run, too few for control limits, which need 8");
+}
+
+TEST_F(TrendPhrasesTest, NoStationWithEnoughRunsIsOneSentence) {
+    for (const char* const name : {"A", "B", "C"})
+        AddRun(AddStation(name), {10});
+    EXPECT_EQ(FirstLine(), "TOO FEW RUNS: none of the 3 stations has the 8 runs that control "
+                           "limits need");
+}
+
+TEST_F(TrendPhrasesTest, DriftIsToldBeforeTooFewRuns) {
+    AddDriftOfC();
+    AddRun(AddStation("D"), {10, 12, 15});
+    EXPECT_EQ(Conclusion().word, "DRIFT");
+    EXPECT_EQ(Conclusion().sentences.back(),
+              "too few runs for control limits, which need 8: D (1)");
+}
+
+TEST_F(TrendPhrasesTest, StationsThatShareNothingAreNotHeldAgainstEachOther) {
+    AddItems(2);
+    AddStation("A");
+    AddStation("B");
+    AddRun(0, {10, NAN});
+    AddRun(1, {NAN, 10});
+    EXPECT_EQ(FirstLine(), "NOTHING SHARED: no station has measured what another one has, so that "
+                           "there is nothing to hold them against");
+    EXPECT_EQ(PhraseOf(data, TrendOf(data).stations[0]),
+              "has measured nothing that another station has measured");
+}
+
+TEST_F(TrendPhrasesTest, NoPowerAtAllIsSaid) {
+    EXPECT_EQ(FirstLine(), "NO POWER: no kept run that the filter leaves has a power");
+    AddSteadyAB();
+    AddStation("C");
+    AddRun(2, {NAN});
+    EXPECT_EQ(PhraseOf(data, TrendOf(data).stations[0]), "has no power");
+}
+
+TEST_F(TrendPhrasesTest, PowersOutOfLimitsAreCounted) {
+    AddSteadyAB();
+    Limit limit;
+    limit.maximum = "10.5"_dB;
+    const std::vector<const Limit*> limits{&limit};
+    EXPECT_EQ(Conclusion(&limits).word, "OUT OF LIMITS");
+    EXPECT_EQ(Conclusion(&limits).sentences.front(), "8 of 16 powers are out of their limits");
+    AddRuns(0, {10, 14});
+    EXPECT_EQ(Conclusion(&limits).word, "DRIFT");
+    EXPECT_EQ(Conclusion(&limits).sentences.at(1), "9 of 18 powers are out of their limits");
+}
+
+TEST_F(TrendPhrasesTest, DevicesAreNamedOrCounted) {
+    EXPECT_EQ(DevicesOf({"A", {}}), "");
+    EXPECT_EQ(DevicesOf({"A", {"DUT"}}), "DUT");
+    EXPECT_EQ(DevicesOf({"A", {"DUT", "other"}}), "2 devices");
+}
+
+} // namespace
+} // namespace Bench
