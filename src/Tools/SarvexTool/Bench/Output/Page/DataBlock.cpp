@@ -1,72 +1,15 @@
 #include "Tools/SarvexTool/Bench/Output/Page/DataBlock.h"
 
+#include "Tools/SarvexTool/Bench/Output/Page/DataPieces.h"
 #include "Tools/SarvexTool/Bench/Output/Phrases.h"
-#include "Tools/SarvexTool/Bench/Output/ShownText.h"
-
-#include <nlohmann/json.hpp>
 
 #include <array>
 #include <ostream>
-#include <string_view>
 #include <unordered_map>
 
 namespace Bench {
 
 namespace {
-
-/// A JSON string in ASCII without "<": such a text neither ends a script element nor begins a
-/// comment in it.
-std::string Quoted(std::string_view text) {
-    std::string quoted;
-    for (const char character : nlohmann::json(MakeHarmless(text)).dump(-1, ' ', true)) {
-        if (character == '<')
-            quoted += "\\u003c";
-        else
-            quoted += character;
-    }
-    return quoted;
-}
-
-std::string DecimalOrNull(const std::optional<Decimal>& number) {
-    return number ? "\"" + number->ToText() + "\"" : "null";
-}
-
-/// Gives each text of the page its place.
-class TextPlaces {
-public:
-    /// Texts of settings are of one pool for both runs.
-    std::string PlaceOf(const std::string* text) { return text == nullptr ? "-1" : PlaceOf(*text); }
-
-    std::string PlaceOf(const std::string& text) {
-        const auto [found, isNew] = m_places.try_emplace(text, m_places.size());
-        if (isNew)
-            m_json += (m_json.empty() ? "" : ",\n") + Quoted(text);
-        return std::to_string(found->second);
-    }
-
-    /// All texts until now, without the brackets.
-    const std::string& ToJson() const { return m_json; }
-
-private:
-    std::unordered_map<std::string, std::size_t> m_places;
-    std::string m_json;
-};
-
-/// Writes the elements of an array, each on a line of its own.
-class Lines {
-public:
-    explicit Lines(std::ostream& out) : m_out(out) {}
-
-    std::ostream& Next() {
-        m_out << (m_isFirst ? "\n" : ",\n");
-        m_isFirst = false;
-        return m_out;
-    }
-
-private:
-    std::ostream& m_out;
-    bool m_isFirst = true;
-};
 
 template <typename Items, typename Name>
 void WriteNames(const char* key, const Items& items, Name name, std::ostream& out) {
@@ -117,7 +60,7 @@ private:
             return;
         }
         m_out << "[";
-        Lines lines(m_out);
+        JsonLines lines(m_out);
         for (const Judgement& judgement : m_page.judgements->all) {
             const Limit* limit = judgement.limit;
             if (limit == nullptr || !m_limits.try_emplace(limit, m_limits.size()).second)
@@ -130,7 +73,7 @@ private:
 
     void WriteMeasurements() {
         m_out << "\"measurements\":[";
-        Lines lines(m_out);
+        JsonLines lines(m_out);
         for (std::size_t place = 0; place < Run().measurements.size(); ++place) {
             const Measurement& measurement = Run().measurements[place];
             lines.Next() << "[" << measurement.configuration << ","
@@ -184,7 +127,7 @@ private:
         }
         const Differences& differences = m_page.baseline->differences;
         m_out << "\"differences\":[";
-        Lines lines(m_out);
+        JsonLines lines(m_out);
         for (const Difference& difference : differences.all) {
             lines.Next();
             WriteDifference(difference);
@@ -223,7 +166,7 @@ private:
 
     void WriteShifts(const Differences& differences) {
         m_out << "\"shifts\":[";
-        Lines lines(m_out);
+        JsonLines lines(m_out);
         for (const Shift& shift : differences.shifts)
             lines.Next() << "[" << m_texts.PlaceOf(shift.band) << "," << m_texts.PlaceOf(shift.rate)
                          << "," << shift.pairs << "," << Quoted(Rounded(shift.mean)) << "]";
@@ -232,7 +175,7 @@ private:
 
     void WriteSources() {
         m_out << "\"sources\":[";
-        Lines lines(m_out);
+        JsonLines lines(m_out);
         for (const Source& source : Run().sources.All()) {
             const RunPlace& place = source.place;
             lines.Next() << "[" << source.lines.first << "," << source.lines.last << ","
@@ -248,7 +191,7 @@ private:
     }
 
     void WriteConfigurations() {
-        Lines lines(m_out);
+        JsonLines lines(m_out);
         for (const Configuration& configuration : Run().configurations)
             WriteConfiguration(configuration, lines.Next());
         for (const Configuration* configuration : m_oldConfigurations)

@@ -8,7 +8,9 @@ namespace Bench::Embedded {
 /// definitions of the files (cmake/EmbedFiles.cmake).
 extern const std::string_view pageTemplate;
 extern const std::string_view pageStyle;
-extern const std::string_view pageScript;
+extern const std::string_view sharedScript;
+extern const std::string_view runBody;
+extern const std::string_view runScript;
 extern const std::string_view plotStyle;
 extern const std::string_view plotScript;
 

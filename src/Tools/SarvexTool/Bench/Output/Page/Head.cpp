@@ -1,7 +1,7 @@
 #include "Tools/SarvexTool/Bench/Output/Page/Head.h"
 
+#include "Tools/SarvexTool/Bench/Output/Page/Template.h"
 #include "Tools/SarvexTool/Bench/Output/Phrases.h"
-#include "Tools/SarvexTool/Bench/Output/ShownText.h"
 
 #include <array>
 #include <ostream>
@@ -90,11 +90,6 @@ Banner BannerOf(const Page& page) {
                 Measurements(page.run.measurements.size()) + " have a power."};
 }
 
-void WriteBanner(const Banner& banner, std::ostream& out) {
-    out << "<p class=\"verdict is-" << banner.kind << "\"><strong>" << banner.word
-        << "</strong> <span>" << EscapeHtml(banner.sentence) << "</span></p>\n";
-}
-
 /// One of the counts. It is a link, which shows just these in the table; the name with hyphens is a
 /// class of the style sheet.
 void WriteCount(std::size_t count, const std::string& name, std::ostream& out) {
@@ -120,10 +115,6 @@ void WriteCounts(const Page& page, std::ostream& out) {
     out << "</ul>\n";
 }
 
-void WriteFact(const std::string& name, const std::string& value, std::ostream& out) {
-    out << "<div><dt>" << EscapeHtml(name) << "</dt><dd>" << EscapeHtml(value) << "</dd></div>\n";
-}
-
 void WriteFacts(const Page& page, std::ostream& out) {
     out << "<dl class=\"facts\">\n";
     for (const PageFact& fact : page.facts)
@@ -137,39 +128,12 @@ void WriteFacts(const Page& page, std::ostream& out) {
 
 } // namespace
 
-std::string EscapeHtml(std::string_view text) {
-    std::string escaped;
-    for (const char letter : MakeHarmless(text)) {
-        switch (letter) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        case '\'':
-            escaped += "&#39;";
-            break;
-        default:
-            escaped += letter;
-        }
-    }
-    return escaped;
-}
-
 void WriteHead(const Page& page, std::ostream& out) {
-    out << "<p class=\"kind\">" << EscapeHtml(page.kind) << "</p>\n"
-        << "<h1>" << EscapeHtml(page.subject) << "</h1>\n";
+    WriteHeading(page.kind, page.subject, out);
     Banner banner = BannerOf(page);
     if (page.run.earlyEnd)
         banner.sentence = SentenceOf(*page.run.earlyEnd) + " " + banner.sentence;
-    WriteBanner(banner, out);
+    WriteBanner(banner.kind, banner.word, banner.sentence, out);
     WriteCounts(page, out);
     WriteFacts(page, out);
 }

@@ -2,12 +2,9 @@
 
 #include "Tools/SarvexTool/Bench/Output/Page/Page.h"
 
-#include <string_view>
+#include <iosfwd>
 
 namespace Bench {
-
-/// A text of any bytes as the text of an element or of a quoted attribute.
-std::string EscapeHtml(std::string_view text);
 
 /// Writes what can be read without scripts: the subject, the verdict in words, the counts and the
 /// facts.

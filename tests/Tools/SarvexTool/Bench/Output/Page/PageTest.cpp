@@ -29,8 +29,9 @@ std::size_t Count(const std::string& text, const std::string& part) {
 TEST_F(PageTest, EveryPartOfTheTemplateIsFilled) {
     const std::string page = PageOf("MCS0");
     EXPECT_THAT(page, StartsWith("<!DOCTYPE html>\n"));
-    for (const char* const mark : {"{{title}}", "{{head}}", "{{data}}", "{{style}}", "{{script}}",
-                                   "{{plot-style}}", "{{plot-script}}"})
+    for (const char* const mark :
+         {"{{title}}", "{{body}}", "{{head}}", "{{data}}", "{{style}}", "{{shared-script}}",
+          "{{script}}", "{{plot-style}}", "{{plot-script}}"})
         EXPECT_THAT(page, Not(HasSubstr(mark)));
     EXPECT_THAT(page, HasSubstr("<title>result.csv - Report</title>"));
     EXPECT_THAT(page, HasSubstr("<h1>result.csv</h1>"));
