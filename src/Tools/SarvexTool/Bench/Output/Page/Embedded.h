@@ -11,6 +11,8 @@ extern const std::string_view pageStyle;
 extern const std::string_view sharedScript;
 extern const std::string_view runBody;
 extern const std::string_view runScript;
+extern const std::string_view historyBody;
+extern const std::string_view historyScript;
 extern const std::string_view plotStyle;
 extern const std::string_view plotScript;
 
