@@ -35,7 +35,7 @@ _sarvextool_bench_argument() {
 
 _sarvextool_vemo_options() {
     echo --help --version --port:text --address:text --body-limit:text --request-log:file --seed:text \
-        --noise:text --mac-type:text --mcc:text --replay:exchanges --latency:text --fault:fault
+        --noise:text --offset:text --mac-type:text --mcc:text --replay:exchanges --latency:text --fault:fault
 }
 
 # Reads the words before the cursor into words and the one under it into word. Bash has begun a new piece

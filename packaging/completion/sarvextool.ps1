@@ -37,7 +37,7 @@ Register-ArgumentCompleter -Native -CommandName @(
         'help' = 'subcommand'
     }
     $vemoOptions = '--help --version --port:text --address:text --body-limit:text --request-log:file ' +
-        '--seed:text --noise:text --mac-type:text --mcc:text --replay:exchanges --latency:text --fault:fault'
+        '--seed:text --noise:text --offset:text --mac-type:text --mcc:text --replay:exchanges --latency:text --fault:fault'
     $faults = 'close-before close-after= reset no-answer delay= split-mark split-mark= drip drip= ' +
         'no-mark crlf nul= raw= missing-chain= uncalibrated return-code= big= long-line='
     $endings = @{

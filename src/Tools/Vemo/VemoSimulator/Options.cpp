@@ -17,6 +17,7 @@ constexpr std::uint64_t highestNumber = ~std::uint64_t{0};
 constexpr std::uint32_t highestPort = 65535;
 constexpr std::uint32_t longestLatency = 86'400'000;
 constexpr std::uint32_t loudestNoise = 10'000;
+constexpr std::uint32_t largestOffset = 10'000;
 
 /// Option texts that become something else than text or number.
 struct RawOptions {
@@ -83,6 +84,12 @@ void AddDeviceOptions(CLI::App& app, Simulator::Settings& settings) {
         ->type_name("N")
         ->transform(UpTo(loudestNoise))
         ->capture_default_str();
+    app.add_option("--offset", settings.offset,
+                   "Hundredths of a dB that each target power is higher by, as on a bench that has "
+                   "drifted")
+        ->type_name("N")
+        ->transform(UpTo(largestOffset))
+        ->capture_default_str();
     app.add_option("--mac-type", settings.identity.macType, "MAC type that the device tells")
         ->type_name("N")
         ->check(CheckMacType)
@@ -114,7 +121,7 @@ void AddBehaviourOptions(CLI::App& app, RawOptions& raw) {
 
 /// Refuses what would have no effect on recorded answers.
 void CheckReplay(const CLI::App& app, const std::vector<FaultRule>& faults) {
-    for (const std::string name : {"--seed", "--noise", "--mac-type", "--mcc"}) {
+    for (const std::string name : {"--seed", "--noise", "--offset", "--mac-type", "--mcc"}) {
         if (app.count(name) > 0)
             throw std::invalid_argument(name + " describes the simulated device; with --replay "
                                                "there is none");

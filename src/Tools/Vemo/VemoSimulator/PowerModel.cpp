@@ -73,14 +73,15 @@ std::string FindConflict(const RadioSettings& settings) {
     return "";
 }
 
-PowerModel::PowerModel(std::uint64_t seed, std::uint32_t noise) : m_seed(seed), m_noise(noise) {}
+PowerModel::PowerModel(std::uint64_t seed, std::uint32_t noise, std::uint32_t offset)
+    : m_seed(seed), m_noise(noise), m_offset(static_cast<int>(offset)) {}
 
 int PowerModel::TargetPower(const RadioSettings& settings, char chain) const {
     const Band& band = BandOf(settings);
     const int channelsAway = std::abs(NumberOf(settings, Setting::Channel) - band.bestChannel);
     return band.power - BandwidthLoss(NumberOf(settings, Setting::Bandwidth)) -
            channelsAway * band.lossPerChannel - RateBackOff(settings.Get(Setting::Rate)) -
-           (chain == 'B' ? chainBLoss : 0) + Noise(settings, chain);
+           (chain == 'B' ? chainBLoss : 0) + Noise(settings, chain) + m_offset;
 }
 
 int PowerModel::Noise(const RadioSettings& settings, char chain) const {

@@ -16,8 +16,9 @@ std::string FindConflict(const RadioSettings& settings);
 /// happened before. All in whole numbers, so that every platform finds the same.
 class PowerModel {
 public:
-    /// The power differs by up to noise hundredths of a dB either way; 0 is no noise.
-    PowerModel(std::uint64_t seed, std::uint32_t noise);
+    /// The power differs by up to noise hundredths of a dB either way; 0 is no noise. It is higher
+    /// by offset hundredths.
+    PowerModel(std::uint64_t seed, std::uint32_t noise, std::uint32_t offset = 0);
 
     int TargetPower(const RadioSettings& settings, char chain) const;
 
@@ -26,6 +27,7 @@ private:
 
     std::uint64_t m_seed;
     std::uint32_t m_noise;
+    int m_offset;
 };
 
 /// Hundredths as a decimal number without trailing zeros: 1750 is "17.5", -50 is "-0.5".

@@ -28,7 +28,7 @@ std::string InOneLine(std::string command) {
 
 Simulator::Simulator(const Settings& settings, std::ostream* pRequestLog, std::ostream& problemLog)
     : m_settings(settings),
-      m_device(settings.identity, PowerModel(settings.seed, settings.noise)),
+      m_device(settings.identity, PowerModel(settings.seed, settings.noise, settings.offset)),
       m_pRequestLog(pRequestLog),
       m_problemLog(problemLog) {}
 

@@ -24,6 +24,8 @@ public:
         std::uint64_t seed = 1;
         /// Hundredths of a dB.
         std::uint32_t noise = 25;
+        /// Hundredths of a dB.
+        std::uint32_t offset = 0;
         /// Before each answer to a command.
         std::chrono::milliseconds latency{0};
         std::vector<FaultRule> faults;

@@ -35,6 +35,7 @@ TEST(OptionsTest, WithoutOptionsTheDefaultsHold) {
     EXPECT_EQ(options.simulator.identity.countryCode, "US");
     EXPECT_EQ(options.simulator.seed, 1U);
     EXPECT_EQ(options.simulator.noise, 25U);
+    EXPECT_EQ(options.simulator.offset, 0U);
     EXPECT_EQ(options.simulator.latency, 0ms);
     EXPECT_TRUE(options.simulator.faults.empty());
 }
@@ -52,6 +53,8 @@ TEST(OptionsTest, EachOptionReachesItsPlace) {
                                       "18446744073709551615",
                                       "--noise",
                                       "0",
+                                      "--offset",
+                                      "80",
                                       "--mac-type",
                                       "016",
                                       "--mcc",
@@ -67,6 +70,7 @@ TEST(OptionsTest, EachOptionReachesItsPlace) {
     EXPECT_EQ(options.requestLogFile, "requests.json");
     EXPECT_EQ(options.simulator.seed, 18446744073709551615U);
     EXPECT_EQ(options.simulator.noise, 0U);
+    EXPECT_EQ(options.simulator.offset, 80U);
     EXPECT_EQ(options.simulator.identity.macType, "016");
     EXPECT_EQ(options.simulator.identity.countryCode, "D1");
     EXPECT_EQ(options.simulator.latency, 20ms);
@@ -98,7 +102,8 @@ TEST(OptionsTest, ARecordingIsReadWithTheFaultsOfItsSending) {
 }
 
 TEST(OptionsTest, ARecordingLeavesNoDeviceToDescribe) {
-    for (const std::string option : {"--seed=1", "--noise=0", "--mac-type=5", "--mcc=US"}) {
+    for (const std::string option :
+         {"--seed=1", "--noise=0", "--offset=0", "--mac-type=5", "--mcc=US"}) {
         const EarlyEnd end = Refused({"--replay", "none", option});
         EXPECT_EQ(end.error, "vemo: " + option.substr(0, option.find('=')) +
                                  " describes the simulated device; with --replay there is none\n"
@@ -158,6 +163,7 @@ TEST(OptionsTest, AWrongCommandLineIsExplained) {
         {{"--seed", "0x10"}, "--seed: not a number from 0 to 18446744073709551615"},
         {{"--body-limit", "1k"}, "--body-limit: not a number from 0 to 18446744073709551615"},
         {{"--noise", "10001"}, "--noise: not a number from 0 to 10000"},
+        {{"--offset", "-1"}, "--offset: not a number from 0 to 10000"},
         {{"--latency", "86400001"}, "--latency: not a number from 0 to 86400000"},
         {{"--mac-type", "x"}, "--mac-type: a MAC type has one to ten digits"},
         {{"--mac-type", "12345678901"}, "--mac-type: a MAC type has one to ten digits"},

@@ -71,6 +71,13 @@ TEST(PowerModelTest, NoiseStaysWithinItsLimitsAndReachesThem) {
     EXPECT_EQ(noise, (std::set<int>{-3, -2, -1, 0, 1, 2, 3}));
 }
 
+TEST(PowerModelTest, OffsetIsAddedToThePowerAndItsNoise) {
+    const RadioSettings settings;
+    for (const char chain : {'A', 'B'})
+        EXPECT_EQ(PowerModel(2, 25, 80).TargetPower(settings, chain),
+                  PowerModel(2, 25).TargetPower(settings, chain) + 80);
+}
+
 TEST(PowerModelTest, SettingsThatFitHaveNoConflict) {
     EXPECT_EQ(FindConflict(MakeSettings("2.4", "40", "14", "1")), "");
     EXPECT_EQ(FindConflict(MakeSettings("5", "160", "177", "1")), "");
