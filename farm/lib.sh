@@ -36,7 +36,11 @@ find_program() {
 
 # has_room DIR: whether runs can be written there. A run needs a copy of the client besides its results.
 has_room() {
-    printf '%4096s' . 2>/dev/null >"$1/room" && [ "$(df -k --output=avail "$1" 2>/dev/null | tail -n 1)" -ge 8192 ]
+    local free
+    printf '%4096s' . 2>/dev/null >"$1/room" || return
+    # Nothing when Ctrl-C has ended it.
+    free=$(df -k --output=avail "$1" 2>/dev/null | tail -n 1)
+    [ "${free:-0}" -ge 8192 ]
 }
 
 # is_complete RUN: whether each line of a run has its row.

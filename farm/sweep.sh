@@ -5,6 +5,7 @@
 #   engine_look           looks how it is with the jobs; sets jobs (how many there are), note (a few words for
 #                         the progress) and over (why nothing more will come of them, or nothing)
 #   engine_cancel         ends all jobs, and may be called again
+#   engine_leave          sees to it that all jobs end, and does not wait for it; perhaps there are none yet
 #   engine_stop BENCH...  stops the transmissions of benches whose job has not done so
 . "$farm/lib.sh"
 poll_seconds=1
@@ -20,13 +21,18 @@ interrupt() {
         interrupted=1 interrupted_at=$SECONDS
         tell "stopping; this takes until all transmitters are off (press Ctrl-C again to leave at once)"
     elif [ $((SECONDS - interrupted_at)) -ge 1 ]; then
+        trap '' HUP INT TERM
+        # The first may have come in the middle of a look, after which the jobs would have been ended.
+        engine_leave
         tell "left at once: jobs may still be stopping their transmitters"
         exit 3
     fi
 }
 
+usage="usage: ${0##*/} PLAN [--out DIR] [--table FILE] [--benches N] [--lines N] [-- RUN_OPTIONS...]"
+
 usage() {
-    fail 2 "usage: ${0##*/} PLAN [--out DIR] [--table FILE] [--benches N] [--lines N] [-- RUN_OPTIONS...]"
+    fail 2 "$usage"
 }
 
 # value_of OPTION VALUES...: the next of the arguments, which has to be there.
@@ -55,6 +61,7 @@ read_arguments() {
         --benches) benches_wanted=$(number_of "$@") || exit 2; shift 2 ;;
         --lines) lines_wanted=$(number_of "$@") || exit 2; shift 2 ;;
         --) shift; run_options=("$@"); break ;;
+        -h | --help) printf '%s\n' "$usage"; exit 0 ;;
         -*) usage ;;
         *) [ -z "$plan" ] || usage; plan=$1; shift ;;
         esac
@@ -78,18 +85,35 @@ read_arguments() {
     fi
 }
 
-# The sweep's folder, as one of this call alone.
+# refuse_second_call HOLDER JOBS: the two lines of the lock.
+refuse_second_call() {
+    local process host why="the sweep in $dir is under way: "
+    read -r _ process _ host <<<"$1"
+    if [ -z "$process" ]; then
+        why+="another process has it"
+    elif [ "$host" != "$(uname -n)" ] || [ -e "/proc/$process" ]; then
+        why+="$1 has it"
+    elif [ -n "$2" ] && [ -e "/proc/$2" ]; then
+        why+="its call was killed, and its jobs go on; after kill $2 no further one begins"
+    else
+        why+="its call was killed, and jobs that have begun have not ended"
+    fi
+    fail 2 "$why"
+}
+
+# The sweep's folder, as one of this call alone. Its lock has who holds it, and the process that gives the jobs
+# out, where the jobs hold it too.
 open_folder() {
-    local holder
+    local holder jobs
     if [ ! -e "$dir/sweep.lock" ] && [ -n "$(ls -A "$dir" 2>/dev/null || true)" ]; then
         fail 2 "$dir is not empty, and not the folder of a sweep; choose another one by --out"
     fi
     mkdir -p "$dir" 2>/dev/null || fail 2 "$dir cannot be made"
     dir=$(realpath "$dir")
     exec 8<>"$dir/sweep.lock" || fail 2 "there is no permission to write in $dir"
-    holder=$(cat <&8)
+    { read -r holder; read -r jobs; } <&8 || true
     # A command of a call that was killed may outlive it for a moment.
-    flock -w 2 8 || fail 2 "the sweep in $dir is under way: ${holder:-another process} has it"
+    flock -w 2 8 || refuse_second_call "$holder" "$jobs"
     printf 'process %s on %s\n' $$ "$(uname -n)" >"$dir/sweep.lock" || fail 2 "there is no room in $dir"
     [ ! -e "$dir/merged" ] ||
         fail 2 "this sweep is complete, its result is in $dir/merged; for a new one give another --out"
@@ -239,14 +263,14 @@ show_progress() {
 look_for_an_end() {
     engine_look
     ending=$over
-    if [ -n "$interrupted" ]; then
-        ending="it was interrupted"
-    elif [ -e "$dir/stopped" ]; then
+    if [ -z "$interrupted" ] && [ -e "$dir/stopped" ]; then
         ending=$(cat "$dir/stopped")
         refused=1
-    elif ! has_room "$dir"; then
+    elif [ -z "$interrupted" ] && ! has_room "$dir"; then
         ending="there is no room in $dir, or no permission to write"
     fi
+    # Last, since Ctrl-C also ends the commands that look.
+    [ -z "$interrupted" ] || ending="it was interrupted"
 }
 
 # Until no job is left. Sets ending when that is before all chunks were measured.

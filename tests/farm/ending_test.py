@@ -78,6 +78,19 @@ class Endings(support.FarmTest):
         wait_until(lambda: not list(support.processes_with(mark)), "all jobs have ended", 120)
         self.expect_all_off()
 
+    def test_ctrl_c_in_the_middle_of_a_look_is_told_as_such(self):
+        self.start_devices(2, latency=50)
+        plan = self.write_plan(100)
+        looking = self.folder / "looking"
+        self.put_before("df", f"[ ${{!#}} != {self.sweep_folder()} ] || {{ touch {looking}; sleep 30; }}")
+        sweep = self.start_sweep(plan, "--lines", "25")
+        wait_until(looking.exists, "the sweep looks for room")
+        os.killpg(sweep.pid, signal.SIGINT)
+        done = self.expect(3, self.finish(sweep))
+        self.assertIn(" lines: it was interrupted.\n", done.stdout)
+        self.assertNotIn(".sh: line", done.stderr)
+        self.expect_all_off()
+
     def test_a_full_disk_ends_the_sweep_and_blames_no_bench(self):
         self.start_devices(2)
         plan = self.write_plan(400)
@@ -119,17 +132,58 @@ class Endings(support.FarmTest):
         self.start_devices(2, latency=20)
         plan = self.write_plan(100)
         sweep = self.start_sweep(plan, "--lines", "25")
-        wait_until(self.devices[0].halt_in_a_transmission, "bench1 transmits", 120)
+        for device in self.devices:
+            wait_until(device.halt_in_a_transmission, f"{device.name} transmits", 120)
         sweep.kill()
         sweep.wait()
         done = self.expect(2, self.sweep(plan))
-        self.assertIn("is under way", done.stderr)
-        self.devices[0].go_on()
+        self.assertRegex(done.stderr, "is under way: its call was killed, and its jobs go on; after kill [0-9]+ no ")
+        os.kill(int(re.search("kill ([0-9]+)", done.stderr)[1]), signal.SIGTERM)
+        for device in self.devices:
+            device.go_on()
         mark = f"SARVEX_LOCKS={self.folder}/locks"
         wait_until(lambda: not list(support.processes_with(mark)), "all jobs have ended", 120)
+        self.assertLess(len(self.runs()), 4)
         self.expect(0, self.sweep(plan))
         self.expect_whole_result(plan)
         self.expect_all_off()
+
+
+class SlurmEndings(support.FarmTest):
+    engine = "slurm"
+
+    def test_a_second_ctrl_c_before_the_jobs_are_cancelled_cancels_them(self):
+        self.start_farm(2, latency=300)
+        plan = self.write_plan(200)
+        cancelling = self.folder / "cancelling"
+        self.put_before("scancel", f"trap '' INT; touch {cancelling}; sleep 3")
+        sweep = self.start_sweep(plan, "--lines", "50")
+        self.wait_for_rows(1)
+        os.killpg(sweep.pid, signal.SIGINT)
+        wait_until(cancelling.exists, "the sweep begins to cancel")
+        time.sleep(2)
+        os.killpg(sweep.pid, signal.SIGINT)
+        done = self.expect(3, self.finish(sweep))
+        self.assertIn("left at once: jobs may still be stopping their transmitters", done.stderr)
+        wait_until(lambda: not self.slurm.jobs(), "all jobs have ended")
+        self.assertLess(self.rows(), 100)
+        self.expect_all_off()
+
+    def test_benches_that_have_never_answered_are_told(self):
+        self.start_farm(2)
+        plan = self.write_plan(20)
+        for name in ("bench1", "bench2", "slurmctld"):
+            self.slurm.kill_process(name)
+        self.slurm.start_controller("-c")
+        wait_until(self.slurm.states, "the controller answers")
+        sweep = self.start_sweep(plan)
+        self.assertIn("0/20 (0 %), 0:0", line := self.line_with(sweep, "on benches"))
+        self.assertIn("; 0 on benches, down: bench1 bench2", line)
+        sweep.terminate()
+        self.expect(3, self.finish(sweep))
+
+    def line_with(self, sweep, words):
+        return next(line for line in sweep.stderr if words in line)
 
 
 if __name__ == "__main__":

@@ -31,6 +31,13 @@ class Refusals(support.FarmTest):
             self.assertEqual((2, "sweep: usage: sweep PLAN [--out DIR] [--table FILE] [--benches N] [--lines N] "
                                  "[-- RUN_OPTIONS...]\n"), (done.returncode, done.stderr), arguments)
 
+    def test_the_usage_is_told_to_whoever_asks(self):
+        for option in ("-h", "--help"):
+            done = subprocess.run([support.SWEEPS["parallel"], option], capture_output=True, text=True,
+                                  check=False, env=self.environment, cwd=self.folder)
+            self.assertEqual((0, "usage: sweep PLAN [--out DIR] [--table FILE] [--benches N] [--lines N] "
+                                 "[-- RUN_OPTIONS...]\n", ""), (done.returncode, done.stdout, done.stderr))
+
     def test_a_wrong_option_is_named(self):
         plan = self.write_plan(4)
         for option, words in ((["--lines", "0"], "--lines needs a number of 1 or more, not 0"),

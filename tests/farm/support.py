@@ -356,6 +356,15 @@ class FarmTest(unittest.TestCase):
         self.addCleanup(self.slurm.end)
         self.environment["SLURM_CONF"] = self.slurm.environment["SLURM_CONF"]
 
+    def put_before(self, command, words):
+        """In sweeps that begin later, these words of a shell are run before each such command."""
+        folder = self.folder / "before"
+        folder.mkdir(exist_ok=True)
+        script = folder / command
+        script.write_text(f'#!/usr/bin/env bash\n{words}\nexec {shutil.which(command)} "$@"\n')
+        script.chmod(0o755)
+        self.environment["PATH"] = f"{folder}{os.pathsep}{self.environment['PATH']}"
+
     def start_farm(self, count=4, latency=None):
         self.start_devices(count, latency)
         if self.engine == "slurm":
