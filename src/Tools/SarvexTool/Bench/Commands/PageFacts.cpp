@@ -1,7 +1,7 @@
 #include "Tools/SarvexTool/Bench/Commands/PageFacts.h"
 
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
-#include "Tools/SarvexTool/Bench/Files/FileTime.h"
+#include "Tools/SarvexTool/Bench/Files/UtcTime.h"
 
 namespace Bench {
 

@@ -1,6 +1,9 @@
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"
 
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
+
 #include <algorithm>
+#include <system_error>
 
 namespace Bench {
 
@@ -90,6 +93,26 @@ std::string UtcTime(std::chrono::system_clock::time_point time) {
            Digits(unsigned{date.day()}, 2) + "T" + Digits(clock.hours().count(), 2) + ":" +
            Digits(clock.minutes().count(), 2) + ":" + Digits(clock.seconds().count(), 2) + "." +
            Digits(clock.subseconds().count(), 3) + "Z";
+}
+
+std::string InWords(std::filesystem::file_time_type time) {
+    namespace chrono = std::chrono;
+    const auto moment = chrono::floor<chrono::minutes>(chrono::file_clock::to_sys(time));
+    const auto day = chrono::floor<chrono::days>(moment);
+    const chrono::year_month_day date(day);
+    const chrono::hh_mm_ss clock(moment - day);
+    return std::to_string(int{date.year()}) + "-" + Digits(unsigned{date.month()}, 2) + "-" +
+           Digits(unsigned{date.day()}, 2) + " " + Digits(clock.hours().count(), 2) + ":" +
+           Digits(clock.minutes().count(), 2) + " UTC";
+}
+
+std::optional<std::string> LastWritten(const std::string& name) {
+    const std::filesystem::path path = PathOf(name);
+    std::error_code error;
+    if (name == StandardStreamName || !std::filesystem::is_regular_file(path, error))
+        return std::nullopt;
+    const auto time = std::filesystem::last_write_time(path, error);
+    return error ? std::nullopt : std::optional(InWords(time));
 }
 
 } // namespace Bench

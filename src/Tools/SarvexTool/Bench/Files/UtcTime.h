@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,5 +17,11 @@ std::optional<std::chrono::system_clock::time_point> ParseUtcTime(std::string_vi
 
 /// Reads a day as "2026-03-09": its first moment. Nothing for any other text.
 std::optional<std::chrono::system_clock::time_point> ParseUtcDay(std::string_view text);
+
+/// A moment in words, to the minute: "2026-03-09 08:05 UTC".
+std::string InWords(std::filesystem::file_time_type time);
+
+/// When a file was last written, in words; nothing for what is no file on disk.
+std::optional<std::string> LastWritten(const std::string& name);
 
 } // namespace Bench

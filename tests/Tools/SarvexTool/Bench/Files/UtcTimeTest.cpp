@@ -1,5 +1,8 @@
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"
 
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
+#include "tests/Support/Files.h"
+
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -43,6 +46,30 @@ TEST(UtcTimeTest, ADayBeginsWithItsFirstMoment) {
     EXPECT_EQ(ParseUtcDay("2026-03-09"), ParseUtcTime("2026-03-09T00:00:00Z"));
     for (const char* text : {"", "2026-03", "2026-03-09T", "2026-02-30", "26-03-09", "2026-03-09 "})
         EXPECT_EQ(ParseUtcDay(text), std::nullopt) << text;
+}
+
+std::filesystem::file_time_type At(std::chrono::seconds sinceEpoch) {
+    return std::chrono::file_clock::from_sys(std::chrono::sys_seconds(sinceEpoch));
+}
+
+TEST(UtcTimeInWordsTest, AMomentIsTheMinuteThatHasBegun) {
+    EXPECT_EQ(InWords(At(std::chrono::seconds(0))), "1970-01-01 00:00 UTC");
+    EXPECT_EQ(InWords(At(std::chrono::seconds(59))), "1970-01-01 00:00 UTC");
+    EXPECT_EQ(InWords(At(std::chrono::seconds(951'827'696))), "2000-02-29 12:34 UTC");
+}
+
+TEST(UtcTimeLastWrittenTest, AFilesTimeIsThatOfItsLastWriting) {
+    const TestSupport::TemporaryDirectory directory;
+    const std::string name = directory.Create("result.csv", "Band\n");
+    std::filesystem::last_write_time(PathOf(name), At(std::chrono::seconds(951'827'696)));
+    EXPECT_EQ(LastWritten(name), "2000-02-29 12:34 UTC");
+}
+
+TEST(UtcTimeLastWrittenTest, WhatIsNoFileHasNone) {
+    const TestSupport::TemporaryDirectory directory;
+    EXPECT_EQ(LastWritten("-"), std::nullopt);
+    EXPECT_EQ(LastWritten(directory.Path("none.csv")), std::nullopt);
+    EXPECT_EQ(LastWritten(directory.Path("")), std::nullopt);
 }
 
 } // namespace
