@@ -8,7 +8,7 @@
 #include "Tools/SarvexTool/Bench/Commands/Stop.h"
 #include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
-#include "Tools/SarvexTool/Bench/Files/FilePieces.h"
+#include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/LimitsFile.h"
 #include "Tools/SarvexTool/Bench/Files/Locks.h"
 #include "Tools/SarvexTool/Bench/Files/RunDirectory.h"

@@ -5,7 +5,7 @@
 #include "Modules/xFramework/OSAL/Process.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
-#include "Tools/SarvexTool/Bench/Files/FilePieces.h"
+#include "Tools/SarvexTool/Bench/Files/Input.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -2,7 +2,7 @@
 
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
-#include "Tools/SarvexTool/Bench/Files/FilePieces.h"
+#include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/ResultTreeWriter.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/Columns.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/TestFile.h"

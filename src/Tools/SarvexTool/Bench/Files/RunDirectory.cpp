@@ -1,7 +1,7 @@
 #include "Tools/SarvexTool/Bench/Files/RunDirectory.h"
 
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
-#include "Tools/SarvexTool/Bench/Files/FilePieces.h"
+#include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/Sha256.h"
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"
 

@@ -1,4 +1,4 @@
-#include "Tools/SarvexTool/Bench/Files/FilePieces.h"
+#include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/Journal.h"
 #include "Tools/SarvexTool/Bench/Files/Manifest.h"
 #include "Tools/SarvexTool/Bench/Files/RunFacts.h"

@@ -2,7 +2,7 @@
 
 #include "tests/Support/Files.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <filesystem>
 #include <fstream>
@@ -10,6 +10,9 @@
 
 namespace Bench {
 namespace {
+
+using testing::EndsWith;
+using testing::StartsWith;
 
 class InputTest : public testing::Test {
 protected:
@@ -78,6 +81,50 @@ TEST_F(InputTest, AStreamThatFailsIsToldAndNotTakenForItsEnd) {
     FailingBuffer buffer;
     std::istream broken(&buffer);
     EXPECT_THROW(ReadInput("-", broken), BadInput);
+}
+
+class InputPiecesTest : public testing::Test {
+protected:
+    static std::string Read(const std::string& name) {
+        std::string bytes;
+        ReadPieces(name, [&bytes](std::string_view piece) { bytes += piece; });
+        return bytes;
+    }
+
+    TestSupport::TemporaryDirectory directory;
+};
+
+TEST_F(InputPiecesTest, AreTogetherTheFile) {
+    std::string large(200'000, 'x');
+    for (std::size_t index = 0; index < large.size(); index += 7)
+        large[index] = static_cast<char>(index);
+    for (const std::string& bytes : {std::string(), std::string("a\r\n\0\x1A\n", 6), large})
+        EXPECT_EQ(Read(directory.Create("file", bytes)), bytes);
+}
+
+TEST_F(InputPiecesTest, OfNoFileThereAreNone) {
+    const std::string name = directory.Path("none");
+    try {
+        Read(name);
+        FAIL() << "nothing was thrown";
+    } catch (const BadInput& bad) {
+        EXPECT_EQ(bad.File(), name);
+        EXPECT_THAT(bad.Problems().at(0).text, StartsWith("cannot be read ("));
+    }
+}
+
+TEST_F(InputPiecesTest, OfAWildcardThereAreNone) {
+    try {
+        Read(directory.Path("*.csv"));
+        FAIL() << "nothing was thrown";
+    } catch (const BadInput& bad) {
+        EXPECT_THAT(bad.Problems().at(0).text, EndsWith("expands no wildcards: name each file"));
+    }
+}
+
+TEST_F(InputPiecesTest, AreHashedTogether) {
+    EXPECT_EQ(HashOfFile(directory.Create("file", "abc")),
+              "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
 }
 
 } // namespace
