@@ -15,7 +15,6 @@
 #include "Tools/SarvexTool/Bench/Files/Correction.h"
 #include "Tools/SarvexTool/Bench/Files/PlanLines.h"
 #include "Tools/SarvexTool/Bench/Files/TestFileCheck.h"
-#include "Tools/SarvexTool/Bench/Files/TypedLiteral.h"
 #include "Tools/SarvexTool/Client/CliClient.h"
 #include "Tools/SarvexTool/Client/Request.h"
 #include "Tools/Vemo/VemoClient/DynamicTest/DynamicTest.h"

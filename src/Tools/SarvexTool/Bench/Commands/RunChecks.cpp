@@ -4,7 +4,6 @@
 #include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/TestFileCheck.h"
 #include "Tools/SarvexTool/Bench/Files/TestLines.h"
-#include "Tools/SarvexTool/Bench/Files/TypedLiteral.h"
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 #include "Tools/SarvexTool/Bench/Supervision/DeviceSettings.h"

@@ -1,7 +1,5 @@
 #include "Tools/SarvexTool/Bench/Daemon/SettingsTrial.h"
 
-#include "Tools/SarvexTool/Bench/Files/TestFileProblems.h"
-
 #include <array>
 #include <string>
 #include <utility>
