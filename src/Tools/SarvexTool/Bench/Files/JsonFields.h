@@ -24,6 +24,12 @@ void PutText(Json& object, const std::string& key, const std::string& bytes);
 /// Sets a key to a list of texts of any bytes. What is no UTF-8 is an object with the key "base64".
 void PutTexts(Json& object, const std::string& key, const std::vector<std::string>& texts);
 
+/// Bytes as text of letters, digits, "+" and "/", filled up with "=" to groups of four.
+std::string ToBase64(std::string_view bytes);
+
+/// The bytes again; nothing for a text that ToBase64 does not write.
+std::optional<std::string> FromBase64(std::string_view text);
+
 /// Why a text is not what it should be, in words.
 class WrongJson : public std::invalid_argument {
 public:
