@@ -3,6 +3,7 @@
 #include "Tools/SarvexTool/Bench/Core/Estimate.h"
 #include "Tools/SarvexTool/Bench/Core/LineRange.h"
 
+#include <string>
 #include <vector>
 
 namespace Bench {
@@ -15,5 +16,17 @@ std::vector<LineRange> CutLines(LineRange lines, LineNumber most);
 /// is free, in seconds. There is at least one bench.
 double EstimateSeconds(const std::vector<LineRange>& chunks, std::size_t benches,
                        const RunConditions& conditions);
+
+/// A test file with some of a plan's lines.
+struct ManifestChunk {
+    /// Its name in the manifest's folder.
+    std::string file;
+    /// Of its bytes, in 64 hexadecimal digits.
+    std::string sha256;
+    /// Of the plan; its header is line 1.
+    LineRange lines;
+
+    bool operator==(const ManifestChunk&) const = default;
+};
 
 } // namespace Bench

@@ -101,6 +101,13 @@ struct RunResult {
     }
 };
 
+/// What a result tells of the device.
+struct DeviceFacts {
+    std::optional<std::string> countryCode;
+    /// Why the country code is not known, without an end mark; empty where it is.
+    std::string whyUnknown;
+};
+
 /// What a run's journal tells of a chain of a line. The text belongs to the pool of the run; null
 /// where there is none.
 struct JournalledChain {

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "Tools/SarvexTool/Bench/Core/LineRange.h"
-#include "Tools/SarvexTool/Bench/Core/RunPlace.h"
+#include "Tools/SarvexTool/Bench/Core/Sources.h"
 
 #include <cstdint>
 #include <optional>

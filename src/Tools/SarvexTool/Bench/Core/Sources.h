@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Tools/SarvexTool/Bench/Core/LineRange.h"
-#include "Tools/SarvexTool/Bench/Core/RunPlace.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -11,6 +10,16 @@
 #include <vector>
 
 namespace Bench {
+
+/// Where a run has measured, and which attempt it is, as far as somebody has told it. Any texts.
+struct RunPlace {
+    std::optional<std::string> bench;
+    std::optional<std::string> device;
+    /// Counts from 1.
+    std::optional<std::uint32_t> attempt;
+
+    bool operator==(const RunPlace&) const = default;
+};
 
 /// Some lines of a run that were measured in one place.
 struct Source {

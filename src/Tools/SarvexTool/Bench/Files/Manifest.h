@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Tools/SarvexTool/Bench/Core/ManifestChunk.h"
+#include "Tools/SarvexTool/Bench/Core/Chunks.h"
 
 #include <string>
 #include <string_view>

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "Tools/SarvexTool/Bench/Core/DeviceFacts.h"
 #include "Tools/SarvexTool/Bench/Core/Measurements.h"
-#include "Tools/SarvexTool/Bench/Core/RunPlace.h"
+#include "Tools/SarvexTool/Bench/Core/Sources.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
 #include "Tools/SarvexTool/Bench/Files/Journal.h"
 

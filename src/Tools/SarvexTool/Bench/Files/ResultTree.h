@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Tools/SarvexTool/Bench/Core/DeviceFacts.h"
+#include "Tools/SarvexTool/Bench/Core/Measurements.h"
 
 #include <istream>
 #include <string>

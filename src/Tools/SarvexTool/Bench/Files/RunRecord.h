@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Tools/SarvexTool/Bench/Core/Measurements.h"
-#include "Tools/SarvexTool/Bench/Core/RunPlace.h"
 #include "Tools/SarvexTool/Bench/Core/Sources.h"
 
 #include <cstddef>

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Tools/SarvexTool/Bench/Core/RunPlace.h"
 #include "Tools/SarvexTool/Bench/Core/RunSource.h"
 #include "Tools/SarvexTool/Bench/Files/JsonFields.h"
 

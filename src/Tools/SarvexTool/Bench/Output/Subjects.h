@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Tools/SarvexTool/Bench/Core/DeviceFacts.h"
 #include "Tools/SarvexTool/Bench/Core/Differences.h"
 #include "Tools/SarvexTool/Bench/Core/Verdicts.h"
 
