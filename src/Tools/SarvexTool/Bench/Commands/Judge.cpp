@@ -1,6 +1,5 @@
 #include "Tools/SarvexTool/Bench/Commands/Subcommands.h"
 
-#include "Tools/SarvexTool/Bench/Commands/NeedlessLimits.h"
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Commands/Outputs.h"
 #include "Tools/SarvexTool/Bench/Files/LimitsFile.h"
@@ -8,6 +7,7 @@
 #include "Tools/SarvexTool/Bench/Output/Csv.h"
 #include "Tools/SarvexTool/Bench/Output/Json.h"
 #include "Tools/SarvexTool/Bench/Output/Junit.h"
+#include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/Text.h"
 
 #include <CLI/App.hpp>
@@ -55,7 +55,7 @@ int Judge(const JudgeOptions& options, Surroundings& surroundings) {
     judgements = Judge(result.run, table);
     WriteOutputs(outputs, surroundings);
     PrintJudgements(ConsoleBeside(outputs, surroundings), judged);
-    WarnOfNeedlessLimits(table, options.limits, surroundings.err);
+    PrintProblems(surroundings.err, options.limits, NeedlessLimits(table));
     return judgements.HaveAllPassed() ? ExitCode::Fine : ExitCode::Found;
 }
 

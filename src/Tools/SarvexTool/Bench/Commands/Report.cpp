@@ -1,11 +1,11 @@
 #include "Tools/SarvexTool/Bench/Commands/Subcommands.h"
 
-#include "Tools/SarvexTool/Bench/Commands/NeedlessLimits.h"
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Commands/Outputs.h"
 #include "Tools/SarvexTool/Bench/Commands/PageFacts.h"
 #include "Tools/SarvexTool/Bench/Files/LimitsFile.h"
 #include "Tools/SarvexTool/Bench/Files/ResultFile.h"
+#include "Tools/SarvexTool/Bench/Output/Problems.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -104,7 +104,7 @@ int Report(const ReportOptions& options, Surroundings& surroundings) {
     WriteOutputs({{options.output, [&data](std::ostream& out) { WritePage(data.Shown(), out); }}},
                  surroundings);
     if (data.UsedLimits() != nullptr)
-        WarnOfNeedlessLimits(*data.UsedLimits(), *options.limits, surroundings.err);
+        PrintProblems(surroundings.err, *options.limits, NeedlessLimits(*data.UsedLimits()));
     return ExitCode::Fine;
 }
 

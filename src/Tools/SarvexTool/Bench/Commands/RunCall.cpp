@@ -1,7 +1,6 @@
 #include "Tools/SarvexTool/Bench/Commands/RunCall.h"
 
 #include "Modules/xFramework/OSAL/Console.h"
-#include "Tools/SarvexTool/Bench/Commands/NeedlessLimits.h"
 #include "Tools/SarvexTool/Bench/Commands/RunWatch.h"
 #include "Tools/SarvexTool/Bench/Core/Estimate.h"
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
@@ -11,6 +10,7 @@
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"
 #include "Tools/SarvexTool/Bench/Output/JsonProgress.h"
 #include "Tools/SarvexTool/Bench/Output/Phrases.h"
+#include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Run/SupervisedRun.h"
 
 #include <algorithm>
@@ -63,7 +63,7 @@ public:
         const RunSummary summary = Conclude(end);
         m_progress->MakeRoom();
         if (m_limits && summary.isComplete)
-            WarnOfNeedlessLimits(*m_limits, *facts.options.limits, m_surroundings.err);
+            PrintProblems(m_surroundings.err, *facts.options.limits, NeedlessLimits(*m_limits));
         m_progress->End(summary);
         // Whoever has sent the summary elsewhere, or nowhere, is to hear of this all the same.
         if (summary.unconfirmedStop && !OSAL::IsTerminal(OSAL::StandardStream::Output))

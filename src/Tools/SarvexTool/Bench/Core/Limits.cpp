@@ -1,6 +1,7 @@
 #include "Tools/SarvexTool/Bench/Core/Limits.h"
 
 #include "Tools/SarvexTool/Bench/Core/LimitBits.h"
+#include "Tools/SarvexTool/Bench/Core/ProblemList.h"
 
 #include <algorithm>
 #include <limits>
@@ -180,6 +181,15 @@ std::vector<const Limit*> LimitTable::NeverFitting() const {
             limits.push_back(&m_limits.lines[index]);
     }
     return limits;
+}
+
+std::vector<Problem> NeedlessLimits(const LimitTable& table) {
+    static constexpr ProblemKind needless{Severity::Warning, "lines that fit no measurement"};
+    ProblemList problems;
+    for (const Limit* const limit : table.NeverFitting())
+        problems.Add(needless, limit->line, 0,
+                     "the line fits no measurement; look for a misspelt value, or take it away");
+    return problems.InOrder();
 }
 
 } // namespace Bench

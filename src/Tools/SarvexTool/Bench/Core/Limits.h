@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Tools/SarvexTool/Bench/Core/Measurements.h"
+#include "Tools/SarvexTool/Bench/Core/Problems.h"
 
 #include <array>
 #include <cstdint>
@@ -99,5 +100,9 @@ private:
     std::vector<Group> m_groups;
     std::vector<bool> m_hasFitted;
 };
+
+/// A warning for each limit that has fitted nothing until now: one that is for nothing that was
+/// measured is most likely misspelt.
+std::vector<Problem> NeedlessLimits(const LimitTable& table);
 
 } // namespace Bench

@@ -116,6 +116,19 @@ TEST_F(LimitsTest, LimitThatFitsIsTellableFromOneThatNeverDoes) {
         << "one that fits is one, although another comes before it";
 }
 
+TEST_F(LimitsTest, LimitThatFitsNothingIsWarnedOf) {
+    LimitTable table({{ForBand(2, "5"), ForBand(3, "7")}, {}});
+    Find(table, fixture.Of({{Setting::Band, "5"}}));
+    const std::vector<Problem> problems = NeedlessLimits(table);
+    ASSERT_EQ(problems.size(), 1U);
+    EXPECT_EQ(problems[0].severity, Severity::Warning);
+    EXPECT_EQ(problems[0].line, 3U);
+    EXPECT_EQ(problems[0].text,
+              "the line fits no measurement; look for a misspelt value, or take it away");
+    Find(table, fixture.Of({{Setting::Band, "7"}}));
+    EXPECT_TRUE(NeedlessLimits(table).empty());
+}
+
 /// Tables of few and of many limits are searched in different ways: all have to find what a search
 /// through one limit after the other finds.
 TEST_F(LimitsTest, EveryTableFindsWhatASearchLineByLineFinds) {
