@@ -148,8 +148,12 @@ private:
     std::function<Failure(std::size_t)> m_failureOf;
 };
 
+/// With the bench where it is told: "line 5, bench bench2".
 std::string AtLine(const RunResult& run, std::uint32_t measurement) {
-    return "line " + std::to_string(run.LineOf(run.measurements[measurement]));
+    const Measurement& shown = run.measurements[measurement];
+    const std::string line = "line " + std::to_string(run.LineOf(shown));
+    const RunPlace* const place = run.PlaceOf(shown);
+    return place != nullptr && place->bench ? line + ", bench " + *place->bench : line;
 }
 
 /// Where a difference is: the lines in both files.

@@ -1,12 +1,14 @@
 #include "Tools/SarvexTool/Bench/Output/Junit.h"
 #include "tests/Tools/SarvexTool/Bench/Output/OutputFixture.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <sstream>
 
 namespace Bench {
 namespace {
+
+using testing::HasSubstr;
 
 TEST(JunitTest, MeasurementsAreCasesInSuitesByBandAndBandwidth) {
     const OutputFixture fixture;
@@ -42,6 +44,19 @@ TEST(JunitTest, MeasurementsAreCasesInSuitesByBandAndBandwidth) {
   </testsuite>
 </testsuites>
 )xml");
+}
+
+TEST(JunitTest, AFailureNamesTheBenchWhereItIsTold) {
+    OutputFixture fixture;
+    fixture.TellPlaces();
+    std::ostringstream judged;
+    WriteJunit(judged, fixture.Judged());
+    EXPECT_THAT(judged.str(), HasSubstr("limits 12 to 14 dBm (line 2, bench =b\\x1B)\"/>"));
+    EXPECT_THAT(judged.str(), HasSubstr("limits at most 14.5 dBm (line 3, bench a)\"/>"));
+    EXPECT_THAT(judged.str(), HasSubstr("no power was reported (line 4)\"/>"));
+    std::ostringstream compared;
+    WriteJunit(compared, fixture.Compared());
+    EXPECT_THAT(compared.str(), HasSubstr("to 15 dBm (old line 2, new line 3, bench a)\"/>"));
 }
 
 TEST(JunitTest, RunThatEndedEarlyIsOneMoreCaseThatFailed) {
