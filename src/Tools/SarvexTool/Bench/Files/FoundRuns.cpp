@@ -73,7 +73,8 @@ std::vector<RunFolder> FindRuns(const std::string& folder, ProblemList& problems
         } catch (const BadInput& bad) {
             problems.Add(unreadableKind, 0, 0,
                          "the facts of the run " + name +
-                             " cannot be used: " + bad.Problems().front().text);
+                             " cannot be used: " + bad.Problems().front().text +
+                             "; move the run away from those of the chunks");
         }
     }
     return runs;

@@ -59,7 +59,8 @@ TEST_F(FoundRunsTest, FactsThatCannotBeReadAreTold) {
     EXPECT_THAT(Found(), ElementsAre("runs/1 a"));
     ASSERT_EQ(problems.InOrder().size(), 1u);
     EXPECT_EQ(problems.InOrder()[0].text,
-              "the facts of the run runs/2 cannot be used: the key \"format\" is missing");
+              "the facts of the run runs/2 cannot be used: the key \"format\" is missing; move the "
+              "run away from those of the chunks");
 }
 
 TEST_F(FoundRunsTest, LinksAreNotFollowed) {
