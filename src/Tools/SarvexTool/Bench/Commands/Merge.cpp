@@ -127,6 +127,8 @@ public:
         m_merged.AddHeader(m_plan.Header());
         for (std::size_t chunk = 0; chunk < m_input.manifest.chunks.size(); ++chunk)
             AddChunk(chunk);
+        if (m_plan.Read(m_line))
+            throw BadInput(m_input.manifestName, "tells of fewer lines than the plan has");
         return m_isRight;
     }
 
@@ -167,6 +169,7 @@ private:
         for (std::size_t count = 0; count < used.lines; ++count) {
             rows.Read(m_row);
             ReadLine();
+            RequireSameSettings(chunk);
             share.seconds += m_row.entry.seconds;
             Add(m_row.powers, m_row.entry);
             ++share.lines;
@@ -177,6 +180,19 @@ private:
     void ReadLine() {
         if (!m_plan.Read(m_line))
             throw BadInput(m_input.manifestName, "tells of more lines than the plan has");
+        for (std::size_t setting = 0; setting < SettingCount; ++setting) {
+            if (m_line.own.at(setting))
+                m_settings.at(setting) = m_line.own.at(setting);
+        }
+    }
+
+    /// A manifest that was changed may tell of a chunk where the plan has other lines.
+    void RequireSameSettings(const ManifestChunk& chunk) const {
+        if (m_row.own != m_settings)
+            throw BadInput(m_input.manifestName,
+                           chunk.file + " has other settings than line " +
+                               std::to_string(m_line.number) +
+                               " of the plan; split the plan anew, and run its chunks");
     }
 
     void Add(const std::string& powers, JournalEntry entry) {
@@ -190,6 +206,8 @@ private:
     Surroundings& m_surroundings;
     TestLines m_plan;
     TestLine m_line{.number = 1, .text = {}, .own = {}};
+    /// Those of the line, with what the lines before have left.
+    OwnSettings m_settings;
     ChunkRow m_row;
     bool m_isRight = true;
     std::size_t m_linesDone = 0;

@@ -52,6 +52,7 @@ void ChunkRows::Read(ChunkRow& row) {
     if (!whole.starts_with(m_line.text) || !AreTwoPowers(powers))
         Fail(m_line.number, "the row is not the chunk's line with two powers after it");
     row.powers = powers;
+    row.own = m_line.own;
 }
 
 void ChunkRows::ReadHeader() {

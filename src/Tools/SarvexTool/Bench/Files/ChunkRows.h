@@ -13,6 +13,8 @@ namespace Bench {
 
 /// What a run has of a line of its test file.
 struct ChunkRow {
+    /// The settings that the line writes.
+    OwnSettings own;
     JournalEntry entry;
     /// What the row has after the line: ",12.5,NA".
     std::string powers;

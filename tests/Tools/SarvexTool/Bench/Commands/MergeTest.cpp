@@ -28,10 +28,12 @@ protected:
     }
 
     void WriteManifest() {
-        const Manifest manifest{"1.0",
-                                {"/plans/plan.csv", HashOf("plan.csv"), 3},
-                                {{"chunk-0001.csv", HashOf("chunk-0001.csv"), {2, 3}},
-                                 {"chunk-0002.csv", HashOf("chunk-0002.csv"), {4, 4}}}};
+        WriteManifest(3, {{"chunk-0001.csv", HashOf("chunk-0001.csv"), {2, 3}},
+                          {"chunk-0002.csv", HashOf("chunk-0002.csv"), {4, 4}}});
+    }
+
+    void WriteManifest(LineNumber lines, const std::vector<ManifestChunk>& chunks) {
+        const Manifest manifest{"1.0", {"/plans/plan.csv", HashOf("plan.csv"), lines}, chunks};
         directory.Create("manifest.json", ToJsonText(manifest));
     }
 
@@ -99,6 +101,21 @@ protected:
 
     const std::string m_output = directory.Path("all");
 };
+
+TEST_F(MergeTest, AManifestWhoseChunksAreNotThePlansLinesIsAnError) {
+    directory.Create("chunk-0003.csv", "Band,Chains\n5,A\n5,AB\n");
+    MakeRun("runs/chunk-0003/1", "chunk-0003.csv", "one", {{"5,A", ",10,NA"}, {"5,AB", ",9,8"}});
+    WriteManifest(2, {{"chunk-0003.csv", HashOf("chunk-0003.csv"), {2, 3}}});
+    ExpectNothing("manifest.json: error: chunk-0003.csv has other settings than line 3 of the "
+                  "plan; split the plan anew, and run its chunks\n");
+    EXPECT_EQ(Merge({"--partial"}), 2);
+}
+
+TEST_F(MergeTest, AManifestThatEndsBeforeThePlanIsAnError) {
+    MakeFirst();
+    WriteManifest(2, {{"chunk-0001.csv", HashOf("chunk-0001.csv"), {2, 3}}});
+    ExpectNothing("manifest.json: error: tells of fewer lines than the plan has\n");
+}
 
 TEST_F(MergeTest, TheRunsOfTheChunksAreOneRunOfThePlan) {
     MakeFirst();
