@@ -6,7 +6,8 @@ import tempfile
 import unittest
 
 SCRIPT = pathlib.Path(__file__).resolve().parents[2] / "scripts" / "setup"
-FOR_DEMO = ["cmake", "g++", "libboost-dev", "libcli11-dev", "ninja-build", "nlohmann-json3-dev"]
+FOR_DEMO = ["cmake", "g++", "libboost-dev", "libcli11-dev", "ninja-build", "nlohmann-json3-dev",
+            "zlib1g-dev"]
 # None of the commands that would change the machine is the real one.
 COMMANDS = {
     "dpkg-query": 'for package in $INSTALLED; do echo "installed $package"; done',

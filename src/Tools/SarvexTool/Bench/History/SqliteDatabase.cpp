@@ -191,9 +191,9 @@ void SqliteDatabase::Open(const std::filesystem::path& path, OpenFor purpose) {
     sqlite3_busy_timeout(pDatabase, static_cast<int>(m_patience.count()));
     // What a file may say of itself does not weaken what holds for every store.
     sqlite3_db_config(pDatabase, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    Run("PRAGMA synchronous=FULL");
+    SqliteDatabase::Run("PRAGMA synchronous=FULL", {});
     // Reads the file for the first time.
-    Tables();
+    SqliteDatabase::Tables();
     if (purpose == OpenFor::Writing && sqlite3_db_readonly(pDatabase, "main") != 0)
         Fail("cannot be written: the file or its folder is read-only");
 }
