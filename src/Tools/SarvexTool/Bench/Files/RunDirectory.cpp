@@ -196,11 +196,12 @@ RunDirectory RunDirectory::Resume(const std::string& directory, const LockHolder
     const RunFiles files(directory);
     if (!fs::exists(PathOf(files.facts)))
         throw BadInput(directory, "holds no run: run.json is missing");
-    OSAL::FileLock lock = TakeLock(files.lock, directory, "the run", holder);
-    RunFacts facts = ReadRunFacts(files.facts);
-    if (facts.isMerged)
+    // A merged run stays one, and is left without a lock.
+    if (ReadRunFacts(files.facts).isMerged)
         throw BadInput(directory, "is merged from other runs; resume those of them that are not "
                                   "complete, and merge them again");
+    OSAL::FileLock lock = TakeLock(files.lock, directory, "the run", holder);
+    RunFacts facts = ReadRunFacts(files.facts);
     RequireSameTestFile(files, facts.testFile);
     const JournalEntry last = CutJournal(files.journal);
     DurableFile result = CutResult(files.result, last.csvEnd);

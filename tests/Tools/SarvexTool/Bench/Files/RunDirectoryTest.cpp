@@ -205,9 +205,11 @@ TEST_F(RunDirectoryTest, AMergedRunDoesNotGoOn) {
     RunFacts facts = ReadRunFacts(files.facts);
     facts.isMerged = true;
     WriteRunFacts(files.facts, facts);
+    std::filesystem::remove(PathOf(files.lock));
     EXPECT_EQ(ProblemOf<BadInput>([&] { Resume(); }),
               folder + ": is merged from other runs; resume those of them that are not complete, "
                        "and merge them again");
+    EXPECT_FALSE(std::filesystem::exists(PathOf(files.lock)));
 }
 
 TEST_F(RunDirectoryTest, ATestFileThatHasChangedIsRefused) {
