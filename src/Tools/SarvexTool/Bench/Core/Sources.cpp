@@ -26,9 +26,9 @@ std::optional<std::string> TextOf(const RunPlace& place, PlacePart part) {
 }
 
 /// Groups are sorted by these.
-std::pair<std::uint32_t, std::string> SortKey(const RunPlace& place, PlacePart part) {
-    const std::string text = TextOf(place, part).value_or("");
-    return {part == PlacePart::Attempt ? place.attempt.value_or(0) : 0, text};
+std::pair<std::string, std::string> SortKey(const RunPlace& place, PlacePart part) {
+    std::string text = TextOf(place, part).value_or("");
+    return {CountingKey(text), std::move(text)};
 }
 
 /// The place of the source that a line is in; the number of sources for a line in none.
@@ -85,9 +85,30 @@ std::optional<PlacePart> ToldPart(const Sources& sources, std::optional<PlacePar
     return std::nullopt;
 }
 
+std::string CountingKey(std::string_view name) {
+    constexpr std::string_view digits = "0123456789";
+    std::string key;
+    while (!name.empty()) {
+        const std::string_view text = name.substr(0, name.find_first_of(digits));
+        name.remove_prefix(text.size());
+        const std::string_view number = name.substr(0, name.find_first_not_of(digits));
+        name.remove_prefix(number.size());
+        key += text;
+        if (number.empty())
+            break;
+        // A longer number is a larger one; the longest that there are differ in their digits alone.
+        const std::string_view figures =
+            number.substr(std::min(number.find_first_not_of('0'), number.size() - 1));
+        key += '0';
+        key += static_cast<char>(std::min<std::size_t>(figures.size(), 127));
+        key += figures;
+    }
+    return key;
+}
+
 LineGroups::LineGroups(const Sources& sources, PlacePart part)
     : m_sources(sources), m_names{std::nullopt} {
-    std::map<std::pair<std::uint32_t, std::string>, std::size_t> groups;
+    std::map<std::pair<std::string, std::string>, std::size_t> groups;
     for (const Source& source : sources.All()) {
         if (TextOf(source.place, part))
             groups[SortKey(source.place, part)] = 0;

@@ -66,13 +66,17 @@ bool AreTold(const Sources& sources, PlacePart part);
 /// where they tell none.
 std::optional<PlacePart> ToldPart(const Sources& sources, std::optional<PlacePart> wanted);
 
+/// A text whose byte order is the order in which people count the names: "bench9" before "bench10".
+/// Names that differ in zeros before a number have the same one.
+std::string CountingKey(std::string_view name);
+
 /// The lines of a run in groups that have the same bench, device or attempt.
 class LineGroups {
 public:
     LineGroups(const Sources& sources, PlacePart part);
 
-    /// Benches and devices in the byte order of their names, attempts by their numbers. The first
-    /// one is of the lines of which nothing tells it, and there may be none of these.
+    /// In the order of their CountingKey. The first one is of the lines of which nothing tells it,
+    /// and there may be none of these.
     const std::vector<std::optional<std::string>>& Names() const { return m_names; }
 
     /// The place in Names of the group that a line belongs to.

@@ -66,6 +66,27 @@ TEST(SourcesTest, TheWantedPartIsShownWhereItIsTold) {
     EXPECT_EQ(ToldPart(Sources(), PlacePart::Bench), std::nullopt);
 }
 
+TEST(SourcesTest, NamesAreInTheOrderOfTheirNumbers) {
+    const std::vector<std::string> names = {"",         "2",       "10",       "bench",
+                                            "bench1",   "bench1a", "bench2",   "bench9-10",
+                                            "bench9-9", "bench10", "bench 99", "bencha"};
+    std::vector<std::string> sorted = names;
+    std::sort(sorted.begin(), sorted.end(), [](const auto& left, const auto& right) {
+        return CountingKey(left) < CountingKey(right);
+    });
+    EXPECT_THAT(sorted, ElementsAre("", "2", "10", "bench", "bench 99", "bench1", "bench1a",
+                                    "bench2", "bench9-9", "bench9-10", "bench10", "bencha"));
+    EXPECT_EQ(CountingKey("bench007"), CountingKey("bench7"));
+    EXPECT_LT(CountingKey("bench00"), CountingKey("bench1"));
+}
+
+TEST(LineGroupsTest, NamesThatCountAlikeAreGroupsOfTheirOwn) {
+    const Sources sources({Of(2, 2, "bench10"), Of(3, 3, "bench9"), Of(4, 4, "bench09")});
+    EXPECT_THAT(LineGroups(sources, PlacePart::Bench).Names(),
+                ElementsAre(std::nullopt, Optional(std::string("bench09")),
+                            Optional(std::string("bench9")), Optional(std::string("bench10"))));
+}
+
 TEST(LineGroupsTest, SourcesOfOneNameAreOneGroup) {
     const Sources sources({Of(2, 3, "b"), Of(4, 5, "a"), Of(6, 7, "b"), Of(8, 9, std::nullopt)});
     const LineGroups groups(sources, PlacePart::Bench);
