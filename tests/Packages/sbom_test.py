@@ -80,6 +80,9 @@ class SbomTest(unittest.TestCase):
         for platform in PLATFORMS:
             names = self.components(platform)
             for folder in filter(pathlib.Path.is_dir, (ROOT / "third_party").iterdir()):
+                if (platform, folder.name) == ("windows", "libpq"):
+                    self.assertNotIn("libpq", names)
+                    continue
                 name, version = re.match(r"# (\S+) (\S+)", (folder / "README.md").read_text()).groups()
                 self.assertEqual(names[name]["version"], version)
 

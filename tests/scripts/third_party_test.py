@@ -11,8 +11,9 @@ class ThirdPartyTest(unittest.TestCase):
     def test_each_file_has_the_checksum_of_its_readme(self):
         for folder in filter(pathlib.Path.is_dir, FOLDER.iterdir()):
             written = re.findall(r"^([0-9a-f]{64})  (\S+)$", (folder / "README.md").read_text(), re.MULTILINE)
-            present = [(hashlib.sha256(file.read_bytes()).hexdigest(), file.name)
-                       for file in folder.iterdir() if file.name not in ("README.md", "LICENSE")]
+            present = [(hashlib.sha256(file.read_bytes()).hexdigest(), file.relative_to(folder).as_posix())
+                       for file in folder.rglob("*")
+                       if file.is_file() and file.name not in ("README.md", "LICENSE")]
             with self.subTest(folder=folder.name):
                 self.assertEqual(sorted(written), sorted(present))
                 self.assertTrue((folder / "LICENSE").is_file())
