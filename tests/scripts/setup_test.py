@@ -15,6 +15,7 @@ COMMANDS = {
     "id": "echo 0",
     "tee": "cat >/dev/null",
     "chmod": ":",
+    "mkdir": ":",
     "rm": ":",
     "systemctl": ":",
 }

@@ -24,7 +24,9 @@ inline constexpr int SocketError = -1;
 struct AddressInfo;
 
 /// Asks for version 2.2 of the socket layer and, where descriptors are rationed, for as many as the
-/// system allows; 0 on success. Each successful call is undone by one CleanupSockets.
+/// system allows; 0 on success. Each successful call is undone by one CleanupSockets. From the
+/// first one on, a program with a C library of its own asks nothing for names but files and DNS,
+/// also where other libraries in it resolve them.
 int StartSockets();
 
 /// Undoes one StartSockets; 0 on success.

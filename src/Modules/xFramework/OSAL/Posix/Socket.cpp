@@ -91,11 +91,17 @@ void UseFilesAndDnsOnly() {
     ::__nss_configure_lookup("services", "files");
 }
 
+void ConfigureNames() {
+    static std::once_flag configured;
+    std::call_once(configured, UseFilesAndDnsOnly);
+}
+
 } // namespace
 
 int StartSockets() {
     static std::once_flag raised;
     std::call_once(raised, RaiseDescriptorLimit);
+    ConfigureNames();
     return 0;
 }
 
@@ -119,8 +125,7 @@ std::uint64_t MostPorts() {
 }
 
 AddressInfo* ResolveAddress(const std::string& host, const std::string& port) {
-    static std::once_flag configured;
-    std::call_once(configured, UseFilesAndDnsOnly);
+    ConfigureNames();
     addrinfo hints{};
     hints.ai_family = AF_UNSPEC;
     hints.ai_socktype = SOCK_STREAM;

@@ -1,6 +1,7 @@
 #include "Tools/SarvexTool/Bench/History/Database.h"
 
 #include "Tools/SarvexTool/Bench/Core/Utf8.h"
+#include "Tools/SarvexTool/Bench/History/OpenServer.h"
 #include "Tools/SarvexTool/Bench/History/SqliteDatabase.h"
 
 namespace Bench {
@@ -46,7 +47,7 @@ void Transaction::Commit() {
 
 std::unique_ptr<Database> OpenDatabase(const StoreName& name, OpenFor purpose) {
     if (name.IsServer())
-        throw StoreError(name.Shown(), "this program keeps its history in files only");
+        return OpenServer(name);
     return std::make_unique<SqliteDatabase>(name, purpose);
 }
 

@@ -46,7 +46,8 @@ enum class OpenFor : std::uint8_t { Reading, Writing };
 
 /// A connection to a database. Parameters are $1, $2 and so on. All functions block, a write
 /// transaction up to a minute when others write, and throw StoreError. Nothing is tried again. To
-/// be used by one thread at a time.
+/// be used by one thread at a time. A transaction in which a statement has failed can only be
+/// rolled back.
 class Database {
 public:
     using Values = std::span<const Value>;

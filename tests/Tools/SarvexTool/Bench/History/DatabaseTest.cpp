@@ -7,31 +7,27 @@
 namespace Bench {
 namespace {
 
-/// What every database does alike.
-class DatabaseTest : public testing::Test {
-protected:
-    DatabaseTest() : m_database(m_stores.Open(OpenFor::Writing)) {
-        m_database->Run("CREATE TABLE things(id BIGINT PRIMARY KEY, name TEXT, power DOUBLE "
-                        "PRECISION, content BYTEA)");
-    }
+void MakeThings(Database& database) {
+    database.Run(
+        "CREATE TABLE things(id BIGINT PRIMARY KEY, name TEXT, power DOUBLE PRECISION, content BYTEA)");
+}
 
-    void Add(std::int64_t id, Value name, Value power = {}, Value content = {}) {
-        const std::vector<Value> values{id, std::move(name), std::move(power), std::move(content)};
-        m_database->Run("INSERT INTO things VALUES ($1, $2, $3, $4)", values);
-    }
+void Add(Database& database, std::int64_t id, Value name, Value power = {}, Value content = {}) {
+    const std::vector<Value> values{id, std::move(name), std::move(power), std::move(content)};
+    database.Run("INSERT INTO things VALUES ($1, $2, $3, $4)", values);
+}
 
-    std::string Rows() { return RowsOf(*m_database, "SELECT id, name FROM things ORDER BY id", 2); }
+std::string Rows(Database& database) {
+    return RowsOf(database, "SELECT id, name FROM things ORDER BY id", 2);
+}
 
-    FileStores m_stores;
-    std::unique_ptr<Database> m_database;
-};
-
-TEST_F(DatabaseTest, EveryTypeOfValueComesBackAsItWas) {
+TEST_P(DatabaseTest, EveryTypeOfValueComesBackAsItWas) {
+    MakeThings(*m_database);
     constexpr std::int64_t largest = 9223372036854775807;
     const std::string bytes("\0\xFF\x80 '\"", 6);
-    Add(largest, "Gr\xC3\xBC\xC3\x9F'; DROP TABLE things; --", 0.1, Blob{bytes});
-    Add(-1, "", -1e-300, Blob{});
-    Add(3, {});
+    Add(*m_database, largest, "Gr\xC3\xBC\xC3\x9F'; DROP TABLE things; --", 0.1, Blob{bytes});
+    Add(*m_database, -1, "", -1e-300, Blob{});
+    Add(*m_database, 3, {});
     std::size_t count = 0;
     m_database->Query("SELECT id, name, power, content FROM things ORDER BY id",
                       [&](const ResultRow& row) {
@@ -62,17 +58,19 @@ TEST_F(DatabaseTest, EveryTypeOfValueComesBackAsItWas) {
     EXPECT_EQ(count, 3U);
 }
 
-TEST_F(DatabaseTest, AParameterHasItsNumberWhereverItIs) {
+TEST_P(DatabaseTest, AParameterHasItsNumberWhereverItIs) {
+    MakeThings(*m_database);
     const std::vector<Value> values{"first", std::int64_t{2}};
     m_database->Run("INSERT INTO things(id, name) VALUES ($2, $1)", values);
-    EXPECT_EQ(Rows(), "2|first\n");
+    EXPECT_EQ(Rows(*m_database), "2|first\n");
     EXPECT_EQ(RowsOf(*m_database,
                      "SELECT id, name FROM things WHERE id = $2 AND name = $1 AND id + 1 > $2", 2,
                      values),
               "2|first\n");
 }
 
-TEST_F(DatabaseTest, ManyRowsAreAddedByOneStatement) {
+TEST_P(DatabaseTest, ManyRowsAreAddedByOneStatement) {
+    MakeThings(*m_database);
     constexpr int rows = 500;
     std::string statement = "INSERT INTO things(id, name, power) VALUES ";
     std::vector<Value> values;
@@ -89,70 +87,77 @@ TEST_F(DatabaseTest, ManyRowsAreAddedByOneStatement) {
               "500|250|499\n");
 }
 
-TEST_F(DatabaseTest, WhatIsThereAlreadyCanBeLeftAsItIs) {
-    Add(1, "first");
+TEST_P(DatabaseTest, WhatIsThereAlreadyCanBeLeftAsItIs) {
+    MakeThings(*m_database);
+    Add(*m_database, 1, "first");
     m_database->Run("INSERT INTO things(id, name) VALUES (1, 'second') ON CONFLICT DO NOTHING");
-    EXPECT_EQ(Rows(), "1|first\n");
+    EXPECT_EQ(Rows(*m_database), "1|first\n");
 }
 
-TEST_F(DatabaseTest, ATextThatNotEveryDatabaseKeepsIsRefused) {
+TEST_P(DatabaseTest, ATextThatNotEveryDatabaseKeepsIsRefused) {
+    MakeThings(*m_database);
     for (const std::string& text : {std::string("a\0b", 3), std::string("\xC0\x80"),
                                     std::string("M\xFCller"), std::string("\xED\xA0\x80")}) {
-        EXPECT_EQ(FailureOf([&] { Add(1, text); }),
+        EXPECT_EQ(FailureOf([&] { Add(*m_database, 1, text); }),
                   m_database->Shown() + ": takes no text that is not UTF-8 or has a NUL character");
     }
-    EXPECT_EQ(Rows(), "");
+    EXPECT_EQ(Rows(*m_database), "");
 }
 
-TEST_F(DatabaseTest, ATransactionThatIsNotCommittedIsTakenBack) {
+TEST_P(DatabaseTest, ATransactionThatIsNotCommittedIsTakenBack) {
+    MakeThings(*m_database);
     {
         const Transaction transaction(*m_database, OpenFor::Writing);
-        Add(1, "lost");
-        EXPECT_EQ(Rows(), "1|lost\n");
+        Add(*m_database, 1, "lost");
+        EXPECT_EQ(Rows(*m_database), "1|lost\n");
     }
-    EXPECT_EQ(Rows(), "");
+    EXPECT_EQ(Rows(*m_database), "");
     Transaction transaction(*m_database, OpenFor::Writing);
-    Add(2, "kept");
+    Add(*m_database, 2, "kept");
     transaction.Commit();
-    EXPECT_EQ(Rows(), "2|kept\n");
+    EXPECT_EQ(Rows(*m_database), "2|kept\n");
 }
 
-TEST_F(DatabaseTest, TheDatabaseCanBeUsedAfterAStatementThatFailed) {
-    Add(1, "one");
-    EXPECT_NE(FailureOf([&] { Add(1, "again"); }), "nothing");
+TEST_P(DatabaseTest, TheDatabaseCanBeUsedAfterAStatementThatFailed) {
+    MakeThings(*m_database);
+    Add(*m_database, 1, "one");
+    EXPECT_NE(FailureOf([&] { Add(*m_database, 1, "again"); }), "nothing");
     EXPECT_NE(FailureOf([&] { m_database->Run("SELECT nonsense FROM nowhere"); }), "nothing");
-    Add(2, "two");
-    EXPECT_EQ(Rows(), "1|one\n2|two\n");
+    Add(*m_database, 2, "two");
+    EXPECT_EQ(Rows(*m_database), "1|one\n2|two\n");
 }
 
-TEST_F(DatabaseTest, WhatTakesARowMayEndTheQuery) {
-    Add(1, "one");
-    Add(2, "two");
+TEST_P(DatabaseTest, WhatTakesARowMayEndTheQuery) {
+    MakeThings(*m_database);
+    Add(*m_database, 1, "one");
+    Add(*m_database, 2, "two");
     const auto end = [](const ResultRow&) { throw std::runtime_error("enough"); };
     EXPECT_THROW(m_database->Query("SELECT id FROM things", end), std::runtime_error);
     m_database->Run("DELETE FROM things WHERE id = 1");
-    EXPECT_EQ(Rows(), "2|two\n");
+    EXPECT_EQ(Rows(*m_database), "2|two\n");
 }
 
-TEST_F(DatabaseTest, ItsTablesAreTold) {
+TEST_P(DatabaseTest, ItsTablesAreTold) {
+    MakeThings(*m_database);
     m_database->Run("CREATE TABLE other(id BIGINT PRIMARY KEY)" +
                     std::string(m_database->TableEnd()));
     EXPECT_EQ(m_database->Tables(), (std::vector<std::string>{"other", "things"}));
     EXPECT_EQ(m_database->IntegrityProblems(), std::vector<std::string>());
 }
 
-TEST_F(DatabaseTest, TwoConnectionsReadOneMomentEach) {
-    Add(1, "one");
-    const std::unique_ptr<Database> reader = m_stores.Open(OpenFor::Reading);
+TEST_P(DatabaseTest, TwoConnectionsReadOneMomentEach) {
+    MakeThings(*m_database);
+    Add(*m_database, 1, "one");
+    const std::unique_ptr<Database> reader = m_stores->OpenOne(OpenFor::Reading);
     const std::string statement = "SELECT id, name FROM things ORDER BY id";
     {
         const Transaction transaction(*reader, OpenFor::Reading);
         EXPECT_EQ(RowsOf(*reader, statement, 2), "1|one\n");
         const Transaction writing(*m_database, OpenFor::Writing);
-        Add(2, "two");
+        Add(*m_database, 2, "two");
         EXPECT_EQ(RowsOf(*reader, statement, 2), "1|one\n");
     }
-    Add(3, "three");
+    Add(*m_database, 3, "three");
     EXPECT_EQ(RowsOf(*reader, statement, 2), "1|one\n3|three\n");
 }
 

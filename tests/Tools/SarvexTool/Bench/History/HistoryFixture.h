@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <memory>
 #include <string>
 
 namespace Bench {
@@ -36,9 +37,17 @@ inline std::string RowsOf(Database& database, std::string_view statement, std::s
     return rows;
 }
 
-/// Stores in files of a folder that goes with the test.
-class FileStores {
+/// Where the stores of one test are; they go with it.
+class Stores {
 public:
+    virtual ~Stores() = default;
+    virtual std::unique_ptr<Database> OpenOne(OpenFor purpose) const = 0;
+};
+
+/// Stores in files of a folder.
+class FileStores : public Stores {
+public:
+    std::unique_ptr<Database> OpenOne(OpenFor purpose) const override { return Open(purpose); }
     std::string Path(const std::string& name = "history.db") const {
         return m_directory.Path(name);
     }
@@ -50,5 +59,27 @@ public:
 private:
     TestSupport::TemporaryDirectory m_directory;
 };
+
+using MakeStores = std::unique_ptr<Stores> (*)();
+
+/// A test that every kind of store must pass: with one that is open to be written.
+class DatabaseFixture : public testing::TestWithParam<MakeStores> {
+protected:
+    DatabaseFixture() : m_stores(GetParam()()), m_database(m_stores->OpenOne(OpenFor::Writing)) {}
+
+    /// What a call fails with, without the store's name.
+    template <typename Call>
+    std::string Refusal(Call call) const {
+        const std::string failure = FailureOf(call);
+        const std::string begin = m_database->Shown() + ": ";
+        return failure.starts_with(begin) ? failure.substr(begin.size()) : failure;
+    }
+
+    std::unique_ptr<Stores> m_stores;
+    std::unique_ptr<Database> m_database;
+};
+
+class DatabaseTest : public DatabaseFixture {};
+class MigrationsTest : public DatabaseFixture {};
 
 } // namespace Bench

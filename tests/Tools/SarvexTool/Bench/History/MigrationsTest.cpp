@@ -5,23 +5,7 @@
 namespace Bench {
 namespace {
 
-class MigrationsTest : public testing::Test {
-protected:
-    MigrationsTest() : m_database(m_stores.Open(OpenFor::Writing)) {}
-
-    /// What a call fails with, without the store's name.
-    template <typename Call>
-    std::string Refusal(Call call) const {
-        const std::string failure = FailureOf(call);
-        const std::string begin = m_database->Shown() + ": ";
-        return failure.starts_with(begin) ? failure.substr(begin.size()) : failure;
-    }
-
-    FileStores m_stores;
-    std::unique_ptr<Database> m_database;
-};
-
-TEST_F(MigrationsTest, ANewDatabaseGetsAllTablesOnce) {
+TEST_P(MigrationsTest, ANewDatabaseGetsAllTablesOnce) {
     EXPECT_EQ(VersionOf(*m_database), 0);
     Migrate(*m_database);
     EXPECT_EQ(VersionOf(*m_database), NewestVersion());
@@ -34,22 +18,24 @@ TEST_F(MigrationsTest, ANewDatabaseGetsAllTablesOnce) {
     EXPECT_EQ(RowsOf(*m_database, "SELECT version FROM history_version", 1), "1\n");
 }
 
-TEST_F(MigrationsTest, ThereIsOneStepForEachVersion) {
+TEST_P(MigrationsTest, ThereIsOneStepForEachVersion) {
     EXPECT_EQ(AllMigrations(*m_database).size(), static_cast<std::size_t>(NewestVersion()));
 }
 
-TEST_F(MigrationsTest, ADatabaseOfANewerVersionIsRefusedAndNotChanged) {
+TEST_P(MigrationsTest, ADatabaseOfANewerVersionIsRefusedAndNotChanged) {
     Migrate(*m_database);
     m_database->Run("UPDATE history_version SET version = 2");
-    const std::string bytes = TestSupport::ReadBytes(m_stores.Path());
+    m_database->Run("DROP TABLE baselines");
+    const std::vector<std::string> tables = m_database->Tables();
     const std::string words = "was made by a newer version of this program (version 2 of its "
                               "tables, this program knows 1): use that one";
     EXPECT_EQ(Refusal([&] { Migrate(*m_database); }), words);
     EXPECT_EQ(Refusal([&] { VersionOf(*m_database); }), words);
-    EXPECT_EQ(TestSupport::ReadBytes(m_stores.Path()), bytes);
+    EXPECT_EQ(m_database->Tables(), tables);
+    EXPECT_EQ(RowsOf(*m_database, "SELECT version FROM history_version", 1), "2\n");
 }
 
-TEST_F(MigrationsTest, ADatabaseOfSomethingElseIsRefusedAndNotChanged) {
+TEST_P(MigrationsTest, ADatabaseOfSomethingElseIsRefusedAndNotChanged) {
     m_database->Run("CREATE TABLE bookmarks(id BIGINT)");
     const std::string words = "holds the tables of something else, for example bookmarks: give "
                               "the history a database of its own";
@@ -58,7 +44,7 @@ TEST_F(MigrationsTest, ADatabaseOfSomethingElseIsRefusedAndNotChanged) {
     EXPECT_EQ(m_database->Tables(), (std::vector<std::string>{"bookmarks"}));
 }
 
-TEST_F(MigrationsTest, AVersionThatIsNotToldIsDamage) {
+TEST_P(MigrationsTest, AVersionThatIsNotToldIsDamage) {
     Migrate(*m_database);
     const std::string words = "is damaged: its table history_version does not tell one version";
     for (const std::string statement :
@@ -69,7 +55,7 @@ TEST_F(MigrationsTest, AVersionThatIsNotToldIsDamage) {
     }
 }
 
-TEST_F(MigrationsTest, EachStepIsDoneWholeOrNotAtAll) {
+TEST_P(MigrationsTest, EachStepIsDoneWholeOrNotAtAll) {
     const std::vector<Migration> steps{{"CREATE TABLE first(id BIGINT)"},
                                        {"CREATE TABLE second(id BIGINT)", "CREATE nonsense"}};
     EXPECT_NE(Refusal([&] { MigrateWith(*m_database, steps); }), "nothing");
@@ -82,7 +68,7 @@ TEST_F(MigrationsTest, EachStepIsDoneWholeOrNotAtAll) {
     EXPECT_EQ(RowsOf(*m_database, "SELECT version FROM history_version", 1), "2\n");
 }
 
-TEST_F(MigrationsTest, ARunTakesItsRowsWithItUnlessItIsABaseline) {
+TEST_P(MigrationsTest, ARunTakesItsRowsWithItUnlessItIsABaseline) {
     Migrate(*m_database);
     m_database->Run("INSERT INTO runs(id, hash, kept_at, measured_at, name, verdict, lines, "
                     "measurements, measured) VALUES (1, 'h', 0, 0, 'n', 'pass', 1, 1, 1)");

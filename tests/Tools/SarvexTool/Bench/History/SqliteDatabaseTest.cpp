@@ -126,5 +126,12 @@ TEST_F(SqliteDatabaseTest, NoWordInDoubleQuotesIsAText) {
     EXPECT_NE(FailureOf([&] { store->Run("ATTACH 'other.db' AS other"); }), "nothing");
 }
 
+std::unique_ptr<Stores> MakeFileStores() {
+    return std::make_unique<FileStores>();
+}
+
+INSTANTIATE_TEST_SUITE_P(File, DatabaseTest, testing::Values(&MakeFileStores));
+INSTANTIATE_TEST_SUITE_P(File, MigrationsTest, testing::Values(&MakeFileStores));
+
 } // namespace
 } // namespace Bench
