@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace OSAL {
@@ -42,6 +43,10 @@ bool ReadModulePath(std::string& path);
 
 /// The same in UTF-8, whatever the system's code page; empty when it cannot be told.
 std::string ModulePathInUtf8();
+
+/// The value of a variable of the environment in UTF-8, whatever the system's code page; nothing
+/// for one that is not set.
+std::optional<std::string> EnvironmentVariable(const std::string& name);
 
 /// Creates a process from an executable file and its whole command line. The child inherits the
 /// handles and the environment. On success information owns its handles, where the system has any.

@@ -9,6 +9,7 @@
 #include <array>
 #include <chrono>
 #include <filesystem>
+#include <optional>
 #include <string>
 
 namespace OSAL {
@@ -36,6 +37,11 @@ TEST(CommonProcessTest, KnowsTheFileThatItRuns) {
 TEST(CommonProcessTest, HasANumber) {
     EXPECT_NE(ProcessId(), 0U);
     EXPECT_EQ(ProcessId(), ProcessId());
+}
+
+TEST(CommonProcessTest, KnowsItsEnvironment) {
+    EXPECT_FALSE(EnvironmentVariable("PATH").value_or("").empty());
+    EXPECT_EQ(EnvironmentVariable("SARVEX_TEST_NOT_SET"), std::nullopt);
 }
 
 TEST(CommonProcessTest, FindsWhatIsBesideIt) {

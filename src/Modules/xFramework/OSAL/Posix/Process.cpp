@@ -9,6 +9,7 @@
 #include <climits>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 
 namespace OSAL {
@@ -79,6 +80,11 @@ std::string ModulePathInUtf8() {
     std::string path;
     ReadModulePath(path);
     return path;
+}
+
+std::optional<std::string> EnvironmentVariable(const std::string& name) {
+    const char* const value = ::getenv(name.c_str()); // NOLINT(concurrency-mt-unsafe)
+    return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
 }
 
 bool CreateChildProcess(const std::string& executablePath, const std::string& /*commandLine*/,

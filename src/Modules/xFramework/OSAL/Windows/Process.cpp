@@ -60,6 +60,19 @@ std::string ModulePathInUtf8() {
     return ToUtf8(wide);
 }
 
+std::optional<std::string> EnvironmentVariable(const std::string& name) {
+    constexpr DWORD longestValue = 32'768;
+    std::wstring wide(longestValue, L'\0');
+    ::SetLastError(ERROR_SUCCESS);
+    const DWORD length =
+        ::GetEnvironmentVariableW(FromUtf8(name).c_str(), wide.data(), longestValue);
+    // A variable without a value has no length either.
+    if ((length == 0 && ::GetLastError() != ERROR_SUCCESS) || length >= longestValue)
+        return std::nullopt;
+    wide.resize(length);
+    return ToUtf8(wide);
+}
+
 bool CreateChildProcess(const std::string& executablePath, const std::string& commandLine,
                         const std::string& workingDirectory, bool newConsole,
                         ProcessInformation& information) {

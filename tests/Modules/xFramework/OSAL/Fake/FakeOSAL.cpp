@@ -105,6 +105,11 @@ std::string ModulePathInUtf8() {
     return TheWorld().modulePathReadable ? TheWorld().modulePath : "";
 }
 
+/// None is set.
+std::optional<std::string> EnvironmentVariable(const std::string& /*name*/) {
+    return std::nullopt;
+}
+
 bool CreateChildProcess(const std::string& executablePath, const std::string& commandLine,
                         const std::string& workingDirectory, bool newConsole,
                         ProcessInformation& information) {
