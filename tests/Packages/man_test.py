@@ -126,7 +126,8 @@ class ManTest(unittest.TestCase):
         control = (ROOT / "packaging/debian/sarvextool/control.in").read_text()
         for text in (overview, control):
             # "splits a table": each is said as a verb.
-            self.assertEqual([], [name for name in names if not re.search(rf"\b{name}s\b", text)])
+            verbs = ["keeps" if name == "history" else f"{name}s" for name in names]
+            self.assertEqual([], [verb for verb in verbs if not re.search(rf"\b{verb}\b", text)])
 
     def test_each_file_of_the_documentation_that_is_named_exists(self):
         for page in self.pages:

@@ -27,8 +27,8 @@ namespace {
 constexpr const char* programName = "SarvexToolBench";
 
 /// The subcommands, in the order in which the help shows them.
-constexpr std::array<Command (*)(CLI::App&), 8> addCommands{
-    AddCheck, AddRun, AddStop, AddSplit, AddMerge, AddJudge, AddReport, AddCompare};
+constexpr std::array<Command (*)(CLI::App&), 9> addCommands{
+    AddCheck, AddRun, AddStop, AddSplit, AddMerge, AddJudge, AddReport, AddCompare, AddHistory};
 
 /// A text in lines of at most so many characters, cut at blanks.
 std::string Wrapped(std::string text, std::size_t width) {
@@ -66,11 +66,11 @@ std::string UnknownName(const std::string& thing, const std::string& name,
            (nearest.empty() ? "" : "; did you mean \"" + std::string(nearest) + "\"?");
 }
 
-[[noreturn]] void ThrowUnknown(const CLI::App& program, const std::string& name) {
+std::string UnknownSubcommand(const CLI::App& app, const std::string& name) {
     std::vector<const char*> known;
-    for (const CLI::App* const subcommand : program.get_subcommands({}))
+    for (const CLI::App* const subcommand : app.get_subcommands({}))
         known.push_back(subcommand->get_name().c_str());
-    throw WrongUsage(UnknownName("subcommand", name, known));
+    return UnknownName("subcommand", name, known);
 }
 
 std::string UnknownOption(const CLI::App& options, const std::string& argument) {
@@ -90,6 +90,15 @@ bool IsGivenTooOften(const CLI::Option* option) {
     return option->get_items_expected_max() == 1 && option->count() > 1;
 }
 
+/// The subcommand that the arguments name last, as "history add"; null where they name none.
+const CLI::App* DeepestParsed(const CLI::App& program) {
+    const CLI::App* deepest = nullptr;
+    for (std::vector<CLI::App*> parsed = program.get_subcommands(); !parsed.empty();
+         parsed = deepest->get_subcommands())
+        deepest = parsed.front();
+    return deepest;
+}
+
 /// What these options have got that they do not know; the option library tells it only when all
 /// that is required is there.
 std::optional<std::string> Unexpected(const CLI::App& options) {
@@ -99,6 +108,8 @@ std::optional<std::string> Unexpected(const CLI::App& options) {
                      [](const std::string& argument) { return argument.starts_with('-'); });
     if (unknown != extras.end())
         return UnknownOption(options, *unknown);
+    if (!extras.empty() && !options.get_subcommands({}).empty())
+        return UnknownSubcommand(options, extras.front());
     if (!extras.empty())
         return "the argument \"" + extras.front() +
                "\" is one too many; put a name that holds blanks in quotes";
@@ -114,7 +125,7 @@ const CLI::App& Named(const CLI::App& program, const std::string& name) {
     const auto found = program.get_subcommands(
         [&name](const CLI::App* subcommand) { return subcommand->get_name() == name; });
     if (!name.empty() && found.empty())
-        ThrowUnknown(program, name);
+        throw WrongUsage(UnknownSubcommand(program, name));
     return name.empty() ? program : *found.front();
 }
 
@@ -205,20 +216,20 @@ private:
 
     /// What neither the program nor the subcommand that the arguments name knows.
     std::optional<std::string> UnexpectedIn(const std::vector<std::string>& arguments) const {
-        const std::vector<CLI::App*> parsed = m_options.get_subcommands();
-        if (parsed.empty())
+        const CLI::App* const parsed = DeepestParsed(m_options);
+        if (parsed == nullptr)
             return Unexpected(m_options);
         if (arguments.front().starts_with('-'))
             return "\"" + arguments.front() + "\" is in front of the subcommand; write it after it";
-        return Unexpected(*parsed.front());
+        return Unexpected(*parsed);
     }
 
     int Complain(const std::string& problem, Surroundings& surroundings) const {
         std::string named = programName;
-        for (const CLI::App* const parsed : m_options.get_subcommands()) {
-            if (parsed != m_help)
-                named += " " + parsed->get_name();
-        }
+        for (std::vector<CLI::App*> parsed = m_options.get_subcommands();
+             !parsed.empty() && parsed.front() != m_help;
+             parsed = parsed.front()->get_subcommands())
+            named += " " + parsed.front()->get_name();
         surroundings.err.stream << named << ": " << MakeHarmless(problem) << "\nRun " << named
                                 << " --help for the options.\n";
         return ExitCode::Failed;

@@ -33,6 +33,13 @@ std::uint32_t NumberOf(const std::string& option, const std::string& text, std::
     return number;
 }
 
+std::optional<std::string> TextFrom(const std::string& option,
+                                    const std::optional<std::string>& text, const char* what) {
+    if (text && text->empty())
+        throw WrongUsage(option + " needs " + what);
+    return text;
+}
+
 std::optional<PlacePart> GroupByOf(const std::optional<std::string>& text) {
     if (!text)
         return std::nullopt;

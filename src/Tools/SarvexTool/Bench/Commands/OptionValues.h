@@ -19,6 +19,12 @@ Decimal SecondsOf(const std::string& option, const std::string& text);
 std::uint32_t NumberOf(const std::string& option, const std::string& text, std::uint32_t least,
                        std::uint32_t most);
 
+/// A text from an option, where it was given. Throws WrongUsage for an empty one, as with a
+/// variable of a script that is not set.
+std::optional<std::string> TextFrom(const std::string& option,
+                                    const std::optional<std::string>& text,
+                                    const char* what = "a text");
+
 /// What --group-by asks for. Throws WrongUsage.
 std::optional<PlacePart> GroupByOf(const std::optional<std::string>& text);
 

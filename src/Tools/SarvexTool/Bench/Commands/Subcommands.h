@@ -12,6 +12,9 @@ Command AddCheck(CLI::App& program);
 /// compare OLD NEW: tells what differs between two runs.
 Command AddCompare(CLI::App& program);
 
+/// history SUBCOMMAND: keeps runs, and tells what is kept.
+Command AddHistory(CLI::App& program);
+
 /// judge RESULT --limits LIMITS: holds each measurement of a run against its limits.
 Command AddJudge(CLI::App& program);
 

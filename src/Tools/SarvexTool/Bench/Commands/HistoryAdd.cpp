@@ -1,0 +1,148 @@
+#include "Tools/SarvexTool/Bench/Commands/HistoryCommands.h"
+#include "Tools/SarvexTool/Bench/Commands/HistoryOptions.h"
+#include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
+#include "Tools/SarvexTool/Bench/Core/Verdicts.h"
+#include "Tools/SarvexTool/Bench/Files/KeptFiles.h"
+#include "Tools/SarvexTool/Bench/Files/LimitsFile.h"
+#include "Tools/SarvexTool/Bench/Output/HistoryText.h"
+#include "Tools/SarvexTool/Bench/Output/Problems.h"
+#include "Tools/SarvexTool/Bench/Output/ShownText.h"
+#include "Tools/SarvexTool/Bench/Output/ShownTime.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Bench {
+
+namespace {
+
+struct AddArguments {
+    std::vector<std::string> runs;
+    std::optional<std::string> store;
+    std::optional<std::string> bench;
+    std::optional<std::string> device;
+    std::optional<std::string> firmware;
+    std::optional<std::string> note;
+    std::optional<std::string> measured;
+    std::optional<std::string> limits;
+    bool isPartial = false;
+};
+
+KeepOptions OptionsFrom(const AddArguments& arguments) {
+    KeepOptions options;
+    options.bench = TextFrom("--bench", arguments.bench, "a name");
+    options.device = TextFrom("--device", arguments.device, "a name");
+    options.firmware = TextFrom("--firmware", arguments.firmware);
+    options.note = TextFrom("--note", arguments.note);
+    if (arguments.measured)
+        options.measuredAt = MomentOf("--measured", *arguments.measured);
+    options.isPartial = arguments.isPartial;
+    return options;
+}
+
+std::int64_t Now() {
+    return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now())
+        .time_since_epoch()
+        .count();
+}
+
+/// Adds one run after the other; what is wrong with one keeps no other from being added.
+class RunAdder {
+public:
+    RunAdder(const AddArguments& arguments, Surroundings& surroundings)
+        : m_arguments(arguments), m_options(OptionsFrom(arguments)), m_surroundings(surroundings) {
+        StoreNameOf(arguments.store);
+        if (arguments.limits)
+            m_limits.emplace(ReadLimits(*arguments.limits, surroundings.in, m_texts));
+    }
+
+    int AddAll() {
+        int exitCode = ExitCode::Fine;
+        for (const std::string& name : m_arguments.runs)
+            exitCode = std::max<int>(exitCode, Add(name));
+        return exitCode;
+    }
+
+private:
+    ExitCode Add(const std::string& name) {
+        std::optional<RunToKeep> run;
+        try {
+            run.emplace(ReadRunToKeep(name, m_options, m_texts));
+        } catch (const BadFile& bad) {
+            PrintProblems(m_surroundings.err, bad.File(), bad.Problems());
+            return ExitCode::Failed;
+        }
+        if (m_limits)
+            run->facts.verdict = Judge(run->result, *m_limits).HaveAllPassed() ? KeptVerdict::Pass
+                                                                               : KeptVerdict::Fail;
+        if (!m_store)
+            m_store.emplace(OpenToWrite(m_arguments.store));
+        try {
+            const bool isNew = m_store->Add(*run, Now());
+            PrintAdded(m_surroundings.out.stream, run->facts, isNew);
+            if (isNew && run->isTimeOfFile)
+                m_surroundings.out.stream
+                    << "  Measured when the file was written, "
+                    << ShownMinute(run->facts.measuredAt)
+                    << " UTC, because nothing else tells; --measured says another time.\n";
+            m_surroundings.out.stream.flush();
+            return ExitCode::Fine;
+        } catch (const KeptOtherwise& otherwise) {
+            m_surroundings.err.stream << MakeHarmless(name + ": " + otherwise.what()) << "\n";
+            return ExitCode::Failed;
+        }
+    }
+
+    const AddArguments& m_arguments;
+    KeepOptions m_options;
+    Surroundings& m_surroundings;
+    TextPool m_texts;
+    std::optional<LimitTable> m_limits;
+    /// Opened for the first run that can be kept: for nothing, none is made.
+    std::optional<Store> m_store;
+};
+
+} // namespace
+
+Command AddHistoryAdd(CLI::App& history) {
+    CLI::App* const app = history.add_subcommand("add", "Keep runs");
+    const auto arguments = std::make_shared<AddArguments>();
+    app->add_option("RUN", arguments->runs,
+                    "Run directories, or results of the client: result.csv or the folder that "
+                    "holds it")
+        ->required()
+        ->type_name("");
+    AddStoreOption(*app, arguments->store);
+    app->add_option("--bench", arguments->bench, "The bench, where the run does not tell it")
+        ->type_name("NAME");
+    app->add_option("--device", arguments->device, "The device, where the run does not tell it")
+        ->type_name("NAME");
+    app->add_option("--firmware", arguments->firmware,
+                    "The device's firmware, where the run does not tell it")
+        ->type_name("TEXT");
+    app->add_option("--note", arguments->note, "What else there is to say of the runs")
+        ->type_name("TEXT");
+    app->add_option("--measured", arguments->measured,
+                    "When a result was measured that does not tell it, in UTC, as "
+                    "2026-03-09T08:05:00Z; when the file was written without it")
+        ->type_name("TIME");
+    app->add_option("--limits", arguments->limits, "Judge the runs by these limits")
+        ->type_name("FILE");
+    app->add_flag("--partial", arguments->isPartial, "Keep runs that ended early, too");
+    app->footer("Exit code: 0 all are kept, 2 wrong usage, a run that goes on, ended early or "
+                "cannot be read or is kept with something else said of it, or a store that cannot "
+                "be written.");
+    return {app, [arguments](Surroundings& surroundings) {
+                return RunAdder(*arguments, surroundings).AddAll();
+            }};
+}
+
+} // namespace Bench

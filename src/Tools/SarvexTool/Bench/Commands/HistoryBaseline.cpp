@@ -1,0 +1,109 @@
+#include "Tools/SarvexTool/Bench/Commands/HistoryCommands.h"
+#include "Tools/SarvexTool/Bench/Commands/HistoryOptions.h"
+#include "Tools/SarvexTool/Bench/Commands/Outputs.h"
+#include "Tools/SarvexTool/Bench/Output/HistoryJson.h"
+#include "Tools/SarvexTool/Bench/Output/HistoryText.h"
+#include "Tools/SarvexTool/Bench/Output/ShownText.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Bench {
+
+namespace {
+
+struct SetArguments {
+    std::string name;
+    std::string run;
+    std::optional<std::string> store;
+};
+
+int Set(const SetArguments& arguments, Surroundings& surroundings) {
+    // A store that is not there is not made.
+    OpenToRead(arguments.store);
+    Store store = OpenToWrite(arguments.store);
+    const KeptFacts run = store.Find(arguments.run);
+    store.SetBaseline(arguments.name, run.hash);
+    surroundings.out.stream << "The baseline " << MakeHarmless(arguments.name) << " is "
+                            << PhraseOf(run) << ".\n";
+    return ExitCode::Fine;
+}
+
+struct ShowArguments {
+    std::optional<std::string> name;
+    std::optional<std::string> store;
+    std::optional<std::string> json;
+};
+
+/// All baselines, or that of the name.
+std::vector<KeptBaseline> BaselinesOf(Store& store, const std::optional<std::string>& name) {
+    std::vector<KeptBaseline> baselines = store.Baselines();
+    if (!name)
+        return baselines;
+    std::erase_if(baselines, [&](const KeptBaseline& each) { return each.name != *name; });
+    if (baselines.empty())
+        throw NotKept("there is no baseline " + *name);
+    return baselines;
+}
+
+int Show(const ShowArguments& arguments, Surroundings& surroundings) {
+    std::vector<KeptBaseline> baselines;
+    std::vector<KeptFacts> runs;
+    const std::vector<Output> outputs{{arguments.json, [&baselines](std::ostream& stream) {
+                                           WriteBaselinesJson(stream, baselines);
+                                       }}};
+    Store store = OpenToRead(arguments.store);
+    baselines = BaselinesOf(store, arguments.name);
+    for (const KeptBaseline& baseline : baselines)
+        runs.push_back(store.Find(baseline.hash));
+    WriteOutputs(outputs, surroundings);
+    PrintBaselines(ConsoleBeside(outputs, surroundings).stream, baselines, runs);
+    return ExitCode::Fine;
+}
+
+Command AddSet(CLI::App& baseline) {
+    CLI::App* const app = baseline.add_subcommand("set", "Name a kept run as a baseline");
+    const auto arguments = std::make_shared<SetArguments>();
+    app->add_option("NAME", arguments->name, "Its name; the run that had it has it no longer")
+        ->required()
+        ->type_name("");
+    app->add_option("RUN", arguments->run,
+                    "The first digits of its hash, at least 4, or the name of a baseline")
+        ->required()
+        ->type_name("");
+    AddStoreOption(*app, arguments->store);
+    app->footer("Exit code: 0 named, 2 wrong usage, no such run, or a store that cannot be "
+                "written.");
+    return {app, [arguments](Surroundings& surroundings) { return Set(*arguments, surroundings); }};
+}
+
+Command AddShow(CLI::App& baseline) {
+    CLI::App* const app = baseline.add_subcommand("show", "Tell which runs are baselines");
+    const auto arguments = std::make_shared<ShowArguments>();
+    app->add_option("NAME", arguments->name, "Only the one of that name")->type_name("");
+    AddStoreOption(*app, arguments->store);
+    app->add_option("--json", arguments->json, "Write them as JSON, - for standard output")
+        ->type_name("FILE");
+    app->footer("Exit code: 0 told, 2 wrong usage, no such baseline, or a store that cannot be "
+                "read.");
+    return {app,
+            [arguments](Surroundings& surroundings) { return Show(*arguments, surroundings); }};
+}
+
+} // namespace
+
+Command AddHistoryBaseline(CLI::App& history) {
+    CLI::App* const app =
+        history.add_subcommand("baseline", "Name runs that others are held against");
+    app->footer("SarvexToolBench history baseline SUBCOMMAND --help tells of each.");
+    return GroupOf(*app, {AddSet(*app), AddShow(*app)});
+}
+
+} // namespace Bench

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Tools/SarvexTool/Bench/Commands/Command.h"
+
+// The subcommands of history: each adds its options to those of history.
+
+namespace Bench {
+
+/// history add RUN...: keeps runs.
+Command AddHistoryAdd(CLI::App& history);
+
+/// history list: tells which runs are kept.
+Command AddHistoryList(CLI::App& history);
+
+/// history show RUN: tells all of a kept run.
+Command AddHistoryShow(CLI::App& history);
+
+/// history export RUN -o DIR: writes the files of a kept run as they were.
+Command AddHistoryExport(CLI::App& history);
+
+/// history remove RUN...: removes kept runs.
+Command AddHistoryRemove(CLI::App& history);
+
+/// history check: tells whether all is as it was kept.
+Command AddHistoryCheck(CLI::App& history);
+
+/// history baseline set|show: names runs that others are held against.
+Command AddHistoryBaseline(CLI::App& history);
+
+/// A subcommand that needs one of its own subcommands.
+Command GroupOf(CLI::App& app, std::vector<Command> commands);
+
+} // namespace Bench

@@ -1,0 +1,115 @@
+#include "Tools/SarvexTool/Bench/Commands/HistoryOptions.h"
+
+#include "Modules/xFramework/OSAL/Process.h"
+#include "Tools/SarvexTool/Bench/Files/UtcTime.h"
+#include "Tools/SarvexTool/Bench/History/Database.h"
+#include "Tools/SarvexTool/Bench/History/Migrations.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <chrono>
+#include <stdexcept>
+#include <utility>
+
+namespace Bench {
+
+namespace {
+
+Store Open(const StoreName& name, OpenFor purpose) {
+    std::unique_ptr<Database> database = OpenDatabase(name, purpose);
+    if (purpose == OpenFor::Writing)
+        Migrate(*database);
+    else if (VersionOf(*database) == 0)
+        throw StoreMissing(name.Shown(), "holds no run yet");
+    return Store(std::move(database));
+}
+
+std::int64_t SecondsOf(std::chrono::system_clock::time_point time) {
+    return std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count();
+}
+
+} // namespace
+
+StoreName StoreNameOf(const std::optional<std::string>& store) {
+    try {
+        return store ? StoreName::Parse(*store) : StoreName::Default(OSAL::EnvironmentVariable);
+    } catch (const std::invalid_argument& wrong) {
+        throw WrongUsage(std::string(store ? "--store " : "") + wrong.what());
+    }
+}
+
+Store OpenToWrite(const std::optional<std::string>& store) {
+    return Open(StoreNameOf(store), OpenFor::Writing);
+}
+
+Store OpenToRead(const std::optional<std::string>& store) {
+    return Open(StoreNameOf(store), OpenFor::Reading);
+}
+
+std::optional<Store> OpenIfKept(const std::optional<std::string>& store, const Console& console) {
+    try {
+        return OpenToRead(store);
+    } catch (const StoreMissing&) {
+        if (store)
+            throw;
+        console.stream << "No run is kept yet.\n";
+        return std::nullopt;
+    }
+}
+
+void AddStoreOption(CLI::App& app, std::optional<std::string>& store) {
+    app.add_option("--store", store,
+                   "Where runs are kept: a file, or postgresql://HOST/DATABASE. Without it "
+                   "$SARVEXTOOL_STORE, or a file in the user's folder for data")
+        ->type_name("STORE");
+}
+
+void AddFilterOptions(CLI::App& app, FilterArguments& arguments) {
+    app.add_option("--since", arguments.since,
+                   "Runs measured then or later, as 2026-03-09 or "
+                   "2026-03-09T08:05:00Z")
+        ->type_name("TIME");
+    app.add_option("--until", arguments.until, "Runs measured then or before; a day counts whole")
+        ->type_name("TIME");
+    app.add_option("--bench", arguments.bench, "Runs measured on that bench")->type_name("NAME");
+    app.add_option("--device", arguments.device, "Runs of that device")->type_name("NAME");
+    app.add_option("--firmware", arguments.firmware, "Runs with that firmware")->type_name("TEXT");
+    app.add_option("--file", arguments.file, "Runs of a test file of that name, without folders")
+        ->type_name("NAME");
+    app.add_option("--verdict", arguments.verdict, "Runs judged so: pass, fail or \"not judged\"")
+        ->type_name("VERDICT");
+}
+
+RunFilter FilterOf(const FilterArguments& arguments) {
+    constexpr std::int64_t secondsOfDay = 86'400;
+    RunFilter filter;
+    if (arguments.since)
+        filter.since = MomentOf("--since", *arguments.since);
+    if (arguments.until)
+        filter.before = MomentOf("--until", *arguments.until) +
+                        (ParseUtcDay(*arguments.until) ? secondsOfDay : 1);
+    filter.bench = arguments.bench;
+    filter.device = arguments.device;
+    filter.firmware = arguments.firmware;
+    filter.file = arguments.file;
+    if (arguments.verdict) {
+        filter.verdict = KeptVerdictNamed(*arguments.verdict);
+        if (!filter.verdict)
+            throw WrongUsage("--verdict " + *arguments.verdict +
+                             " is none of pass, fail and \"not judged\"");
+    }
+    return filter;
+}
+
+std::int64_t MomentOf(const std::string& option, const std::string& text) {
+    if (const auto day = ParseUtcDay(text))
+        return SecondsOf(*day);
+    if (const auto time = ParseUtcTime(text))
+        return SecondsOf(*time);
+    throw WrongUsage(option + " " + text +
+                     " is no time in UTC, as 2026-03-09 or 2026-03-09T08:05:00Z");
+}
+
+} // namespace Bench

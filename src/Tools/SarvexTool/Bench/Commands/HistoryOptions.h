@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Tools/SarvexTool/Bench/Commands/Command.h"
+#include "Tools/SarvexTool/Bench/Core/Kept.h"
+#include "Tools/SarvexTool/Bench/History/Store.h"
+#include "Tools/SarvexTool/Bench/History/StoreName.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace Bench {
+
+/// What --store names, or the usual place. Throws WrongUsage.
+StoreName StoreNameOf(const std::optional<std::string>& store);
+
+/// Opens a store to change it; it is made where there is none. Throws StoreError and WrongUsage.
+Store OpenToWrite(const std::optional<std::string>& store);
+
+/// Opens a store to read it. Throws StoreError, where there is none StoreMissing, and WrongUsage.
+Store OpenToRead(const std::optional<std::string>& store);
+
+/// Opens a store to read it; nothing where it is not named and nothing was ever kept in the usual
+/// place, which is said to people then.
+std::optional<Store> OpenIfKept(const std::optional<std::string>& store, const Console& console);
+
+void AddStoreOption(CLI::App& app, std::optional<std::string>& store);
+
+/// Which runs are meant, as the options say it.
+struct FilterArguments {
+    std::optional<std::string> since;
+    std::optional<std::string> until;
+    std::optional<std::string> bench;
+    std::optional<std::string> device;
+    std::optional<std::string> firmware;
+    std::optional<std::string> file;
+    std::optional<std::string> verdict;
+};
+
+void AddFilterOptions(CLI::App& app, FilterArguments& arguments);
+
+/// Throws WrongUsage.
+RunFilter FilterOf(const FilterArguments& arguments);
+
+/// A moment from an option, as 2026-03-09T08:05:00Z or as a day, of which the first second counts;
+/// in seconds since 1970, UTC. Throws WrongUsage.
+std::int64_t MomentOf(const std::string& option, const std::string& text);
+
+} // namespace Bench

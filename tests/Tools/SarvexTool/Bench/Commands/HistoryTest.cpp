@@ -1,0 +1,250 @@
+#include "Tools/SarvexTool/Bench/Files/Journal.h"
+#include "Tools/SarvexTool/Bench/Files/RunFacts.h"
+#include "tests/Tools/SarvexTool/Bench/Commands/CommandFixture.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+
+namespace Bench {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class HistoryTest : public CommandFixture {
+protected:
+    std::string Store() const { return directory.Path("history.db"); }
+
+    /// The exit code of history with that store.
+    int History(std::vector<std::string> arguments, const std::string& input = "") {
+        arguments.insert(arguments.begin(), "history");
+        arguments.insert(arguments.end(), {"--store", Store()});
+        return Run(arguments, input);
+    }
+
+    /// Makes a run directory of one line, measured on a bench.
+    std::string MakeRun(const std::string& name, const std::string& power,
+                        const std::string& outcome = "complete") const {
+        fs::create_directories(directory.Path(name));
+        const std::string result = ResultOf(name + "/result.csv", power);
+        directory.Create(name + "/journal.jsonl",
+                         LineOf(JournalEntry{.line = 2,
+                                             .outcome = {{}, {Outcome::ChainNotActive, ""}, true},
+                                             .csvEnd = TestSupport::ReadBytes(result).size()}));
+        RunFacts facts;
+        facts.started = "2026-03-09T08:05:00.250Z";
+        facts.testFile = {"/plans/short.csv", std::string(64, 'a')};
+        facts.place.bench = "bench 1";
+        facts.linesTotal = 1;
+        facts.linesDone = 1;
+        facts.outcome = outcome;
+        WriteRunFacts(directory.Path(name + "/run.json"), facts);
+        return directory.Path(name);
+    }
+
+    /// The runs' names and hashes as list writes them.
+    nlohmann::json Listed(std::vector<std::string> filter = {}) {
+        filter.insert(filter.begin(), {"list", "--json", "-"});
+        EXPECT_EQ(History(filter), 0) << err.str();
+        return nlohmann::json::parse(out.str()).at("runs");
+    }
+};
+
+TEST_F(HistoryTest, ARunIsAddedOnce) {
+    const std::string run = MakeRun("run", "10.5");
+    EXPECT_EQ(History({"add", run}), 0);
+    EXPECT_THAT(out.str(),
+                StartsWith("Kept short.csv, measured 2026-03-09 08:05 UTC on bench 1 ("));
+    EXPECT_THAT(out.str(), HasSubstr("): 1 measurement, 1 measured.\n"));
+    EXPECT_EQ(History({"add", run}), 0);
+    EXPECT_THAT(out.str(), StartsWith("Kept already: short.csv, measured"));
+    EXPECT_EQ(Listed().size(), 1u);
+}
+
+TEST_F(HistoryTest, WhatIsWrongWithOneRunKeepsNoOtherOut) {
+    EXPECT_EQ(History({"add", MakeRun("one", "1"), directory.Path("none"),
+                       MakeRun("early", "2", "interrupted"), MakeRun("two", "3")}),
+              2);
+    EXPECT_THAT(err.str(), HasSubstr("cannot be read"));
+    EXPECT_THAT(err.str(), HasSubstr("keep what there is with --partial"));
+    EXPECT_EQ(Listed().size(), 2u);
+    EXPECT_EQ(History({"add", directory.Path("early"), "--partial"}), 0);
+    EXPECT_EQ(Listed().size(), 3u);
+}
+
+TEST_F(HistoryTest, ForNothingNoStoreIsMade) {
+    EXPECT_EQ(History({"add", directory.Path("none")}), 2);
+    EXPECT_EQ(History({"show", "golden"}), 2);
+    EXPECT_EQ(History({"remove", "abcd", "--yes"}), 2);
+    EXPECT_EQ(History({"baseline", "set", "golden", "abcd"}), 2);
+    EXPECT_EQ(History({"list"}), 2);
+    EXPECT_FALSE(fs::exists(Store()));
+}
+
+TEST_F(HistoryTest, APlainResultIsToldByTheOptions) {
+    const std::string result = ResultOf("result.csv", "10.5");
+    EXPECT_EQ(History({"add", result, "--bench", "b", "--device", "d", "--firmware", "f", "--note",
+                       "n", "--measured", "2026-01-02"}),
+              0);
+    const nlohmann::json run = Listed().at(0);
+    EXPECT_EQ(run.at("bench"), "b");
+    EXPECT_EQ(run.at("device"), "d");
+    EXPECT_EQ(run.at("firmware"), "f");
+    EXPECT_EQ(run.at("note"), "n");
+    EXPECT_EQ(run.at("measuredAt"), "2026-01-02T00:00:00Z");
+    EXPECT_EQ(run.at("verdict"), "not judged");
+    EXPECT_EQ(History({"add", result, "--bench", "b"}), 0);
+    EXPECT_EQ(History({"add", result, "--bench", "c"}), 2);
+    EXPECT_THAT(err.str(), HasSubstr("it is kept already, with the bench b; to keep it otherwise, "
+                                     "remove it (history remove) and add it again"));
+}
+
+TEST_F(HistoryTest, TheTimeOfAFileIsSaid) {
+    EXPECT_EQ(History({"add", ResultOf("result.csv", "1")}), 0);
+    EXPECT_THAT(out.str(), HasSubstr("\n  Measured when the file was written, "));
+}
+
+TEST_F(HistoryTest, LimitsJudgeTheRunsThatAreAdded) {
+    const std::string limits = directory.Create("limits.csv", "Chain,Min,Max\n*,10,11\n");
+    EXPECT_EQ(History({"add", MakeRun("one", "10.5"), MakeRun("two", "12"), "--limits", limits}), 0)
+        << err.str();
+    EXPECT_EQ(Listed({"--verdict", "pass"}).size(), 1u);
+    EXPECT_EQ(Listed({"--verdict", "fail"}).size(), 1u);
+    EXPECT_EQ(Listed({"--verdict", "not judged"}).size(), 0u);
+}
+
+TEST_F(HistoryTest, TheListIsATable) {
+    History({"add", MakeRun("run", "10.5")});
+    const std::string hash = Listed().at(0).at("hash").get<std::string>().substr(0, 8);
+    EXPECT_EQ(History({"list"}), 0);
+    EXPECT_EQ(out.str(),
+              "Run       Measured (UTC)    Name       Bench    Device  Firmware  Verdict     "
+              "Powers\n" +
+                  hash +
+                  "  2026-03-09 08:05  short.csv  bench 1  -       -         not judged  1 of "
+                  "1\n1 run.\n");
+    EXPECT_EQ(History({"baseline", "set", "golden", hash}), 0);
+    EXPECT_EQ(History({"list", "--file", "short.csv"}), 0);
+    EXPECT_THAT(out.str(), HasSubstr("not judged  golden"));
+    EXPECT_EQ(History({"list", "--file", "other.csv"}), 0);
+    EXPECT_EQ(out.str(), "No such run is kept.\n");
+}
+
+TEST_F(HistoryTest, ADayOfAFilterCountsWhole) {
+    History({"add", MakeRun("run", "1")});
+    for (const char* until : {"2026-03-09", "2026-03-09T08:05:00Z"})
+        EXPECT_EQ(Listed({"--until", until}).size(), 1u) << until;
+    for (const char* until : {"2026-03-08", "2026-03-09T08:04:59Z"})
+        EXPECT_EQ(Listed({"--until", until}).size(), 0u) << until;
+    EXPECT_EQ(Listed({"--since", "2026-03-09"}).size(), 1u);
+    EXPECT_EQ(Listed({"--since", "2026-03-10"}).size(), 0u);
+    for (const char* wrong : {"yesterday", "2026-02-30", ""})
+        EXPECT_EQ(History({"list", "--since", wrong}), 2) << wrong;
+    EXPECT_EQ(History({"list", "--verdict", "passed"}), 2);
+}
+
+TEST_F(HistoryTest, ARunIsShownWithAllThatIsTold) {
+    History({"add", MakeRun("run", "10.5")});
+    const nlohmann::json listed = Listed().at(0);
+    const std::string hash = listed.at("hash");
+    EXPECT_EQ(History({"show", hash.substr(0, 6)}), 0);
+    EXPECT_THAT(out.str(), StartsWith("Run:             " + hash + "\n"));
+    EXPECT_THAT(out.str(), HasSubstr("Place:           bench bench 1, device -\n"));
+    EXPECT_THAT(out.str(), HasSubstr("\nresult.csv "));
+    EXPECT_EQ(History({"show", hash, "--json", "-"}), 0);
+    nlohmann::json shown = nlohmann::json::parse(out.str());
+    ASSERT_EQ(shown.at("files").size(), 3u);
+    EXPECT_EQ(shown.at("files").at(1).at("name"), "result.csv");
+    shown.erase("files");
+    shown.erase("version");
+    EXPECT_EQ(shown, listed);
+    EXPECT_EQ(History({"show", "beef"}), 2);
+}
+
+TEST_F(HistoryTest, TheFilesOfARunComeBack) {
+    const std::string run = MakeRun("run", "10.5");
+    History({"add", run});
+    const std::string hash = Listed().at(0).at("hash");
+    EXPECT_EQ(History({"export", hash, "-o", directory.Path("back")}), 0) << err.str();
+    for (const char* name : {"result.csv", "journal.jsonl", "run.json"})
+        EXPECT_EQ(ReadBytes(std::string("back/") + name), ReadBytes(std::string("run/") + name));
+    EXPECT_EQ(History({"export", hash, "-o", directory.Path("back")}), 2);
+    EXPECT_EQ(History({"add", directory.Path("back")}), 0);
+    EXPECT_THAT(out.str(), StartsWith("Kept already"));
+}
+
+TEST_F(HistoryTest, ARunIsRemovedWhenSomebodySaysYes) {
+    History({"add", MakeRun("run", "10.5")});
+    const std::string hash = Listed().at(0).at("hash");
+    for (const char* answer : {"", "\n", "n\n", "yo\n"}) {
+        EXPECT_EQ(History({"remove", hash}, answer), 1) << answer;
+        EXPECT_THAT(err.str(), HasSubstr("Remove short.csv, measured 2026-03-09 08:05 UTC on "
+                                         "bench 1 (" +
+                                         hash.substr(0, 8) + ")? [y/N] "));
+        EXPECT_EQ(Listed().size(), 1u);
+    }
+    EXPECT_EQ(History({"remove", hash}, "y\n"), 0);
+    EXPECT_EQ(Listed().size(), 0u);
+}
+
+TEST_F(HistoryTest, AWrongRunIsToldBeforeAnyIsRemoved) {
+    History({"add", MakeRun("run", "10.5")});
+    const std::string hash = Listed().at(0).at("hash");
+    EXPECT_EQ(History({"remove", hash, "nothing", "--yes"}), 2);
+    EXPECT_EQ(Listed().size(), 1u);
+    EXPECT_EQ(History({"remove", hash, "--yes"}), 0);
+    EXPECT_EQ(Listed().size(), 0u);
+}
+
+TEST_F(HistoryTest, ABaselineIsKeptUnlessForced) {
+    History({"add", MakeRun("run", "10.5")});
+    const std::string hash = Listed().at(0).at("hash");
+    EXPECT_EQ(History({"baseline", "set", "golden", hash}), 0);
+    EXPECT_THAT(out.str(), StartsWith("The baseline golden is short.csv, measured"));
+    EXPECT_EQ(History({"baseline", "show"}), 0);
+    EXPECT_THAT(out.str(), HasSubstr("\ngolden "));
+    EXPECT_EQ(History({"baseline", "show", "golden", "--json", "-"}), 0);
+    EXPECT_EQ(nlohmann::json::parse(out.str()).at("baselines").at(0).at("run"), hash);
+    EXPECT_EQ(History({"baseline", "show", "silver"}), 2);
+    EXPECT_EQ(History({"baseline", "set", "beef", hash}), 2);
+    EXPECT_EQ(History({"remove", "golden", "--yes"}), 2);
+    EXPECT_THAT(err.str(), HasSubstr("is the baseline golden"));
+    EXPECT_EQ(History({"remove", "golden", "--yes", "--force"}), 0);
+    EXPECT_EQ(History({"baseline", "show"}), 0);
+    EXPECT_EQ(out.str(), "There is no baseline.\n");
+}
+
+TEST_F(HistoryTest, ACheckTellsThatAllIsAsItWasKept) {
+    History({"add", MakeRun("run", "10.5")});
+    EXPECT_EQ(History({"check"}), 0);
+    EXPECT_EQ(out.str(), "1 run and 3 files looked at: all is as it was kept.\n");
+}
+
+TEST_F(HistoryTest, AnUnknownSubcommandIsToldWithTheNearest) {
+    EXPECT_EQ(Run({"history", "lst"}), 2);
+    EXPECT_EQ(err.str(), "SarvexToolBench history: there is no subcommand \"lst\"; did you mean "
+                         "\"list\"?\nRun SarvexToolBench history --help for the options.\n");
+    EXPECT_EQ(Run({"history"}), 2);
+    EXPECT_EQ(Run({"history", "baseline"}), 2);
+    EXPECT_EQ(Run({"history", "list", "--jsn", "-"}), 2);
+    EXPECT_EQ(err.str(), "SarvexToolBench history list: there is no option \"--jsn\"; did you mean "
+                         "\"--json\"?\nRun SarvexToolBench history list --help for the options.\n");
+}
+
+TEST_F(HistoryTest, EachSubcommandHasHelp) {
+    for (const char* name : {"add", "list", "show", "export", "remove", "check"}) {
+        EXPECT_EQ(Run({"history", name, "--help"}), 0) << name;
+        EXPECT_THAT(out.str(), HasSubstr(std::string("SarvexToolBench history ") + name)) << name;
+        EXPECT_THAT(out.str(), HasSubstr("--store STORE")) << name;
+    }
+    EXPECT_EQ(Run({"history", "baseline", "set", "--help"}), 0);
+    EXPECT_THAT(out.str(), HasSubstr("SarvexToolBench history baseline set"));
+    EXPECT_EQ(Run({"help", "history"}), 0);
+    EXPECT_THAT(out.str(), HasSubstr("baseline"));
+}
+
+} // namespace
+} // namespace Bench
