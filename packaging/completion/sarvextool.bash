@@ -12,14 +12,33 @@ _sarvextool_bench_options() {
     run)
         echo -h --help --resume:run --out:folder --client:file --limits:table --fail-fast --force \
             --progress:progress --daemon:text --answer-timeout:text --retries:text --wait:text \
-            --stop-timeout:text --segment:text --bench:text --device:text --attempt:text
+            --stop-timeout:text --segment:text --bench:text --device:text --attempt:text --firmware:text \
+            --note:text --keep --store:file
         ;;
     stop) echo -h --help --daemon:text --stop-timeout:text ;;
     split) echo -h --help --lines:text -o:folder --output:folder ;;
     merge) echo -h --help -o:folder --output:folder --partial ;;
     judge) echo -h --help --limits:table --junit:xml --json:json --csv:table --group-by:part ;;
-    report) echo -h --help --limits:table --baseline:result -o:html --output:html --group-by:part ;;
-    compare) echo -h --help --tolerance:text --junit:xml --json:json --html:html --group-by:part ;;
+    report)
+        echo -h --help --limits:table --baseline:result --store:file -o:html --output:html --group-by:part
+        ;;
+    compare)
+        echo -h --help --baseline:text --store:file --tolerance:text --junit:xml --json:json --html:html \
+            --group-by:part
+        ;;
+    history | 'history baseline') echo -h --help ;;
+    'history add')
+        echo -h --help --store:file --bench:text --device:text --firmware:text --note:text --measured:text \
+            --limits:table --partial
+        ;;
+    'history list')
+        echo -h --help --store:file --since:text --until:text --bench:text --device:text --firmware:text \
+            --file:text --verdict:verdict --json:json
+        ;;
+    'history show' | 'history baseline show') echo -h --help --store:file --json:json ;;
+    'history export') echo -h --help -o:folder --output:folder --store:file ;;
+    'history remove') echo -h --help --store:file --yes --force ;;
+    'history check' | 'history baseline set') echo -h --help --store:file ;;
     esac
 }
 
@@ -29,7 +48,8 @@ _sarvextool_bench_argument() {
     '' | help) echo subcommand ;;
     check | run | split) echo table ;;
     merge) echo json ;;
-    judge | report | compare) echo result ;;
+    judge | report | compare | 'history add') echo result ;;
+    history | 'history baseline') echo "$1" ;;
     esac
 }
 
@@ -137,7 +157,10 @@ _sarvextool_value() {
     run) _sarvextool_runs "$2" ;;
     progress) _sarvextool_answer "$2"{text,json} ;;
     part) _sarvextool_answer "$2"{bench,device,attempt} ;;
-    subcommand) _sarvextool_answer "$2"{check,run,stop,split,merge,judge,report,compare,help} ;;
+    subcommand) _sarvextool_answer "$2"{check,run,stop,split,merge,judge,report,compare,history,help} ;;
+    history) _sarvextool_answer {add,list,show,export,remove,check,baseline} ;;
+    'history baseline') _sarvextool_answer {set,show} ;;
+    verdict) _sarvextool_answer "$2"{pass,fail} ;;
     fault) _sarvextool_fault "$2" ;;
     esac
 }
@@ -174,6 +197,9 @@ _sarvextool_bench() {
         [[ $candidate != -- ]] || return 0
         [[ -n $subcommand || $candidate == -* ]] || subcommand=$candidate
     done
+    # These two have subcommands of their own, which follow at once.
+    [[ $subcommand != history || ${words[1]} != [a-z]* ]] || subcommand+=" ${words[1]}"
+    [[ $subcommand != 'history baseline' || ${words[2]} != [a-z]* ]] || subcommand+=" ${words[2]}"
     read -ra options < <(_sarvextool_bench_options "$subcommand")
     _sarvextool_complete "$(_sarvextool_bench_argument "$subcommand")" "${options[@]}"
 }

@@ -14,13 +14,27 @@ Register-ArgumentCompleter -Native -CommandName @(
         'check' = '-h --help --write:table --mac-type:text --exchange:text --daemon:text --timeout:text'
         'run' = '-h --help --resume:run --out:folder --client:file --limits:table --fail-fast --force ' +
             '--progress:progress --daemon:text --answer-timeout:text --retries:text --wait:text ' +
-            '--stop-timeout:text --segment:text --bench:text --device:text --attempt:text'
+            '--stop-timeout:text --segment:text --bench:text --device:text --attempt:text --firmware:text ' +
+            '--note:text --keep --store:file'
         'stop' = '-h --help --daemon:text --stop-timeout:text'
         'split' = '-h --help --lines:text -o:folder --output:folder'
         'merge' = '-h --help -o:folder --output:folder --partial'
         'judge' = '-h --help --limits:table --junit:xml --json:json --csv:table --group-by:part'
-        'report' = '-h --help --limits:table --baseline:result -o:html --output:html --group-by:part'
-        'compare' = '-h --help --tolerance:text --junit:xml --json:json --html:html --group-by:part'
+        'report' = '-h --help --limits:table --baseline:result --store:file -o:html --output:html --group-by:part'
+        'compare' = '-h --help --baseline:text --store:file --tolerance:text --junit:xml --json:json ' +
+            '--html:html --group-by:part'
+        'history' = '-h --help'
+        'history add' = '-h --help --store:file --bench:text --device:text --firmware:text --note:text ' +
+            '--measured:text --limits:table --partial'
+        'history list' = '-h --help --store:file --since:text --until:text --bench:text --device:text ' +
+            '--firmware:text --file:text --verdict:verdict --json:json'
+        'history show' = '-h --help --store:file --json:json'
+        'history export' = '-h --help -o:folder --output:folder --store:file'
+        'history remove' = '-h --help --store:file --yes --force'
+        'history check' = '-h --help --store:file'
+        'history baseline' = '-h --help'
+        'history baseline set' = '-h --help --store:file'
+        'history baseline show' = '-h --help --store:file --json:json'
         'help' = '-h --help'
     }
     # The kind of a subcommand's arguments that are no options.
@@ -34,6 +48,16 @@ Register-ArgumentCompleter -Native -CommandName @(
         'judge' = 'result'
         'report' = 'result'
         'compare' = 'result'
+        'history' = 'history'
+        'history add' = 'result'
+        'history list' = ''
+        'history show' = ''
+        'history export' = ''
+        'history remove' = ''
+        'history check' = ''
+        'history baseline' = 'history baseline'
+        'history baseline set' = ''
+        'history baseline show' = ''
         'help' = 'subcommand'
     }
     $vemoOptions = '--help --version --port:text --address:text --body-limit:text --request-log:file ' +
@@ -129,8 +153,21 @@ Register-ArgumentCompleter -Native -CommandName @(
             }
         } elseif ($kind -eq 'fault') {
             Write-FaultAnswer $taken
+        } elseif ($kind -eq 'verdict') {
+            foreach ($name in 'pass', 'fail') {
+                Write-Answer "${taken}${name}"
+            }
         } elseif ($kind -eq 'subcommand') {
-            foreach ($name in 'check', 'run', 'stop', 'split', 'merge', 'judge', 'report', 'compare', 'help') {
+            foreach ($name in 'check', 'run', 'stop', 'split', 'merge', 'judge', 'report', 'compare', 'history',
+                'help') {
+                Write-Answer $name
+            }
+        } elseif ($kind -eq 'history') {
+            foreach ($name in 'add', 'list', 'show', 'export', 'remove', 'check', 'baseline') {
+                Write-Answer $name
+            }
+        } elseif ($kind -eq 'history baseline') {
+            foreach ($name in 'set', 'show') {
                 Write-Answer $name
             }
         }
@@ -145,6 +182,13 @@ Register-ArgumentCompleter -Native -CommandName @(
         $argument = ''
     } else {
         $subcommand = "$($before | Where-Object { -not $_.StartsWith('-') } | Select-Object -First 1)"
+        # These two have subcommands of their own, which follow at once.
+        if ($subcommand -eq 'history' -and "$($before[1])" -match '^[a-z]') {
+            $subcommand += " $($before[1])"
+        }
+        if ($subcommand -eq 'history baseline' -and "$($before[2])" -match '^[a-z]') {
+            $subcommand += " $($before[2])"
+        }
         if (-not $benchOptions.ContainsKey($subcommand)) {
             return
         }

@@ -25,13 +25,17 @@ SCRIPTS = support.ROOT / "packaging/completion"
 BASH_COMPLETION = pathlib.Path("/usr/share/bash-completion/bash_completion")
 GRAMMAR = pathlib.Path(__file__).parent / "powershell"
 SUBCOMMANDS = [entry.names[0] for entry in help_text.of(PROGRAMS / "SarvexToolBench")["subcommands"]]
+NESTED = [f"{name} {entry.names[0]}" for name in ("history", "history baseline")
+          for entry in help_text.of(PROGRAMS / "SarvexToolBench", *name.split())["subcommands"]]
 CALLS = {"SarvexToolBench": help_text.of(PROGRAMS / "SarvexToolBench"), "vemo": help_text.of(PROGRAMS / "vemo")}
-CALLS |= {f"SarvexToolBench {name}": help_text.of(PROGRAMS / "SarvexToolBench", name) for name in SUBCOMMANDS}
+CALLS |= {f"SarvexToolBench {name}": help_text.of(PROGRAMS / "SarvexToolBench", *name.split())
+          for name in SUBCOMMANDS + NESTED}
 # What the script for PowerShell calls besides its own functions.
 CMDLETS = {"ForEach-Object", "Get-ChildItem", "Join-Path", "Register-ArgumentCompleter", "Select-Object",
            "Test-Path", "Where-Object"}
 # What completes the values of an option where there are no files.
-CHOICES = {"KIND": {"text", "json"}, "PART": {"bench", "device", "attempt"}, "WHICH:FAULT": {"*:", "text="}}
+CHOICES = {"KIND": {"text", "json"}, "PART": {"bench", "device", "attempt"}, "VERDICT": {"pass", "fail"},
+           "WHICH:FAULT": {"*:", "text="}}
 FILES = ["plan.csv", "OLD.CSV", "two words.csv", "notes.txt", "junit.xml", "page.html", "verdict.json",
          "exchanges.jsonl", "first/run.json", "first/result.csv", "runs/second/run.json", "pictures/one.png"]
 FOLDERS = {"first/", "runs/", "pictures/"}
@@ -118,6 +122,9 @@ class BashTests:
         self.assertEqual(set(SUBCOMMANDS), self.completions("SarvexToolBench "))
         self.assertEqual(set(SUBCOMMANDS), self.completions("SarvexToolBench help "))
         self.assertEqual({"compare"}, self.completions("SarvexToolBench co"))
+        for name in ("history", "history baseline"):
+            expected = {call.split()[-1] for call in NESTED if call.rpartition(" ")[0] == name}
+            self.assertEqual(expected, self.completions(f"SarvexToolBench {name} "))
 
     def test_after_an_option_comes_its_value_or_another_option(self):
         for call, sections in CALLS.items():
@@ -292,7 +299,7 @@ class PowerShellTest(unittest.TestCase):
         """The entries of a table of the script, or its one text."""
         block = re.search(rf"^    \${name} = (@\{{$.*?^    \}}$|.*?'$)", self.text, re.MULTILINE | re.DOTALL)[1]
         block = re.sub(r"' \+\s+'", "", block)
-        entries = re.findall(r"^        '([\w-]*)' = '(.*)'$", block, re.MULTILINE)
+        entries = re.findall(r"^        '([\w -]*)' = '(.*)'$", block, re.MULTILINE)
         return dict(entries) or block[1:-1]
 
     def of_bash(self, call):
@@ -324,8 +331,8 @@ class PowerShellTest(unittest.TestCase):
 
     def test_it_completes_what_the_script_for_bash_does(self):
         options, arguments = self.table("benchOptions"), self.table("benchArguments")
-        self.assertEqual({"", *SUBCOMMANDS}, set(options))
-        self.assertEqual({"", *SUBCOMMANDS}, set(arguments))
+        self.assertEqual({"", *SUBCOMMANDS, *NESTED}, set(options))
+        self.assertEqual({"", *SUBCOMMANDS, *NESTED}, set(arguments))
         for name in options:
             with self.subTest(subcommand=name):
                 self.assertEqual(self.of_bash(f"_sarvextool_bench_options '{name}'"), options[name])

@@ -70,7 +70,7 @@ TEST_F(CommandLineTest, TheHelpOfASubcommandTellsItsExitCodesAndWhatItNeeds) {
     for (const auto& [name, needed] :
          {std::pair("check", "FILE ... REQUIRED"), std::pair("judge", "--limits FILE REQUIRED"),
           std::pair("report", "--output FILE.html REQUIRED"),
-          std::pair("compare", "NEW REQUIRED")}) {
+          std::pair("compare", "OLD REQUIRED")}) {
         SCOPED_TRACE(name);
         EXPECT_EQ(Run({name, "--help"}), 0);
         EXPECT_THAT(out.str(), HasSubstr(needed));

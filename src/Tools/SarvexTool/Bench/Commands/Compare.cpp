@@ -1,5 +1,7 @@
 #include "Tools/SarvexTool/Bench/Commands/Subcommands.h"
 
+#include "Tools/SarvexTool/Bench/Commands/HistoryOptions.h"
+#include "Tools/SarvexTool/Bench/Commands/KeptResult.h"
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Commands/Outputs.h"
 #include "Tools/SarvexTool/Bench/Commands/PageFacts.h"
@@ -26,8 +28,11 @@ namespace Bench {
 namespace {
 
 struct CompareOptions {
+    /// With a baseline, the only one.
     std::string oldResult;
-    std::string newResult;
+    std::optional<std::string> newResult;
+    std::optional<std::string> baseline;
+    std::optional<std::string> store;
     std::string tolerance = "0.5";
     std::optional<std::string> junit;
     std::optional<std::string> json;
@@ -54,15 +59,9 @@ std::vector<std::string> Both(std::vector<std::string> names,
     return names;
 }
 
-/// One of the two runs and the names of its files.
-struct ReadRun {
-    ResultNames names;
-    Result result;
-};
-
 /// The older run is the page's baseline.
-void WriteComparedPage(const ReadRun& older, const ReadRun& newer, const ComparedRuns& compared,
-                       std::ostream& stream) {
+void WriteComparedPage(const NamedResult& older, const NamedResult& newer,
+                       const ComparedRuns& compared, std::ostream& stream) {
     const PageBaseline baseline{compared.oldResult.run, compared.differences, compared.tolerance};
     std::vector<PageFact> facts = FactsOf(newer.names, newer.result);
     for (PageFact& fact : FactsOfBaseline(older.names, older.result))
@@ -73,11 +72,27 @@ void WriteComparedPage(const ReadRun& older, const ReadRun& newer, const Compare
               stream);
 }
 
+void RequireTwoRuns(const CompareOptions& options) {
+    if (options.baseline && options.newResult)
+        throw WrongUsage("--baseline takes the place of OLD; name one run beside it");
+    if (!options.baseline && !options.newResult)
+        throw WrongUsage("NEW is required");
+    if (options.store && !options.baseline)
+        throw WrongUsage("--store needs --baseline");
+}
+
 int Compare(const CompareOptions& options, Surroundings& surroundings) {
     const Decimal tolerance = ReadTolerance(options.tolerance);
     const std::optional<PlacePart> groupBy = GroupByOf(options.groupBy);
-    ReadRun older{NamesOf(options.oldResult), {}};
-    ReadRun newer{NamesOf(options.newResult), {}};
+    RequireTwoRuns(options);
+    TextPool texts;
+    NamedResult older;
+    NamedResult newer;
+    newer.names = NamesOf(options.baseline ? options.oldResult : *options.newResult);
+    if (options.baseline)
+        older = ReadKept(*options.baseline, options.store, texts);
+    else
+        older.names = NamesOf(options.oldResult);
     Differences differences;
     const ComparedRuns compared{{older.names.table, older.result.run, older.result.device},
                                 {newer.names.table, newer.result.run, newer.result.device},
@@ -89,10 +104,12 @@ int Compare(const CompareOptions& options, Surroundings& surroundings) {
         {options.json, [&compared](std::ostream& stream) { WriteJson(stream, compared); }},
         {options.html,
          [&](std::ostream& stream) { WriteComparedPage(older, newer, compared, stream); }}};
-    RequireDistinctFiles(Both(older.names.All(), newer.names.All()), NamesOf(outputs));
+    RequireDistinctFiles(options.baseline ? newer.names.All()
+                                          : Both(older.names.All(), newer.names.All()),
+                         NamesOf(outputs));
 
-    TextPool texts;
-    older.result = ReadResult(older.names, surroundings.in, texts);
+    if (!options.baseline)
+        older.result = ReadResult(older.names, surroundings.in, texts);
     newer.result = ReadResult(newer.names, surroundings.in, texts);
     RequireTold(groupBy, std::array<const Sources*, 2>{&newer.result.run.sources,
                                                        &older.result.run.sources});
@@ -111,13 +128,18 @@ int Compare(const CompareOptions& options, Surroundings& surroundings) {
 Command AddCompare(CLI::App& program) {
     CLI::App* const app = program.add_subcommand("compare", "Tell what differs between two runs");
     const auto options = std::make_shared<CompareOptions>();
-    app->add_option("OLD", options->oldResult,
-                    "result.csv of the older run or the folder that holds it, - for standard input")
+    app->add_option(
+           "OLD", options->oldResult,
+           "result.csv of the older run or the folder that holds it, - for standard input; "
+           "of the only one with --baseline")
         ->required()
         ->type_name("");
-    app->add_option("NEW", options->newResult, "The same of the newer run")
-        ->required()
+    app->add_option("NEW", options->newResult, "The same of the newer run; none with --baseline")
         ->type_name("");
+    app->add_option("--baseline", options->baseline,
+                    "A kept run instead of OLD: the name of a baseline, or digits of its hash")
+        ->type_name("NAME");
+    AddStoreOption(*app, options->store);
     app->add_option("--tolerance", options->tolerance, "Changes of up to so many dB are none")
         ->type_name("DB")
         ->capture_default_str();

@@ -1,5 +1,7 @@
 #include "Tools/SarvexTool/Bench/Commands/Subcommands.h"
 
+#include "Tools/SarvexTool/Bench/Commands/HistoryOptions.h"
+#include "Tools/SarvexTool/Bench/Commands/KeptResult.h"
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Commands/Outputs.h"
 #include "Tools/SarvexTool/Bench/Commands/PageFacts.h"
@@ -26,6 +28,7 @@ struct ReportOptions {
     std::string result;
     std::optional<std::string> limits;
     std::optional<std::string> baseline;
+    std::optional<std::string> store;
     std::string output;
     std::optional<std::string> groupBy;
 };
@@ -49,7 +52,7 @@ public:
         if (options.limits)
             Judge(*options.limits, surroundings);
         if (options.baseline)
-            Compare(*options.baseline, surroundings);
+            Compare(options, surroundings);
     }
     ReportData(const ReportData&) = delete;
     ReportData& operator=(const ReportData&) = delete;
@@ -66,9 +69,15 @@ private:
         m_page.facts.push_back({"Limits", SubjectOf(limits)});
     }
 
-    void Compare(const std::string& baseline, Surroundings& surroundings) {
-        const ResultNames names = NamesOf(baseline);
-        m_old = ReadResult(names, surroundings.in, m_texts);
+    void Compare(const ReportOptions& options, Surroundings& surroundings) {
+        ResultNames names = NamesOf(*options.baseline);
+        if (IsPath(*options.baseline)) {
+            m_old = ReadResult(names, surroundings.in, m_texts);
+        } else {
+            NamedResult kept = ReadKept(*options.baseline, options.store, m_texts);
+            names = std::move(kept.names);
+            m_old = std::move(kept.result);
+        }
         m_differences = Bench::Compare(m_old.run, m_result.run, Tolerance());
         m_baseline.emplace(PageBaseline{m_old.run, m_differences, Tolerance()});
         m_page.baseline = &*m_baseline;
@@ -91,7 +100,7 @@ std::vector<std::string> InputsOf(const ReportOptions& options) {
     std::vector<std::string> inputs = NamesOf(options.result).All();
     if (options.limits)
         inputs.push_back(*options.limits);
-    if (options.baseline) {
+    if (options.baseline && IsPath(*options.baseline)) {
         const std::vector<std::string> baseline = NamesOf(*options.baseline).All();
         inputs.insert(inputs.end(), baseline.begin(), baseline.end());
     }
@@ -120,8 +129,10 @@ Command AddReport(CLI::App& program) {
     app->add_option("--limits", options->limits, "Table of limits, - for standard input")
         ->type_name("FILE");
     app->add_option("--baseline", options->baseline,
-                    "result.csv of another run to hold this one against, or its folder")
+                    "result.csv of another run to hold this one against, or its folder; or a "
+                    "kept run: the name of a baseline, or digits of its hash")
         ->type_name("RESULT");
+    AddStoreOption(*app, options->store);
     app->add_option("-o,--output", options->output, "The page to write, - for standard output")
         ->required()
         ->type_name("FILE.html");

@@ -2,6 +2,8 @@
 
 #include "Modules/xFramework/OSAL/Process.h"
 #include "Modules/xFramework/OSAL/Socket.h"
+#include "Tools/SarvexTool/Bench/Commands/HistoryOptions.h"
+#include "Tools/SarvexTool/Bench/Commands/KeepRun.h"
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Commands/RunCall.h"
 #include "Tools/SarvexTool/Bench/Commands/RunChecks.h"
@@ -51,6 +53,10 @@ struct RunArguments {
     std::optional<std::string> bench;
     std::optional<std::string> device;
     std::optional<std::string> attempt;
+    std::optional<std::string> firmware;
+    std::optional<std::string> note;
+    std::optional<std::string> store;
+    bool keep = false;
     bool failFast = false;
     bool force = false;
 };
@@ -108,6 +114,17 @@ std::string ClientPath(const std::optional<std::string>& given) {
     return path;
 }
 
+/// The store of --keep as the run's facts may tell it. What has a password would tell that too.
+std::string StoreToTell(const std::string& text) {
+    const StoreName store = StoreNameOf(text);
+    if (store.HasPassword())
+        throw WrongUsage(
+            "--store has a password, which the run's run.json would tell to everybody; "
+            "leave it out, and give it in the variable PGPASSWORD or a password file "
+            "(PGPASSFILE)");
+    return store.IsServer() ? store.Shown() : Absolute(store.File());
+}
+
 RunOptions OptionsFrom(const RunArguments& arguments, const std::vector<std::string>& handedOn) {
     constexpr std::uint32_t mostRetries = 1000;
     RunOptions options;
@@ -122,22 +139,17 @@ RunOptions OptionsFrom(const RunArguments& arguments, const std::vector<std::str
     options.force = arguments.force;
     options.client = ClientPath(arguments.client);
     options.firstCommand = handedOn;
+    options.keep = arguments.keep;
+    if (arguments.store)
+        options.store = StoreToTell(*arguments.store);
     return options;
-}
-
-/// A name from an option, where it was given.
-std::optional<std::string> NameFrom(const std::string& option,
-                                    const std::optional<std::string>& name) {
-    if (name && name->empty())
-        throw WrongUsage(option + " needs a name");
-    return name;
 }
 
 RunPlace PlaceFrom(const RunArguments& arguments) {
     constexpr std::uint32_t mostAttempts = 1'000'000;
     RunPlace place;
-    place.bench = NameFrom("--bench", arguments.bench);
-    place.device = NameFrom("--device", arguments.device);
+    place.bench = TextFrom("--bench", arguments.bench, "a name");
+    place.device = TextFrom("--device", arguments.device, "a name");
     if (arguments.attempt)
         place.attempt = NumberOf("--attempt", *arguments.attempt, 1, mostAttempts);
     return place;
@@ -151,6 +163,8 @@ RunFacts FactsFrom(const RunArguments& arguments, const std::vector<std::string>
     facts.started = Now();
     facts.daemon = DaemonOf(arguments.daemon).ToText();
     facts.place = PlaceFrom(arguments);
+    facts.firmware = TextFrom("--firmware", arguments.firmware);
+    facts.note = TextFrom("--note", arguments.note);
     facts.options = OptionsFrom(arguments, handedOn);
     facts.clientSha256 = HashOfFile(facts.options.client);
     facts.linesTotal = CountTestLines(*arguments.file);
@@ -172,6 +186,11 @@ void RequireOrdinaryFile(const std::string& name) {
                        "is no ordinary file; a run reads it more than once, so save it in one");
 }
 
+int RunAndKeep(RunDirectory& directory, const std::string& progress, Surroundings& surroundings) {
+    const int exitCode = RunTest(directory, progress, surroundings);
+    return directory.Facts().options.keep ? KeepRun(directory, exitCode, surroundings) : exitCode;
+}
+
 int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
     if (*arguments.file == StandardStreamName || arguments.limits == StandardStreamName)
         throw WrongUsage("a run takes no file from standard input: resuming needs it once more");
@@ -180,6 +199,8 @@ int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
     RequireOrdinaryFile(*arguments.file);
     if (arguments.limits)
         RequireOrdinaryFile(*arguments.limits);
+    if (arguments.store && !arguments.keep)
+        throw WrongUsage("--store needs --keep");
     RequireRelayed(surroundings.handedOn);
     const RunFacts facts = FactsFrom(arguments, surroundings.handedOn);
     if (facts.options.limits) {
@@ -194,7 +215,7 @@ int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
     RunDirectory directory = RunDirectory::Create(name, *arguments.file, facts, Holder(name));
     if (!arguments.out)
         surroundings.err.stream << "The run is in " << MakeHarmless(name) << "\n";
-    return RunTest(directory, arguments.progress, surroundings);
+    return RunAndKeep(directory, arguments.progress, surroundings);
 }
 
 int GoOn(RunDirectory& directory, const std::string& progress, Surroundings& surroundings) {
@@ -207,7 +228,7 @@ int GoOn(RunDirectory& directory, const std::string& progress, Surroundings& sur
     facts.options.segment = std::min(facts.options.segment, MostSegmentLines());
     if (HashOfFile(facts.options.client) != facts.clientSha256)
         facts.AddNote("the client is not the one that the run began with");
-    return RunTest(directory, progress, surroundings);
+    return RunAndKeep(directory, progress, surroundings);
 }
 
 /// The facts of a run that may have left the transmitter on; nothing for any other folder, nor for
@@ -308,6 +329,15 @@ void AddPlaceOptions(CLI::App& app, RunArguments& arguments) {
     app.add_option("--attempt", arguments.attempt,
                    "Which attempt this is at the same lines, kept with the results")
         ->type_name("N");
+    app.add_option("--firmware", arguments.firmware, "The device's firmware, kept with the results")
+        ->type_name("TEXT");
+    app.add_option("--note", arguments.note, "What else there is to say, kept with the results")
+        ->type_name("TEXT");
+}
+
+void AddKeepOptions(CLI::App& app, RunArguments& arguments) {
+    app.add_flag("--keep", arguments.keep, "Keep the run in the history when it is complete");
+    AddStoreOption(app, arguments.store);
 }
 
 void AddDaemonOptions(CLI::App& app, RunArguments& arguments) {
@@ -343,9 +373,11 @@ Command AddRun(CLI::App& program) {
     AddFileOptions(*app, *arguments);
     AddDaemonOptions(*app, *arguments);
     AddPlaceOptions(*app, *arguments);
+    AddKeepOptions(*app, *arguments);
     app->footer(
         "What follows -- is the client's own first command. Exit code: 0 complete and all measured "
-        "or, with limits, passed; 1 complete, but something was not, or ended by --fail-fast; 2 "
+        "or, with limits, passed; 1 complete, but something was not, or --keep could not keep "
+        "it, or ended by --fail-fast; 2 "
         "wrong usage, a file that is wrong or cannot be read or written, or a daemon or folder in "
         "use; 3 ended early, to be resumed; 4 the last stop was not confirmed: the transmitter may "
         "be on.");

@@ -223,6 +223,32 @@ TEST_F(HistoryTest, ACheckTellsThatAllIsAsItWasKept) {
     EXPECT_EQ(out.str(), "1 run and 3 files looked at: all is as it was kept.\n");
 }
 
+TEST_F(HistoryTest, ARunIsComparedWithABaseline) {
+    History({"add", MakeRun("old", "10.5")});
+    History({"baseline", "set", "golden", Listed().at(0).at("hash")});
+    const std::string result = ResultOf("result.csv", "12");
+    EXPECT_EQ(Run({"compare", result, "--baseline", "golden", "--store", Store()}), 1);
+    EXPECT_THAT(out.str(), HasSubstr("+1.5 dB"));
+    EXPECT_EQ(Run({"compare", directory.Path("old"), "--baseline", "golden", "--store", Store()}),
+              0);
+    EXPECT_EQ(Run({"compare", result, result, "--baseline", "golden", "--store", Store()}), 2);
+    EXPECT_EQ(Run({"compare", result}), 2);
+    EXPECT_THAT(err.str(), HasSubstr("NEW is required"));
+    EXPECT_EQ(Run({"compare", result, result, "--store", Store()}), 2);
+    EXPECT_EQ(Run({"compare", result, "--baseline", "silver", "--store", Store()}), 2);
+}
+
+TEST_F(HistoryTest, AReportTakesABaselineByItsName) {
+    History({"add", MakeRun("old", "10.5")});
+    History({"baseline", "set", "golden", Listed().at(0).at("hash")});
+    const std::string result = ResultOf("result.csv", "12");
+    EXPECT_EQ(Run({"report", result, "--baseline", "golden", "--store", Store(), "-o", "-"}), 0)
+        << err.str();
+    EXPECT_THAT(out.str(), HasSubstr("golden (the run "));
+    EXPECT_EQ(Run({"report", result, "--baseline", directory.Path("none"), "-o", "-"}), 2);
+    EXPECT_THAT(err.str(), HasSubstr("cannot be read"));
+}
+
 TEST_F(HistoryTest, AnUnknownSubcommandIsToldWithTheNearest) {
     EXPECT_EQ(Run({"history", "lst"}), 2);
     EXPECT_EQ(err.str(), "SarvexToolBench history: there is no subcommand \"lst\"; did you mean "

@@ -1,0 +1,60 @@
+#include "Tools/SarvexTool/Bench/Commands/KeepRun.h"
+
+#include "Tools/SarvexTool/Bench/Commands/HistoryOptions.h"
+#include "Tools/SarvexTool/Bench/Files/KeptFiles.h"
+#include "Tools/SarvexTool/Bench/Output/HistoryText.h"
+#include "Tools/SarvexTool/Bench/Output/Problems.h"
+#include "Tools/SarvexTool/Bench/Output/ShownText.h"
+
+#include <algorithm>
+#include <chrono>
+#include <exception>
+#include <optional>
+#include <ostream>
+#include <string>
+
+namespace Bench {
+
+namespace {
+
+void Keep(RunDirectory& directory, std::ostream& stream) {
+    TextPool texts;
+    const RunToKeep run = ReadRunToKeep(directory.Files().directory, {}, texts);
+    const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+    Store store = OpenToWrite(directory.Facts().options.store);
+    PrintAdded(stream, run.facts, store.Add(run, now.time_since_epoch().count()));
+}
+
+/// A name as an argument of a command that is to be copied.
+std::string Quoted(const std::string& name) {
+    return name.find_first_of(" '\"&;<>|()$`*?") == std::string::npos ? name : "\"" + name + "\"";
+}
+
+std::string CommandToKeep(RunDirectory& directory) {
+    const std::optional<std::string>& store = directory.Facts().options.store;
+    return "SarvexToolBench history add " + Quoted(directory.Files().directory) +
+           (store ? " --store " + Quoted(*store) : "");
+}
+
+} // namespace
+
+int KeepRun(RunDirectory& directory, int exitCode, Surroundings& surroundings) {
+    std::ostream& stream = surroundings.err.stream;
+    if (directory.Facts().outcome != "complete") {
+        stream << "The run is kept in the history when it is complete.\n";
+        return exitCode;
+    }
+    try {
+        Keep(directory, stream);
+        return exitCode;
+    } catch (const BadFile& bad) {
+        PrintProblems(surroundings.err, bad.File(), bad.Problems());
+    } catch (const std::exception& error) {
+        stream << MakeHarmless(error.what()) << "\n";
+    }
+    stream << "The run is not kept in the history. To keep it later:\n  "
+           << MakeHarmless(CommandToKeep(directory)) << "\n";
+    return std::max<int>(exitCode, ExitCode::Found);
+}
+
+} // namespace Bench
