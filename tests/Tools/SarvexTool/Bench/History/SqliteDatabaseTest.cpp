@@ -1,6 +1,7 @@
 #include "Tools/SarvexTool/Bench/History/SqliteDatabase.h"
 
 #include "tests/Tools/SarvexTool/Bench/History/HistoryFixture.h"
+#include "tests/Tools/SarvexTool/Bench/History/StoreFixture.h"
 
 #include <filesystem>
 
@@ -132,6 +133,7 @@ std::unique_ptr<Stores> MakeFileStores() {
 
 INSTANTIATE_TEST_SUITE_P(File, DatabaseTest, testing::Values(&MakeFileStores));
 INSTANTIATE_TEST_SUITE_P(File, MigrationsTest, testing::Values(&MakeFileStores));
+INSTANTIATE_TEST_SUITE_P(File, StoreTest, testing::Values(&MakeFileStores));
 
 } // namespace
 } // namespace Bench

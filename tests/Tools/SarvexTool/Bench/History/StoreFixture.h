@@ -2,9 +2,14 @@
 
 #include "Tools/SarvexTool/Bench/Files/KeptFiles.h"
 #include "Tools/SarvexTool/Bench/Files/ResultFile.h"
+#include "Tools/SarvexTool/Bench/History/Migrations.h"
+#include "Tools/SarvexTool/Bench/History/Store.h"
+#include "tests/Tools/SarvexTool/Bench/History/HistoryFixture.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -29,5 +34,65 @@ inline RunToKeep MakeRun(const std::string& rows, TextPool& texts, KeptFacts fac
     run.parts.assign(run.facts.lines, 0);
     return run;
 }
+
+/// A test that every kind of store must pass: with one that is open twice.
+class StoreTest : public DatabaseFixture {
+protected:
+    StoreTest() {
+        Migrate(*m_database);
+        m_store.emplace(m_stores->OpenOne(OpenFor::Writing));
+    }
+
+    RunToKeep Run(const std::string& rows, KeptFacts facts = {}) {
+        return MakeRun(rows, m_texts, std::move(facts));
+    }
+
+    /// Adds a run of one power and returns its hash.
+    std::string Added(const std::string& power, KeptFacts facts = {}) {
+        const RunToKeep run = Run("5,A," + power + ",NA\n", std::move(facts));
+        EXPECT_TRUE(m_store->Add(run, 77));
+        return run.facts.hash;
+    }
+
+    /// The powers of the runs that are listed, in their order.
+    std::string NamesOf(const RunFilter& filter) {
+        std::string names;
+        for (const KeptFacts& facts : m_store->List(filter))
+            names += (names.empty() ? "" : " ") + facts.name;
+        return names;
+    }
+
+    template <typename Call>
+    static std::string WordsOf(Call call) {
+        try {
+            call();
+        } catch (const std::exception& error) {
+            return error.what();
+        }
+        return "nothing";
+    }
+
+    std::vector<KeptPower> Powers(const RunFilter& filter = {}) {
+        std::vector<KeptPower> powers;
+        m_store->ReadPowers(
+            filter, m_texts, [this](const KeptHistory& history) { m_history = history; },
+            [&powers](const KeptPower& power) { powers.push_back(power); });
+        std::sort(powers.begin(), powers.end(), [](const KeptPower& one, const KeptPower& other) {
+            return std::tie(one.run, one.configuration, one.chain) <
+                   std::tie(other.run, other.configuration, other.chain);
+        });
+        return powers;
+    }
+
+    /// Changes the database as somebody else would.
+    void Change(const std::string& statement) { m_database->Run(statement); }
+    std::string Count(const std::string& table) {
+        return RowsOf(*m_database, "SELECT COUNT(*) FROM " + table, 1);
+    }
+
+    TextPool m_texts;
+    std::optional<Store> m_store;
+    KeptHistory m_history;
+};
 
 } // namespace Bench

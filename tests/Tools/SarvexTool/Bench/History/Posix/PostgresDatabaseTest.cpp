@@ -1,6 +1,7 @@
 #include "Tools/SarvexTool/Bench/History/PostgresDatabase.h"
 
 #include "tests/Tools/SarvexTool/Bench/History/HistoryFixture.h"
+#include "tests/Tools/SarvexTool/Bench/History/StoreFixture.h"
 #include "tests/Tools/SarvexTool/Bench/History/Posix/PostgresServer.h"
 
 #include <cstdlib>
@@ -33,6 +34,7 @@ std::unique_ptr<Stores> MakeServerStores() {
 
 INSTANTIATE_TEST_SUITE_P(Server, DatabaseTest, testing::Values(&MakeServerStores));
 INSTANTIATE_TEST_SUITE_P(Server, MigrationsTest, testing::Values(&MakeServerStores));
+INSTANTIATE_TEST_SUITE_P(Server, StoreTest, testing::Values(&MakeServerStores));
 
 class PostgresDatabaseTest : public testing::Test {
 protected:
