@@ -35,6 +35,14 @@ _sarvextool_bench_options() {
         echo -h --help --store:file --since:text --until:text --bench:text --device:text --firmware:text \
             --file:text --verdict:verdict --json:json
         ;;
+    'history trend')
+        echo -h --help --store:file --since:text --until:text --bench:text --device:text --firmware:text \
+            --file:text --verdict:verdict --limits:table --html:html --json:json
+        ;;
+    'history report')
+        echo -h --help --store:file --since:text --until:text --bench:text --device:text --firmware:text \
+            --file:text --verdict:verdict --limits:table
+        ;;
     'history show' | 'history baseline show') echo -h --help --store:file --json:json ;;
     'history export') echo -h --help -o:folder --output:folder --store:file ;;
     'history remove') echo -h --help --store:file --yes --force ;;
@@ -50,6 +58,7 @@ _sarvextool_bench_argument() {
     merge) echo json ;;
     judge | report | compare | 'history add') echo result ;;
     history | 'history baseline') echo "$1" ;;
+    'history report') echo html ;;
     esac
 }
 
@@ -158,7 +167,7 @@ _sarvextool_value() {
     progress) _sarvextool_answer "$2"{text,json} ;;
     part) _sarvextool_answer "$2"{bench,device,attempt} ;;
     subcommand) _sarvextool_answer "$2"{check,run,stop,split,merge,judge,report,compare,history,help} ;;
-    history) _sarvextool_answer {add,list,show,export,remove,check,baseline} ;;
+    history) _sarvextool_answer {add,list,show,export,remove,check,baseline,trend,report} ;;
     'history baseline') _sarvextool_answer {set,show} ;;
     verdict) _sarvextool_answer "$2"{pass,fail} ;;
     fault) _sarvextool_fault "$2" ;;

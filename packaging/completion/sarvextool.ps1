@@ -28,6 +28,10 @@ Register-ArgumentCompleter -Native -CommandName @(
             '--measured:text --limits:table --partial'
         'history list' = '-h --help --store:file --since:text --until:text --bench:text --device:text ' +
             '--firmware:text --file:text --verdict:verdict --json:json'
+        'history trend' = '-h --help --store:file --since:text --until:text --bench:text --device:text ' +
+            '--firmware:text --file:text --verdict:verdict --limits:table --html:html --json:json'
+        'history report' = '-h --help --store:file --since:text --until:text --bench:text --device:text ' +
+            '--firmware:text --file:text --verdict:verdict --limits:table'
         'history show' = '-h --help --store:file --json:json'
         'history export' = '-h --help -o:folder --output:folder --store:file'
         'history remove' = '-h --help --store:file --yes --force'
@@ -51,6 +55,8 @@ Register-ArgumentCompleter -Native -CommandName @(
         'history' = 'history'
         'history add' = 'result'
         'history list' = ''
+        'history trend' = ''
+        'history report' = 'html'
         'history show' = ''
         'history export' = ''
         'history remove' = ''
@@ -163,7 +169,7 @@ Register-ArgumentCompleter -Native -CommandName @(
                 Write-Answer $name
             }
         } elseif ($kind -eq 'history') {
-            foreach ($name in 'add', 'list', 'show', 'export', 'remove', 'check', 'baseline') {
+            foreach ($name in 'add', 'list', 'show', 'export', 'remove', 'check', 'baseline', 'trend', 'report') {
                 Write-Answer $name
             }
         } elseif ($kind -eq 'history baseline') {

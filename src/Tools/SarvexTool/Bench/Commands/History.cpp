@@ -25,8 +25,9 @@ Command AddHistory(CLI::App& program) {
     CLI::App* const app = program.add_subcommand("history", "Keep runs, and follow them over time");
     app->footer("SarvexToolBench history SUBCOMMAND --help tells of each.");
     std::vector<Command> commands;
-    for (const auto addCommand : {AddHistoryAdd, AddHistoryList, AddHistoryShow, AddHistoryExport,
-                                  AddHistoryRemove, AddHistoryCheck, AddHistoryBaseline})
+    for (const auto addCommand :
+         {AddHistoryAdd, AddHistoryList, AddHistoryShow, AddHistoryExport, AddHistoryRemove,
+          AddHistoryCheck, AddHistoryBaseline, AddHistoryTrend, AddHistoryReport})
         commands.push_back(addCommand(*app));
     return GroupOf(*app, std::move(commands));
 }

@@ -27,6 +27,12 @@ Command AddHistoryCheck(CLI::App& history);
 /// history baseline set|show: names runs that others are held against.
 Command AddHistoryBaseline(CLI::App& history);
 
+/// history trend: follows the benches over time, and tells which one drifts.
+Command AddHistoryTrend(CLI::App& history);
+
+/// history report FILE.html: shows the kept runs and their benches as one HTML page.
+Command AddHistoryReport(CLI::App& history);
+
 /// A subcommand that needs one of its own subcommands.
 Command GroupOf(CLI::App& app, std::vector<Command> commands);
 

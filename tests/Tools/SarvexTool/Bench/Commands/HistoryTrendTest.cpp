@@ -1,0 +1,131 @@
+#include "tests/Tools/SarvexTool/Bench/Commands/CommandFixture.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+namespace Bench {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+class HistoryTrendTest : public CommandFixture {
+protected:
+    int History(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "history");
+        arguments.insert(arguments.end(), {"--store", directory.Path("history.db")});
+        return Run(arguments);
+    }
+
+    /// Keeps a run of a bench for each power, one a day. The second line makes runs of one power
+    /// differ; it is of chain B.
+    void Keep(const std::string& bench, const std::vector<std::string>& powers) {
+        int day = 10;
+        for (const std::string& power : powers) {
+            const std::string result = directory.Create(
+                bench + std::to_string(day) + ".csv",
+                Header() + "5,A," + power + ",NA\n2.4,B,NA,1" + std::to_string(day) + "." +
+                    std::to_string(bench.front()) + "\n");
+            ASSERT_EQ(History({"add", result, "--bench", bench, "--device", "DUT", "--measured",
+                               "2026-03-" + std::to_string(day)}),
+                      0)
+                << err.str();
+            ++day;
+        }
+    }
+
+    void KeepDriftOfC() {
+        Keep("A", std::vector<std::string>(9, "10"));
+        Keep("B", std::vector<std::string>(9, "10.5"));
+        Keep("C", {"10", "10", "10", "10", "10", "10", "10", "12", "12"});
+    }
+};
+
+TEST_F(HistoryTrendTest, FirstLineNamesTheBenchThatDrifts) {
+    KeepDriftOfC();
+    EXPECT_EQ(History({"trend", "Chain=A"}), 1);
+    EXPECT_THAT(out.str(), StartsWith("DRIFT: C reads 2.00 dB higher since 2026-03-17; 2 of its 9 "
+                                      "runs are beyond its control limits\n"));
+    EXPECT_EQ(err.str(), "");
+}
+
+TEST_F(HistoryTrendTest, WordsAndOptionsChooseWhatIsFollowed) {
+    KeepDriftOfC();
+    EXPECT_EQ(History({"trend", "Band=5", "Chain=A", "--until", "2026-03-16"}), 1);
+    EXPECT_THAT(out.str(), StartsWith("TOO FEW RUNS: none of the 3 stations has the 8 runs that "
+                                      "control limits need\n"));
+    EXPECT_EQ(History({"trend", "Band=5", "--bench", "A"}), 0);
+    EXPECT_THAT(out.str(), StartsWith("STEADY: the station does not drift: 9 runs, 1 measurement"));
+    EXPECT_THAT(out.str(), HasSubstr("\nBand 5, Chains A, chain A, in dBm:\n"));
+    EXPECT_EQ(History({"trend", "Band=6"}), 1);
+    EXPECT_THAT(out.str(), StartsWith("NO POWER: "));
+}
+
+TEST_F(HistoryTrendTest, WordsThatNameNothingAreRefused) {
+    struct Case {
+        const char* word;
+        const char* told;
+    };
+    for (const Case& each :
+         {Case{"Band", R"("Band" is no SETTING=VALUE, as Band=5 or Chain=A is)"},
+          Case{"Bnd=5", R"(there is no setting "Bnd"; did you mean "Band"?)"},
+          Case{"Chain=C", R"("Chain=C" names no chain; write Chain=A or Chain=B)"}}) {
+        SCOPED_TRACE(each.word);
+        EXPECT_EQ(History({"trend", each.word}), 2);
+        EXPECT_THAT(err.str(), HasSubstr(each.told));
+    }
+}
+
+TEST_F(HistoryTrendTest, StoreThatIsNotThereIsAnError) {
+    EXPECT_EQ(History({"trend"}), 2);
+    EXPECT_EQ(out.str(), "");
+    EXPECT_THAT(err.str(), HasSubstr("history.db"));
+}
+
+TEST_F(HistoryTrendTest, PowersOutOfLimitsAreFound) {
+    Keep("A", std::vector<std::string>(8, "10"));
+    const std::string limits = directory.Create("limits.csv", "Band,Chain,Min,Max\n5,*,*,9\n");
+    EXPECT_EQ(History({"trend", "Band=5"}), 0);
+    EXPECT_EQ(History({"trend", "Band=5", "--limits", limits}), 1);
+    EXPECT_THAT(out.str(), StartsWith("OUT OF LIMITS: 8 of 8 powers are out of their limits\n"));
+}
+
+TEST_F(HistoryTrendTest, JsonAndPageAreWrittenBesideTheText) {
+    KeepDriftOfC();
+    const std::string page = directory.Path("trend.html");
+    EXPECT_EQ(History({"trend", "Chain=A", "--json", "-", "--html", page}), 1);
+    const nlohmann::json trend = nlohmann::json::parse(out.str());
+    EXPECT_EQ(trend.at("stations").at(0).at("station"), "C");
+    EXPECT_EQ(trend.at("stations").at(0).at("devices"), nlohmann::json({"DUT"}));
+    EXPECT_EQ(trend.at("powers").size(), 27U);
+    EXPECT_THAT(err.str(), StartsWith("DRIFT: C "));
+    const std::string written = ReadBytes("trend.html");
+    EXPECT_THAT(written, HasSubstr("<p class=\"kind\">Trend of transmit power tests</p>"));
+    EXPECT_THAT(written, HasSubstr("<dt>Only</dt><dd>Chain=A</dd>"));
+    EXPECT_THAT(written,
+                HasSubstr("<dt>Measured</dt><dd>2026-03-10 00:00 to 2026-03-18 00:00 UTC</dd>"));
+    EXPECT_THAT(written, HasSubstr("\"runs\":null"));
+}
+
+TEST_F(HistoryTrendTest, AnOutputIsNoInput) {
+    Keep("A", {"10"});
+    const std::string limits = directory.Create("limits.csv", "Band,Chain,Min,Max\n5,*,*,9\n");
+    EXPECT_EQ(History({"trend", "--limits", limits, "--html", limits}), 2);
+    EXPECT_EQ(ReadBytes("limits.csv"), "Band,Chain,Min,Max\n5,*,*,9\n");
+}
+
+TEST_F(HistoryTrendTest, OverviewListsTheRunsThatTheOptionsChoose) {
+    KeepDriftOfC();
+    const std::string page = directory.Path("overview.html");
+    EXPECT_EQ(History({"report", page, "--bench", "C", "--since", "2026-03-17"}), 0);
+    EXPECT_EQ(out.str() + err.str(), "");
+    const std::string written = ReadBytes("overview.html");
+    EXPECT_THAT(written, HasSubstr("<p class=\"kind\">Kept transmit power tests</p>"));
+    EXPECT_THAT(written, HasSubstr("<dt>Runs</dt><dd>2</dd>"));
+    EXPECT_THAT(written, HasSubstr("\"runs\":[\n"));
+    EXPECT_THAT(written, Not(HasSubstr("\"B\"")));
+}
+
+} // namespace
+} // namespace Bench
