@@ -9,6 +9,7 @@ import re
 import shlex
 import shutil
 import signal
+import sqlite3
 import subprocess
 import sys
 import tempfile
@@ -23,7 +24,7 @@ import free_port  # noqa: E402
 PROGRAMS = pathlib.Path(sys.argv[1]).resolve()
 EMULATOR = sys.argv[2:]
 SUFFIX = ".exe" if EMULATOR else ""
-PAGES = ("bench.md", "bench-check.md", "bench-formats.md", "run.md", "farm.md")
+PAGES = ("bench.md", "bench-check.md", "bench-formats.md", "run.md", "farm.md", "history.md")
 END_OF_OUTPUT = "-- end of its output --"
 USUAL_PORT = "8738"
 INTERRUPTION = "^C\n"
@@ -168,6 +169,31 @@ class PagesTest(unittest.TestCase):
         for page in PAGES:
             with self.subTest(page=page):
                 self.assertGreater(len(blocks(page)), 0)
+
+
+class QueryTest(unittest.TestCase):
+    """The query that the page about the history shows for other tools."""
+
+    def test_it_gives_the_powers_of_each_bench_over_time(self):
+        stage = Stage(self)
+        (stage.folder / "run").mkdir()
+        for day, bench, powers in (("03", "B1", "10.5,1"), ("02", "B2", "11.25,2"), ("09", "B1", "9,9"),
+                                   ("04", "B1", "NA,3")):
+            (stage.folder / "run/result.csv").write_text(
+                f"Band,Chains,Channel,Chain-A Power, Chain B Power\n5,AB,36,{powers}\n5,A,40,7,NA\n")
+            [output] = stage.run([f"./SarvexToolBench history add run --store history.db --bench {bench} "
+                                  f"--measured 2026-03-{day}"])
+            self.assertIn("Kept run, measured 2026-03-", output)
+        [query] = re.findall(r"^```sql\n(.*?)^```$", (ROOT / "docs/history.md").read_text(),
+                             re.DOTALL | re.MULTILINE)
+        first_day, a_day = 1772409600, 86400
+        week = rf"\1 BETWEEN {first_day} AND {first_day + 6 * a_day}"
+        query, filters = re.subn(r"\$__unixEpochFilter\((.*?)\)", week, query)
+        self.assertEqual(1, filters)
+        store = sqlite3.connect(stage.folder / "history.db")
+        self.addCleanup(store.close)
+        self.assertEqual([(first_day, "B2", 11.25), (first_day + a_day, "B1", 10.5)],
+                         store.execute(query).fetchall())
 
 
 HEADER = "Band,Chains,Channel\n"
