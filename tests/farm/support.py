@@ -30,6 +30,10 @@ TIMEOUT = 600
 # Nothing that a test starts outlives it, however it ends.
 WITH_TEST = ["setpriv", "--pdeathsig", "TERM"]
 
+# Whoever has started the tests in the background ignores these, and all that they start would too.
+signal.signal(signal.SIGINT, signal.default_int_handler)
+signal.signal(signal.SIGHUP, signal.SIG_DFL)
+
 
 def wait_until(condition, what, seconds=60):
     """Whatever the condition gives in the end."""
