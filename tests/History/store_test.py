@@ -19,7 +19,9 @@ KILLS = 200
 LINES = 300
 
 
-class KilledTest(support.HistoryTest):
+class Killed:
+    kind = None
+
     def adding(self, store, result):
         return subprocess.Popen([support.BENCH, "history", "add", result, "--store", store],
                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, env=support.environment())
@@ -30,7 +32,7 @@ class KilledTest(support.HistoryTest):
         return time.monotonic() - start
 
     def test_whoever_is_killed_while_adding_leaves_whole_runs_only(self):
-        store = support.FileStores(self.folder).new()
+        store = self.stores(self.kind).new()
         whole = self.seconds_to_add(store)
         chance = random.Random(15)
         results = [self.make_result(f"run-{count}", LINES, count) for count in range(KILLS)]
@@ -54,13 +56,22 @@ class KilledTest(support.HistoryTest):
         self.require_whole(store)
 
 
-class TogetherTest(support.HistoryTest):
+class KilledTest(Killed, support.HistoryTest):
+    kind = support.FileStores
+
+
+class KilledOnServerTest(Killed, support.HistoryTest):
+    kind = support.ServerStores
+
+
+class Together:
+    kind = None
     PROCESSES = 8
     RUNS = 5
 
     def test_eight_that_add_at_once_lose_and_double_nothing(self):
         """Each adds runs of its own and some that all add."""
-        store = support.FileStores(self.folder).new()
+        store = self.stores(self.kind).new()
         shared = [self.make_result(f"shared-{count}", 50, 1000 + count) for count in range(self.RUNS)]
         programs = []
         for process in range(self.PROCESSES):
@@ -80,6 +91,14 @@ class TogetherTest(support.HistoryTest):
         self.assertEqual(len(runs), said.count("Kept result") + said.count("Kept own") + said.count("Kept shared"))
         self.assertEqual(self.RUNS * (self.PROCESSES - 1), said.count("Kept already: "))
         self.require_whole(store)
+
+
+class TogetherTest(Together, support.HistoryTest):
+    kind = support.FileStores
+
+
+class TogetherOnServerTest(Together, support.HistoryTest):
+    kind = support.ServerStores
 
 
 class StorageTest(support.HistoryTest):
@@ -156,12 +175,13 @@ class StorageTest(support.HistoryTest):
         self.assertGreaterEqual(found, 18)
 
 
-class HostileTest(support.HistoryTest):
+class Hostile:
+    kind = None
     TEXTS = ["'; DROP TABLE runs; --", "\"", "$1", "%s%n", "\x1b[2J", "a\tb\nc", "\udcff", "Ü", "", " ", "NULL", "\u202e",
              "base64:", "x" * 5000]
 
     def test_hostile_texts_come_back_as_they_are(self):
-        store = support.FileStores(self.folder).new()
+        store = self.stores(self.kind).new()
         expected = set()
         for count, text in enumerate(self.TEXTS):
             given = text or "-"
@@ -181,7 +201,7 @@ class HostileTest(support.HistoryTest):
         self.require_whole(store)
 
     def test_hostile_cells_are_data(self):
-        store = support.FileStores(self.folder).new()
+        store = self.stores(self.kind).new()
         folder = self.folder / "hostile"
         folder.mkdir()
         content = support.HEADER.encode() + b"');DELETE FROM runs;--,A\xff,\x01,1,NA\n" + b"\"$1\",B,%s,NA,2\n"
@@ -193,11 +213,58 @@ class HostileTest(support.HistoryTest):
         self.assertEqual(content, (self.folder / "back/result.csv").read_bytes())
 
     def test_a_run_in_a_folder_of_any_name_is_kept_by_that_name(self):
-        store = support.FileStores(self.folder).new()
+        store = self.stores(self.kind).new()
         for count, name in enumerate(["'; --", "a b", "ü\n", "\udcff"]):
             self.history(store, "add", self.make_result(name, 1, count))
         self.assertEqual(4, len(self.runs(store)))
         self.assertEqual(1, len(self.runs(store, "--file", "'; --")))
+
+
+class HostileTest(Hostile, support.HistoryTest):
+    kind = support.FileStores
+
+
+class HostileOnServerTest(Hostile, support.HistoryTest):
+    kind = support.ServerStores
+
+
+class ServerTest(support.HistoryTest):
+    def test_a_server_that_is_lost_is_told_without_its_password(self):
+        stores = self.stores(support.ServerStores)
+        store = stores.new()
+        self.history(store, "add", self.make_result("one", 5, 1))
+        adding = subprocess.Popen(
+            [support.BENCH, "history", "add", self.make_result("large", 30_000, 2), "--store", store],
+            stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, env=support.environment())
+        log = stores.folder / "server.log"
+        statement = b"INSERT INTO measurements"
+        earlier = log.read_bytes().count(statement)
+        end = time.monotonic() + support.TIMEOUT
+        while log.read_bytes().count(statement) == earlier:
+            self.assertLess(time.monotonic(), end)
+            time.sleep(0.01)
+        stores.server.send_signal(signal.SIGQUIT)
+        out, err = adding.communicate(timeout=support.TIMEOUT)
+        stores.server.wait(support.TIMEOUT)
+        stores.log.close()
+        self.assertEqual((2, ""), (adding.returncode, out), err)
+        gone = self.history(store, "list", expected=2)
+        for said in (err, gone):
+            self.assertEqual(1, len(said.strip().splitlines()), said)
+            self.assertNotIn(stores.PASSWORD, said)
+            self.assertIn(f"127.0.0.1:{stores.port}", said)
+        stores.start()
+        self.assertEqual(["one"], [run["name"] for run in self.runs(store)])
+        self.require_whole(store)
+        self.assertNotIn(stores.PASSWORD, log.read_text())
+
+    def test_a_password_reaches_no_output(self):
+        stores = self.stores(support.ServerStores)
+        store = stores.new().replace(stores.PASSWORD, "wr0ng")
+        for arguments in (("list",), ("add", self.make_result("one", 1)), ("check",), ("show", "abcd")):
+            said = self.history(store, *arguments, expected=2)
+            self.assertNotIn("wr0ng", said)
+            self.assertEqual(1, len(said.strip().splitlines()), said)
 
 
 class UsualStoreTest(support.HistoryTest):
