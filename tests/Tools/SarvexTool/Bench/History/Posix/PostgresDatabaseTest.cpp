@@ -1,8 +1,8 @@
 #include "Tools/SarvexTool/Bench/History/PostgresDatabase.h"
 
 #include "tests/Tools/SarvexTool/Bench/History/HistoryFixture.h"
-#include "tests/Tools/SarvexTool/Bench/History/StoreFixture.h"
 #include "tests/Tools/SarvexTool/Bench/History/Posix/PostgresServer.h"
+#include "tests/Tools/SarvexTool/Bench/History/StoreFixture.h"
 
 #include <cstdlib>
 
