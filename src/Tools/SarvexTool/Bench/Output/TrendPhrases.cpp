@@ -3,6 +3,7 @@
 #include "Tools/SarvexTool/Bench/Output/Phrases.h"
 #include "Tools/SarvexTool/Bench/Output/ShownTime.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
@@ -35,8 +36,13 @@ std::string PhraseOf(const TrendData& data, const StationTrend& station, const D
         when = " since " + first;
     else if (first != last)
         when = " from " + first + " to " + last;
+    // A drift moves the mean, so that runs before it may be beyond the limits on the other side.
+    const auto before = std::count_if(
+        station.points.begin(), station.points.begin() + static_cast<std::ptrdiff_t>(drift.first),
+        [](const TrendPoint& point) { return point.isBeyond; });
     return (drift.last + 1 == station.points.size() ? "reads " : "read ") + Moved(drift.change) +
-           when + "; " + CountOfRuns(station.beyond, station) + " beyond its control limits";
+           when + "; " + CountOfRuns(station.beyond, station) + " beyond its control limits" +
+           (before == 0 ? "" : ", " + std::to_string(before) + " of them before");
 }
 
 const std::string& NameOf(const TrendData& data, const StationTrend& station) {

@@ -62,6 +62,15 @@ TEST_F(TrendPhrasesTest, DriftThatIsOverIsToldFromItsFirstDayToItsLast) {
                            "runs are beyond its control limits");
 }
 
+TEST_F(TrendPhrasesTest, RunsBeyondBeforeTheDriftAreToldApart) {
+    AddSteadyAB();
+    const std::uint32_t rising = AddStation("C");
+    for (int run = 0; run < 12; ++run)
+        AddRun(rising, {10.5 + 0.1 * run});
+    EXPECT_EQ(FirstLine(), "DRIFT: C reads 0.60 dB higher since 2026-03-27; 6 of its 12 runs are "
+                           "beyond its control limits, 3 of them before");
+}
+
 TEST_F(TrendPhrasesTest, OneRunAloneBeyondIsToldWithItsDayAndWithWhatChanceDoes) {
     AddSteadyAB();
     AddRuns(AddStation("C"), {10.5, 10.6, 10.5, 10.6, 10.5, 15, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6,
