@@ -68,8 +68,8 @@ std::uint32_t KeptTrend::StationOf(const RunPlace& place) {
         m_stations.try_emplace(name, static_cast<std::uint32_t>(m_data.stations.size()));
     if (isNew)
         m_data.stations.push_back({name, {}});
-    std::vector<std::string>& devices = m_data.stations[found->second].devices;
     if (place.device) {
+        std::vector<std::string>& devices = m_data.stations[found->second].devices;
         const auto after = std::lower_bound(devices.begin(), devices.end(), *place.device);
         if (after == devices.end() || *after != *place.device)
             devices.insert(after, *place.device);

@@ -168,6 +168,7 @@ private:
     void ReadSupervised() {
         const std::string facts = NameOf(m_folder / factsName);
         m_own = ReadRunFacts(facts);
+        // cppcheck-suppress unreadVariable ; held while the files are read
         const std::optional<OSAL::FileLock> lock = LockUnlessComplete();
         for (const char* const name : keptNames) {
             if (IsFile(m_folder / name))
