@@ -180,7 +180,8 @@ class QueryTest(unittest.TestCase):
         for day, bench, powers in (("03", "B1", "10.5,1"), ("02", "B2", "11.25,2"), ("09", "B1", "9,9"),
                                    ("04", "B1", "NA,3")):
             (stage.folder / "run/result.csv").write_text(
-                f"Band,Chains,Channel,Chain-A Power, Chain B Power\n5,AB,36,{powers}\n5,A,40,7,NA\n")
+                f"Band,Chains,Bandwidth,Channel,Rate,Chain-A Power, Chain B Power\n"
+                f"5,AB,20,36,MCS0,{powers}\n5,A,20,36,MCS9,8,NA\n5,A,40,36,MCS0,8,NA\n5,A,20,40,MCS0,7,NA\n")
             [output] = stage.run([f"./SarvexToolBench history add run --store history.db --bench {bench} "
                                   f"--measured 2026-03-{day}"])
             self.assertIn("Kept run, measured 2026-03-", output)
