@@ -17,7 +17,8 @@ BUILDS = {"linux": LINUX_BUILD, "windows": WINDOWS_BUILD}
 PLATFORMS = list(BUILDS)
 PROGRAMS = ["SarvexToolClient", "SarvexToolBench", "vemo"]
 # Archives of a build that are not made of the project's own sources, and whose they are.
-OTHERS_IN_BUILD = {"libexpat.a": "Expat", "resolver/libresolver.a": "GNU C Library"}
+OTHERS_IN_BUILD = {"libexpat.a": "Expat", "libpq.a": "libpq", "libsqlite.a": "SQLite",
+                   "resolver/libresolver.a": "GNU C Library"}
 
 
 def make(folder, moment="1700000000"):
