@@ -4,6 +4,7 @@
 #include "Tools/SarvexTool/Bench/Commands/Stop.h"
 #include "Tools/SarvexTool/Bench/Commands/Subcommands.h"
 #include "Tools/SarvexTool/Bench/Core/Nearest.h"
+#include "Tools/SarvexTool/Bench/Core/Passwords.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
@@ -230,8 +231,8 @@ private:
              !parsed.empty() && parsed.front() != m_help;
              parsed = parsed.front()->get_subcommands())
             named += " " + parsed.front()->get_name();
-        surroundings.err.stream << named << ": " << MakeHarmless(problem) << "\nRun " << named
-                                << " --help for the options.\n";
+        surroundings.err.stream << named << ": " << MakeHarmless(WithoutPasswords(problem))
+                                << "\nRun " << named << " --help for the options.\n";
         return ExitCode::Failed;
     }
 
@@ -261,7 +262,8 @@ int RunProgram(const std::vector<std::string>& arguments, Surroundings& surround
     } catch (const BadFile& bad) {
         PrintProblems(surroundings.err, bad.File(), bad.Problems());
     } catch (const std::exception& error) {
-        surroundings.err.stream << programName << ": " << MakeHarmless(error.what()) << "\n";
+        surroundings.err.stream << programName << ": "
+                                << MakeHarmless(WithoutPasswords(error.what())) << "\n";
     }
     // Output that nobody reads does not hide a transmitter that may be on.
     return std::max<int>(exitCode, ExitCode::Failed);

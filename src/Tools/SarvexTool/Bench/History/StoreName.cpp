@@ -17,6 +17,21 @@ constexpr std::array<std::string_view, 2> schemes{"postgresql://", "postgres://"
 constexpr std::array<std::string_view, 5> settings{"application_name", "connect_timeout", "host",
                                                    "options", "passfile"};
 
+/// How a server's name is begun by mistake, in small letters. As a file's name it would be shown,
+/// with the password that may be in it.
+constexpr std::array<std::string_view, 4> almostSchemes{"postgresql:", "postgresql//",
+                                                        "postgres:", "postgres//"};
+
+bool IsAlmostServer(std::string text) {
+    std::ranges::transform(text, text.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
+                                                    : character;
+    });
+    const auto begins = [&](std::string_view scheme) { return text.starts_with(scheme); };
+    return std::ranges::any_of(almostSchemes, begins) ||
+           text.find("password=") != std::string::npos;
+}
+
 [[noreturn]] void Refuse(const std::string& why) {
     throw std::invalid_argument("the URL of the store " + why +
                                 "; it is postgresql://USER@HOST:PORT/DATABASE");
@@ -87,6 +102,11 @@ StoreName StoreName::Parse(const std::string& text) {
         name.ParseServer(text);
     else if (text.find("://") != std::string::npos)
         Refuse("is of another kind than this program knows");
+    else if (IsAlmostServer(text))
+        Refuse("is not understood");
+    else if (text.ends_with('/'))
+        throw std::invalid_argument("the name of the store ends with a slash, as that of a folder "
+                                    "does; it is a file");
     else
         name.m_shown = name.m_file = text;
     return name;

@@ -1,5 +1,6 @@
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 
+#include "Tools/SarvexTool/Bench/Core/Passwords.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 
 namespace Bench {
@@ -10,7 +11,7 @@ constexpr const char* bold = "\x1B[1m";
 constexpr const char* plain = "\x1B[0m";
 
 std::string PlaceOf(const std::string& file, const Problem& problem) {
-    std::string place = file.empty() ? "\"\"" : MakeHarmless(file);
+    std::string place = file.empty() ? "\"\"" : MakeHarmless(WithoutPasswords(file));
     if (problem.line != 0)
         place += ":" + std::to_string(problem.line) + ":" + std::to_string(problem.column);
     return place + ":";
