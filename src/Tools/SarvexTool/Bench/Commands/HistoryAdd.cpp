@@ -87,7 +87,9 @@ private:
             m_store.emplace(OpenToWrite(m_arguments.store));
         try {
             const bool isNew = m_store->Add(*run, Now());
-            PrintAdded(m_surroundings.out.stream, run->facts, isNew);
+            const KeptFacts kept = isNew ? run->facts : m_store->Find(run->facts.hash);
+            RequireSame(kept, run->facts);
+            PrintAdded(m_surroundings.out.stream, kept, isNew);
             if (isNew && run->isTimeOfFile)
                 m_surroundings.out.stream
                     << "  Measured when the file was written, "
@@ -99,6 +101,18 @@ private:
             m_surroundings.err.stream << MakeHarmless(name + ": " + otherwise.what()) << "\n";
             return ExitCode::Failed;
         }
+    }
+
+    /// What the options say of a run is not dropped in silence.
+    void RequireSame(const KeptFacts& kept, const KeptFacts& told) const {
+        constexpr const char* remedy =
+            "; to keep it otherwise, remove it (history remove) and add it again";
+        if (m_options.measuredAt && kept.measuredAt != told.measuredAt)
+            throw KeptOtherwise("it is kept already, as measured " + IsoTime(kept.measuredAt) +
+                                remedy);
+        if (m_limits && kept.verdict != told.verdict)
+            throw KeptOtherwise(std::string("it is kept already, with the verdict ") +
+                                NameOf(kept.verdict) + remedy);
     }
 
     const AddArguments& m_arguments;
