@@ -7,6 +7,7 @@
 #include "Tools/SarvexTool/Bench/History/RunWriter.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <optional>
 #include <utility>
@@ -126,6 +127,25 @@ private:
 void CheckRun(Database& database, std::int64_t number, const KeptFacts& facts,
               std::vector<std::string>& problems) {
     RunChecker(database, number, facts, problems).Check();
+}
+
+void CheckConfigurations(Database& database, std::vector<std::string>& problems) {
+    std::size_t changed = 0;
+    database.Query("SELECT key, band, chains, bandwidth, channel, bandwidth_mode, rate, mode, "
+                   "resource_unit, specific_resource_unit, large_ru_size FROM configurations",
+                   [&changed](const ResultRow& row) {
+                       std::array<std::optional<std::string>, SettingCount> texts;
+                       Settings settings;
+                       for (std::size_t index = 0; index < SettingCount; ++index) {
+                           texts.at(index) = OptionalTextOf(row, index + 1);
+                           settings[static_cast<Setting>(index)] =
+                               texts.at(index) ? &*texts.at(index) : nullptr;
+                       }
+                       changed += std::size_t{KeyOf(settings) != TextOf(row, 0)};
+                   });
+    if (changed != 0)
+        problems.push_back("of the configurations, " + std::to_string(changed) +
+                           (changed == 1 ? " is" : " are") + " not what was kept");
 }
 
 } // namespace Bench

@@ -15,4 +15,8 @@ namespace Bench {
 void CheckRun(Database& database, std::int64_t number, const KeptFacts& facts,
               std::vector<std::string>& problems);
 
+/// The same of the configurations of all runs: whether the settings of each are those that it is
+/// found by.
+void CheckConfigurations(Database& database, std::vector<std::string>& problems);
+
 } // namespace Bench

@@ -164,7 +164,9 @@ std::string KeyOf(const Settings& settings) {
         key += key.empty() ? "" : ",";
         key += text == nullptr ? "-" : std::to_string(text->size()) + ":" + *text;
     }
-    return key;
+    // A key is kept in an index, whose rows are short on a server.
+    constexpr std::size_t mostBytes = 1000;
+    return key.size() <= mostBytes ? key : "sha256:" + Sha256Of(key);
 }
 
 void InsertRun(Database& database, std::int64_t number, const RunToKeep& run, std::int64_t now) {

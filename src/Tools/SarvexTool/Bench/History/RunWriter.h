@@ -10,7 +10,8 @@
 namespace Bench {
 
 /// What a configuration is found by: for each setting its size and its text, or "-" where it is not
-/// known, as "1:5,2:AB,-,...". Settings with the same texts have the same key.
+/// known, as "1:5,2:AB,-,..."; where that is long, its SHA-256. Settings with the same texts have
+/// the same key.
 std::string KeyOf(const Settings& settings);
 
 /// Writes all rows of a run that is not kept yet, in a transaction of the caller's. The number is

@@ -192,6 +192,11 @@ void Store::SetBaseline(const std::string& name, const std::string& hash) {
     if (name.empty() || DigitsOf(name))
         throw KeptOtherwise("a baseline needs a name that is not " + std::to_string(FewestDigits) +
                             " or more hexadecimal digits, for those are the hash of a run");
+    // It is kept in an index, whose rows are short on a server.
+    constexpr std::size_t mostBytes = 200;
+    if (name.size() > mostBytes)
+        throw KeptOtherwise("the name of a baseline has at most " + std::to_string(mostBytes) +
+                            " bytes");
     Transaction transaction(*m_database, OpenFor::Writing);
     const std::vector<Value> values{ValueOf(name), RequireNumber(*m_database, hash)};
     m_database->Run("DELETE FROM baselines WHERE name = $1", std::span(values).first(1));
@@ -226,6 +231,7 @@ StoreCheck Store::Check() {
     StoreCheck check;
     for (const std::string& problem : m_database->IntegrityProblems())
         check.problems.push_back("the database is damaged: " + problem);
+    CheckConfigurations(*m_database, check.problems);
     for (const KeptFacts& facts : List({})) {
         // Each run by itself: others may write meanwhile.
         Transaction transaction(*m_database, OpenFor::Reading);

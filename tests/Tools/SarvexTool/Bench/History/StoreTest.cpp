@@ -265,6 +265,35 @@ TEST_P(StoreTest, ABaselineIsNotNamedAsAHash) {
     EXPECT_EQ(m_store->Find("abc").hash, hash);
 }
 
+TEST_P(StoreTest, ABaselinesNameIsShort) {
+    const std::string hash = Added("1");
+    m_store->SetBaseline(std::string(200, '\xFF'), hash);
+    EXPECT_EQ(m_store->Find(std::string(200, '\xFF')).hash, hash);
+    EXPECT_EQ(WordsOf([&] { m_store->SetBaseline(std::string(201, 'x'), hash); }),
+              "the name of a baseline has at most 200 bytes");
+}
+
+TEST_P(StoreTest, ACellMayBeLongerThanARowOfAnIndex) {
+    // Not of one letter: what the server can compress fits.
+    std::string cell;
+    for (int number = 0; cell.size() < 20'000; ++number)
+        cell += std::to_string(number * 7919);
+    EXPECT_TRUE(m_store->Add(Run(cell + ",A,1,NA\n"), 1));
+    EXPECT_TRUE(m_store->Add(Run(cell + "0,A,1,NA\n" + cell + ",A,1,NA\n"), 1));
+    EXPECT_EQ(Count("configurations"), "2\n");
+    EXPECT_THAT(m_store->Check().problems, IsEmpty());
+}
+
+TEST_P(StoreTest, AChangedConfigurationIsFoundByACheck) {
+    m_store->Add(Run("5,AB,10.5,NA\n6,A,1,NA\n"), 1);
+    Change("UPDATE configurations SET band = '7' WHERE band = '6'");
+    EXPECT_THAT(m_store->Check().problems,
+                ElementsAre("of the configurations, 1 is not what was kept"));
+    Change("UPDATE configurations SET band = NULL");
+    EXPECT_THAT(m_store->Check().problems,
+                ElementsAre("of the configurations, 2 are not what was kept"));
+}
+
 TEST_P(StoreTest, PowersComeWithTheirRunsAndConfigurations) {
     KeptFacts facts;
     facts.measuredAt = 2;
