@@ -16,6 +16,7 @@
 #include "Tools/SarvexTool/Bench/Files/RunDirectory.h"
 #include "Tools/SarvexTool/Bench/Files/TestLines.h"
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"
+#include "Tools/SarvexTool/Bench/History/OpenServer.h"
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 #include "Tools/SarvexTool/Bench/Run/RunSetup.h"
@@ -114,9 +115,17 @@ std::string ClientPath(const std::optional<std::string>& given) {
     return path;
 }
 
+/// What is wrong with a store's name is told before the run, not after it.
+StoreName UsableStore(const std::optional<std::string>& text) {
+    StoreName store = StoreNameOf(text);
+    if (store.IsServer())
+        RequireServers(store);
+    return store;
+}
+
 /// The store of --keep as the run's facts may tell it. What has a password would tell that too.
 std::string StoreToTell(const std::string& text) {
-    const StoreName store = StoreNameOf(text);
+    const StoreName store = UsableStore(text);
     if (store.HasPassword())
         throw WrongUsage(
             "--store has a password, which the run's run.json would tell to everybody; "
@@ -142,6 +151,8 @@ RunOptions OptionsFrom(const RunArguments& arguments, const std::vector<std::str
     options.keep = arguments.keep;
     if (arguments.store)
         options.store = StoreToTell(*arguments.store);
+    else if (arguments.keep)
+        UsableStore(std::nullopt);
     return options;
 }
 

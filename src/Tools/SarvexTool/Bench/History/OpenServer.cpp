@@ -8,4 +8,6 @@ std::unique_ptr<Database> OpenServer(const StoreName& name) {
     return std::make_unique<PostgresDatabase>(name);
 }
 
+void RequireServers(const StoreName& /*name*/) {}
+
 } // namespace Bench

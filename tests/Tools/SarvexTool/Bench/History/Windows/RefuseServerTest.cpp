@@ -1,3 +1,4 @@
+#include "Tools/SarvexTool/Bench/History/OpenServer.h"
 #include "tests/Tools/SarvexTool/Bench/History/HistoryFixture.h"
 
 namespace Bench {
@@ -9,6 +10,8 @@ TEST(RefuseServerTest, AStoreOnAServerIsRefusedWithoutItsPassword) {
         EXPECT_EQ(FailureOf([&] { OpenDatabase(name, purpose); }),
                   "postgresql://eva@127.0.0.1/runs: the program for Windows keeps its history in "
                   "files only; a store on a server is for the program for Linux");
+        EXPECT_EQ(FailureOf([&] { RequireServers(name); }),
+                  FailureOf([&] { OpenDatabase(name, purpose); }));
     }
 }
 
