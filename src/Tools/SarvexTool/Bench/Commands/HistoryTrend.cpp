@@ -58,6 +58,8 @@ void AddWord(const std::string& word, WantedItems& wanted) {
         throw WrongUsage("\"" + word + "\" is no SETTING=VALUE, as Band=5 or Chain=A is");
     const std::size_t place = PlaceOf(word.substr(0, sign));
     const std::string value = word.substr(sign + 1);
+    if (place < SettingCount ? wanted.settings.at(place).has_value() : wanted.chain.has_value())
+        throw WrongUsage("\"" + word.substr(0, sign) + "\" is given more than once");
     if (place < SettingCount) {
         wanted.settings.at(place) = value;
         return;
@@ -199,7 +201,7 @@ Command AddHistoryTrend(CLI::App& history) {
         ->type_name("FILE");
     app->add_option("--json", arguments->json, "Write all as JSON, - for standard output")
         ->type_name("FILE");
-    app->footer("Exit code: 0 nothing stands out, 1 a bench drifts, a power is out of its limits, "
+    app->footer("Exit code: 0 no bench drifts, 1 a bench drifts, a power is out of its limits, "
                 "or there are too few runs to tell, 2 wrong usage, a store or a file that cannot "
                 "be read, or a file that cannot be written.");
     return {app, [arguments](Surroundings& surroundings) {

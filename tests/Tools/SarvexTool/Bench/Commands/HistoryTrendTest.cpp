@@ -75,6 +75,11 @@ TEST_F(HistoryTrendTest, WordsThatNameNothingAreRefused) {
         EXPECT_EQ(History({"trend", each.word}), 2);
         EXPECT_THAT(err.str(), HasSubstr(each.told));
     }
+    for (const std::vector<std::string>& twice :
+         {std::vector<std::string>{"Band=5", "Band=6"}, {"Chain=A", "Chain=A"}}) {
+        EXPECT_EQ(History({"trend", twice.front(), twice.back()}), 2);
+        EXPECT_THAT(err.str(), HasSubstr(" is given more than once"));
+    }
 }
 
 TEST_F(HistoryTrendTest, StoreThatIsNotThereIsAnError) {
