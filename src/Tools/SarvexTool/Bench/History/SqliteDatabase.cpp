@@ -185,8 +185,14 @@ void SqliteDatabase::Open(const std::filesystem::path& path, OpenFor purpose) {
     m_database.reset(pDatabase);
     if (pDatabase == nullptr)
         throw std::bad_alloc();
-    if (result != SQLITE_OK)
+    if (result != SQLITE_OK) {
+        // The database has tried to read it, too, and tells what became of that.
+        std::error_code error;
+        if (purpose == OpenFor::Writing && !std::filesystem::exists(path, error) &&
+            std::filesystem::is_directory(std::filesystem::absolute(path).parent_path(), error))
+            Fail("cannot be made: its folder cannot be written");
         Fail("cannot be opened" + SystemReason(pDatabase));
+    }
     sqlite3_extended_result_codes(pDatabase, 1);
     sqlite3_busy_timeout(pDatabase, static_cast<int>(m_patience.count()));
     // What a file may say of itself does not weaken what holds for every store.

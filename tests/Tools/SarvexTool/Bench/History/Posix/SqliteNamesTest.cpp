@@ -21,5 +21,12 @@ TEST(SqliteNamesTest, NamesThatTheDatabaseTakesForSomethingElseAreFiles) {
     std::filesystem::current_path(before);
 }
 
+// In this one, nobody can make a file: not even who may write everywhere else.
+TEST(SqliteNamesTest, AFolderThatTakesNoFileIsTold) {
+    EXPECT_EQ(
+        FailureOf([] { OpenDatabase(StoreName::Parse("/proc/history.db"), OpenFor::Writing); }),
+        "/proc/history.db: cannot be made: its folder cannot be written");
+}
+
 } // namespace
 } // namespace Bench
