@@ -151,9 +151,11 @@ Drift DriftOf(const std::vector<TrendPoint>& points, const ControlLimits& limits
             ++beyond;
         }
     }
-    while (drift.last + 1 < points.size() && isHigh(points[drift.last + 1]) == side)
+    // Runs within the limits after one alone beyond them tell that it was an outlier, on whichever
+    // side of the mean they are.
+    while (beyond > 1 && drift.last + 1 < points.size() && isHigh(points[drift.last + 1]) == side)
         ++drift.last;
-    drift.isLasting = drift.last + 1 == points.size() || beyond > 1;
+    drift.isLasting = beyond > 1 || drift.last + 1 == points.size();
     const std::span<const TrendPoint> all = points;
     const std::span<const TrendPoint> others =
         drift.first > 0 ? all.first(drift.first) : all.subspan(drift.last + 1);

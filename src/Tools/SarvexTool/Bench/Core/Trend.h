@@ -106,7 +106,7 @@ struct Drift {
     /// The median of these runs less that of the runs before, or of those after where there are
     /// none before; in dB.
     double change = 0;
-    /// Whether it goes on to the last run, or has at least two runs beyond; else one run alone was
+    /// Whether it has at least two runs beyond, or the last run is the one; else one run alone was
     /// beyond, as by chance 3 of 1,000 are.
     bool isLasting = false;
 };

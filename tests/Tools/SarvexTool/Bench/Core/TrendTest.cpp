@@ -149,6 +149,17 @@ TEST_F(TrendTest, OneRunAloneBeyondIsNoLastingDrift) {
     EXPECT_NEAR(station.drift->change, 4.5, exactly);
 }
 
+TEST_F(TrendTest, RunsWithinTheLimitsAfterOneBeyondMakeNoDriftOnItsSideEither) {
+    const StationTrend station = ThirdOf({10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5,
+                                          10.6, 10.5, 10.6, 10.5, 9.5, 10.46, 10.45, 10.46});
+    EXPECT_EQ(Beyond(station), " 13");
+    ASSERT_TRUE(station.drift);
+    EXPECT_FALSE(station.drift->isLasting);
+    EXPECT_EQ(station.drift->first, 13U);
+    EXPECT_EQ(station.drift->last, 13U);
+    EXPECT_NEAR(station.drift->change, 9.5 - 10.5, exactly);
+}
+
 TEST_F(TrendTest, LastRunAloneBeyondIsALastingDrift) {
     const StationTrend station =
         ThirdOf({10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 15});
