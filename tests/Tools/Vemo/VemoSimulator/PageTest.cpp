@@ -156,7 +156,7 @@ TEST(PageTest, EveryOptionHasAnExample) {
         EXPECT_THAT(examples, HasSubstr((*match)[1].str()));
         ++count;
     }
-    EXPECT_EQ(count, 13);
+    EXPECT_EQ(count, 14);
 }
 
 TEST(PageTest, EveryFaultHasAnExample) {
