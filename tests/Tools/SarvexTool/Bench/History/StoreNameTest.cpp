@@ -122,7 +122,7 @@ TEST(StoreNameTest, TheDefaultIsInTheUsersFolderForData) {
     const std::vector<Case> cases{
         {{{"HOME", "/home/eva"}}, "/home/eva/.local/share/sarvextool/history.db", true},
         {{{"HOME", "/home/eva"}, {"XDG_DATA_HOME", "/data"}}, "/data/sarvextool/history.db", true},
-        // A path that is not absolute is to be ignored, says the XDG Base Directory Specification.
+        // A base directory of XDG that is not absolute does not count.
         {{{"HOME", "/home/eva"}, {"XDG_DATA_HOME", "data"}},
          "/home/eva/.local/share/sarvextool/history.db",
          true},
