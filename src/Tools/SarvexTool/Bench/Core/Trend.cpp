@@ -296,8 +296,9 @@ std::optional<ControlLimits> ControlLimitsOf(std::span<const double> values) {
 }
 
 std::size_t Trend::CountDrifting() const {
-    return CountThose(stations,
-                      [](const StationTrend& station) { return station.drift.has_value(); });
+    return CountThose(stations, [](const StationTrend& station) {
+        return station.drift && station.drift->isLasting;
+    });
 }
 
 std::size_t Trend::CountTooFew() const {

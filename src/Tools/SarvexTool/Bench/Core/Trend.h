@@ -106,8 +106,8 @@ struct Drift {
     /// The median of these runs less that of the runs before, or of those after where there are
     /// none before; in dB.
     double change = 0;
-    /// Whether it has at least two runs beyond, or the last run is the one; else one run alone was
-    /// beyond, as by chance 3 of 1,000 are.
+    /// Whether it has at least two runs beyond, or the last run is the one. Else one run alone was
+    /// beyond, as by chance 3 of 1,000 are: the station does not drift.
     bool isLasting = false;
 };
 
@@ -159,6 +159,7 @@ struct Trend {
     /// Whether there were limits of powers.
     bool isJudged = false;
 
+    /// Those whose drift is a lasting one.
     std::size_t CountDrifting() const;
     /// Those without control limits.
     std::size_t CountTooFew() const;

@@ -102,19 +102,27 @@ TrendConclusion WithoutDrift(const TrendData& data, const Trend& trend) {
 }
 
 TrendConclusion WithDrift(const TrendData& data, const Trend& trend) {
-    TrendConclusion conclusion;
+    TrendConclusion conclusion{"DRIFT", {}};
     for (const StationTrend& station : trend.stations) {
-        if (station.drift)
+        if (station.drift && station.drift->isLasting)
             conclusion.sentences.push_back(SentenceOf(data, station));
     }
-    const bool isLasting = trend.stations.front().drift->isLasting;
-    conclusion.word = isLasting ? "DRIFT" : "BEYOND LIMITS";
-    if (!isLasting)
-        conclusion.sentences.emplace_back("of 1000 runs of a steady station, about 3 are beyond "
-                                          "its control limits by chance");
     if (trend.CountOutOfLimits() != 0)
         conclusion.sentences.push_back(OutOfLimits(trend));
     return conclusion;
+}
+
+void AddRunsAloneBeyond(const TrendData& data, const Trend& trend, TrendConclusion& conclusion) {
+    bool isAny = false;
+    for (const StationTrend& station : trend.stations) {
+        if (!station.drift || station.drift->isLasting)
+            continue;
+        conclusion.sentences.push_back(SentenceOf(data, station));
+        isAny = true;
+    }
+    if (isAny)
+        conclusion.sentences.emplace_back("of 1000 runs of a steady station, about 3 are beyond "
+                                          "its control limits by chance");
 }
 
 } // namespace
@@ -122,6 +130,7 @@ TrendConclusion WithDrift(const TrendData& data, const Trend& trend) {
 TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
     const bool hasDrift = trend.CountDrifting() != 0;
     TrendConclusion conclusion = hasDrift ? WithDrift(data, trend) : WithoutDrift(data, trend);
+    AddRunsAloneBeyond(data, trend, conclusion);
     for (const StationTrend& station : trend.stations) {
         if (station.isApart)
             conclusion.sentences.push_back(SentenceOf(data, station));

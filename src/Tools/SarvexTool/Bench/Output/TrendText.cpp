@@ -5,6 +5,8 @@
 #include "Tools/SarvexTool/Bench/Output/ShownTime.h"
 #include "Tools/SarvexTool/Bench/Output/TextTable.h"
 
+#include <algorithm>
+
 namespace Bench {
 
 namespace {
@@ -58,6 +60,25 @@ void PrintStations(const Console& console, const NamedTrend& named) {
     table.Print(console.stream);
 }
 
+/// The powers in dBm with the same number of digits after the point, which is then at one place.
+std::vector<std::string> TextsOf(const std::vector<TrendPower>& powers) {
+    std::vector<std::string> texts;
+    std::size_t mostDigits = 0;
+    const auto digitsOf = [](const std::string& text) {
+        const std::size_t point = text.find('.');
+        return point == std::string::npos ? 0 : text.size() - point - 1;
+    };
+    for (const TrendPower& power : powers) {
+        texts.push_back(Rounded(power.power));
+        mostDigits = std::max(mostDigits, digitsOf(texts.back()));
+    }
+    for (std::string& text : texts) {
+        const std::size_t digits = digitsOf(text);
+        text += (digits == 0 && mostDigits != 0 ? "." : "") + std::string(mostDigits - digits, '0');
+    }
+    return texts;
+}
+
 void PrintPowers(const Console& console, const NamedTrend& named) {
     if (named.powers.empty())
         return;
@@ -70,11 +91,13 @@ void PrintPowers(const Console& console, const NamedTrend& named) {
     if (named.trend.isJudged)
         titles.emplace_back("limits");
     TextTable table(std::move(titles), 4);
-    for (const TrendPower& power : named.powers) {
+    const std::vector<std::string> texts = TextsOf(named.powers);
+    for (std::size_t place = 0; place < named.powers.size(); ++place) {
+        const TrendPower& power = named.powers[place];
         const TrendVisit& visit = named.data.visits[power.visit];
         std::vector<std::string> row{ShownMinute(visit.measuredAt),
                                      named.data.stations[visit.station].name, visit.device,
-                                     visit.run, Rounded(power.power)};
+                                     visit.run, texts[place]};
         if (named.trend.isJudged)
             row.emplace_back(power.isOut ? "out" : "");
         table.Add(row);

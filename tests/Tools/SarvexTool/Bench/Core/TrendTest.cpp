@@ -149,6 +149,17 @@ TEST_F(TrendTest, OneRunAloneBeyondIsNoLastingDrift) {
     EXPECT_NEAR(station.drift->change, 4.5, exactly);
 }
 
+TEST_F(TrendTest, StationWithOneRunAloneBeyondComesFirstAndIsFine) {
+    AddSteady("A", 10);
+    AddSteady("B", 11);
+    AddRuns(AddStation("C"), {10.5, 10.6, 10.5, 10.6, 10.5, 15, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6,
+                              10.5, 10.6, 10.5, 10.6});
+    const Trend trend = TrendOf(data);
+    EXPECT_EQ(NamesInOrder(trend), "C A B");
+    EXPECT_EQ(trend.CountDrifting(), 0U);
+    EXPECT_TRUE(trend.IsFine());
+}
+
 TEST_F(TrendTest, RunsWithinTheLimitsAfterOneBeyondMakeNoDriftOnItsSideEither) {
     const StationTrend station = ThirdOf({10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5,
                                           10.6, 10.5, 10.6, 10.5, 9.5, 10.46, 10.45, 10.46});

@@ -76,11 +76,25 @@ TEST_F(TrendPhrasesTest, OneRunAloneBeyondIsToldWithItsDayAndWithWhatChanceDoes)
     AddRuns(AddStation("C"), {10.5, 10.6, 10.5, 10.6, 10.5, 15, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6,
                               10.5, 10.6, 10.5, 10.6});
     const TrendConclusion conclusion = Conclusion();
-    EXPECT_EQ(conclusion.word, "BEYOND LIMITS");
+    EXPECT_EQ(conclusion.word, "STEADY") << "such a run is no drift";
     EXPECT_THAT(conclusion.sentences,
-                ElementsAre("C read 4.50 dB higher on 2026-03-23; 1 of its 16 runs is beyond its "
+                ElementsAre("none of the 3 stations drifts: 32 runs, 1 measurement that stations "
+                            "share",
+                            "C read 4.50 dB higher on 2026-03-23; 1 of its 16 runs is beyond its "
                             "control limits",
                             chance));
+}
+
+TEST_F(TrendPhrasesTest, RunAloneBeyondIsToldAfterTheDriftOfAnotherStation) {
+    AddDriftOfC();
+    AddRuns(AddStation("D"), {10.5, 10.6, 10.5, 10.6, 10.5, 20, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6,
+                              10.5, 10.6, 10.5, 10.6});
+    const TrendConclusion conclusion = Conclusion();
+    EXPECT_EQ(conclusion.word, "DRIFT");
+    ASSERT_EQ(conclusion.sentences.size(), 3U);
+    EXPECT_THAT(conclusion.sentences[0], testing::StartsWith("C reads "));
+    EXPECT_THAT(conclusion.sentences[1], testing::StartsWith("D read "));
+    EXPECT_EQ(conclusion.sentences[2], chance);
 }
 
 TEST_F(TrendPhrasesTest, StationsThatDriftAreAllTold) {

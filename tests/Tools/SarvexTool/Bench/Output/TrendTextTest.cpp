@@ -51,7 +51,7 @@ A        DUT A      2       -      -      -  +0.13       -    1         0
 
 Band 5, Channel 36, chain A, in dBm:
 Measured (UTC)    Station  Device  Run   power  limits
-2026-03-02 06:00  A        DUT A   run0     10
+2026-03-02 06:00  A        DUT A   run0  10.00
 2026-03-03 06:00  A        DUT A   run1  10.25     out
 )");
 }
