@@ -77,7 +77,7 @@ class HistoryPageTest(page_case.PageCase):
 
     def open_overview(self, *arguments):
         page = self.folder / "page.html"
-        self.assertEqual("", self.history("report", page, *arguments))
+        self.assertEqual("", self.history("report", "-o", page, *arguments))
         self.url = page.as_uri()
         self.driver.get(self.url)
 

@@ -30,7 +30,7 @@ Command AddHistoryBaseline(CLI::App& history);
 /// history trend: follows the benches over time, and tells which one drifts.
 Command AddHistoryTrend(CLI::App& history);
 
-/// history report FILE.html: shows the kept runs and their benches as one HTML page.
+/// history report -o FILE: shows the kept runs and their benches as one HTML page.
 Command AddHistoryReport(CLI::App& history);
 
 /// A subcommand that needs one of its own subcommands.

@@ -214,9 +214,9 @@ Command AddHistoryReport(CLI::App& history) {
         history.add_subcommand("report", "Show the kept runs and their benches as one HTML page");
     const auto arguments = std::make_shared<TrendArguments>();
     arguments->html.emplace();
-    app->add_option("FILE.html", *arguments->html, "The page to write, - for standard output")
+    app->add_option("-o,--output", *arguments->html, "The page to write, - for standard output")
         ->required()
-        ->type_name("");
+        ->type_name("FILE");
     AddOptions(*app, *arguments);
     app->footer("Exit code: 0 the page is written, whatever it tells, 2 wrong usage, a store or a "
                 "file that cannot be read, or a file that cannot be written.");

@@ -54,9 +54,11 @@ std::vector<PageFact> FactsOf(const ResultNames& names, const Result& result) {
 }
 
 std::vector<PageFact> FactsOfBaseline(const ResultNames& names, const Result& result) {
-    std::vector<PageFact> facts{{"Baseline", SubjectOf(names.table)},
-                                {"Baseline written", WrittenAt(names)},
-                                {"Baseline's country code", CountryCodeOf(result.device)}};
+    std::vector<PageFact> facts{{"Baseline", SubjectOf(names.table)}};
+    // A kept run is no file; its name tells when it was measured.
+    if (const std::optional<std::string> written = LastWritten(names.table))
+        facts.push_back({"Baseline written", *written});
+    facts.push_back({"Baseline's country code", CountryCodeOf(result.device)});
     AddPlace(facts, result.place, {"Baseline's bench", "Baseline's device", "Baseline's attempt"});
     if (result.run.earlyEnd)
         facts.push_back({"Baseline's lines run", LinesOf(*result.run.earlyEnd)});

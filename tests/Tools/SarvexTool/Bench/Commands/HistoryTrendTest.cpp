@@ -123,12 +123,15 @@ TEST_F(HistoryTrendTest, AnOutputIsNoInput) {
 TEST_F(HistoryTrendTest, OverviewListsTheRunsThatTheOptionsChoose) {
     KeepDriftOfC();
     const std::string page = directory.Path("overview.html");
-    EXPECT_EQ(History({"report", page, "--bench", "C", "--since", "2026-03-17"}), 0);
+    EXPECT_EQ(History({"report", "-o", page, "--bench", "C", "--since", "2026-03-17"}), 0);
     EXPECT_EQ(out.str() + err.str(), "");
     const std::string written = ReadBytes("overview.html");
     EXPECT_THAT(written, HasSubstr("<p class=\"kind\">Kept transmit power tests</p>"));
     EXPECT_THAT(written, HasSubstr("<dt>Runs</dt><dd>2</dd>"));
-    EXPECT_THAT(written, HasSubstr("\"runs\":[\n"));
+    // The newest comes first.
+    const std::size_t runs = written.find("\"runs\":[\n[1773792000,");
+    ASSERT_NE(runs, std::string::npos);
+    EXPECT_NE(written.find("\n[1773705600,", runs), std::string::npos);
     EXPECT_THAT(written, Not(HasSubstr("\"B\"")));
 }
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <ranges>
 #include <string>
 #include <unordered_map>
 
@@ -110,7 +111,8 @@ private:
         }
         m_out << "[";
         JsonLines lines(m_out);
-        for (const KeptFacts& run : *m_page.runs) {
+        // Who looks at a list of months wants the last runs.
+        for (const KeptFacts& run : std::views::reverse(*m_page.runs)) {
             lines.Next() << "[" << run.measuredAt << "," << PlaceOf(run.hash.substr(0, shownDigits))
                          << "," << PlaceOf(run.name) << ","
                          << PlaceOfPart(run, &RunPlace::bench, run.bench) << ","

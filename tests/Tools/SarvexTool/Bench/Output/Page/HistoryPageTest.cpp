@@ -117,17 +117,17 @@ TEST_F(HistoryPageTest, StationsAndTheirLimitsAreInTheOrderOfTheTrend) {
     EXPECT_EQ(block["points"][0][7][5], 1) << "beyond";
 }
 
-TEST_F(HistoryPageTest, OverviewListsTheRuns) {
+TEST_F(HistoryPageTest, OverviewListsTheRunsTheNewestFirst) {
     std::vector<KeptFacts> runs(2);
-    runs[0].hash = "0123456789abcdef";
-    runs[0].measuredAt = 100;
-    runs[0].name = "</script>";
-    runs[0].bench = "B1";
-    runs[0].verdict = KeptVerdict::Fail;
-    runs[0].measurements = 12;
-    runs[0].measured = 11;
-    runs[1].hash = "ff";
-    runs[1].parts = {{"B2", "D", 1}, {"B1", "D", 1}, {"B2", "D", 2}, {}};
+    runs[1].hash = "0123456789abcdef";
+    runs[1].measuredAt = 100;
+    runs[1].name = "</script>";
+    runs[1].bench = "B1";
+    runs[1].verdict = KeptVerdict::Fail;
+    runs[1].measurements = 12;
+    runs[1].measured = 11;
+    runs[0].hash = "ff";
+    runs[0].parts = {{"B2", "D", 1}, {"B1", "D", 1}, {"B2", "D", 2}, {}};
     pRuns = &runs;
     EXPECT_THAT(Block(), HasSubstr(R"("runs":[
 [100,0,1,2,-1,-1,3,-1,11,12,-1,-1,-1],
