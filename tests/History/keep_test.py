@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
 """Runs that keep themselves: with a simulated device, run --keep and what becomes of it."""
 import json
-import pathlib
 import shlex
 import signal
 import subprocess
@@ -37,6 +36,7 @@ class KeepTest(support.HistoryTest):
             device.wait()
             device.stdout.close()
         self.addCleanup(end)
+        return device
 
     def running(self, *arguments):
         return subprocess.Popen(
@@ -46,6 +46,14 @@ class KeepTest(support.HistoryTest):
     def run_new(self, *arguments):
         return self.running(self.plan, "--out", "run", "--daemon", f"127.0.0.1:{self.port}", "--client",
                             support.PROGRAMS / "SarvexToolClientWithoutPauses", *arguments)
+
+    def wait_for_lines(self, program, count):
+        journal = self.folder / "run/journal.jsonl"
+        end = time.monotonic() + support.TIMEOUT
+        while not journal.exists() or journal.read_text().count("\n") < count:
+            self.assertLess(time.monotonic(), end)
+            self.assertIsNone(program.poll())
+            time.sleep(0.02)
 
     def ended(self, program):
         out, err = program.communicate(timeout=support.TIMEOUT)
@@ -78,10 +86,22 @@ class KeepTest(support.HistoryTest):
         self.assertEqual(1, code, err)
         self.assertEqual(["fail"], [run["verdict"] for run in self.runs(self.store)])
 
-    def test_where_it_cannot_be_kept_the_command_that_keeps_it_later_is_told(self):
+    def test_a_store_that_cannot_be_used_is_told_before_anything_is_measured(self):
         self.start_device()
+        (self.folder / "place").mkdir()
+        for store in "place", "nowhere/history.db":
+            code, _, err = self.ended(self.run_new("--keep", "--store", store))
+            self.assertEqual(2, code, err)
+            self.assertIn(store, err)
+            self.assertFalse((self.folder / "run").exists())
+
+    def test_where_it_cannot_be_kept_the_command_that_keeps_it_later_is_told(self):
+        self.start_device("--latency", "300")
+        program = self.run_new("--keep", "--store", "two words")
+        self.wait_for_lines(program, 2)
+        (self.folder / "two words").unlink()
         (self.folder / "two words").mkdir()
-        code, _, err = self.ended(self.run_new("--keep", "--store", "two words"))
+        code, _, err = self.ended(program)
         self.assertEqual(1, code, err)
         self.assertIn("The run is not kept in the history. To keep it later:\n", err)
         command = shlex.split(err.rstrip("\n").splitlines()[-1])
@@ -91,15 +111,23 @@ class KeepTest(support.HistoryTest):
                        stdout=subprocess.DEVNULL)
         self.assertEqual(1, len(self.runs(str(self.folder / "two words"))))
 
+    def test_a_run_whose_stop_was_not_confirmed_is_kept_once_when_it_is(self):
+        device = self.start_device("--fault", "text=-wifi-stop:return-code=5")
+        code, _, err = self.ended(self.run_new("--keep", "--store", self.store, "--stop-timeout", "1"))
+        self.assertEqual(4, code, err)
+        self.assertTrue(err.endswith("The transmitter may still be ON: the daemon has not confirmed the stop.\n"), err)
+        self.assertEqual([], self.runs(self.store))
+        device.terminate()
+        device.wait()
+        self.start_device()
+        code, _, err = self.ended(self.running("--resume", "run"))
+        self.assertEqual(0, code, err)
+        self.assertEqual([6], [run["measured"] for run in self.runs(self.store)])
+
     def test_a_run_that_ended_early_is_kept_when_it_has_been_gone_on_with(self):
         self.start_device("--latency", "300")
         program = self.run_new("--keep", "--store", self.store)
-        journal = self.folder / "run/journal.jsonl"
-        end = time.monotonic() + support.TIMEOUT
-        while not journal.exists() or journal.read_text().count("\n") < 2:
-            self.assertLess(time.monotonic(), end)
-            self.assertIsNone(program.poll())
-            time.sleep(0.02)
+        self.wait_for_lines(program, 2)
         said = self.history(self.store, "add", self.folder / "run", expected=2)
         self.assertIn("is in use by process", said)
         self.assertIn("in use", self.history(self.store, "add", self.folder / "run", "--partial", expected=2))
@@ -107,7 +135,7 @@ class KeepTest(support.HistoryTest):
         code, _, err = self.ended(program)
         self.assertEqual(3, code, err)
         self.assertIn("The run is kept in the history when it is complete.\n", err)
-        self.assertFalse(pathlib.Path(self.store).exists())
+        self.assertEqual([], self.runs(self.store))
         self.assertIn("--partial", self.history(self.store, "add", self.folder / "run", expected=2))
         code, _, err = self.ended(self.running("--resume", "run"))
         self.assertEqual(0, code, err)

@@ -38,7 +38,15 @@ std::string CommandToKeep(RunDirectory& directory) {
 
 } // namespace
 
+void RequireStore(const RunFacts& facts) {
+    OpenToWrite(facts.options.store);
+}
+
 int KeepRun(RunDirectory& directory, int exitCode, Surroundings& surroundings) {
+    // That the stop was not confirmed are the last words. Resuming the run will change its files,
+    // so that it would be kept as two runs.
+    if (exitCode == ExitCode::StopNotConfirmed)
+        return exitCode;
     std::ostream& stream = surroundings.err.stream;
     if (directory.Facts().outcome != "complete") {
         stream << "The run is kept in the history when it is complete.\n";

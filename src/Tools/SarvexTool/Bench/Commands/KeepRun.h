@@ -5,8 +5,13 @@
 
 namespace Bench {
 
+/// Makes the store of a run that is to be kept, before it is begun: hours later it would be too
+/// late to name another. Throws StoreError and WrongUsage.
+void RequireStore(const RunFacts& facts);
+
 /// Keeps a run that is over in the store that its facts name, and tells on standard error what has
-/// become of it. One that ended early is kept when it has been gone on with. Returns the run's exit
+/// become of it. One that ended early, or whose last stop was not confirmed, is kept when it has
+/// been gone on with. Returns the run's exit
 /// code, or Found for Fine where it is complete and cannot be kept.
 int KeepRun(RunDirectory& directory, int exitCode, Surroundings& surroundings);
 
