@@ -36,6 +36,30 @@ int Set(const SetArguments& arguments, Surroundings& surroundings) {
     return ExitCode::Fine;
 }
 
+/// Throws NotKept.
+KeptBaseline BaselineNamed(Store& store, const std::string& name) {
+    for (const KeptBaseline& baseline : store.Baselines()) {
+        if (baseline.name == name)
+            return baseline;
+    }
+    throw NotKept("there is no baseline " + name);
+}
+
+struct RemoveArguments {
+    std::string name;
+    std::optional<std::string> store;
+};
+
+int Remove(const RemoveArguments& arguments, Surroundings& surroundings) {
+    OpenToRead(arguments.store);
+    Store store = OpenToWrite(arguments.store);
+    const KeptFacts run = store.Find(BaselineNamed(store, arguments.name).hash);
+    store.RemoveBaseline(arguments.name);
+    surroundings.out.stream << MakeHarmless(arguments.name) << " is no baseline any more; "
+                            << PhraseOf(run) << " stays kept.\n";
+    return ExitCode::Fine;
+}
+
 struct ShowArguments {
     std::optional<std::string> name;
     std::optional<std::string> store;
@@ -44,13 +68,7 @@ struct ShowArguments {
 
 /// All baselines, or that of the name.
 std::vector<KeptBaseline> BaselinesOf(Store& store, const std::optional<std::string>& name) {
-    std::vector<KeptBaseline> baselines = store.Baselines();
-    if (!name)
-        return baselines;
-    std::erase_if(baselines, [&](const KeptBaseline& each) { return each.name != *name; });
-    if (baselines.empty())
-        throw NotKept("there is no baseline " + *name);
-    return baselines;
+    return name ? std::vector{BaselineNamed(store, *name)} : store.Baselines();
 }
 
 int Show(const ShowArguments& arguments, Surroundings& surroundings) {
@@ -84,6 +102,18 @@ Command AddSet(CLI::App& baseline) {
     return {app, [arguments](Surroundings& surroundings) { return Set(*arguments, surroundings); }};
 }
 
+Command AddRemove(CLI::App& baseline) {
+    CLI::App* const app =
+        baseline.add_subcommand("remove", "Take a name from its run, which stays kept");
+    const auto arguments = std::make_shared<RemoveArguments>();
+    app->add_option("NAME", arguments->name, "Its name")->required()->type_name("");
+    AddStoreOption(*app, arguments->store);
+    app->footer("Exit code: 0 taken, 2 wrong usage, no such baseline, or a store that cannot be "
+                "written.");
+    return {app,
+            [arguments](Surroundings& surroundings) { return Remove(*arguments, surroundings); }};
+}
+
 Command AddShow(CLI::App& baseline) {
     CLI::App* const app = baseline.add_subcommand("show", "Tell which runs are baselines");
     const auto arguments = std::make_shared<ShowArguments>();
@@ -103,7 +133,7 @@ Command AddHistoryBaseline(CLI::App& history) {
     CLI::App* const app =
         history.add_subcommand("baseline", "Name runs that others are held against");
     app->footer("SarvexToolBench history baseline SUBCOMMAND --help tells of each.");
-    return GroupOf(*app, {AddSet(*app), AddShow(*app)});
+    return GroupOf(*app, {AddSet(*app), AddShow(*app), AddRemove(*app)});
 }
 
 } // namespace Bench

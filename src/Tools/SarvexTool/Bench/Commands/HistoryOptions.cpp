@@ -36,7 +36,7 @@ StoreName StoreNameOf(const std::optional<std::string>& store) {
     try {
         return store ? StoreName::Parse(*store) : StoreName::Default(OSAL::EnvironmentVariable);
     } catch (const std::invalid_argument& wrong) {
-        throw WrongUsage(std::string(store ? "--store " : "") + wrong.what());
+        throw WrongUsage(std::string(store ? "--store: " : "SARVEXTOOL_STORE: ") + wrong.what());
     }
 }
 
@@ -73,7 +73,9 @@ void AddFilterOptions(CLI::App& app, FilterArguments& arguments) {
         ->type_name("TIME");
     app.add_option("--until", arguments.until, "Runs measured then or before; a day counts whole")
         ->type_name("TIME");
-    app.add_option("--bench", arguments.bench, "Runs measured on that bench")->type_name("NAME");
+    app.add_option("--bench", arguments.bench,
+                   "Runs measured on that bench; unknown: those of which nothing tells it")
+        ->type_name("NAME");
     app.add_option("--device", arguments.device, "Runs of that device")->type_name("NAME");
     app.add_option("--firmware", arguments.firmware, "Runs with that firmware")->type_name("TEXT");
     app.add_option("--file", arguments.file, "Runs of a test file of that name, without folders")

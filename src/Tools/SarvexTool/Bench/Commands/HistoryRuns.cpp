@@ -12,9 +12,11 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Bench {
@@ -99,15 +101,24 @@ bool IsWanted(const KeptFacts& run, Surroundings& surroundings) {
     return answer == "y" || answer == "Y" || answer == "yes";
 }
 
+/// Each once. A wrong one is told before any is gone.
+std::vector<KeptFacts> RunsToRemove(Store& store, const RemoveArguments& arguments) {
+    std::vector<KeptFacts> runs;
+    for (const std::string& name : arguments.runs) {
+        KeptFacts run = store.Find(name);
+        if (!arguments.withBaselines)
+            store.RequireNoBaseline(run.hash);
+        if (std::find(runs.begin(), runs.end(), run) == runs.end())
+            runs.push_back(std::move(run));
+    }
+    return runs;
+}
+
 int Remove(const RemoveArguments& arguments, Surroundings& surroundings) {
     OpenToRead(arguments.store);
     Store store = OpenToWrite(arguments.store);
-    std::vector<KeptFacts> runs;
-    // A wrong one is told before any is gone.
-    for (const std::string& run : arguments.runs)
-        runs.push_back(store.Find(run));
     int exitCode = ExitCode::Fine;
-    for (const KeptFacts& run : runs) {
+    for (const KeptFacts& run : RunsToRemove(store, arguments)) {
         if (!arguments.isSure && !IsWanted(run, surroundings)) {
             surroundings.out.stream << "Not removed: " << PhraseOf(run) << ".\n";
             exitCode = ExitCode::Found;

@@ -35,7 +35,7 @@ std::uint32_t NumberOf(const std::string& option, const std::string& text, std::
 
 std::optional<std::string> TextFrom(const std::string& option,
                                     const std::optional<std::string>& text, const char* what) {
-    if (text && text->empty())
+    if (text && text->find_first_not_of(" \t\r\n") == std::string::npos)
         throw WrongUsage(option + " needs " + what);
     return text;
 }

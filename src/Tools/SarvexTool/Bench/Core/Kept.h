@@ -86,13 +86,16 @@ struct KeptBaseline {
     bool operator==(const KeptBaseline&) const = default;
 };
 
+/// How the bench is called of runs of which nothing tells it.
+inline constexpr const char* UnknownBench = "unknown";
+
 /// Which runs are meant: those of which all is so that is asked for.
 struct RunFilter {
     /// Measured then or later.
     std::optional<std::int64_t> since;
     /// Measured before then.
     std::optional<std::int64_t> before;
-    /// Of a merged run, that of a part.
+    /// Of a merged run, that of a part. UnknownBench means those without any, too.
     std::optional<std::string> bench;
     std::optional<std::string> device;
     std::optional<std::string> firmware;

@@ -44,7 +44,8 @@ void KeptTrend::AddRun(const KeptFacts& run, const RunFilter& filter) {
     m_firstParts.push_back(m_visitOfPart.size());
     const std::size_t firstOfRun = m_data.visits.size();
     for (const RunPlace& place : run.parts) {
-        const bool counts = Fits(filter.bench, place.bench) && Fits(filter.device, place.device);
+        const bool counts = Fits(filter.bench, place.bench.value_or(UnknownBench)) &&
+                            Fits(filter.device, place.device);
         m_visitOfPart.push_back(counts ? VisitOf(run, place, firstOfRun) : leftOut);
     }
 }
@@ -63,7 +64,7 @@ std::uint32_t KeptTrend::VisitOf(const KeptFacts& run, const RunPlace& place,
 }
 
 std::uint32_t KeptTrend::StationOf(const RunPlace& place) {
-    const std::string name = place.bench.value_or("unknown");
+    const std::string name = place.bench.value_or(UnknownBench);
     const auto [found, isNew] =
         m_stations.try_emplace(name, static_cast<std::uint32_t>(m_data.stations.size()));
     if (isNew)

@@ -30,7 +30,8 @@ public:
             return;
         std::string text = "SELECT run FROM parts WHERE ";
         if (filter.bench)
-            text += "bench = " + Next(ValueOf(*filter.bench));
+            text += "COALESCE(bench, '" + std::string(UnknownBench) +
+                    "') = " + Next(ValueOf(*filter.bench));
         if (filter.bench && filter.device)
             text += " AND ";
         if (filter.device)

@@ -105,6 +105,14 @@ std::string Joined(const std::vector<std::string>& names) {
     return text;
 }
 
+void RequireNone(const std::vector<std::string>& baselines, const std::string& hash) {
+    if (!baselines.empty())
+        throw KeptOtherwise(
+            "the run " + ShortHash(hash) + " is the baseline " + Joined(baselines) +
+            "; take the name from it (history baseline remove), or remove both with "
+            "--force");
+}
+
 std::vector<KeptFacts> FactsOnly(std::vector<NumberedRun> runs) {
     std::vector<KeptFacts> all;
     all.reserve(runs.size());
@@ -175,14 +183,17 @@ std::vector<KeptContent> Store::FilesOf(const std::string& hash) {
     return files;
 }
 
+void Store::RequireNoBaseline(const std::string& hash) {
+    Transaction transaction(*m_database, OpenFor::Reading);
+    RequireNone(BaselinesOf(*m_database, RequireNumber(*m_database, hash)), hash);
+    transaction.Commit();
+}
+
 void Store::Remove(const std::string& hash, bool withBaselines) {
     Transaction transaction(*m_database, OpenFor::Writing);
     const std::vector<Value> number{RequireNumber(*m_database, hash)};
-    const std::vector<std::string> names =
-        BaselinesOf(*m_database, std::get<std::int64_t>(number.front()));
-    if (!names.empty() && !withBaselines)
-        throw KeptOtherwise("the run " + ShortHash(hash) + " is the baseline " + Joined(names) +
-                            "; name another run so, or remove it with --force");
+    if (!withBaselines)
+        RequireNone(BaselinesOf(*m_database, std::get<std::int64_t>(number.front())), hash);
     m_database->Run("DELETE FROM baselines WHERE run = $1", number);
     m_database->Run("DELETE FROM runs WHERE id = $1", number);
     transaction.Commit();
@@ -201,6 +212,12 @@ void Store::SetBaseline(const std::string& name, const std::string& hash) {
     const std::vector<Value> values{ValueOf(name), RequireNumber(*m_database, hash)};
     m_database->Run("DELETE FROM baselines WHERE name = $1", std::span(values).first(1));
     m_database->Run("INSERT INTO baselines(name, run) VALUES ($1, $2)", values);
+    transaction.Commit();
+}
+
+void Store::RemoveBaseline(const std::string& name) {
+    Transaction transaction(*m_database, OpenFor::Writing);
+    m_database->Run("DELETE FROM baselines WHERE name = $1", std::vector<Value>{ValueOf(name)});
     transaction.Commit();
 }
 

@@ -63,6 +63,9 @@ public:
     /// The files with their bytes, which are those that were kept: throws StoreError for others.
     std::vector<KeptContent> FilesOf(const std::string& hash);
 
+    /// Throws KeptOtherwise for a run that is a baseline, and NotKept.
+    void RequireNoBaseline(const std::string& hash);
+
     /// Removes a run; a baseline only with its name, when that is wanted. Throws KeptOtherwise, and
     /// NotKept when there is no such run any more.
     void Remove(const std::string& hash, bool withBaselines);
@@ -70,6 +73,9 @@ public:
     /// Names a run of that hash as a baseline, instead of the one that had the name. Throws
     /// KeptOtherwise for a name that could be the digits of a hash, and NotKept.
     void SetBaseline(const std::string& name, const std::string& hash);
+
+    /// Takes the name from the run that has it; the run stays.
+    void RemoveBaseline(const std::string& name);
 
     /// In the byte order of their names.
     std::vector<KeptBaseline> Baselines();

@@ -12,6 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 class HistoryTest : public CommandFixture {
@@ -97,6 +98,8 @@ TEST_F(HistoryTest, APlainResultIsToldByTheOptions) {
     EXPECT_EQ(run.at("measuredAt"), "2026-01-02T00:00:00Z");
     EXPECT_EQ(run.at("verdict"), "not judged");
     EXPECT_EQ(History({"add", result, "--bench", "b"}), 0);
+    EXPECT_EQ(History({"add", result, "--bench", " \t"}), 2);
+    EXPECT_THAT(err.str(), HasSubstr("--bench needs a name"));
     EXPECT_EQ(History({"add", result, "--bench", "c"}), 2);
     EXPECT_THAT(err.str(), HasSubstr("it is kept already, with the bench b; to keep it otherwise, "
                                      "remove it (history remove) and add it again"));
@@ -228,6 +231,36 @@ TEST_F(HistoryTest, AWrongRunIsToldBeforeAnyIsRemoved) {
     EXPECT_EQ(Listed().size(), 0u);
 }
 
+TEST_F(HistoryTest, ABaselineIsToldBeforeAnyIsRemoved) {
+    History({"add", MakeRun("run", "10.5"), MakeRun("other", "11")});
+    const std::string run = Listed().at(0).at("hash");
+    const std::string baseline = Listed().at(1).at("hash");
+    History({"baseline", "set", "golden", baseline});
+    EXPECT_EQ(History({"remove", run, "golden", "--yes"}), 2);
+    EXPECT_EQ(Listed().size(), 2u);
+}
+
+TEST_F(HistoryTest, ARunThatIsNamedTwiceIsRemovedOnce) {
+    History({"add", MakeRun("run", "10.5")});
+    const std::string hash = Listed().at(0).at("hash");
+    EXPECT_EQ(History({"remove", hash, hash.substr(0, 8), "--yes"}), 0) << err.str();
+    EXPECT_EQ(Listed().size(), 0u);
+}
+
+TEST_F(HistoryTest, ABaselinesNameIsTakenFromItsRun) {
+    History({"add", MakeRun("run", "10.5")});
+    const std::string hash = Listed().at(0).at("hash");
+    History({"baseline", "set", "golden", hash});
+    EXPECT_EQ(History({"baseline", "remove", "silver"}), 2);
+    EXPECT_THAT(err.str(), HasSubstr("there is no baseline silver"));
+    EXPECT_EQ(History({"baseline", "remove", hash}), 2) << "a run's hash is no baseline's name";
+    EXPECT_EQ(History({"baseline", "remove", "golden"}), 0);
+    EXPECT_THAT(out.str(), StartsWith("golden is no baseline any more; short.csv, measured"));
+    EXPECT_THAT(out.str(), HasSubstr(" stays kept.\n"));
+    EXPECT_EQ(Listed().size(), 1u);
+    EXPECT_EQ(History({"remove", hash, "--yes"}), 0) << "it is a baseline no longer";
+}
+
 TEST_F(HistoryTest, ABaselineIsKeptUnlessForced) {
     History({"add", MakeRun("run", "10.5")});
     const std::string hash = Listed().at(0).at("hash");
@@ -274,6 +307,7 @@ TEST_F(HistoryTest, AReportTakesABaselineByItsName) {
     EXPECT_EQ(Run({"report", result, "--baseline", "golden", "--store", Store(), "-o", "-"}), 0)
         << err.str();
     EXPECT_THAT(out.str(), HasSubstr("golden (the run "));
+    EXPECT_THAT(out.str(), Not(HasSubstr("Baseline written"))) << "it is no file";
     EXPECT_EQ(Run({"report", result, "--baseline", directory.Path("none"), "-o", "-"}), 2);
     EXPECT_THAT(err.str(), HasSubstr("cannot be read"));
 }

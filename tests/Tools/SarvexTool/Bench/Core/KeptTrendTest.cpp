@@ -81,6 +81,9 @@ TEST_F(KeptTrendTest, PartsThatTheFilterDoesNotMeanAreNoStations) {
                                      {0, 3, 0, Chain::A, 13}};
     filter.bench = "B1";
     EXPECT_EQ(Taken(all), "100 B1 a 36 A 10\n100 B1 a 36 A 12\n");
+    filter.bench = UnknownBench;
+    EXPECT_EQ(Taken(all), "100 unknown  36 A 13\n");
+    filter.bench = "B1";
     filter.device = "b";
     EXPECT_EQ(Taken(all), "100 B1 b 36 A 12\n");
     EXPECT_EQ(KeptTrend(history, filter, wanted).Take().stations.size(), 1U);

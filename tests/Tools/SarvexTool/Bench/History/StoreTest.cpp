@@ -165,6 +165,11 @@ TEST_P(StoreTest, AFilterTellsWhichRunsAreMeant) {
         merged.parts = {{"b1", "d1", 1}, {"b2", "d2", 1}};
         return merged;
     }());
+    Added("4", [] {
+        KeptFacts unknown;
+        unknown.name = "u";
+        return unknown;
+    }());
     const auto with = [](auto change) {
         RunFilter filter;
         change(filter);
@@ -173,11 +178,12 @@ TEST_P(StoreTest, AFilterTellsWhichRunsAreMeant) {
     const std::pair<RunFilter, const char*> cases[] = {
         {with([](RunFilter& filter) { filter.bench = "b1"; }), "a b c"},
         {with([](RunFilter& filter) { filter.bench = "b2"; }), "c"},
+        {with([](RunFilter& filter) { filter.bench = UnknownBench; }), "u"},
         {with([](RunFilter& filter) { filter.device = "d2"; }), "b c"},
         {with([](RunFilter& filter) { filter.bench = "b1", filter.device = "d2"; }), "b"},
         {with([](RunFilter& filter) { filter.firmware = "f1"; }), "a b"},
         {with([](RunFilter& filter) { filter.file = "c"; }), "c"},
-        {with([](RunFilter& filter) { filter.verdict = KeptVerdict::NotJudged; }), "c"},
+        {with([](RunFilter& filter) { filter.verdict = KeptVerdict::NotJudged; }), "c u"},
         {with([](RunFilter& filter) { filter.verdict = KeptVerdict::Pass, filter.bench = "b1"; }),
          "a"},
         {with([](RunFilter& filter) { filter.file = "none"; }), ""}};
@@ -237,9 +243,11 @@ TEST_P(StoreTest, ARunIsRemovedWithAllItsRows) {
 TEST_P(StoreTest, ABaselineIsRemovedOnlyWithItsName) {
     const std::string hash = Added("1");
     m_store->SetBaseline("golden", hash);
-    EXPECT_EQ(WordsOf([&] { m_store->Remove(hash, false); }),
-              "the run " + ShortHash(hash) +
-                  " is the baseline golden; name another run so, or remove it with --force");
+    EXPECT_EQ(
+        WordsOf([&] { m_store->Remove(hash, false); }),
+        "the run " + ShortHash(hash) +
+            " is the baseline golden; take the name from it (history baseline remove), or remove "
+            "both with --force");
     EXPECT_EQ(Count("runs"), "1\n");
     m_store->Remove(hash, true);
     EXPECT_THAT(m_store->Baselines(), IsEmpty());
@@ -255,6 +263,18 @@ TEST_P(StoreTest, ABaselineIsTheRunThatWasNamedLast) {
                 ElementsAre(KeptBaseline{"best", second}, KeptBaseline{"golden", second}));
     EXPECT_EQ(m_store->Find("golden").hash, second);
     EXPECT_THROW(m_store->SetBaseline("x", std::string(64, '0')), NotKept);
+}
+
+TEST_P(StoreTest, OfARunWhoseBaselineIsRemovedTheOtherNamesStay) {
+    const std::string hash = Added("1");
+    m_store->SetBaseline("golden", hash);
+    m_store->SetBaseline("best", hash);
+    m_store->RemoveBaseline("golden");
+    EXPECT_THAT(m_store->Baselines(), ElementsAre(KeptBaseline{"best", hash}));
+    EXPECT_THROW(m_store->RequireNoBaseline(hash), KeptOtherwise);
+    m_store->RemoveBaseline("best");
+    m_store->RequireNoBaseline(hash);
+    EXPECT_EQ(Count("runs"), "1\n");
 }
 
 TEST_P(StoreTest, ABaselineIsNotNamedAsAHash) {
