@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <ostream>
-#include <ranges>
 #include <string>
 #include <unordered_map>
 
@@ -112,7 +111,8 @@ private:
         m_out << "[";
         JsonLines lines(m_out);
         // Who looks at a list of months wants the last runs.
-        for (const KeptFacts& run : std::views::reverse(*m_page.runs)) {
+        for (auto place = m_page.runs->rbegin(); place != m_page.runs->rend(); ++place) {
+            const KeptFacts& run = *place;
             lines.Next() << "[" << run.measuredAt << "," << PlaceOf(run.hash.substr(0, shownDigits))
                          << "," << PlaceOf(run.name) << ","
                          << PlaceOfPart(run, &RunPlace::bench, run.bench) << ","
