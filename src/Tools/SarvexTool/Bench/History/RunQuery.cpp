@@ -193,7 +193,7 @@ Chain ChainNamed(std::string_view name) {
 }
 
 bool IsMeant(const RunFilter& filter, const RunPlace& part) {
-    return (!filter.bench || part.bench == filter.bench) &&
+    return (!filter.bench || part.bench.value_or(UnknownBench) == *filter.bench) &&
            (!filter.device || part.device == filter.device);
 }
 

@@ -339,6 +339,19 @@ TEST_P(StoreTest, PowersComeWithTheirRunsAndConfigurations) {
                 ElementsAre(KeptPower{0, 1, 0, Chain::A, 7}, KeptPower{0, 1, 0, Chain::B, 8}));
 }
 
+TEST_P(StoreTest, ThePowersOfRunsOfWhichNothingTellsTheBenchAreAskedForByUnknown) {
+    KeptFacts facts;
+    facts.parts = {{"b1", "d1", 1}, {std::nullopt, "d2", 1}};
+    RunToKeep run = Run("5,A,1,NA\n6,A,2,NA\n", facts);
+    run.parts = {0, 1};
+    m_store->Add(run, 1);
+    RunFilter filter;
+    filter.bench = UnknownBench;
+    EXPECT_THAT(Powers(filter), ElementsAre(KeptPower{0, 1, 1, Chain::A, 2}));
+    filter.device = "d1";
+    EXPECT_THAT(Powers(filter), IsEmpty());
+}
+
 TEST_P(StoreTest, ACheckFindsNothingWrongWithWhatWasKept) {
     m_store->Add(Run("5,AB,10.5,NA\n6,A,1,NA\n"), 1);
     Added("0.1");
