@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace Bench {
 
@@ -16,7 +17,10 @@ NamedResult ReadKept(const std::string& run, const std::optional<std::string>& s
     const KeptFacts facts = opened.Find(run);
     const std::string name = run + " (the run " + ShortHash(facts.hash) + " of " +
                              ShownMinute(facts.measuredAt) + " UTC)";
-    return {{name, std::nullopt}, ReadKeptResult(opened.FilesOf(facts.hash), name, texts)};
+    // Read before the names are made: GCC 12 destroys a member that inner braces have made a second
+    // time when a later one throws.
+    Result result = ReadKeptResult(opened.FilesOf(facts.hash), name, texts);
+    return {{name, std::nullopt}, std::move(result)};
 }
 
 bool IsPath(const std::string& name) {

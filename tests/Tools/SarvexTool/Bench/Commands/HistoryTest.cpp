@@ -1,5 +1,6 @@
 #include "Tools/SarvexTool/Bench/Files/Journal.h"
 #include "Tools/SarvexTool/Bench/Files/RunFacts.h"
+#include "Tools/SarvexTool/Bench/History/Database.h"
 #include "tests/Tools/SarvexTool/Bench/Commands/CommandFixture.h"
 
 #include <gmock/gmock.h>
@@ -298,6 +299,23 @@ TEST_F(HistoryTest, ARunIsComparedWithABaseline) {
     EXPECT_THAT(err.str(), HasSubstr("NEW is required"));
     EXPECT_EQ(Run({"compare", result, result, "--store", Store()}), 2);
     EXPECT_EQ(Run({"compare", result, "--baseline", "silver", "--store", Store()}), 2);
+}
+
+TEST_F(HistoryTest, ABaselineWithADamagedFileIsTold) {
+    History({"add", MakeRun("old", "10.5")});
+    History({"baseline", "set", "golden", Listed().at(0).at("hash")});
+    OpenDatabase(StoreName::Parse(Store()), OpenFor::Writing)->Run("UPDATE files SET sha256 = '0'");
+    const std::string result = ResultOf("result.csv", "12");
+    const std::vector<std::vector<std::string>> calls{{"compare", result},
+                                                      {"report", result, "-o", "-"}};
+    for (std::vector<std::string> call : calls) {
+        call.insert(call.end(), {"--baseline", "golden", "--store", Store()});
+        EXPECT_EQ(Run(call), 2) << call[0];
+        EXPECT_EQ(err.str(),
+                  Store() +
+                      ": error: has a file journal.jsonl of a run that is not what was kept\n")
+            << call[0];
+    }
 }
 
 TEST_F(HistoryTest, AReportTakesABaselineByItsName) {
