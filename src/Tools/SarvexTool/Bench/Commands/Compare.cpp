@@ -72,6 +72,14 @@ void WriteComparedPage(const NamedResult& older, const NamedResult& newer,
               stream);
 }
 
+void RequireOutputsApart(const CompareOptions& options, const NamedResult& older,
+                         const NamedResult& newer, const std::vector<std::string>& outputs) {
+    if (options.baseline)
+        RequireDistinctFiles(newer.names.All(), outputs, options.store);
+    else
+        RequireDistinctFiles(Both(older.names.All(), newer.names.All()), outputs);
+}
+
 void RequireTwoRuns(const CompareOptions& options) {
     if (options.baseline && options.newResult)
         throw WrongUsage("--baseline takes the place of OLD; name one run beside it");
@@ -104,9 +112,7 @@ int Compare(const CompareOptions& options, Surroundings& surroundings) {
         {options.json, [&compared](std::ostream& stream) { WriteJson(stream, compared); }},
         {options.html,
          [&](std::ostream& stream) { WriteComparedPage(older, newer, compared, stream); }}};
-    RequireDistinctFiles(options.baseline ? newer.names.All()
-                                          : Both(older.names.All(), newer.names.All()),
-                         NamesOf(outputs));
+    RequireOutputsApart(options, older, newer, NamesOf(outputs));
 
     if (!options.baseline)
         older.result = ReadResult(older.names, surroundings.in, texts);

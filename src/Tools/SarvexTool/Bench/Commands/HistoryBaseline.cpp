@@ -77,6 +77,7 @@ int Show(const ShowArguments& arguments, Surroundings& surroundings) {
     const std::vector<Output> outputs{{arguments.json, [&baselines](std::ostream& stream) {
                                            WriteBaselinesJson(stream, baselines);
                                        }}};
+    RequireDistinctFiles({}, NamesOf(outputs), arguments.store);
     Store store = OpenToRead(arguments.store);
     baselines = BaselinesOf(store, arguments.name);
     for (const KeptBaseline& baseline : baselines)

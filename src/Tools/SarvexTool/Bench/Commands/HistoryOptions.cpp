@@ -1,6 +1,8 @@
 #include "Tools/SarvexTool/Bench/Commands/HistoryOptions.h"
 
 #include "Modules/xFramework/OSAL/Process.h"
+#include "Tools/SarvexTool/Bench/Commands/Outputs.h"
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"
 #include "Tools/SarvexTool/Bench/History/Database.h"
 #include "Tools/SarvexTool/Bench/History/Migrations.h"
@@ -24,6 +26,18 @@ Store Open(const StoreName& name, OpenFor purpose) {
     else if (VersionOf(*database) == 0)
         throw StoreMissing(name.Shown(), "holds no run yet");
     return Store(std::move(database));
+}
+
+/// The file of a store, and those that SQLite makes beside it, or beside the file that a link leads
+/// to; none of a server.
+std::vector<std::string> FilesOf(const StoreName& store) {
+    if (store.IsServer())
+        return {};
+    std::vector<std::string> files{store.File()};
+    const std::string database = NameOf(EndOfLinks(PathOf(store.File())));
+    for (const char* ending : {"-journal", "-wal", "-shm"})
+        files.push_back(database + ending);
+    return files;
 }
 
 std::int64_t SecondsOf(std::chrono::system_clock::time_point time) {
@@ -57,6 +71,14 @@ std::optional<Store> OpenIfKept(const std::optional<std::string>& store, const C
         console.stream << "No run is kept yet.\n";
         return std::nullopt;
     }
+}
+
+void RequireDistinctFiles(const std::vector<std::string>& inputs,
+                          const std::vector<std::string>& outputs,
+                          const std::optional<std::string>& store) {
+    std::vector<std::string> files = FilesOf(StoreNameOf(store));
+    files.insert(files.end(), inputs.begin(), inputs.end());
+    RequireDistinctFiles(files, outputs);
 }
 
 void AddStoreOption(CLI::App& app, std::optional<std::string>& store) {

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Bench {
 
@@ -23,6 +24,12 @@ Store OpenToRead(const std::optional<std::string>& store);
 /// Opens a store to read it; nothing where it is not named and nothing was ever kept in the usual
 /// place, which is said to people then.
 std::optional<Store> OpenIfKept(const std::optional<std::string>& store, const Console& console);
+
+/// As RequireDistinctFiles, where a store is read or written besides: no output may be its file,
+/// nor one that the database makes beside it. Throws WrongUsage.
+void RequireDistinctFiles(const std::vector<std::string>& inputs,
+                          const std::vector<std::string>& outputs,
+                          const std::optional<std::string>& store);
 
 void AddStoreOption(CLI::App& app, std::optional<std::string>& store);
 

@@ -35,6 +35,7 @@ int List(const ListArguments& arguments, Surroundings& surroundings) {
     std::vector<KeptBaseline> baselines;
     const std::vector<Output> outputs{
         {arguments.json, [&](std::ostream& stream) { WriteRunsJson(stream, runs, baselines); }}};
+    RequireDistinctFiles({}, NamesOf(outputs), arguments.store);
     const Console& console = ConsoleBeside(outputs, surroundings);
     std::optional<Store> store = OpenIfKept(arguments.store, console);
     if (store) {
@@ -54,13 +55,17 @@ struct ShowArguments {
 };
 
 int Show(const ShowArguments& arguments, Surroundings& surroundings) {
-    Store store = OpenToRead(arguments.store);
-    const KeptFacts run = store.Find(arguments.run);
-    const std::vector<KeptFile> files = store.ListFiles(run.hash);
-    const std::vector<KeptBaseline> baselines = store.Baselines();
+    KeptFacts run;
+    std::vector<KeptFile> files;
+    std::vector<KeptBaseline> baselines;
     const std::vector<Output> outputs{{arguments.json, [&](std::ostream& stream) {
                                            WriteRunJson(stream, run, files, baselines);
                                        }}};
+    RequireDistinctFiles({}, NamesOf(outputs), arguments.store);
+    Store store = OpenToRead(arguments.store);
+    run = store.Find(arguments.run);
+    files = store.ListFiles(run.hash);
+    baselines = store.Baselines();
     WriteOutputs(outputs, surroundings);
     PrintRun(ConsoleBeside(outputs, surroundings).stream, run, files, baselines);
     return ExitCode::Fine;
@@ -75,6 +80,7 @@ struct ExportArguments {
 int Export(const ExportArguments& arguments, Surroundings& surroundings) {
     if (arguments.output.empty() || arguments.output == StandardStreamName)
         throw WrongUsage("-o needs the name of a folder");
+    RequireDistinctFiles({}, {arguments.output}, arguments.store);
     Store store = OpenToRead(arguments.store);
     const KeptFacts run = store.Find(arguments.run);
     const std::vector<KeptContent> files = store.FilesOf(run.hash);

@@ -158,7 +158,7 @@ int TellTrend(const TrendArguments& arguments, Surroundings& surroundings) {
              WriteHistoryPage(trend->PageOf("Trend of transmit power tests", *named, nullptr),
                               stream);
          }}};
-    RequireDistinctFiles(InputsOf(arguments), NamesOf(outputs));
+    RequireDistinctFiles(InputsOf(arguments), NamesOf(outputs), arguments.store);
     trend.emplace(arguments, surroundings);
     named.emplace(trend->Named(arguments.limits));
     WriteOutputs(outputs, surroundings);
@@ -167,7 +167,7 @@ int TellTrend(const TrendArguments& arguments, Surroundings& surroundings) {
 }
 
 int Overview(const TrendArguments& arguments, Surroundings& surroundings) {
-    RequireDistinctFiles(InputsOf(arguments), {*arguments.html});
+    RequireDistinctFiles(InputsOf(arguments), {*arguments.html}, arguments.store);
     const KeptRunsTrend trend(arguments, surroundings);
     const NamedTrend named = trend.Named(arguments.limits);
     WriteOutputs({{arguments.html,

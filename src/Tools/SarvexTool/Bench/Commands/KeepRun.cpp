@@ -38,7 +38,11 @@ std::string CommandToKeep(RunDirectory& directory) {
 
 } // namespace
 
-void RequireStore(const RunFacts& facts) {
+void RequireStore(const RunFacts& facts, const RunFiles& files) {
+    RequireDistinctFiles({},
+                         {files.directory, files.testFile, files.result, files.tree, files.facts,
+                          files.exchanges, files.journal, files.console, files.lock, files.client},
+                         facts.options.store);
     OpenToWrite(facts.options.store);
 }
 

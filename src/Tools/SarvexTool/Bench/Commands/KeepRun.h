@@ -6,8 +6,8 @@
 namespace Bench {
 
 /// Makes the store of a run that is to be kept, before it is begun: hours later it would be too
-/// late to name another. Throws StoreError and WrongUsage.
-void RequireStore(const RunFacts& facts);
+/// late to name another. It must be none of the run's files. Throws StoreError and WrongUsage.
+void RequireStore(const RunFacts& facts, const RunFiles& files);
 
 /// Keeps a run that is over in the store that its facts name, and tells on standard error what has
 /// become of it. One that ended early, or whose last stop was not confirmed, is kept when it has

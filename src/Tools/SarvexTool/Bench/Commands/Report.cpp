@@ -33,6 +33,11 @@ struct ReportOptions {
     std::optional<std::string> groupBy;
 };
 
+/// Whether the baseline is a kept run, and no file.
+bool IsBaselineKept(const ReportOptions& options) {
+    return options.baseline && !IsPath(*options.baseline);
+}
+
 /// The tolerance that compare has unless it is told another.
 constexpr Decimal Tolerance() {
     return Decimal::FromUnits(500'000'000);
@@ -71,7 +76,7 @@ private:
 
     void Compare(const ReportOptions& options, Surroundings& surroundings) {
         ResultNames names = NamesOf(*options.baseline);
-        if (IsPath(*options.baseline)) {
+        if (!IsBaselineKept(options)) {
             m_old = ReadResult(names, surroundings.in, m_texts);
         } else {
             NamedResult kept = ReadKept(*options.baseline, options.store, m_texts);
@@ -100,7 +105,7 @@ std::vector<std::string> InputsOf(const ReportOptions& options) {
     std::vector<std::string> inputs = NamesOf(options.result).All();
     if (options.limits)
         inputs.push_back(*options.limits);
-    if (options.baseline && IsPath(*options.baseline)) {
+    if (options.baseline && !IsBaselineKept(options)) {
         const std::vector<std::string> baseline = NamesOf(*options.baseline).All();
         inputs.insert(inputs.end(), baseline.begin(), baseline.end());
     }
@@ -108,7 +113,10 @@ std::vector<std::string> InputsOf(const ReportOptions& options) {
 }
 
 int Report(const ReportOptions& options, Surroundings& surroundings) {
-    RequireDistinctFiles(InputsOf(options), {options.output});
+    if (IsBaselineKept(options))
+        RequireDistinctFiles(InputsOf(options), {options.output}, options.store);
+    else
+        RequireDistinctFiles(InputsOf(options), {options.output});
     const ReportData data(options, surroundings);
     WriteOutputs({{options.output, [&data](std::ostream& out) { WritePage(data.Shown(), out); }}},
                  surroundings);

@@ -220,10 +220,10 @@ int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
     }
     if (!IsFitToRun(*arguments.file, arguments.force, surroundings))
         return ExitCode::Failed;
-    if (facts.options.keep)
-        RequireStore(facts);
     const std::string name =
         arguments.out.value_or(NewRunName(*arguments.file, std::chrono::system_clock::now()));
+    if (facts.options.keep)
+        RequireStore(facts, RunFiles(name));
     const OSAL::FileLock daemonLock = LockDaemonAt(DaemonIn(facts), Absolute(name));
     RunDirectory directory = RunDirectory::Create(name, *arguments.file, facts, Holder(name));
     if (!arguments.out)

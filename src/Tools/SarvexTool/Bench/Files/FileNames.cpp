@@ -20,6 +20,9 @@ bool AreSameExisting(const fs::path& first, const fs::path& second) {
 fs::path Resolved(const fs::path& path) {
     std::error_code ignored;
     fs::path resolved = fs::weakly_canonical(fs::absolute(EndOfLinks(path), ignored), ignored);
+    // A folder's name may end with a slash.
+    if (!resolved.has_filename())
+        resolved = resolved.parent_path();
     return resolved.empty() ? path : resolved;
 }
 

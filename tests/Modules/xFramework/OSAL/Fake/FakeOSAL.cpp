@@ -105,9 +105,9 @@ std::string ModulePathInUtf8() {
     return TheWorld().modulePathReadable ? TheWorld().modulePath : "";
 }
 
-/// None is set.
-std::optional<std::string> EnvironmentVariable(const std::string& /*name*/) {
-    return std::nullopt;
+std::optional<std::string> EnvironmentVariable(const std::string& name) {
+    const auto found = TheWorld().environment.find(name);
+    return found == TheWorld().environment.end() ? std::nullopt : std::optional(found->second);
 }
 
 bool CreateChildProcess(const std::string& executablePath, const std::string& commandLine,

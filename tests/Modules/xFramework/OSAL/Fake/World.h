@@ -42,6 +42,9 @@ struct World {
     /// Called when the output of a command is read; may throw.
     std::function<void()> onReadPipe = [] {};
 
+    // Variables of the environment, by name
+    std::map<std::string, std::string> environment;
+
     // Interruption
     bool isEndWanted = false;
     int heldInterruptions = 0;

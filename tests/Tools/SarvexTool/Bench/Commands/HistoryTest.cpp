@@ -330,6 +330,38 @@ TEST_F(HistoryTest, AReportTakesABaselineByItsName) {
     EXPECT_THAT(err.str(), HasSubstr("cannot be read"));
 }
 
+TEST_F(HistoryTest, NoOutputReplacesTheStore) {
+    History({"add", MakeRun("run", "10.5")});
+    History({"baseline", "set", "golden", Listed().at(0).at("hash")});
+    fs::create_hard_link(Store(), directory.Path("hard.db"));
+    const std::string before = ReadBytes("history.db");
+    const std::string result = ResultOf("result.csv", "12");
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+             {"history", "list", "--json"},
+             {"history", "show", "golden", "--json"},
+             {"history", "baseline", "show", "--json"},
+             {"history", "export", "golden", "-o"},
+             {"history", "trend", "--json"},
+             {"history", "trend", "--html"},
+             {"history", "report", "-o"},
+             {"compare", result, "--baseline", "golden", "--json"},
+             {"compare", result, "--baseline", "golden", "--junit"},
+             {"compare", result, "--baseline", "golden", "--html"},
+             {"report", result, "--baseline", "golden", "-o"}}) {
+        for (const char* name : {"history.db", "./history.db", "hard.db", "history.db-journal",
+                                 "history.db-wal", "history.db-shm"}) {
+            SCOPED_TRACE(testing::PrintToString(arguments) + " " + name);
+            std::vector<std::string> call = arguments;
+            call.insert(call.end(), {directory.Path(name), "--store", Store()});
+            EXPECT_EQ(Run(call), 2);
+            EXPECT_THAT(err.str(), HasSubstr("would replace the input"));
+        }
+    }
+    EXPECT_EQ(ReadBytes("history.db"), before);
+    for (const char* name : {"history.db-journal", "history.db-wal", "history.db-shm"})
+        EXPECT_FALSE(fs::exists(directory.Path(name))) << name;
+}
+
 TEST_F(HistoryTest, AnUnknownSubcommandIsToldWithTheNearest) {
     EXPECT_EQ(Run({"history", "lst"}), 2);
     EXPECT_EQ(err.str(), "SarvexToolBench history: there is no subcommand \"lst\"; did you mean "

@@ -67,6 +67,8 @@ TEST_F(RunTest, WrongUsageIsToldAndNothingIsMade) {
         {With({"--note", ""}), "--note needs a text"},
         {With({"--store", "x.db"}), "--store needs --keep"},
         {With({"--keep", "--store", "postgresql://u:p@h/d"}), serverComplaint},
+        {With({"--keep", "--store", folder}), "run would replace the input"},
+        {With({"--keep", "--store", folder + "/run.json"}), "run.json would replace the input"},
         {{"run", "--resume", folder, "--keep"}, "leave out --keep"},
         {With({"--attempt", "0"}), "--attempt 0 is no number from 1 to 1000000"},
         {{"run", "--resume", folder, "--attempt", "2"}, "leave out --attempt"},

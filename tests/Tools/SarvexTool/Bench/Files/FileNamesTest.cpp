@@ -43,6 +43,11 @@ TEST_F(FileNamesTest, TwoOutputsAreNotTheSameFileEvenBeforeItExists) {
                   "the output " + other + " would replace the output " + output);
 }
 
+TEST_F(FileNamesTest, AFolderIsTheSameWithASlashAtItsEnd) {
+    EXPECT_EQ(ProblemOfNames({Path("new")}, {Path("new") + "/"}),
+              "the output " + Path("new") + "/ would replace the input " + Path("new"));
+}
+
 TEST_F(FileNamesTest, NamesInFoldersThatAreNotThereDiffer) {
     EXPECT_EQ(ProblemOfNames({}, {Path("a/out.xml"), Path("b/out.xml")}), std::nullopt);
 }
