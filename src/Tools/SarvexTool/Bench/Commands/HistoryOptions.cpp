@@ -63,10 +63,12 @@ Store OpenToRead(const std::optional<std::string>& store) {
 }
 
 std::optional<Store> OpenIfKept(const std::optional<std::string>& store, const Console& console) {
+    const StoreName name = StoreNameOf(store);
     try {
-        return OpenToRead(store);
+        return Open(name, OpenFor::Reading);
     } catch (const StoreMissing&) {
-        if (store)
+        // A store that somebody has named is looked for.
+        if (!name.IsUsersOwn())
             throw;
         console.stream << "No run is kept yet.\n";
         return std::nullopt;

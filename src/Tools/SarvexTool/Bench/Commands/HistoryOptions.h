@@ -21,8 +21,8 @@ Store OpenToWrite(const std::optional<std::string>& store);
 /// Opens a store to read it. Throws StoreError, where there is none StoreMissing, and WrongUsage.
 Store OpenToRead(const std::optional<std::string>& store);
 
-/// Opens a store to read it; nothing where it is not named and nothing was ever kept in the usual
-/// place, which is said to people then.
+/// Opens a store to read it; nothing where neither an option nor the environment names it and
+/// nothing was ever kept in the usual place, which is said to people then.
 std::optional<Store> OpenIfKept(const std::optional<std::string>& store, const Console& console);
 
 /// As RequireDistinctFiles, where a store is read or written besides: no output may be its file,

@@ -163,8 +163,12 @@ SqliteDatabase::SqliteDatabase(const StoreName& name, OpenFor purpose,
     std::error_code error;
     if (std::filesystem::is_directory(path, error))
         Fail("is a folder, not a file");
-    if (purpose == OpenFor::Reading && !std::filesystem::exists(path, error))
+    if (purpose == OpenFor::Reading && !std::filesystem::exists(path, error)) {
+        // Where it cannot be looked for, it may be there.
+        if (error)
+            Fail("cannot be read (" + error.message() + ")");
         throw StoreMissing(Shown(), "there is no such file");
+    }
     if (purpose == OpenFor::Writing && name.IsUsersOwn()) {
         std::filesystem::create_directories(path.parent_path(), error);
         if (error)

@@ -56,5 +56,24 @@ TEST_F(HistoryPlaceTest, NoOutputReplacesTheStoreOfTheEnvironment) {
     }
 }
 
+TEST_F(HistoryPlaceTest, OnlyInTheUsersOwnPlaceAMissingStoreIsAnEmptyOne) {
+    EXPECT_EQ(Run({"history", "list"}), 0);
+    EXPECT_EQ(out.str(), "No run is kept yet.\n");
+    Environment()["SARVEXTOOL_STORE"] = store;
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+             {"history", "list", "--json", "-"}, {"history", "list", "--store", store}}) {
+        EXPECT_EQ(Run(arguments), 2);
+        EXPECT_EQ(out.str(), "");
+        EXPECT_EQ(err.str(), store + ": error: there is no such file\n");
+    }
+}
+
+TEST_F(HistoryPlaceTest, PlaceThatCannotBeLookedAtIsAnError) {
+    fs::create_symlink("data", directory.Path("data"));
+    EXPECT_EQ(Run({"history", "list", "--json", "-"}), 2);
+    EXPECT_EQ(out.str(), "");
+    EXPECT_THAT(err.str(), HasSubstr("history.db: error: cannot be read (Too many levels"));
+}
+
 } // namespace
 } // namespace Bench
