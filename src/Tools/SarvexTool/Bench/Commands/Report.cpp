@@ -33,9 +33,9 @@ struct ReportOptions {
     std::optional<std::string> groupBy;
 };
 
-/// Whether the baseline is a kept run, and no file.
+/// Whether the baseline is a kept run. Of a store it is one, whatever files there are.
 bool IsBaselineKept(const ReportOptions& options) {
-    return options.baseline && !IsPath(*options.baseline);
+    return options.baseline && (options.store || !IsPath(*options.baseline));
 }
 
 /// The tolerance that compare has unless it is told another.
@@ -113,6 +113,8 @@ std::vector<std::string> InputsOf(const ReportOptions& options) {
 }
 
 int Report(const ReportOptions& options, Surroundings& surroundings) {
+    if (options.store && !options.baseline)
+        throw WrongUsage("--store needs --baseline");
     if (IsBaselineKept(options))
         RequireDistinctFiles(InputsOf(options), {options.output}, options.store);
     else
@@ -138,7 +140,8 @@ Command AddReport(CLI::App& program) {
         ->type_name("FILE");
     app->add_option("--baseline", options->baseline,
                     "result.csv of another run to hold this one against, or its folder; or a "
-                    "kept run: the name of a baseline, or digits of its hash")
+                    "kept run: the name of a baseline, or digits of its hash. With --store always "
+                    "a kept run")
         ->type_name("RESULT");
     AddStoreOption(*app, options->store);
     app->add_option("-o,--output", options->output, "The page to write, - for standard output")

@@ -1,5 +1,6 @@
 #include "Tools/SarvexTool/Bench/History/Store.h"
 
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/History/CheckedRun.h"
 #include "Tools/SarvexTool/Bench/History/Compression.h"
 #include "Tools/SarvexTool/Bench/History/Rows.h"
@@ -203,6 +204,11 @@ void Store::SetBaseline(const std::string& name, const std::string& hash) {
     if (name.empty() || DigitsOf(name))
         throw KeptOtherwise("a baseline needs a name that is not " + std::to_string(FewestDigits) +
                             " or more hexadecimal digits, for those are the hash of a run");
+    // A report takes a run's file or a baseline by the same option.
+    if (name.find_first_not_of(" \t\r\n") == std::string::npos || name == StandardStreamName ||
+        name.find_first_of("/\\") != std::string::npos || name.ends_with(".csv"))
+        throw KeptOtherwise("a baseline needs a name that is not blank, is not -, has no / and no "
+                            "\\, and does not end with .csv, for those are names of files");
     // It is kept in an index, whose rows are short on a server.
     constexpr std::size_t mostBytes = 200;
     if (name.size() > mostBytes)

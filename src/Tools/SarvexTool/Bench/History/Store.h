@@ -71,7 +71,7 @@ public:
     void Remove(const std::string& hash, bool withBaselines);
 
     /// Names a run of that hash as a baseline, instead of the one that had the name. Throws
-    /// KeptOtherwise for a name that could be the digits of a hash, and NotKept.
+    /// KeptOtherwise for a name that could be the digits of a hash or that of a file, and NotKept.
     void SetBaseline(const std::string& name, const std::string& hash);
 
     /// Takes the name from the run that has it; the run stays.

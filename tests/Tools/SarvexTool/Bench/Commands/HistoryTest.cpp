@@ -353,6 +353,24 @@ TEST_F(HistoryTest, NoOutputReplacesTheStore) {
             SCOPED_TRACE(testing::PrintToString(arguments) + " " + name);
             std::vector<std::string> call = arguments;
             call.insert(call.end(), {directory.Path(name), "--store", Store()});
+TEST_F(HistoryTest, WithAStoreABaselineIsNoPath) {
+    const std::string kept = MakeRun("golden", "10.5");
+    History({"add", kept});
+    History({"baseline", "set", "golden", Listed().at(0).at("hash")});
+    const fs::path before = fs::current_path();
+    fs::current_path(directory.Path());
+    const std::string result = ResultOf("result.csv", "12");
+    EXPECT_EQ(Run({"report", result, "--baseline", "golden", "-o", "-"}), 0) << err.str();
+    EXPECT_THAT(out.str(), Not(HasSubstr("golden (the run ")));
+    EXPECT_EQ(Run({"report", result, "--baseline", "golden", "--store", Store(), "-o", "-"}), 0);
+    EXPECT_THAT(out.str(), HasSubstr("golden (the run "));
+    fs::current_path(before);
+    EXPECT_EQ(Run({"report", result, "--baseline", kept, "--store", Store(), "-o", "-"}), 2);
+    EXPECT_THAT(err.str(), HasSubstr("there is no baseline "));
+    EXPECT_EQ(Run({"report", result, "--store", Store(), "-o", "-"}), 2);
+    EXPECT_THAT(err.str(), HasSubstr("--store needs --baseline"));
+}
+
             EXPECT_EQ(Run(call), 2);
             EXPECT_THAT(err.str(), HasSubstr("would replace the input"));
         }

@@ -128,8 +128,9 @@ TEST_P(StoreTest, HostileTextsAreData) {
     EXPECT_EQ(NamesOf(filter), "");
     EXPECT_THAT(m_store->Check().problems, IsEmpty());
     EXPECT_THROW(m_store->Find("' OR '1'='1"), NotKept);
-    m_store->SetBaseline(hostile, run.facts.hash);
-    EXPECT_EQ(m_store->Find(hostile).hash, run.facts.hash);
+    const std::string baseline = "'); DROP TABLE baselines; --\"$1?%s\x01\xFF";
+    m_store->SetBaseline(baseline, run.facts.hash);
+    EXPECT_EQ(m_store->Find(baseline).hash, run.facts.hash);
 }
 
 TEST_P(StoreTest, RunsAreListedInTheOrderOfTheirTimes) {
@@ -275,6 +276,15 @@ TEST_P(StoreTest, OfARunWhoseBaselineIsRemovedTheOtherNamesStay) {
     m_store->RemoveBaseline("best");
     m_store->RequireNoBaseline(hash);
     EXPECT_EQ(Count("runs"), "1\n");
+}
+
+TEST_P(StoreTest, ABaselineIsNotNamedAsAFile) {
+    const std::string hash = Added("1");
+    for (const char* name : {" ", "\t\n", "-", "a/b", "a\\b", "gold.csv", ".csv"})
+        EXPECT_THROW(m_store->SetBaseline(name, hash), KeptOtherwise) << name;
+    EXPECT_THAT(m_store->Baselines(), IsEmpty());
+    for (const char* name : {"--", "gold.csv 2", " gold"})
+        m_store->SetBaseline(name, hash);
 }
 
 TEST_P(StoreTest, ABaselineIsNotNamedAsAHash) {
