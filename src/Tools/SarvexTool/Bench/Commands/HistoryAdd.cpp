@@ -90,11 +90,8 @@ private:
             const KeptFacts kept = isNew ? run->facts : m_store->Find(run->facts.hash);
             RequireSame(kept, run->facts);
             PrintAdded(m_surroundings.out.stream, kept, isNew);
-            if (isNew && run->isTimeOfFile)
-                m_surroundings.out.stream
-                    << "  Measured when the file was written, "
-                    << ShownMinute(run->facts.measuredAt)
-                    << " UTC, because nothing else tells; --measured says another time.\n";
+            if (run->isTimeOfFile)
+                PrintTimeOfFile(run->facts.measuredAt, kept.measuredAt, isNew);
             m_surroundings.out.stream.flush();
             return ExitCode::Fine;
         } catch (const KeptOtherwise& otherwise) {
@@ -128,6 +125,17 @@ private:
 
 Command AddHistoryAdd(CLI::App& history) {
     CLI::App* const app = history.add_subcommand("add", "Keep runs");
+    /// Of a result that does not tell when it was measured.
+    void PrintTimeOfFile(std::int64_t written, std::int64_t kept, bool isNew) const {
+        std::ostream& stream = m_surroundings.out.stream;
+        if (isNew)
+            stream << "  Measured when the file was written, " << ShownMinute(written)
+                   << " UTC, because nothing else tells; --measured says another time.\n";
+        else if (written != kept)
+            stream << "  Its file was written at another time, " << IsoTime(written)
+                   << ": results with the same bytes are one run.\n";
+    }
+
     const auto arguments = std::make_shared<AddArguments>();
     app->add_option("RUN", arguments->runs,
                     "Run directories, or results of the client: result.csv or the folder that "

@@ -6,12 +6,14 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <chrono>
 #include <filesystem>
 
 namespace Bench {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -147,6 +149,18 @@ TEST_F(HistoryTest, LimitsJudgeTheRunsThatAreAdded) {
     EXPECT_EQ(Listed({"--verdict", "pass"}).size(), 1u);
     EXPECT_EQ(Listed({"--verdict", "fail"}).size(), 1u);
     EXPECT_EQ(Listed({"--verdict", "not judged"}).size(), 0u);
+}
+
+TEST_F(HistoryTest, TheSameResultOfAnotherTimeIsSaidToBeNoOtherRun) {
+    const std::string result = ResultOf("result.csv", "NA");
+    ASSERT_EQ(History({"add", result, "--bench", "B1"}), 0);
+    EXPECT_EQ(History({"add", result, "--bench", "B1"}), 0);
+    EXPECT_THAT(out.str(), Not(HasSubstr("Its file")));
+    fs::last_write_time(result, fs::last_write_time(result) + std::chrono::hours(24));
+    EXPECT_EQ(History({"add", result, "--bench", "B1"}), 0);
+    EXPECT_THAT(out.str(), StartsWith("Kept already: "));
+    EXPECT_THAT(out.str(), HasSubstr("\n  Its file was written at another time, "));
+    EXPECT_THAT(out.str(), EndsWith("Z: results with the same bytes are one run.\n"));
 }
 
 TEST_F(HistoryTest, TheListIsATable) {
