@@ -2,6 +2,7 @@
 #include "Tools/SarvexTool/Bench/Commands/HistoryOptions.h"
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Core/Verdicts.h"
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Files/KeptFiles.h"
 #include "Tools/SarvexTool/Bench/Files/LimitsFile.h"
 #include "Tools/SarvexTool/Bench/Output/HistoryText.h"
@@ -15,9 +16,12 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace Bench {
@@ -54,12 +58,33 @@ std::int64_t Now() {
         .count();
 }
 
+/// Whether a RUN is rather the name of a store on a server, rightly written or not.
+bool IsServer(const std::string& run) {
+    std::error_code ignored;
+    const std::string name = run.substr(0, run.find_last_not_of("/\\") + 1);
+    if (name.empty() || std::filesystem::exists(PathOf(run), ignored))
+        return false;
+    try {
+        return StoreName::Parse(name).IsServer();
+    } catch (const std::invalid_argument&) {
+        return true;
+    }
+}
+
+/// Where --store was forgotten, no run is kept elsewhere before that is told. The URL is not shown,
+/// as it may have a password.
+void RequireNoServer(const std::vector<std::string>& runs) {
+    if (std::any_of(runs.begin(), runs.end(), IsServer))
+        throw WrongUsage("a RUN is the URL of a server; write --store before it");
+}
+
 /// Adds one run after the other; what is wrong with one keeps no other from being added.
 class RunAdder {
 public:
     RunAdder(const AddArguments& arguments, Surroundings& surroundings)
         : m_arguments(arguments), m_options(OptionsFrom(arguments)), m_surroundings(surroundings) {
         StoreNameOf(arguments.store);
+        RequireNoServer(arguments.runs);
         if (arguments.limits)
             m_limits.emplace(ReadLimits(*arguments.limits, surroundings.in, m_texts));
     }
@@ -100,6 +125,17 @@ private:
         }
     }
 
+    /// Of a result that does not tell when it was measured.
+    void PrintTimeOfFile(std::int64_t written, std::int64_t kept, bool isNew) const {
+        std::ostream& stream = m_surroundings.out.stream;
+        if (isNew)
+            stream << "  Measured when the file was written, " << ShownMinute(written)
+                   << " UTC, because nothing else tells; --measured says another time.\n";
+        else if (written != kept)
+            stream << "  Its file was written at another time, " << IsoTime(written)
+                   << ": results with the same bytes are one run.\n";
+    }
+
     /// What the options say of a run is not dropped in silence.
     void RequireSame(const KeptFacts& kept, const KeptFacts& told) const {
         constexpr const char* remedy =
@@ -125,17 +161,6 @@ private:
 
 Command AddHistoryAdd(CLI::App& history) {
     CLI::App* const app = history.add_subcommand("add", "Keep runs");
-    /// Of a result that does not tell when it was measured.
-    void PrintTimeOfFile(std::int64_t written, std::int64_t kept, bool isNew) const {
-        std::ostream& stream = m_surroundings.out.stream;
-        if (isNew)
-            stream << "  Measured when the file was written, " << ShownMinute(written)
-                   << " UTC, because nothing else tells; --measured says another time.\n";
-        else if (written != kept)
-            stream << "  Its file was written at another time, " << IsoTime(written)
-                   << ": results with the same bytes are one run.\n";
-    }
-
     const auto arguments = std::make_shared<AddArguments>();
     app->add_option("RUN", arguments->runs,
                     "Run directories, or results of the client: result.csv or the folder that "
