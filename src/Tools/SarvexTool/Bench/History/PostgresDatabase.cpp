@@ -186,8 +186,12 @@ void PostgresDatabase::CloseConnection::operator()(PGconn* pConnection) const {
 PostgresDatabase::PostgresDatabase(const StoreName& name) : Database(name.Shown()), m_name(name) {
     Connect();
     CheckServer();
-    // Who holds a lock longer than this has been forgotten.
-    PostgresDatabase::Run("SET lock_timeout = '60s'", {});
+    // Who holds a lock longer than a minute has been forgotten. Bytes and numbers come as they are
+    // read here, whatever the server, the database or the user has set.
+    PostgresDatabase::Run("SELECT set_config('lock_timeout', '60s', false), "
+                          "set_config('bytea_output', 'hex', false), "
+                          "set_config('extra_float_digits', '3', false)",
+                          {});
 }
 
 PostgresDatabase::~PostgresDatabase() = default;

@@ -123,6 +123,21 @@ TEST_F(PostgresDatabaseTest, AUserWithoutTheRightIsTold) {
                                 "(permission denied for table things)");
 }
 
+TEST_F(PostgresDatabaseTest, BytesAndPowersComeBackWhateverTheDatabaseHasSet) {
+    const std::string url = m_server.MakeDatabase();
+    const std::string database = url.substr(url.rfind('/') + 1);
+    Open(url)->Run("ALTER DATABASE " + database + " SET bytea_output = 'escape'");
+    Open(url)->Run("ALTER DATABASE " + database + " SET extra_float_digits = -15");
+    std::unique_ptr<Database> opened = Open(url);
+    Migrate(*opened);
+    Store store(std::move(opened));
+    TextPool texts;
+    const RunToKeep run = MakeRun("5,AB,10.123456789,NA\n", texts);
+    store.Add(run, 1);
+    EXPECT_EQ(store.FilesOf(run.facts.hash), run.files);
+    EXPECT_EQ(store.Check().problems, std::vector<std::string>());
+}
+
 TEST_F(PostgresDatabaseTest, ASecondWriterWaitsAndIsToldAtTheEnd) {
     const std::string url = m_server.MakeDatabase();
     const std::unique_ptr<Database> first = Open(url);
