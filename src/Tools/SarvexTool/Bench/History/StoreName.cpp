@@ -1,10 +1,14 @@
 #include "Tools/SarvexTool/Bench/History/StoreName.h"
 
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <filesystem>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace Bench {
@@ -30,6 +34,18 @@ bool IsAlmostServer(std::string text) {
     const auto begins = [&](std::string_view scheme) { return text.starts_with(scheme); };
     return std::ranges::any_of(almostSchemes, begins) ||
            text.find("password=") != std::string::npos;
+}
+
+/// Whether there is an @ after a colon, as after a password. The colon of a drive is none of those.
+bool MayHavePassword(std::string_view text) {
+    const bool hasDrive = text.size() > 2 && text[1] == ':' && (text[2] == '\\' || text[2] == '/');
+    const std::size_t colon = text.find(':', hasDrive ? 2 : 0);
+    return colon != std::string_view::npos && text.find('@', colon) != std::string_view::npos;
+}
+
+bool IsThere(const std::string& name) {
+    std::error_code ignored;
+    return std::filesystem::exists(PathOf(name), ignored);
 }
 
 [[noreturn]] void Refuse(const std::string& why) {
@@ -104,6 +120,9 @@ StoreName StoreName::Parse(const std::string& text) {
         Refuse("is of another kind than this program knows");
     else if (IsAlmostServer(text))
         Refuse("is not understood");
+    else if (MayHavePassword(text) && !IsThere(text))
+        Refuse(
+            "is not understood, and there is no file of that name, which has an @ after a colon");
     else if (text.ends_with('/'))
         throw std::invalid_argument("the name of the store ends with a slash, as that of a folder "
                                     "does; it is a file");

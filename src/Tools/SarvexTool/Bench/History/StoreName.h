@@ -17,7 +17,8 @@ public:
     /// A file's name in UTF-8, or
     /// postgresql://[USER[:PASSWORD]@][HOST[:PORT]][/DATABASE][?SETTING=VALUE...]. Throws
     /// std::invalid_argument; as a password may be anywhere in a URL that is not understood, the
-    /// text has no part of it.
+    /// text has no part of it. A name with an @ after a colon is only that of a file which is
+    /// there.
     static StoreName Parse(const std::string& text);
 
     /// Where runs are kept when nothing else is said: SARVEXTOOL_STORE, or a file in the user's

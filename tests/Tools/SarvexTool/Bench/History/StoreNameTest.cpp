@@ -19,8 +19,9 @@ std::string RefusalOf(const std::string& text) {
 }
 
 TEST(StoreNameTest, WhatIsNoUrlIsAFile) {
-    for (const std::string name : {"history.db", "C:\\Users\\a b\\history.db", "/srv/runs.db",
-                                   ":memory:", "postgresql.db", "file:x"}) {
+    for (const std::string name :
+         {"history.db", "C:\\Users\\a b\\history.db", "/srv/runs.db", ":memory:", "postgresql.db",
+          "file:x", "C:\\eva@lab\\history.db", "D:/eva@lab/history.db", "eva@lab:7.db"}) {
         const StoreName store = StoreName::Parse(name);
         EXPECT_FALSE(store.IsServer()) << name;
         EXPECT_EQ(store.File(), name);
@@ -99,6 +100,12 @@ TEST(StoreNameTest, NoPartOfAUrlThatIsNotUnderstoodIsTold) {
              "postgres//eva:s3cret@lab/runs",
              "postgres:\\\\eva:s3cret@lab",
              "host=lab user=eva password=s3cret",
+             "postgesql//eva:s3cret@lab/runs",
+             "eva:s3cret@127.0.0.1/runs",
+             "/:s3cret@lab",
+             "e:s3cret@lab",
+             "C:\\eva:s3cret@lab",
+             ":s3cret@lab/",
          }) {
         const std::string refusal = RefusalOf(url);
         EXPECT_TRUE(refusal.starts_with("the URL of the store ")) << url << ": " << refusal;

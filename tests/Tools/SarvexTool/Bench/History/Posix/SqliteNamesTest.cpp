@@ -1,6 +1,7 @@
 #include "tests/Tools/SarvexTool/Bench/History/HistoryFixture.h"
 
 #include <filesystem>
+#include <stdexcept>
 
 namespace Bench {
 namespace {
@@ -19,6 +20,14 @@ TEST(SqliteNamesTest, NamesThatTheDatabaseTakesForSomethingElseAreFiles) {
         EXPECT_NO_THROW(OpenDatabase(StoreName::Parse(":memory:"), purpose)->Tables());
     EXPECT_EQ(OpenDatabase(StoreName::Parse(":memory:"), OpenFor::Reading)->Tables().size(), 1U);
     std::filesystem::current_path(before);
+}
+
+TEST(SqliteNamesTest, AFileThatIsThereMayBeNamedAsIfItHadAPassword) {
+    const TestSupport::TemporaryDirectory directory;
+    const std::string name = directory.Path("eva:7@lab.db");
+    EXPECT_THROW(StoreName::Parse(name), std::invalid_argument);
+    directory.Create("eva:7@lab.db", "");
+    EXPECT_EQ(StoreName::Parse(name).File(), name);
 }
 
 // In this one, nobody can make a file: not even who may write everywhere else.
