@@ -172,7 +172,7 @@ void StoreName::ParseServer(const std::string& text) {
     m_shown += query ? "?" + std::string(*query) : "";
 }
 
-StoreName StoreName::Default(const Environment& environment) {
+StoreName StoreName::Default(const Environment& environment, Folders folders) {
     const auto value = [&](const std::string& variable) {
         return environment(variable).value_or("");
     };
@@ -180,8 +180,9 @@ StoreName StoreName::Default(const Environment& environment) {
         return Parse(named);
     StoreName name;
     name.m_isUsersOwn = true;
-    if (const std::string folder = value("LOCALAPPDATA"); !folder.empty())
-        name.m_file = folder + "\\SarvexTool\\history.db";
+    const std::string local = folders == Folders::OfWindows ? value("LOCALAPPDATA") : "";
+    if (!local.empty())
+        name.m_file = local + "\\SarvexTool\\history.db";
     else if (const std::string data = value("XDG_DATA_HOME"); data.starts_with('/'))
         name.m_file = data + "/sarvextool/history.db";
     else if (const std::string home = value("HOME"); !home.empty())

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <optional>
@@ -21,9 +22,14 @@ public:
     /// there.
     static StoreName Parse(const std::string& text);
 
+    /// Which system's variables tell the user's folder for data.
+    enum class Folders : std::uint8_t { OfLinux, OfWindows };
+    static constexpr Folders OwnFolders =
+        std::filesystem::path::preferred_separator == '\\' ? Folders::OfWindows : Folders::OfLinux;
+
     /// Where runs are kept when nothing else is said: SARVEXTOOL_STORE, or a file in the user's
     /// folder for data. Throws std::invalid_argument when the environment tells of neither.
-    static StoreName Default(const Environment& environment);
+    static StoreName Default(const Environment& environment, Folders folders = OwnFolders);
 
     bool IsServer() const { return m_isServer; }
     /// Whether it is the file in the user's folder for data, whose folders are made where they are

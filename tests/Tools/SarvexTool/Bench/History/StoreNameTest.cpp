@@ -125,6 +125,7 @@ TEST(StoreNameTest, TheDefaultIsInTheUsersFolderForData) {
         Connection environment;
         std::string shown;
         bool isUsersOwn;
+        StoreName::Folders folders = StoreName::Folders::OfLinux;
     };
     const std::vector<Case> cases{
         {{{"HOME", "/home/eva"}}, "/home/eva/.local/share/sarvextool/history.db", true},
@@ -135,6 +136,11 @@ TEST(StoreNameTest, TheDefaultIsInTheUsersFolderForData) {
          true},
         {{{"HOME", "/home/eva"}, {"LOCALAPPDATA", "C:\\Users\\eva\\Local"}},
          "C:\\Users\\eva\\Local\\SarvexTool\\history.db",
+         true,
+         StoreName::Folders::OfWindows},
+        // A program that was started from wine may have it.
+        {{{"HOME", "/home/eva"}, {"LOCALAPPDATA", "C:\\Users\\eva\\Local"}},
+         "/home/eva/.local/share/sarvextool/history.db",
          true},
         {{{"HOME", "/home/eva"}, {"SARVEXTOOL_STORE", "postgresql://eva:x@lab"}},
          "postgresql://eva@lab",
@@ -145,11 +151,11 @@ TEST(StoreNameTest, TheDefaultIsInTheUsersFolderForData) {
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.shown);
-        const StoreName store =
-            StoreName::Default([&](const std::string& name) -> std::optional<std::string> {
-                const auto found = row.environment.find(name);
-                return found == row.environment.end() ? std::nullopt : std::optional(found->second);
-            });
+        const auto environment = [&](const std::string& name) -> std::optional<std::string> {
+            const auto found = row.environment.find(name);
+            return found == row.environment.end() ? std::nullopt : std::optional(found->second);
+        };
+        const StoreName store = StoreName::Default(environment, row.folders);
         EXPECT_EQ(store.Shown(), row.shown);
         EXPECT_EQ(store.IsUsersOwn(), row.isUsersOwn);
     }
