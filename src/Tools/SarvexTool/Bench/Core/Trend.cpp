@@ -1,5 +1,7 @@
 #include "Tools/SarvexTool/Bench/Core/Trend.h"
 
+#include "Tools/SarvexTool/Bench/Core/TrendDrift.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -134,34 +136,6 @@ std::vector<double> MediansOf(std::span<const TrendPoint> points) {
     for (const TrendPoint& point : points)
         medians.push_back(point.median);
     return medians;
-}
-
-/// The last runs beyond, of a station that has some.
-Drift DriftOf(const std::vector<TrendPoint>& points, const ControlLimits& limits) {
-    const auto isHigh = [&limits](const TrendPoint& point) { return point.median > limits.mean; };
-    std::size_t end = points.size();
-    while (!points[end - 1].isBeyond)
-        --end;
-    Drift drift{end - 1, end - 1};
-    const bool side = isHigh(points[drift.last]);
-    std::size_t beyond = 0;
-    for (std::size_t place = end; place-- > 0 && isHigh(points[place]) == side;) {
-        if (points[place].isBeyond) {
-            drift.first = place;
-            ++beyond;
-        }
-    }
-    // Runs within the limits after one alone beyond them tell that it was an outlier, on whichever
-    // side of the mean they are.
-    while (beyond > 1 && drift.last + 1 < points.size() && isHigh(points[drift.last + 1]) == side)
-        ++drift.last;
-    drift.isLasting = beyond > 1 || drift.last + 1 == points.size();
-    const std::span<const TrendPoint> all = points;
-    const std::span<const TrendPoint> others =
-        drift.first > 0 ? all.first(drift.first) : all.subspan(drift.last + 1);
-    drift.change = MedianOfCopy(MediansOf(all.subspan(drift.first, drift.last + 1 - drift.first))) -
-                   MedianOfCopy(MediansOf(others));
-    return drift;
 }
 
 void HoldAgainstOwnLimits(StationTrend& station) {

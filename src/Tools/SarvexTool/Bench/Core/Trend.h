@@ -97,8 +97,7 @@ struct TrendPoint {
     bool isBeyond = false;
 };
 
-/// The last time that a station's runs were beyond its limits: the runs from the first one beyond
-/// to the last one that is on the same side of the mean without another side between.
+/// The last runs that were displaced, of a station with a run beyond its limits.
 struct Drift {
     /// Places in StationTrend::points.
     std::size_t first = 0;
@@ -106,8 +105,8 @@ struct Drift {
     /// The median of these runs less that of the runs before, or of those after where there are
     /// none before; in dB.
     double change = 0;
-    /// Whether it has at least two runs beyond, or the last run is the one. Else one run alone was
-    /// beyond, as by chance 3 of 1,000 are: the station does not drift.
+    /// Else it is an outlier, one run alone, as by chance 3 of 1,000 are beyond: the station does
+    /// not drift.
     bool isLasting = false;
 };
 
@@ -151,7 +150,7 @@ enum class TrendBasis : std::uint8_t {
 /// The stations' trends.
 struct Trend {
     TrendBasis basis = TrendBasis::Nothing;
-    /// What drifts comes first, the farthest beyond its limits leading; then what was beyond once;
+    /// What drifts comes first, the farthest beyond its limits leading; then what has outliers;
     /// then what is apart, then what has too few runs; all else by name.
     std::vector<StationTrend> stations;
     /// How many items have a reference.

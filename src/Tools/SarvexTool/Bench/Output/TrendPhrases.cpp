@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <span>
 
 namespace Bench {
 
@@ -28,6 +29,22 @@ std::string Moved(double change) {
     return Hundredths(std::abs(change)) + " dB " + (change < 0 ? "lower" : "higher");
 }
 
+/// ", 3 of them before", ", 1 of them after", ", 3 of them before and 1 after", or "": a drift
+/// moves the mean, so that runs before it or after it may be beyond the limits on the other side.
+std::string OtherTimes(const StationTrend& station, const Drift& drift) {
+    const std::span<const TrendPoint> points = station.points;
+    const auto tell = [](std::span<const TrendPoint> part, const char* when) {
+        const auto count = std::count_if(part.begin(), part.end(),
+                                         [](const TrendPoint& point) { return point.isBeyond; });
+        return count == 0 ? "" : std::to_string(count) + when;
+    };
+    const std::string before = tell(points.first(drift.first), " of them before");
+    const std::string after =
+        tell(points.subspan(drift.last + 1), before.empty() ? " of them after" : " after");
+    return (before.empty() ? "" : ", " + before) +
+           (after.empty() ? "" : (before.empty() ? ", " : " and ") + after);
+}
+
 std::string PhraseOf(const TrendData& data, const StationTrend& station, const Drift& drift) {
     const std::string first = DayOf(data, station.points[drift.first]);
     const std::string last = DayOf(data, station.points[drift.last]);
@@ -36,13 +53,9 @@ std::string PhraseOf(const TrendData& data, const StationTrend& station, const D
         when = " since " + first;
     else if (first != last)
         when = " from " + first + " to " + last;
-    // A drift moves the mean, so that runs before it may be beyond the limits on the other side.
-    const auto before = std::count_if(
-        station.points.begin(), station.points.begin() + static_cast<std::ptrdiff_t>(drift.first),
-        [](const TrendPoint& point) { return point.isBeyond; });
     return (drift.last + 1 == station.points.size() ? "reads " : "read ") + Moved(drift.change) +
            when + "; " + CountOfRuns(station.beyond, station) + " beyond its control limits" +
-           (before == 0 ? "" : ", " + std::to_string(before) + " of them before");
+           OtherTimes(station, drift);
 }
 
 const std::string& NameOf(const TrendData& data, const StationTrend& station) {

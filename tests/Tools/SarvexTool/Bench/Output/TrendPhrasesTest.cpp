@@ -71,6 +71,22 @@ TEST_F(TrendPhrasesTest, RunsBeyondBeforeTheDriftAreToldApart) {
                            "beyond its control limits, 3 of them before");
 }
 
+TEST_F(TrendPhrasesTest, RunsBeyondAfterTheDriftAreToldApart) {
+    AddSteadyAB();
+    AddRuns(AddStation("C"),
+            {11.5, 11.5, 11.5, 10.5, 10.5, 10.5, 10.5, 10.44, 10.5, 10.5, 10.5, 10.5});
+    EXPECT_EQ(FirstLine(), "DRIFT: C read 1.00 dB higher from 2026-03-18 to 2026-03-20; 4 of its "
+                           "12 runs are beyond its control limits, 1 of them after");
+}
+
+TEST_F(TrendPhrasesTest, RunsBeyondBeforeAndAfterTheDriftAreToldTogether) {
+    AddSteadyAB();
+    AddRuns(AddStation("C"), {10.3, 10.5, 10.5, 10.5, 11.5, 11.5, 11.5, 11.5, 11.5, 10.5,
+                              10.5, 10.5, 10.5, 10.5, 10.3, 10.5, 10.5, 10.5, 10.5, 10.5});
+    EXPECT_EQ(FirstLine(), "DRIFT: C read 1.00 dB higher from 2026-03-22 to 2026-03-26; 7 of its "
+                           "20 runs are beyond its control limits, 1 of them before and 1 after");
+}
+
 TEST_F(TrendPhrasesTest, OneRunAloneBeyondIsToldWithItsDayAndWithWhatChanceDoes) {
     AddSteadyAB();
     AddRuns(AddStation("C"), {10.5, 10.6, 10.5, 10.6, 10.5, 15, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6,

@@ -1,0 +1,124 @@
+#include "Tools/SarvexTool/Bench/Core/TrendDrift.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace Bench {
+namespace {
+
+constexpr double exactly = 1e-9;
+
+/// The drift of a station with these medians; those are beyond that are more than 2.9 from a mean
+/// of 0, whatever their own mean is.
+Drift DriftOfMedians(const std::vector<double>& medians) {
+    const ControlLimits limits{0, 2.9 / ControlLimits::Sigmas};
+    std::vector<TrendPoint> points;
+    for (const double median : medians)
+        points.push_back(
+            {static_cast<std::uint32_t>(points.size()), median, 1, !limits.AreKeptBy(median)});
+    return DriftOf(points, limits);
+}
+
+struct Case {
+    const char* what;
+    std::vector<double> medians;
+    bool isLasting;
+    std::size_t first;
+    std::size_t last;
+    double change;
+};
+
+void ExpectEach(const std::vector<Case>& cases) {
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.what);
+        const Drift drift = DriftOfMedians(each.medians);
+        EXPECT_EQ(drift.isLasting, each.isLasting);
+        EXPECT_EQ(drift.first, each.first);
+        EXPECT_EQ(drift.last, each.last);
+        EXPECT_NEAR(drift.change, each.change, exactly);
+    }
+}
+
+TEST(TrendDriftTest, OneRunBeyondWithThoseAfterBackIsAnOutlier) {
+    ExpectEach({
+        {"in the middle", {-1, 1, -1, 3, 0, 1, -1}, false, 3, 3, 4},
+        {"as the first run, which has none before it", {-3, 1, 1, 1, 1}, false, 0, 0, -4},
+        {"as the last but one", {0, 0, 0, 3, 0}, false, 3, 3, 3},
+        {"with those after displaced by less than half", {0, 0, 0, 3, 1.4, 1.4}, false, 3, 3, 3},
+        {"and by less than half to the other side", {0, 0, 3, -1.4, -1.4}, false, 2, 2, 3},
+        {"and with some after that are beside it", {0, 0, 3, 2, 0, 2, 0, 0}, false, 2, 2, 3},
+    });
+}
+
+TEST(TrendDriftTest, OneOutlierOnEachSideIsToldByTheLast) {
+    ExpectEach({
+        {"the low one is", {0, 0, 3, 0, 0, -4, 0, 0}, false, 5, 5, -4},
+        {"the high one is", {0, 0, -3, 0, 0, 4, 0, 0}, false, 5, 5, 4},
+    });
+}
+
+TEST(TrendDriftTest, OneRunBeyondWithThoseAfterDisplacedIsADrift) {
+    ExpectEach({
+        {"all of them", {-1, -1, -1, 3, 2.5, 2.6}, true, 3, 5, 3.6},
+        {"by just half", {0, 0, 0, 3, 1.5, 1.5}, true, 3, 5, 1.5},
+        {"to the low side", {1, 1, 1, -3, -2.5, -2.6}, true, 3, 5, -3.6},
+        {"more than half of them, up to the last that is",
+         {0, 0, 3, 2, -1, 2, 2, 0},
+         true,
+         2,
+         6,
+         2},
+    });
+}
+
+TEST(TrendDriftTest, RunsDisplacedToTheOtherSideOfOneBeyondAreTheDrift) {
+    ExpectEach({
+        {"high, and then repaired", {2, 2, 2, 3, 2, -1, -1, -1, -1}, true, 5, 8, -3},
+        {"low, and then repaired", {-2, -2, -2, -3, 1, 1, 1, 1}, true, 4, 7, 3},
+    });
+}
+
+TEST(TrendDriftTest, LastRunBeyondIsADrift) {
+    ExpectEach({{"alone", {0, 0, 0, 0, 3}, true, 4, 4, 3},
+                {"with one on the other side", {0, 0, -3, 0, 3}, true, 4, 4, 3}});
+}
+
+TEST(TrendDriftTest, TwoRunsBeyondOnOneSideAreADrift) {
+    ExpectEach({
+        {"up to the last run on their side", {0, 0, 0, 3, 3, 1, -1, 1}, true, 3, 5, 3},
+        {"with one within between them", {0, 0, 0, 3, 1, 4, -1}, true, 3, 5, 3},
+        {"from the first ones on", {3, 4, -1, -1, -1}, true, 0, 1, 4.5},
+        {"apart from each other: the last", {0, -1, 4, -1, 0, 3, 1, -1}, true, 5, 5, 3},
+        {"apart, before one on the other", {0, 3, -1, 4, -1, -3, -1, -1}, true, 3, 3, 4},
+    });
+}
+
+// A station that was displaced and repaired: the mean of all its runs is between the two, and one
+// of those after the repair may be just beyond on the other side.
+TEST(TrendDriftTest, DriftBeforeAnOutlierOnTheOtherSideIsTold) {
+    ExpectEach({
+        {"three runs", {4, 4, 3, -2, -2, -2, -2, -3, -2, -2, -2}, true, 0, 2, 6},
+        {"in the middle", {-2, -2, 4, 4, -2, -2, -3, -2, -2}, true, 2, 3, 6},
+        {"of two, each alone", {0, -3, 0, 4, 4, 4, 0, 0, -3, 0, 0}, true, 3, 5, 4},
+        {"one, with those after displaced", {-1, -1, 3, 2, 2, 2, -3, 2, 2, 2}, true, 2, 9, 3},
+    });
+}
+
+TEST(TrendDriftTest, OfDriftsToBothSidesTheLastIsToldUnlessItIsLessThanHalfAsLarge) {
+    ExpectEach({
+        {"half as large", {0, 0, 6, 6, 0, 0, -3, -3}, true, 6, 7, -3},
+        {"less", {0, 0, 6.1, 6.1, 0, 0, -3, -3}, true, 2, 3, 6.1},
+        {"repaired, with two beyond after",
+         {4, 4, 4, -2, -2, -2, -2, -3, -2, -3, -2},
+         true,
+         0,
+         2,
+         6},
+        {"up and then down", {0, 0, 3, 3, 0, 0, -3, -4}, true, 6, 7, -3.5},
+        {"down and then up", {0, 0, -3, -3, 0, 0, 3, 4}, true, 6, 7, 3.5},
+    });
+}
+
+} // namespace
+} // namespace Bench
