@@ -2,6 +2,7 @@
 
 #include "Tools/SarvexTool/Bench/Output/Page/DataPieces.h"
 #include "Tools/SarvexTool/Bench/Output/Phrases.h"
+#include "Tools/SarvexTool/Bench/Output/TrendPhrases.h"
 
 #include <algorithm>
 #include <ostream>
@@ -15,8 +16,9 @@ namespace {
 /// So many digits of a hash name a run in the tables.
 constexpr std::size_t shownDigits = 8;
 
+/// Decibels with the two digits of the console: rounded once more by the page, some would differ.
 std::string NumberOrNull(const std::optional<double>& number) {
-    return number ? Rounded(*number) : "null";
+    return number ? Hundredths(*number) : "null";
 }
 
 class HistoryData {
@@ -55,9 +57,9 @@ private:
             lines.Next() << "[" << m_texts.PlaceOf(told.name) << "," << PlaceOf(DevicesOf(told))
                          << "," << m_texts.PlaceOf(PhraseOf(Data(), station)) << ","
                          << NumberOrNull(station.offset) << ","
-                         << (limits ? Rounded(limits->mean) : "null") << ","
-                         << (limits ? Rounded(limits->Lower()) : "null") << ","
-                         << (limits ? Rounded(limits->Upper()) : "null") << "," << station.beyond
+                         << (limits ? Hundredths(limits->mean) : "null") << ","
+                         << (limits ? Hundredths(limits->Lower()) : "null") << ","
+                         << (limits ? Hundredths(limits->Upper()) : "null") << "," << station.beyond
                          << "," << station.powers << "," << station.outOfLimits << ","
                          << station.withoutLimit << "]";
         }
@@ -73,7 +75,7 @@ private:
             for (const TrendPoint& point : station.points) {
                 const TrendVisit& visit = Data().visits[point.visit];
                 lines.Next() << "[" << visit.measuredAt << "," << PlaceOf(visit.run) << ","
-                             << PlaceOf(visit.device) << "," << Rounded(point.median) << ","
+                             << PlaceOf(visit.device) << "," << Hundredths(point.median) << ","
                              << point.count << "," << int{point.isBeyond} << "]";
             }
             m_out << "]";

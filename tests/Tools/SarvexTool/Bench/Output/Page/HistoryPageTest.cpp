@@ -111,7 +111,7 @@ TEST_F(HistoryPageTest, StationsAndTheirLimitsAreInTheOrderOfTheTrend) {
     EXPECT_EQ(block["texts"][block["stations"][0][0].get<std::size_t>()], "C");
     const nlohmann::json& drifting = block["stations"][0];
     EXPECT_EQ(nlohmann::json(drifting.begin() + 3, drifting.end()).dump(),
-              "[-0.55,0,-0.768,0.768,3,30,0,0]");
+              "[-0.55,0.0,-0.77,0.77,3,30,0,0]");
     ASSERT_EQ(block["points"].size(), 3U);
     EXPECT_EQ(block["points"][0].size(), 10U);
     EXPECT_EQ(block["points"][0][7][5], 1) << "beyond";
