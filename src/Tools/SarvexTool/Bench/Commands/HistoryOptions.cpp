@@ -129,6 +129,22 @@ RunFilter FilterOf(const FilterArguments& arguments) {
     return filter;
 }
 
+std::vector<std::string> PhrasesOf(const FilterArguments& arguments) {
+    std::vector<std::string> phrases;
+    const auto add = [&phrases](const char* what, const std::optional<std::string>& value) {
+        if (value)
+            phrases.push_back(what + (" " + *value));
+    };
+    add("since", arguments.since);
+    add("until", arguments.until);
+    add("bench", arguments.bench);
+    add("device", arguments.device);
+    add("firmware", arguments.firmware);
+    add("file", arguments.file);
+    add("verdict", arguments.verdict);
+    return phrases;
+}
+
 std::int64_t MomentOf(const std::string& option, const std::string& text) {
     if (const auto day = ParseUtcDay(text))
         return SecondsOf(*day);

@@ -49,6 +49,9 @@ void AddFilterOptions(CLI::App& app, FilterArguments& arguments);
 /// Throws WrongUsage.
 RunFilter FilterOf(const FilterArguments& arguments);
 
+/// What was asked for, in words for people: "bench B1", "since 2026-03-09".
+std::vector<std::string> PhrasesOf(const FilterArguments& arguments);
+
 /// A moment from an option, as 2026-03-09T08:05:00Z or as a day, of which the first second counts;
 /// in seconds since 1970, UTC. Throws WrongUsage.
 std::int64_t MomentOf(const std::string& option, const std::string& text);

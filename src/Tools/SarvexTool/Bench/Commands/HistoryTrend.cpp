@@ -87,6 +87,8 @@ public:
             m_limits.emplace(ReadLimits(*arguments.limits, surroundings.in, m_texts));
             m_facts.push_back({"Limits", *arguments.limits});
         }
+        for (const std::string& phrase : PhrasesOf(arguments.filter))
+            m_facts.push_back({"Only", phrase});
         for (const std::string& word : arguments.words)
             m_facts.push_back({"Only", word});
         Store store = OpenToRead(arguments.store);

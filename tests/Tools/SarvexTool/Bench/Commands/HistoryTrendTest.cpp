@@ -128,6 +128,8 @@ TEST_F(HistoryTrendTest, OverviewListsTheRunsThatTheOptionsChoose) {
     const std::string written = ReadBytes("overview.html");
     EXPECT_THAT(written, HasSubstr("<p class=\"kind\">Kept transmit power tests</p>"));
     EXPECT_THAT(written, HasSubstr("<dt>Runs</dt><dd>2</dd>"));
+    EXPECT_THAT(written, HasSubstr("<dd>since 2026-03-17</dd>"));
+    EXPECT_THAT(written, HasSubstr("<dd>bench C</dd>"));
     // The newest comes first.
     const std::size_t runs = written.find("\"runs\":[\n[1773792000,");
     ASSERT_NE(runs, std::string::npos);
