@@ -4,6 +4,7 @@
 #include "Tools/SarvexTool/Bench/Files/KeptFiles.h"
 #include "Tools/SarvexTool/Bench/Output/HistoryText.h"
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
+#include "Tools/SarvexTool/Bench/Output/ShellArgument.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 
 #include <algorithm>
@@ -25,15 +26,10 @@ void Keep(RunDirectory& directory, std::ostream& stream) {
     PrintAdded(stream, run.facts, store.Add(run, now.time_since_epoch().count()));
 }
 
-/// A name as an argument of a command that is to be copied.
-std::string Quoted(const std::string& name) {
-    return name.find_first_of(" '\"&;<>|()$`*?") == std::string::npos ? name : "\"" + name + "\"";
-}
-
 std::string CommandToKeep(RunDirectory& directory) {
     const std::optional<std::string>& store = directory.Facts().options.store;
-    return "SarvexToolBench history add " + Quoted(directory.Files().directory) +
-           (store ? " --store " + Quoted(*store) : "");
+    return "SarvexToolBench history add " + ShellArgument(directory.Files().directory) +
+           (store ? " --store " + ShellArgument(*store) : "");
 }
 
 } // namespace

@@ -2,13 +2,12 @@
 
 #include "Tools/SarvexTool/Bench/Output/Phrases.h"
 #include "Tools/SarvexTool/Bench/Output/ProgressText.h"
+#include "Tools/SarvexTool/Bench/Output/ShellArgument.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 #include "Tools/SarvexTool/Bench/Output/ShownWidth.h"
 #include "Tools/SarvexTool/Bench/Output/TextTable.h"
 
-#include <filesystem>
 #include <numeric>
-#include <string_view>
 
 namespace Bench {
 
@@ -21,22 +20,6 @@ void PrintText(std::ostream& stream, const std::string& text, std::size_t indent
 /// On a line to itself, so that it can be copied however long it is.
 void PrintCommand(std::ostream& stream, const std::string& command) {
     stream << "  " << MakeHarmless(command) << "\n";
-}
-
-/// The argument as the system's shell takes it.
-std::string Quoted(const std::string& argument) {
-    constexpr bool isWindows = std::filesystem::path::preferred_separator == '\\';
-    constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
-                                       "0123456789_./:-+=@\\";
-    const std::string_view known = plain.substr(0, plain.size() - (isWindows ? 0 : 1));
-    if (!argument.empty() && argument.find_first_not_of(known) == std::string::npos)
-        return argument;
-    if (isWindows)
-        return "\"" + argument + "\"";
-    std::string quoted = "'";
-    for (const char character : argument)
-        quoted += character == '\'' ? "'\\''" : std::string(1, character);
-    return quoted + "'";
 }
 
 void PrintEnd(std::ostream& stream, const RunSummary& summary) {
@@ -88,12 +71,12 @@ void PrintCommands(std::ostream& stream, const RunSummary& summary) {
         std::accumulate(summary.verdicts->begin(), summary.verdicts->end(), std::size_t{0}) !=
             summary.verdicts->at(passed)) {
         stream << "To see what did not pass:\n";
-        PrintCommand(stream, "SarvexToolBench judge " + Quoted(summary.directory) + " --limits " +
-                                 Quoted(*summary.limits));
+        PrintCommand(stream, "SarvexToolBench judge " + ShellArgument(summary.directory) +
+                                 " --limits " + ShellArgument(*summary.limits));
     }
     if (!summary.isComplete) {
         stream << "To go on with the next line:\n";
-        PrintCommand(stream, "SarvexToolBench run --resume " + Quoted(summary.directory));
+        PrintCommand(stream, "SarvexToolBench run --resume " + ShellArgument(summary.directory));
     }
 }
 
@@ -103,8 +86,9 @@ void PrintStopProblem(std::ostream& stream, const RunSummary& summary) {
     stream << "\n";
     PrintText(stream, "The transmitter may still be ON. The daemon has not confirmed the stop: " +
                           *summary.unconfirmedStop + ". Switch the device off, or stop it with");
-    PrintCommand(stream, "SarvexToolBench stop" +
-                             (summary.daemon.empty() ? "" : " --daemon " + Quoted(summary.daemon)));
+    PrintCommand(stream,
+                 "SarvexToolBench stop" +
+                     (summary.daemon.empty() ? "" : " --daemon " + ShellArgument(summary.daemon)));
 }
 
 } // namespace
