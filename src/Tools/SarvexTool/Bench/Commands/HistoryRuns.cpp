@@ -1,3 +1,4 @@
+#include "Tools/SarvexTool/Bench/Commands/ExportedRun.h"
 #include "Tools/SarvexTool/Bench/Commands/HistoryCommands.h"
 #include "Tools/SarvexTool/Bench/Commands/HistoryOptions.h"
 #include "Tools/SarvexTool/Bench/Commands/Outputs.h"
@@ -87,6 +88,7 @@ int Export(const ExportArguments& arguments, Surroundings& surroundings) {
     WriteKeptFiles(arguments.output, files);
     surroundings.out.stream << "Wrote " << Counted(files.size(), "file") << " of " << PhraseOf(run)
                             << " into\n  " << MakeHarmless(arguments.output) << "\n";
+    PrintHowToKeep(surroundings.out.stream, run, arguments.output);
     return ExitCode::Fine;
 }
 

@@ -29,6 +29,16 @@ protected:
         return Run(arguments, input);
     }
 
+    /// The command that export tells last, without the program and the store.
+    std::vector<std::string> ToldCommand() const {
+        std::istringstream words(out.str().substr(out.str().find("\n  SarvexToolBench ")));
+        std::vector<std::string> command;
+        std::string word;
+        for (words >> word; words >> word && word != "--store";)
+            command.push_back(word);
+        return command;
+    }
+
     /// Makes a run directory of one line, measured on a bench.
     std::string MakeRun(const std::string& name, const std::string& power,
                         const std::string& outcome = "complete") const {
@@ -230,6 +240,54 @@ TEST_F(HistoryTest, TheFilesOfARunComeBack) {
     EXPECT_EQ(History({"export", hash, "-o", directory.Path("back")}), 2);
     EXPECT_EQ(History({"add", directory.Path("back")}), 0);
     EXPECT_THAT(out.str(), StartsWith("Kept already"));
+}
+
+TEST_F(HistoryTest, ExportTellsHowToKeepARunElsewhereWithAllThatIsTold) {
+    fs::create_directories(directory.Path("plain"));
+    ResultOf("plain/result.csv", "9");
+    ASSERT_EQ(History({"add", directory.Path("plain"), "--bench", "b", "--device", "d",
+                       "--firmware", "f", "--note", "n", "--measured", "2026-01-02"}),
+              0);
+    ASSERT_EQ(History({"add", MakeRun("run", "10.5"), "--firmware", "f", "--device", "d"}), 0);
+    ASSERT_EQ(History({"add", MakeRun("early", "2", "interrupted"), "--partial"}), 0) << err.str();
+    nlohmann::json kept = Listed();
+    fs::create_directories(directory.Path("back"));
+    for (const nlohmann::json& run : kept) {
+        // A plain result is named as its folder is.
+        const std::string folder = directory.Path(
+            run.at("name") == "plain" ? "back/plain" : "back/" + run.at("hash").get<std::string>());
+        ASSERT_EQ(History({"export", run.at("hash"), "-o", folder}), 0) << err.str();
+        std::vector<std::string> command = ToldCommand();
+        command.insert(command.end(), {"--store", directory.Path("other.db")});
+        EXPECT_EQ(Run(command), 0) << err.str();
+        EXPECT_THAT(out.str(), StartsWith("Kept "));
+    }
+    ASSERT_EQ(Run({"history", "list", "--json", "-", "--store", directory.Path("other.db")}), 0);
+    nlohmann::json other = nlohmann::json::parse(out.str()).at("runs");
+    for (nlohmann::json* runs : {&kept, &other}) {
+        for (nlohmann::json& run : *runs)
+            run.erase("keptAt");
+    }
+    EXPECT_EQ(other, kept);
+}
+
+TEST_F(HistoryTest, WhatExportTellsIsForAShellAndATerminal) {
+    const std::string limits = directory.Create("limits.csv", "Chain,Min,Max\n*,10,11\n");
+    ASSERT_EQ(History({"add", ResultOf("result.csv", "9"), "--bench", "$(b)", "--note=-\x1B[2J",
+                       "--measured", "2026-01-02", "--limits", limits}),
+              0)
+        << err.str();
+    ASSERT_EQ(History({"export", Listed().at(0).at("hash"), "-o", directory.Path("back")}), 0);
+    constexpr bool isWindows = fs::path::preferred_separator == '\\';
+    const std::string quote = isWindows ? "\"" : "'";
+    EXPECT_THAT(out.str(), HasSubstr(" --bench " + quote + "$(b)" + quote + " " + quote +
+                                     R"(--note=-\x1B[2J)" + quote +
+                                     " --measured 2026-01-02T00:00:00Z --store STORE\n"));
+    EXPECT_THAT(out.str(),
+                HasSubstr("\nCharacters that a terminal does not show are written out "));
+    EXPECT_THAT(out.str(), HasSubstr("\nIts name is that of the folder then, and not "));
+    EXPECT_THAT(out.str(), EndsWith("\nIts verdict (fail) is by limits that no file names; add "
+                                    "--limits.\n"));
 }
 
 TEST_F(HistoryTest, ARunIsRemovedWhenSomebodySaysYes) {
