@@ -168,7 +168,7 @@ bool IsApart(double offset, std::span<const double> others) {
 
 void FindApart(std::vector<StationTrend>& stations) {
     const auto isSteady = [](const StationTrend& station) {
-        return station.limits && station.offset && !station.drift;
+        return station.limits && station.offset && !(station.drift && station.drift->isLasting);
     };
     for (StationTrend& station : stations) {
         if (!isSteady(station))

@@ -62,6 +62,12 @@ const std::string& NameOf(const TrendData& data, const StationTrend& station) {
     return data.stations[station.station].name;
 }
 
+/// "reads 0.55 dB high, more than ..."
+std::string Apart(double offset) {
+    return "reads " + Hundredths(std::abs(offset)) + " dB " + (offset < 0 ? "low" : "high") +
+           ", more than three standard deviations of the others' offsets from their mean";
+}
+
 std::string SentenceOf(const TrendData& data, const StationTrend& station) {
     return NameOf(data, station) + " " + PhraseOf(data, station);
 }
@@ -145,7 +151,8 @@ TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
     TrendConclusion conclusion = hasDrift ? WithDrift(data, trend) : WithoutDrift(data, trend);
     AddRunsAloneBeyond(data, trend, conclusion);
     for (const StationTrend& station : trend.stations) {
-        if (station.isApart)
+        // Of a station with an outlier it is said with that.
+        if (station.isApart && !station.drift)
             conclusion.sentences.push_back(SentenceOf(data, station));
     }
     if (trend.CountTooFew() != 0 && trend.sharedItems != 0 && conclusion.word != "TOO FEW RUNS")
@@ -161,7 +168,8 @@ TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
 
 std::string PhraseOf(const TrendData& data, const StationTrend& station) {
     if (station.drift)
-        return PhraseOf(data, station, *station.drift);
+        return (station.isApart ? Apart(*station.offset) + "; " : "") +
+               PhraseOf(data, station, *station.drift);
     if (station.powers == 0)
         return "has no power";
     if (station.points.empty())
@@ -171,10 +179,7 @@ std::string PhraseOf(const TrendData& data, const StationTrend& station) {
                "which need " + fewestRuns;
     const std::string steady = CountOfRuns(0, station) + " beyond its control limits";
     if (station.isApart)
-        return "reads " + Hundredths(std::abs(*station.offset)) + " dB " +
-               (*station.offset < 0 ? "low" : "high") +
-               ", more than three standard deviations of the others' offsets from their mean; " +
-               steady;
+        return Apart(*station.offset) + "; " + steady;
     return "is steady: " +
            (station.offset ? "offset " + SignedHundredths(*station.offset) + " dB, " : "") + steady;
 }

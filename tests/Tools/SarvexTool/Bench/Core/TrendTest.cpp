@@ -262,6 +262,30 @@ TEST_F(TrendTest, OffsetFarFromThoseOfAtLeastThreeOthersIsApart) {
     EXPECT_TRUE(trend.IsFine()) << "an offset alone is no drift";
 }
 
+TEST_F(TrendTest, OffsetOfAStationWithAnOutlierIsHeldAgainstTheOthersToo) {
+    AddSteady("A", 10);
+    AddSteady("B", 10.1);
+    AddRuns(AddStation("C"), {5, 10.2, 10.2, 10.2, 10.2, 10.2, 10.2, 10.2, 10.2, 10.2, 10.2});
+    AddRuns(AddStation("D"), {10.1, 11, 11, 11, 11, 11, 11, 11, 11, 11, 11});
+    const Trend trend = TrendOf(data);
+    ASSERT_EQ(NamesInOrder(trend), "C D A B");
+    EXPECT_FALSE(trend.stations[0].drift->isLasting);
+    EXPECT_FALSE(trend.stations[0].isApart);
+    EXPECT_FALSE(trend.stations[1].drift->isLasting);
+    EXPECT_TRUE(trend.stations[1].isApart) << "C is one of the three others";
+}
+
+TEST_F(TrendTest, OffsetOfADriftingStationIsNotCalledApart) {
+    AddSteady("A", 10);
+    AddSteady("B", 10.1);
+    AddSteady("C", 10.2);
+    AddRuns(AddStation("D"), {11, 11, 11, 11, 11, 11, 11, 11, 11, 11, 15});
+    const Trend trend = TrendOf(data);
+    ASSERT_EQ(NamesInOrder(trend), "D A B C");
+    EXPECT_TRUE(trend.stations[0].drift->isLasting);
+    EXPECT_FALSE(trend.stations[0].isApart);
+}
+
 TEST_F(TrendTest, OffsetFarFromThoseOfTwoOthersIsNotCalledApart) {
     AddSteady("A", 10);
     AddSteady("B", 10.1);

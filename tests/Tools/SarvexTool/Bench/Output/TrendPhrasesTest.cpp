@@ -159,6 +159,23 @@ TEST_F(TrendPhrasesTest, StationThatIsApartIsToldBesideTheConclusion) {
         "their mean; none of its 8 runs is beyond its control limits");
 }
 
+TEST_F(TrendPhrasesTest, StationThatIsApartIsToldWithItsOutlierInOneSentence) {
+    AddSteady("A", 10);
+    AddSteady("B", 10.1);
+    AddSteady("C", 10.2);
+    AddRuns(AddStation("D"), {10, 11, 11, 11, 11, 11, 11, 11, 11, 11, 11});
+    const TrendConclusion conclusion = Conclusion();
+    EXPECT_EQ(conclusion.word, "STEADY");
+    EXPECT_THAT(
+        conclusion.sentences,
+        ElementsAre(
+            "none of the 4 stations drifts: 35 runs, 1 measurement that stations share",
+            "D reads 0.85 dB high, more than three standard deviations of the others' "
+            "offsets from their mean; read 1.00 dB lower on 2026-03-26; 1 of its 11 runs is "
+            "beyond its control limits",
+            chance));
+}
+
 TEST_F(TrendPhrasesTest, TooFewRunsAreNeverFine) {
     AddSteadyAB();
     const std::uint32_t few = AddStation("C");
