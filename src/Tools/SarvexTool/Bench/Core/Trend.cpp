@@ -241,6 +241,12 @@ std::size_t CountThose(const std::vector<StationTrend>& stations, Fits fits) {
     return static_cast<std::size_t>(std::count_if(stations.begin(), stations.end(), fits));
 }
 
+std::size_t SumOf(const std::vector<StationTrend>& stations, std::size_t StationTrend::*count) {
+    return std::accumulate(
+        stations.begin(), stations.end(), std::size_t{0},
+        [count](std::size_t sum, const StationTrend& station) { return sum + station.*count; });
+}
+
 } // namespace
 
 double MedianOf(std::span<double> numbers) {
@@ -279,15 +285,25 @@ std::size_t Trend::CountTooFew() const {
     return CountThose(stations, [](const StationTrend& station) { return !station.limits; });
 }
 
+std::size_t Trend::CountPowers() const {
+    return SumOf(stations, &StationTrend::powers);
+}
+
 std::size_t Trend::CountOutOfLimits() const {
-    return std::accumulate(
-        stations.begin(), stations.end(), std::size_t{0},
-        [](std::size_t sum, const StationTrend& station) { return sum + station.outOfLimits; });
+    return SumOf(stations, &StationTrend::outOfLimits);
+}
+
+std::size_t Trend::CountWithoutLimit() const {
+    return SumOf(stations, &StationTrend::withoutLimit);
+}
+
+bool Trend::HasNoLimit() const {
+    return isJudged && CountPowers() != 0 && CountWithoutLimit() == CountPowers();
 }
 
 bool Trend::IsFine() const {
     return basis != TrendBasis::Nothing && CountDrifting() == 0 && CountTooFew() == 0 &&
-           CountOutOfLimits() == 0;
+           CountOutOfLimits() == 0 && !HasNoLimit();
 }
 
 Trend TrendOf(const TrendData& data, const std::vector<const Limit*>* limits) {

@@ -162,8 +162,14 @@ struct Trend {
     std::size_t CountDrifting() const;
     /// Those without control limits.
     std::size_t CountTooFew() const;
+    std::size_t CountPowers() const;
     std::size_t CountOutOfLimits() const;
-    /// Nothing drifts, no power is out of its limits, and there was enough to tell.
+    /// Powers that no limit fits, where there were limits.
+    std::size_t CountWithoutLimit() const;
+    /// Whether there were limits, and none of them fits any power.
+    bool HasNoLimit() const;
+    /// Nothing drifts, no power is out of its limits, there was enough to tell, and limits that
+    /// were given fit something.
     bool IsFine() const;
 };
 

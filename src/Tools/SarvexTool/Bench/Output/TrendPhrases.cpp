@@ -73,12 +73,19 @@ std::string SentenceOf(const TrendData& data, const StationTrend& station) {
 }
 
 std::string OutOfLimits(const Trend& trend) {
-    std::size_t powers = 0;
-    for (const StationTrend& station : trend.stations)
-        powers += station.powers;
     const std::size_t out = trend.CountOutOfLimits();
-    return std::to_string(out) + " of " + Counted(powers, "power") + (out == 1 ? " is" : " are") +
-           " out of " + (out == 1 ? "its" : "their") + " limits";
+    return std::to_string(out) + " of " + Counted(trend.CountPowers(), "power") +
+           (out == 1 ? " is" : " are") + " out of " + (out == 1 ? "its" : "their") + " limits";
+}
+
+/// "none of the 96 powers has a limit", "1 of 96 powers has no limit"
+std::string WithoutLimit(const Trend& trend) {
+    const std::string powers = Counted(trend.CountPowers(), "power");
+    if (trend.HasNoLimit())
+        return "none of the " + powers + " has a limit";
+    const std::size_t without = trend.CountWithoutLimit();
+    return std::to_string(without) + " of " + powers + (without == 1 ? " has" : " have") +
+           " no limit";
 }
 
 std::string TooFewRuns(const TrendData& data, const Trend& trend) {
@@ -111,6 +118,8 @@ TrendConclusion WithoutDrift(const TrendData& data, const Trend& trend) {
         return {"NO POWER", {"no kept run that the filter leaves has a power"}};
     if (trend.CountOutOfLimits() != 0)
         return {"OUT OF LIMITS", {OutOfLimits(trend)}};
+    if (trend.HasNoLimit())
+        return {"NO LIMIT", {WithoutLimit(trend)}};
     if (trend.sharedItems == 0)
         return {"NOTHING SHARED",
                 {"no station has measured what another one has, so that there is nothing to hold "
@@ -155,6 +164,8 @@ TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
         if (station.isApart && !station.drift)
             conclusion.sentences.push_back(SentenceOf(data, station));
     }
+    if (trend.CountWithoutLimit() != 0 && conclusion.word != "NO LIMIT")
+        conclusion.sentences.push_back(WithoutLimit(trend));
     if (trend.CountTooFew() != 0 && trend.sharedItems != 0 && conclusion.word != "TOO FEW RUNS")
         conclusion.sentences.push_back(TooFewRuns(data, trend));
     if (trend.basis == TrendBasis::TwoStations && trend.sharedItems != 0)

@@ -96,6 +96,13 @@ TEST_F(HistoryTrendTest, PowersOutOfLimitsAreFound) {
     EXPECT_THAT(out.str(), StartsWith("OUT OF LIMITS: 8 of 8 powers are out of their limits\n"));
 }
 
+TEST_F(HistoryTrendTest, LimitsThatFitNoPowerAreFound) {
+    Keep("A", std::vector<std::string>(8, "10"));
+    const std::string limits = directory.Create("limits.csv", "Band,Chain,Min,Max\n6,*,*,9\n");
+    EXPECT_EQ(History({"trend", "Band=5", "--limits", limits}), 1);
+    EXPECT_THAT(out.str(), StartsWith("NO LIMIT: none of the 8 powers has a limit\n"));
+}
+
 TEST_F(HistoryTrendTest, JsonAndPageAreWrittenBesideTheText) {
     KeepDriftOfC();
     const std::string page = directory.Path("trend.html");

@@ -321,6 +321,24 @@ TEST_F(TrendTest, SteadyStationWithAPowerOutOfLimitsIsNotFine) {
     EXPECT_FALSE(TrendOf(data, &limits).IsFine());
 }
 
+TEST_F(TrendTest, LimitsThatFitNoPowerAreNotFine) {
+    AddItems(2);
+    AddSteady("A", 10);
+    AddSteady("B", 10);
+    std::vector<const Limit*> limits{nullptr, nullptr};
+    EXPECT_TRUE(TrendOf(data, &limits).HasNoLimit());
+    EXPECT_FALSE(TrendOf(data, &limits).IsFine());
+    EXPECT_FALSE(TrendOf(data).HasNoLimit()) << "none were given";
+    AddRun(0, {10, 10});
+    const Limit limit = AtMost("11"_dB);
+    limits[1] = &limit;
+    const Trend trend = TrendOf(data, &limits);
+    EXPECT_EQ(trend.CountWithoutLimit(), 17U);
+    EXPECT_EQ(trend.CountPowers(), 18U);
+    EXPECT_FALSE(trend.HasNoLimit());
+    EXPECT_TRUE(trend.IsFine()) << "one power has a limit";
+}
+
 TEST_F(TrendTest, LimitsAreThoseOfTheItemsSettings) {
     AddItems(2);
     SettingPattern pattern;

@@ -235,6 +235,36 @@ TEST_F(TrendPhrasesTest, PowersOutOfLimitsAreCounted) {
     EXPECT_EQ(Conclusion(&limits).sentences.at(1), "9 of 18 powers are out of their limits");
 }
 
+TEST_F(TrendPhrasesTest, PowersWithoutALimitAreCounted) {
+    AddItems(2);
+    AddSteadyAB();
+    AddRun(0, {10, 10});
+    Limit limit;
+    limit.maximum = "12"_dB;
+    std::vector<const Limit*> limits{&limit, nullptr};
+    EXPECT_EQ(Conclusion(&limits).word, "STEADY");
+    EXPECT_EQ(Conclusion(&limits).sentences.at(1), "1 of 18 powers has no limit");
+    limit.maximum = "9"_dB;
+    EXPECT_EQ(Conclusion(&limits).word, "OUT OF LIMITS");
+    EXPECT_EQ(Conclusion(&limits).sentences.at(1), "1 of 18 powers has no limit");
+    limits = {nullptr, &limit};
+    EXPECT_EQ(Conclusion(&limits).sentences.at(1), "17 of 18 powers have no limit");
+}
+
+TEST_F(TrendPhrasesTest, LimitsThatFitNoPowerAreToldFirstWhereNothingDrifts) {
+    AddSteadyAB();
+    const std::uint32_t few = AddStation("C");
+    AddRun(few, {10.5});
+    const std::vector<const Limit*> limits{nullptr};
+    EXPECT_EQ(Conclusion(&limits).word, "NO LIMIT");
+    EXPECT_THAT(Conclusion(&limits).sentences,
+                ElementsAre("none of the 17 powers has a limit",
+                            "too few runs for control limits, which need 8: C (1)"));
+    AddRuns(0, {10, 14});
+    EXPECT_EQ(Conclusion(&limits).word, "DRIFT");
+    EXPECT_EQ(Conclusion(&limits).sentences.at(1), "none of the 19 powers has a limit");
+}
+
 TEST_F(TrendPhrasesTest, DevicesAreNamedOrCounted) {
     EXPECT_EQ(DevicesOf({"A", {}}), "");
     EXPECT_EQ(DevicesOf({"A", {"DUT"}}), "DUT");
