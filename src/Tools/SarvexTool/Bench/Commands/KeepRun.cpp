@@ -39,7 +39,7 @@ void RequireStore(const RunFacts& facts, const RunFiles& files) {
                          {files.directory, files.testFile, files.result, files.tree, files.facts,
                           files.exchanges, files.journal, files.console, files.lock, files.client},
                          facts.options.store);
-    OpenToWrite(facts.options.store);
+    OpenToWrite(facts.options.store).RequireWritable();
 }
 
 int KeepRun(RunDirectory& directory, int exitCode, Surroundings& surroundings) {

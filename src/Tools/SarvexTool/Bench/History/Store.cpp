@@ -142,6 +142,14 @@ bool Store::Add(const RunToKeep& run, std::int64_t now) {
     return true;
 }
 
+void Store::RequireWritable() {
+    Transaction transaction(*m_database, OpenFor::Writing);
+    // Rights are asked for whether there is a row or not.
+    for (const std::string table : {"runs", "parts", "configurations", "measurements", "files"})
+        m_database->Run("INSERT INTO " + table + " SELECT * FROM " + table + " WHERE 1 = 0");
+    transaction.Commit();
+}
+
 std::vector<KeptFacts> Store::List(const RunFilter& filter) {
     Transaction transaction(*m_database, OpenFor::Reading);
     std::vector<KeptFacts> runs = FactsOnly(QueryRuns(*m_database, RunsOf(filter)));

@@ -48,6 +48,9 @@ public:
     /// KeptOtherwise when it is, and other things are told of it.
     bool Add(const RunToKeep& run, std::int64_t now);
 
+    /// Throws StoreError where a run cannot be added, as by a user who may only read.
+    void RequireWritable();
+
     /// In the order of the times at which they were measured.
     std::vector<KeptFacts> List(const RunFilter& filter);
 

@@ -231,6 +231,19 @@ TEST_P(StoreTest, DigitsThatTwoRunsBeginWithAreNotEnough) {
     EXPECT_EQ(m_store->Find("abcd1").hash, "abcd1");
 }
 
+TEST_P(StoreTest, ThatItIsWritableChangesNothing) {
+    Added("1");
+    const auto counts = [this] {
+        std::string text;
+        for (const char* table : {"runs", "parts", "configurations", "measurements", "files"})
+            text += Count(table);
+        return text;
+    };
+    const std::string before = counts();
+    m_store->RequireWritable();
+    EXPECT_EQ(counts(), before);
+}
+
 TEST_P(StoreTest, ARunIsRemovedWithAllItsRows) {
     const std::string hash = Added("1");
     m_store->Remove(hash, false);

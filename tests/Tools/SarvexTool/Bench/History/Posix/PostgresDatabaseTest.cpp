@@ -123,6 +123,20 @@ TEST_F(PostgresDatabaseTest, AUserWithoutTheRightIsTold) {
                                 "(permission denied for table things)");
 }
 
+TEST_F(PostgresDatabaseTest, AStoreThatAUserMayOnlyReadIsNotWritable) {
+    const std::string url = m_server.MakeDatabase();
+    const std::unique_ptr<Database> owner = Open(url);
+    Migrate(*owner);
+    owner->Run("CREATE ROLE guest LOGIN PASSWORD 'g'");
+    owner->Run("GRANT SELECT ON ALL TABLES IN SCHEMA public TO guest");
+    Store(Open(url)).RequireWritable();
+    Store store(Open(m_server.Url(url.substr(url.rfind('/') + 1), "guest", "g")));
+    EXPECT_TRUE(store.List({}).empty());
+    EXPECT_THAT(
+        FailureOf([&] { store.RequireWritable(); }),
+        testing::HasSubstr("the user has no right to it (permission denied for table runs"));
+}
+
 TEST_F(PostgresDatabaseTest, BytesAndPowersComeBackWhateverTheDatabaseHasSet) {
     const std::string url = m_server.MakeDatabase();
     const std::string database = url.substr(url.rfind('/') + 1);
