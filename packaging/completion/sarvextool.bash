@@ -41,12 +41,12 @@ _sarvextool_bench_options() {
         ;;
     'history report')
         echo -h --help --store:file --since:text --until:text --bench:text --device:text --firmware:text \
-            --file:text --verdict:verdict --limits:table
+            --file:text --verdict:verdict --limits:table -o:html --output:html
         ;;
     'history show' | 'history baseline show') echo -h --help --store:file --json:json ;;
     'history export') echo -h --help -o:folder --output:folder --store:file ;;
     'history remove') echo -h --help --store:file --yes --force ;;
-    'history check' | 'history baseline set') echo -h --help --store:file ;;
+    'history check' | 'history baseline set' | 'history baseline remove') echo -h --help --store:file ;;
     esac
 }
 
@@ -58,7 +58,6 @@ _sarvextool_bench_argument() {
     merge) echo json ;;
     judge | report | compare | 'history add') echo result ;;
     history | 'history baseline') echo "$1" ;;
-    'history report') echo html ;;
     esac
 }
 
@@ -168,7 +167,7 @@ _sarvextool_value() {
     part) _sarvextool_answer "$2"{bench,device,attempt} ;;
     subcommand) _sarvextool_answer "$2"{check,run,stop,split,merge,judge,report,compare,history,help} ;;
     history) _sarvextool_answer {add,list,show,export,remove,check,baseline,trend,report} ;;
-    'history baseline') _sarvextool_answer {set,show} ;;
+    'history baseline') _sarvextool_answer {set,show,remove} ;;
     verdict) _sarvextool_answer "$2"{pass,fail} ;;
     fault) _sarvextool_fault "$2" ;;
     esac

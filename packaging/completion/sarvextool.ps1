@@ -31,7 +31,7 @@ Register-ArgumentCompleter -Native -CommandName @(
         'history trend' = '-h --help --store:file --since:text --until:text --bench:text --device:text ' +
             '--firmware:text --file:text --verdict:verdict --limits:table --html:html --json:json'
         'history report' = '-h --help --store:file --since:text --until:text --bench:text --device:text ' +
-            '--firmware:text --file:text --verdict:verdict --limits:table'
+            '--firmware:text --file:text --verdict:verdict --limits:table -o:html --output:html'
         'history show' = '-h --help --store:file --json:json'
         'history export' = '-h --help -o:folder --output:folder --store:file'
         'history remove' = '-h --help --store:file --yes --force'
@@ -39,6 +39,7 @@ Register-ArgumentCompleter -Native -CommandName @(
         'history baseline' = '-h --help'
         'history baseline set' = '-h --help --store:file'
         'history baseline show' = '-h --help --store:file --json:json'
+        'history baseline remove' = '-h --help --store:file'
         'help' = '-h --help'
     }
     # The kind of a subcommand's arguments that are no options.
@@ -56,7 +57,7 @@ Register-ArgumentCompleter -Native -CommandName @(
         'history add' = 'result'
         'history list' = ''
         'history trend' = ''
-        'history report' = 'html'
+        'history report' = ''
         'history show' = ''
         'history export' = ''
         'history remove' = ''
@@ -64,6 +65,7 @@ Register-ArgumentCompleter -Native -CommandName @(
         'history baseline' = 'history baseline'
         'history baseline set' = ''
         'history baseline show' = ''
+        'history baseline remove' = ''
         'help' = 'subcommand'
     }
     $vemoOptions = '--help --version --port:text --address:text --body-limit:text --request-log:file ' +
@@ -173,7 +175,7 @@ Register-ArgumentCompleter -Native -CommandName @(
                 Write-Answer $name
             }
         } elseif ($kind -eq 'history baseline') {
-            foreach ($name in 'set', 'show') {
+            foreach ($name in 'set', 'show', 'remove') {
                 Write-Answer $name
             }
         }

@@ -19,6 +19,10 @@ COMMANDS |= {
     f"SarvexToolBench-{name}.1": ["SarvexToolBench", name]
     for entry in help_text.of(PROGRAMS / "SarvexToolBench")["subcommands"] for name in entry.names
     if name != "help"}
+# The calls of the history that do something, as "history baseline set".
+HISTORY = [f"{group} {entry.names[0]}" for group in ("history", "history baseline")
+           for entry in help_text.of(PROGRAMS / "SarvexToolBench", *group.split())["subcommands"]
+           if entry.names[0] != "baseline"]
 # The 2nd of January 1971.
 EPOCH = str(366 * 24 * 3600)
 
@@ -97,6 +101,22 @@ class ManTest(unittest.TestCase):
                 known = [entry.split(" ") for entry in expected]
                 self.assertEqual(known, [term[:len(entry)] for term, entry in zip(options, known)])
                 self.assertEqual(len(known), len(options))
+
+    def test_the_page_of_the_history_calls_each_of_its_subcommands_as_the_help_does(self):
+        skeleton = (ROOT / "packaging/man/SarvexToolBench-history.1.md").read_text(encoding="utf-8")
+        self.assertEqual(sorted(["history", *HISTORY]),
+                         sorted(re.findall(r"^```options\nSarvexToolBench (.*)\n```$", skeleton, re.MULTILINE)))
+        text = " ".join(skeleton.split())
+        for call in HISTORY:
+            with self.subTest(call=call):
+                sections = help_text.of(PROGRAMS / "SarvexToolBench", *call.split())
+                expected = [entry.names[0] for entry in sections.get("positionals", [])]
+                for entry in sections["options"]:
+                    expected += [entry.names[0], entry.argument] if entry.required else []
+                # As "**SarvexToolBench history report** **-o** *FILE.html* shows".
+                called = re.search(rf"\*\*SarvexToolBench {call}\*\*((?: \[?\*\S+)*)", text)
+                self.assertIsNotNone(called)
+                self.assertEqual(expected, re.findall(r"(?<![\w.=*-])\**(-?\w+)", called[1]))
 
     def test_the_simulators_page_has_all_faults(self):
         faults = [f"{entry.names[0]}{entry.argument}" for entry in help_text.of(PROGRAMS / "vemo")["faults"]]
