@@ -2,10 +2,12 @@
 
 #include "Modules/xFramework/OSAL/DurableFile.h"
 #include "Modules/xFramework/OSAL/Process.h"
+#include "Tools/SarvexTool/Bench/Core/Verdicts.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/Journal.h"
+#include "Tools/SarvexTool/Bench/Files/LimitsFile.h"
 #include "Tools/SarvexTool/Bench/Files/Locks.h"
 #include "Tools/SarvexTool/Bench/Files/PendingFolder.h"
 #include "Tools/SarvexTool/Bench/Files/ResultTree.h"
@@ -97,15 +99,26 @@ std::optional<std::string> SharedOf(const std::vector<RunPlace>& parts,
     return isShared ? parts.front().*text : std::nullopt;
 }
 
-/// A run that was judged has limits, and tells by its exit code whether all has passed.
-KeptVerdict VerdictOf(const RunFacts& facts) {
-    if (!facts.options.limits || facts.isMerged || !facts.exitCode)
-        return KeptVerdict::NotJudged;
+/// What the exit code of a run with limits tells: whether all has passed, or nothing of it.
+std::optional<KeptVerdict> VerdictOf(std::optional<std::int32_t> exitCode) {
     constexpr std::int32_t passed = 0;
     constexpr std::int32_t failed = 1;
-    if (*facts.exitCode == passed)
+    if (exitCode == passed)
         return KeptVerdict::Pass;
-    return *facts.exitCode == failed ? KeptVerdict::Fail : KeptVerdict::NotJudged;
+    return exitCode == failed ? std::optional(KeptVerdict::Fail) : std::nullopt;
+}
+
+/// The verdict of limits that may have gone since the run.
+KeptVerdict VerdictBy(const std::string& limits, const RunResult& run, TextPool& texts) {
+    if (!IsFile(PathOf(limits)))
+        return KeptVerdict::NotJudged;
+    try {
+        std::istringstream none;
+        LimitTable table(ReadLimits(limits, none, texts));
+        return Judge(run, table).HaveAllPassed() ? KeptVerdict::Pass : KeptVerdict::Fail;
+    } catch (const BadFile&) {
+        return KeptVerdict::NotJudged;
+    }
 }
 
 /// The bytes of a file; null where there is no such file.
@@ -210,13 +223,33 @@ private:
     }
 
     void RequireComplete() const {
-        if (!m_run.result.earlyEnd || m_options.isPartial)
+        if (m_options.isPartial)
+            return;
+        // A merged run has sent nothing itself.
+        const bool mayTransmit = m_own.startPassedOn && !m_own.stopConfirmed && !m_own.isMerged;
+        if (!m_run.result.earlyEnd && !mayTransmit)
             return;
         throw BadInput(m_name,
-                       m_run.result.earlyEnd->ToText() +
+                       (m_run.result.earlyEnd
+                            ? m_run.result.earlyEnd->ToText()
+                            : "the daemon has not confirmed the stop of its last transmission") +
                            (m_own.isMerged ? "; merge all of them"
                                            : "; go on with it (SarvexToolBench run --resume)") +
                            ", or keep what there is with --partial");
+    }
+
+    /// The verdict of the run's own limits: as its exit code has it, or as they have it now where
+    /// that tells of something else.
+    KeptVerdict OwnVerdict() const {
+        const RunOptions& options = m_own.options;
+        if (!options.limits || m_own.isMerged)
+            return KeptVerdict::NotJudged;
+        if (const std::optional<KeptVerdict> told = VerdictOf(m_own.exitCode))
+            return *told;
+        const bool isOwnCommandRefused =
+            !options.firstCommand.empty() && !options.firstCommandAccepted;
+        return isOwnCommandRefused ? KeptVerdict::Fail
+                                   : VerdictBy(*options.limits, m_run.result, m_texts);
     }
 
     void TakeOwnFacts() {
@@ -231,7 +264,7 @@ private:
         facts.macType = m_own.macType;
         facts.countryCode = m_own.countryCode;
         facts.outcome = UnlessEmpty(m_own.outcome);
-        facts.verdict = VerdictOf(m_own);
+        facts.verdict = OwnVerdict();
         const auto started = ParseUtcTime(m_own.started);
         if (!started)
             throw BadInput(NameOf(m_folder / factsName),

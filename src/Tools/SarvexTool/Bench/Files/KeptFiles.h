@@ -19,7 +19,7 @@ struct KeepOptions {
     std::optional<std::string> note = {};
     /// In seconds since 1970, UTC.
     std::optional<std::int64_t> measuredAt = {};
-    /// Whether a run that ended early is taken too.
+    /// Whether a run is taken too that ended early, or whose last stop was not confirmed.
     bool isPartial = false;
 };
 
@@ -36,10 +36,10 @@ struct RunToKeep {
     std::vector<std::uint32_t> parts;
 };
 
-/// Reads a run directory, a folder with a result.csv, or a result.csv. It is judged only where its
-/// own run.json tells that it was. Throws BadInput for a run that cannot be read, that goes on or
-/// ended early and is not to be kept so, and where the options say something else than the run
-/// itself; InUse when it goes on.
+/// Reads a run directory, a folder with a result.csv, or a result.csv. It is judged only by limits
+/// that its own run.json names. Throws BadInput for a run that cannot be read, that goes on, can be
+/// resumed and is not to be kept so, and where the options say something else than the run itself;
+/// InUse when it goes on.
 RunToKeep ReadRunToKeep(const std::string& name, const KeepOptions& options, TextPool& texts);
 
 /// A run as its kept files tell it. The table's name is for the problems only. Throws BadInput.

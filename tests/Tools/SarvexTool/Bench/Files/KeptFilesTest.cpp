@@ -170,6 +170,51 @@ TEST_F(KeptFilesTest, ARunThatEndedEarlyIsRefusedUnlessAPartIsWanted) {
     EXPECT_EQ(part.result.earlyEnd, (EarlyEnd{1, 2}));
 }
 
+TEST_F(KeptFilesTest, ARunWhoseLastStopWasNotConfirmedIsRefusedUnlessAPartIsWanted) {
+    RunFacts facts = Facts();
+    facts.startPassedOn = true;
+    facts.exitCode = 4;
+    const std::string run = MakeRun(facts);
+    EXPECT_EQ(ProblemOf(run),
+              "the daemon has not confirmed the stop of its last transmission; go on with it "
+              "(SarvexToolBench run --resume), or keep what there is with --partial");
+    EXPECT_EQ(ProblemOf(run, {.isPartial = true}), "none");
+    facts.stopConfirmed = true;
+    EXPECT_EQ(ProblemOf(MakeRun(facts)), "none");
+    facts.stopConfirmed = false;
+    facts.isMerged = true;
+    EXPECT_EQ(ProblemOf(MakeRun(facts)), "none") << "it cannot be resumed";
+}
+
+TEST_F(KeptFilesTest, WhatTheExitCodeDoesNotTellTheRunsLimitsDo) {
+    RunFacts facts = Facts();
+    facts.exitCode = 4;
+    facts.linesTotal = 1;
+    facts.options.limits = directory.Path("limits.csv");
+    const auto verdict = [&](const std::string& limits) {
+        directory.Create("limits.csv", limits);
+        MakeRun(facts);
+        const std::string result = Header() + "5,A,10.5,NA\n";
+        directory.Create("run/result.csv", result);
+        directory.Create("run/journal.jsonl",
+                         LineOf(JournalEntry{.line = 2,
+                                             .outcome = {{Outcome::Measured, ""}, {}, true},
+                                             .csvEnd = result.size()}));
+        return Read(directory.Path("run"), {.isPartial = true}).facts.verdict;
+    };
+    const std::string passed = "Chain,Min,Max\nA,10,11\n";
+    EXPECT_EQ(verdict(passed), KeptVerdict::Pass);
+    EXPECT_EQ(verdict("Chain,Min,Max\nA,11,12\n"), KeptVerdict::Fail);
+    EXPECT_EQ(verdict("no limits\n"), KeptVerdict::NotJudged);
+    facts.options.firstCommand = {"mode"};
+    EXPECT_EQ(verdict(passed), KeptVerdict::Fail) << "the daemon has not kept its settings";
+    facts.options.firstCommandAccepted = true;
+    EXPECT_EQ(verdict(passed), KeptVerdict::Pass);
+    facts.linesTotal = 2;
+    facts.outcome = "interrupted";
+    EXPECT_EQ(verdict(passed), KeptVerdict::Fail) << "a run that ended early has not passed";
+}
+
 TEST_F(KeptFilesTest, ARunThatGoesOnIsRefusedInAnyCase) {
     RunFacts facts = Facts();
     facts.outcome = "";
