@@ -1,6 +1,7 @@
 #include "Tools/SarvexTool/Bench/History/Store.h"
 
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
+#include "Tools/SarvexTool/Bench/Files/RunFacts.h"
 #include "Tools/SarvexTool/Bench/History/CheckedRun.h"
 #include "Tools/SarvexTool/Bench/History/Compression.h"
 #include "Tools/SarvexTool/Bench/History/Rows.h"
@@ -81,6 +82,36 @@ void RequireSameFacts(const KeptFacts& kept, const KeptFacts& told) {
     }
 }
 
+/// When a run directory tells that its run was started, to the millisecond.
+std::optional<std::string> StartOf(const std::vector<KeptContent>& files) {
+    for (const KeptContent& file : files) {
+        if (file.name == "run.json")
+            return ParseRunFacts(file.bytes, file.name).started;
+    }
+    return std::nullopt;
+}
+
+/// A run directory grows while its run goes on: the powers of each of its states would count anew.
+void RequireNoOtherState(Database& database, const RunToKeep& run) {
+    const KeptFacts& facts = run.facts;
+    if (!facts.testFileSha256 || !facts.host || !facts.daemon)
+        return;
+    const std::vector<Value> values{facts.measuredAt, ValueOf(*facts.testFileSha256),
+                                    ValueOf(*facts.host), ValueOf(*facts.daemon)};
+    std::vector<std::pair<std::int64_t, std::string>> others;
+    database.Query("SELECT id, hash FROM runs WHERE measured_at = $1 AND test_file_sha256 = $2 "
+                   "AND host = $3 AND daemon = $4",
+                   values, [&others](const ResultRow& row) {
+                       others.emplace_back(row.Integer(0), TextOf(row, 1));
+                   });
+    for (const auto& [number, hash] : others) {
+        if (StartOf(QueryFiles(database, number)) == StartOf(run.files))
+            throw KeptOtherwise("another state of this run is kept already; to keep this one, "
+                                "remove that one first (history remove " +
+                                ShortHash(hash) + ")");
+    }
+}
+
 void RequireKeepable(const std::vector<KeptContent>& files) {
     for (const KeptContent& file : files) {
         if (file.bytes.size() > MostBytesKept)
@@ -134,6 +165,7 @@ bool Store::Add(const RunToKeep& run, std::int64_t now) {
         RequireSameFacts(kept, run.facts);
         return false;
     }
+    RequireNoOtherState(*m_database, run);
     std::int64_t last = 0;
     m_database->Query("SELECT MAX(id) FROM runs", {},
                       [&last](const ResultRow& row) { last = row.IsNull(0) ? 0 : row.Integer(0); });

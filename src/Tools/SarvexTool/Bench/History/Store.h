@@ -45,7 +45,8 @@ public:
     explicit Store(std::unique_ptr<Database> database);
 
     /// Keeps a run at a moment, in seconds since 1970, UTC. False when it is kept already. Throws
-    /// KeptOtherwise when it is, and other things are told of it.
+    /// KeptOtherwise when it is, and other things are told of it, and when another state of its run
+    /// directory is kept: one with the same host, daemon, test file and moment of the start.
     bool Add(const RunToKeep& run, std::int64_t now);
 
     /// Throws StoreError where a run cannot be added, as by a user who may only read.

@@ -1,5 +1,6 @@
 #include "Tools/SarvexTool/Bench/History/Store.h"
 
+#include "Tools/SarvexTool/Bench/Files/RunFacts.h"
 #include "tests/Tools/SarvexTool/Bench/History/StoreFixture.h"
 
 #include <gmock/gmock.h>
@@ -74,6 +75,52 @@ TEST_P(StoreTest, ToTellLessOfAKeptRunDoesNoHarmButSomethingElseIsRefused) {
     note.note = "x";
     EXPECT_THROW(m_store->Add(Run("5,A,1,NA\n", note), 1), KeptOtherwise);
     EXPECT_EQ(m_store->List({}).size(), 1u);
+}
+
+TEST_P(StoreTest, AnotherStateOfARunDirectoryIsRefusedUntilTheKeptOneIsRemoved) {
+    const std::string hash = Added("1", AllFacts());
+    const RunToKeep later = Run("5,A,1,NA\n5,A,2,NA\n", AllFacts());
+    EXPECT_EQ(WordsOf([&] { m_store->Add(later, 1); }),
+              "another state of this run is kept already; to keep this one, remove that one first "
+              "(history remove " +
+                  ShortHash(hash) + ")");
+    EXPECT_EQ(Count("runs"), "1\n");
+    m_store->Remove(hash, false);
+    EXPECT_TRUE(m_store->Add(later, 1));
+}
+
+TEST_P(StoreTest, TwoShortRunsOfOneSecondAreTwo) {
+    const auto startedAt = [&](const std::string& moment, const std::string& power) {
+        RunToKeep run = Run("5,A," + power + ",NA\n", AllFacts());
+        RunFacts facts;
+        facts.started = moment;
+        run.files.push_back({"run.json", ToJsonText(facts)});
+        run.facts.hash = HashOf(run.files);
+        return run;
+    };
+    EXPECT_TRUE(m_store->Add(startedAt("2026-03-09T08:05:00.250Z", "1"), 1));
+    EXPECT_TRUE(m_store->Add(startedAt("2026-03-09T08:05:00.750Z", "2"), 1));
+    EXPECT_THROW(m_store->Add(startedAt("2026-03-09T08:05:00.750Z", "3"), 1), KeptOtherwise);
+    EXPECT_EQ(Count("runs"), "2\n");
+}
+
+TEST_P(StoreTest, RunsOfOneMomentAreTwoUnlessAllThatTellsARunDirectoryIsTheSame) {
+    Added("0", AllFacts());
+    const std::pair<const char*, void (*)(KeptFacts&)> cases[] = {
+        {"1", [](KeptFacts& facts) { facts.measuredAt = 1; }},
+        {"2", [](KeptFacts& facts) { facts.testFileSha256 = std::string(64, 'c'); }},
+        {"3", [](KeptFacts& facts) { facts.host = "pc8"; }},
+        {"4", [](KeptFacts& facts) { facts.daemon = "127.0.0.1:8739"; }},
+        {"5", [](KeptFacts& facts) { facts.testFileSha256.reset(); }},
+        {"6", [](KeptFacts& facts) { facts.host.reset(); }},
+        {"7", [](KeptFacts& facts) { facts.daemon.reset(); }},
+        {"8", [](KeptFacts& facts) { facts.daemon.reset(); }}};
+    for (const auto& [power, change] : cases) {
+        KeptFacts facts = AllFacts();
+        change(facts);
+        Added(power, facts);
+    }
+    EXPECT_EQ(Count("runs"), "9\n");
 }
 
 TEST_P(StoreTest, TheRowsAreThoseOfTheMeasurements) {
