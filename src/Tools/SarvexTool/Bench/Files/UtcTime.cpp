@@ -39,7 +39,10 @@ std::optional<chrono::sys_days> TakeDay(std::string_view& text, char after) {
     const std::optional<int> year = TakeNumber(text, 4, '-');
     const std::optional<int> month = year ? TakeNumber(text, 2, '-') : std::nullopt;
     const std::optional<int> day = month ? TakeNumber(text, 2, after) : std::nullopt;
-    if (!day)
+    // The clock counts from 1970, in nanoseconds, which last until 2262.
+    constexpr int firstYear = 1970;
+    constexpr int lastYear = 2261;
+    if (!day || *year < firstYear || *year > lastYear)
         return std::nullopt;
     const chrono::year_month_day date(chrono::year(*year),
                                       chrono::month(static_cast<unsigned>(*month)),

@@ -42,6 +42,15 @@ TEST(UtcTimeTest, NoOtherTextIsOne) {
         EXPECT_EQ(ParseUtcTime(text), std::nullopt) << text;
 }
 
+TEST(UtcTimeTest, WhatTheClockCannotCountIsNoTime) {
+    for (const char* day : {"0000-01-01", "1969-12-31", "2262-01-01", "9999-12-31"}) {
+        EXPECT_EQ(ParseUtcDay(day), std::nullopt) << day;
+        EXPECT_EQ(ParseUtcTime(day + std::string("T00:00:00Z")), std::nullopt) << day;
+    }
+    EXPECT_EQ(UtcTime(ParseUtcTime("2261-12-31T23:59:59Z").value()), "2261-12-31T23:59:59.000Z");
+    EXPECT_EQ(UtcTime(ParseUtcDay("1970-01-01").value()), "1970-01-01T00:00:00.000Z");
+}
+
 TEST(UtcTimeTest, ADayBeginsWithItsFirstMoment) {
     EXPECT_EQ(ParseUtcDay("2026-03-09"), ParseUtcTime("2026-03-09T00:00:00Z"));
     for (const char* text : {"", "2026-03", "2026-03-09T", "2026-02-30", "26-03-09", "2026-03-09 "})
