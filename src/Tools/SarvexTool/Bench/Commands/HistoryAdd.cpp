@@ -40,6 +40,21 @@ struct AddArguments {
     bool isPartial = false;
 };
 
+std::int64_t Now() {
+    return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now())
+        .time_since_epoch()
+        .count();
+}
+
+/// Throws WrongUsage for a moment that is yet to come; clocks may differ by a day.
+std::int64_t MeasuredAt(const std::string& text) {
+    constexpr std::int64_t secondsOfDay = 86'400;
+    const std::int64_t moment = MomentOf("--measured", text);
+    if (moment > Now() + secondsOfDay)
+        throw WrongUsage("--measured " + text + " is in the future");
+    return moment;
+}
+
 KeepOptions OptionsFrom(const AddArguments& arguments) {
     KeepOptions options;
     options.bench = TextFrom("--bench", arguments.bench, "a name");
@@ -47,15 +62,9 @@ KeepOptions OptionsFrom(const AddArguments& arguments) {
     options.firmware = TextFrom("--firmware", arguments.firmware);
     options.note = TextFrom("--note", arguments.note);
     if (arguments.measured)
-        options.measuredAt = MomentOf("--measured", *arguments.measured);
+        options.measuredAt = MeasuredAt(*arguments.measured);
     options.isPartial = arguments.isPartial;
     return options;
-}
-
-std::int64_t Now() {
-    return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now())
-        .time_since_epoch()
-        .count();
 }
 
 /// Whether a RUN is rather the name of a store on a server, rightly written or not.

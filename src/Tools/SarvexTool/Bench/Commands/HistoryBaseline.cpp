@@ -25,24 +25,33 @@ struct SetArguments {
     std::optional<std::string> store;
 };
 
+std::optional<KeptBaseline> BaselineNamed(Store& store, const std::string& name) {
+    for (const KeptBaseline& baseline : store.Baselines()) {
+        if (baseline.name == name)
+            return baseline;
+    }
+    return std::nullopt;
+}
+
+/// Throws NotKept.
+KeptBaseline RequireBaseline(Store& store, const std::string& name) {
+    if (std::optional<KeptBaseline> baseline = BaselineNamed(store, name))
+        return *std::move(baseline);
+    throw NotKept("there is no baseline " + name);
+}
+
 int Set(const SetArguments& arguments, Surroundings& surroundings) {
     // A store that is not there is not made.
     OpenToRead(arguments.store);
     Store store = OpenToWrite(arguments.store);
     const KeptFacts run = store.Find(arguments.run);
+    const std::optional<KeptBaseline> former = BaselineNamed(store, arguments.name);
     store.SetBaseline(arguments.name, run.hash);
     surroundings.out.stream << "The baseline " << MakeHarmless(arguments.name) << " is "
                             << PhraseOf(run) << ".\n";
+    if (former && former->hash != run.hash)
+        surroundings.out.stream << "It was the run " << ShortHash(former->hash) << " before.\n";
     return ExitCode::Fine;
-}
-
-/// Throws NotKept.
-KeptBaseline BaselineNamed(Store& store, const std::string& name) {
-    for (const KeptBaseline& baseline : store.Baselines()) {
-        if (baseline.name == name)
-            return baseline;
-    }
-    throw NotKept("there is no baseline " + name);
 }
 
 struct RemoveArguments {
@@ -53,7 +62,7 @@ struct RemoveArguments {
 int Remove(const RemoveArguments& arguments, Surroundings& surroundings) {
     OpenToRead(arguments.store);
     Store store = OpenToWrite(arguments.store);
-    const KeptFacts run = store.Find(BaselineNamed(store, arguments.name).hash);
+    const KeptFacts run = store.Find(RequireBaseline(store, arguments.name).hash);
     store.RemoveBaseline(arguments.name);
     surroundings.out.stream << MakeHarmless(arguments.name) << " is no baseline any more; "
                             << PhraseOf(run) << " stays kept.\n";
@@ -68,7 +77,7 @@ struct ShowArguments {
 
 /// All baselines, or that of the name.
 std::vector<KeptBaseline> BaselinesOf(Store& store, const std::optional<std::string>& name) {
-    return name ? std::vector{BaselineNamed(store, *name)} : store.Baselines();
+    return name ? std::vector{RequireBaseline(store, *name)} : store.Baselines();
 }
 
 int Show(const ShowArguments& arguments, Surroundings& surroundings) {

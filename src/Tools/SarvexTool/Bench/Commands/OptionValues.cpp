@@ -35,9 +35,13 @@ std::uint32_t NumberOf(const std::string& option, const std::string& text, std::
 
 std::optional<std::string> TextFrom(const std::string& option,
                                     const std::optional<std::string>& text, const char* what) {
-    if (text && text->find_first_not_of(" \t\r\n") == std::string::npos)
+    if (!text)
+        return std::nullopt;
+    constexpr const char* blanks = " \t\r\n";
+    const std::size_t first = text->find_first_not_of(blanks);
+    if (first == std::string::npos)
         throw WrongUsage(option + " needs " + what);
-    return text;
+    return text->substr(first, text->find_last_not_of(blanks) + 1 - first);
 }
 
 std::optional<PlacePart> GroupByOf(const std::optional<std::string>& text) {

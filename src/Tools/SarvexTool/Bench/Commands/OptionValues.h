@@ -19,8 +19,8 @@ Decimal SecondsOf(const std::string& option, const std::string& text);
 std::uint32_t NumberOf(const std::string& option, const std::string& text, std::uint32_t least,
                        std::uint32_t most);
 
-/// A text from an option, where it was given. Throws WrongUsage for an empty one, as with a
-/// variable of a script that is not set, and for one of blanks.
+/// A text from an option, where it was given, without the blanks around it. Throws WrongUsage for
+/// an empty one, as with a variable of a script that is not set, and for one of blanks.
 std::optional<std::string> TextFrom(const std::string& option,
                                     const std::optional<std::string>& text,
                                     const char* what = "a text");

@@ -89,7 +89,10 @@ void PrintAdded(std::ostream& stream, const KeptFacts& run, bool isNew) {
     stream << (isNew ? "Kept " : "Kept already: ") << PhraseOf(run);
     if (isNew)
         stream << ": " << Counted(run.measurements, "measurement") << ", " << run.measured
-               << " measured";
+               << " measured"
+               << (run.verdict == KeptVerdict::NotJudged
+                       ? ""
+                       : std::string(", verdict ") + NameOf(run.verdict));
     stream << ".\n";
 }
 

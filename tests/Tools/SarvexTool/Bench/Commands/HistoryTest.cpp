@@ -111,11 +111,25 @@ TEST_F(HistoryTest, APlainResultIsToldByTheOptions) {
     EXPECT_EQ(run.at("measuredAt"), "2026-01-02T00:00:00Z");
     EXPECT_EQ(run.at("verdict"), "not judged");
     EXPECT_EQ(History({"add", result, "--bench", "b"}), 0);
+    EXPECT_EQ(History({"add", result, "--bench", " b\t"}), 0) << "it is the same bench";
     EXPECT_EQ(History({"add", result, "--bench", " \t"}), 2);
     EXPECT_THAT(err.str(), HasSubstr("--bench needs a name"));
     EXPECT_EQ(History({"add", result, "--bench", "c"}), 2);
     EXPECT_THAT(err.str(), HasSubstr("it is kept already, with the bench b; to keep it otherwise, "
                                      "remove it (history remove) and add it again"));
+}
+
+TEST_F(HistoryTest, AResultOfTheFutureIsRefused) {
+    const std::string result = ResultOf("result.csv", "1");
+    EXPECT_EQ(History({"add", result, "--measured", "2231-01-02"}), 2);
+    EXPECT_THAT(err.str(), HasSubstr("--measured 2231-01-02 is in the future"));
+}
+
+TEST_F(HistoryTest, TheVerdictOfTheLimitsIsTold) {
+    const std::string result = ResultOf("result.csv", "10.5");
+    const std::string limits = directory.Create("limits.csv", "Band,Chain,Min,Max\n5,*,*,9\n");
+    EXPECT_EQ(History({"add", result, "--limits", limits}), 0);
+    EXPECT_THAT(out.str(), HasSubstr("1 measured, verdict fail.\n"));
 }
 
 TEST_F(HistoryTest, OfARunThatIsKeptAlreadyWhatIsKeptIsTold) {
@@ -341,6 +355,15 @@ TEST_F(HistoryTest, ABaselinesNameIsTakenFromItsRun) {
     EXPECT_THAT(out.str(), HasSubstr(" stays kept.\n"));
     EXPECT_EQ(Listed().size(), 1u);
     EXPECT_EQ(History({"remove", hash, "--yes"}), 0) << "it is a baseline no longer";
+}
+
+TEST_F(HistoryTest, WhichRunWasABaselineBeforeIsTold) {
+    History({"add", MakeRun("run", "10.5"), MakeRun("other", "11")});
+    const std::string first = Listed().at(0).at("hash");
+    History({"baseline", "set", "golden", first});
+    EXPECT_THAT(out.str(), Not(HasSubstr("before")));
+    EXPECT_EQ(History({"baseline", "set", "golden", Listed().at(1).at("hash")}), 0);
+    EXPECT_THAT(out.str(), HasSubstr(".\nIt was the run " + first.substr(0, 8) + " before.\n"));
 }
 
 TEST_F(HistoryTest, ABaselineIsKeptUnlessForced) {

@@ -56,7 +56,7 @@ TEST(HistoryTextTest, WhatIsAddedIsCounted) {
     PrintAdded(stream, FullFacts(), false);
     EXPECT_EQ(stream.str(),
               "Kept short.csv, measured 2026-03-09 08:05 UTC on bench 1 (1a2b3c4d): 3 "
-              "measurements, 2 measured.\n"
+              "measurements, 2 measured, verdict pass.\n"
               "Kept already: short.csv, measured 2026-03-09 08:05 UTC on bench 1 (1a2b3c4d).\n");
 }
 
