@@ -37,6 +37,7 @@ private:
     void AddRun(const KeptFacts& run, const RunFilter& filter);
     std::uint32_t StationOf(const RunPlace& place);
     std::uint32_t VisitOf(const KeptFacts& run, const RunPlace& place, std::size_t firstOfRun);
+    void TellDevices();
 
     static constexpr std::uint32_t leftOut = UINT32_MAX;
     static constexpr std::size_t chainCount = 3;
@@ -47,6 +48,8 @@ private:
     /// Where the parts of each run begin in the visits of the parts, and where the last one's end.
     std::vector<std::size_t> m_firstParts;
     std::vector<std::uint32_t> m_visitOfPart;
+    std::vector<std::optional<std::string>> m_deviceOfPart;
+    std::vector<bool> m_hasPartPower;
     /// Of each configuration and chain; a place is given with the first power.
     std::vector<std::uint32_t> m_items;
     std::vector<bool> m_isWanted;

@@ -28,8 +28,9 @@ struct TrendVisit {
     std::int64_t measuredAt = 0;
     /// The first digits of the run's hash, as the commands take them.
     std::string run;
-    /// Empty where nothing tells it. Any text.
+    /// That of its powers. Empty where nothing tells it, or there are several. Any text.
     std::string device;
+    bool hasSeveralDevices = false;
 };
 
 /// What is measured again and again: a configuration and a chain. The texts belong to a pool.

@@ -202,6 +202,10 @@ std::string DevicesOf(const TrendStation& station) {
                                        : Counted(station.devices.size(), "device");
 }
 
+std::string DeviceOf(const TrendVisit& visit) {
+    return visit.hasSeveralDevices ? "several" : visit.device;
+}
+
 std::string Hundredths(double number) {
     constexpr long long perOne = 100;
     constexpr long long firstOfTwo = 10;

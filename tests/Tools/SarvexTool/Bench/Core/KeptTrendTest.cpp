@@ -25,19 +25,35 @@ protected:
         run.parts = std::move(parts);
     }
 
-    /// One line for each row: the moment, station and device of its visit, channel, chain, power.
-    std::string Taken(const std::vector<KeptPower>& powers) const {
+    TrendData DataOf(const std::vector<KeptPower>& powers) const {
         KeptTrend trend(history, filter, wanted);
         for (const KeptPower& power : powers)
             trend.Add(power);
-        const TrendData data = trend.Take();
+        return trend.Take();
+    }
+
+    /// The stations with their devices.
+    static std::string StationsOf(const TrendData& data) {
+        std::string text;
+        for (const TrendStation& station : data.stations) {
+            text += (text.empty() ? "" : ", ") + station.name;
+            for (const std::string& device : station.devices)
+                text += " " + device;
+        }
+        return text;
+    }
+
+    /// One line for each row: the moment, station and device of its visit, channel, chain, power.
+    std::string Taken(const std::vector<KeptPower>& powers) const {
+        const TrendData data = DataOf(powers);
         std::string text;
         for (const TrendRow& row : data.rows) {
             const TrendVisit& visit = data.visits.at(row.visit);
             const TrendItem& item = data.items.at(row.item);
             text += std::to_string(visit.measuredAt) + " " + data.stations.at(visit.station).name +
-                    " " + visit.device + " " + *item.settings[Setting::Channel] + " " +
-                    NameOf(item.chain) + " " + std::to_string(static_cast<int>(row.power)) + "\n";
+                    " " + (visit.hasSeveralDevices ? "several" : visit.device) + " " +
+                    *item.settings[Setting::Channel] + " " + NameOf(item.chain) + " " +
+                    std::to_string(static_cast<int>(row.power)) + "\n";
         }
         return text;
     }
@@ -61,16 +77,38 @@ TEST_F(KeptTrendTest, PowersAreOfTheBenchesOfTheirParts) {
 
 TEST_F(KeptTrendTest, PartsOfOneBenchAreOneVisit) {
     AddRun(100, {{"B1", "b", 1}, {"B1", "a", 2}, {"B1", "b", 3}});
-    KeptTrend trend(history, filter, wanted);
-    trend.Add({0, 0, 0, Chain::A, 10});
-    trend.Add({0, 1, 0, Chain::A, 11});
-    const TrendData data = trend.Take();
+    const TrendData data = DataOf({{0, 0, 0, Chain::A, 10}, {0, 1, 0, Chain::A, 11}});
     ASSERT_EQ(data.visits.size(), 1U);
     EXPECT_EQ(data.visits[0].run, "01234567");
-    EXPECT_EQ(data.visits[0].device, "b") << "that of its first part";
     EXPECT_EQ(data.rows.size(), 2U);
-    ASSERT_EQ(data.stations.size(), 1U);
-    EXPECT_EQ(data.stations[0].devices, (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(StationsOf(data), "B1 a b");
+}
+
+TEST_F(KeptTrendTest, DeviceOfAVisitIsThatOfItsPowers) {
+    struct Case {
+        const char* what;
+        std::vector<std::uint32_t> parts;
+        const char* device;
+        bool hasSeveral;
+    };
+    AddRun(100, {{"B1", "a", 1}, {"B1", "b", 1}, {"B1", "b", 2}, {"B1", std::nullopt, 1}});
+    for (const Case& each :
+         {Case{"the first", {0}, "a", false}, Case{"another one than the first", {1}, "b", false},
+          Case{"the same one in two parts", {1, 2}, "b", false}, Case{"two", {2, 0}, "", true},
+          Case{"one that nothing tells", {3}, "", false},
+          Case{"one, and one that nothing tells", {0, 3}, "", false},
+          Case{"two, and one that nothing tells", {3, 1, 0}, "", true},
+          Case{"none", {}, "", false}}) {
+        SCOPED_TRACE(each.what);
+        std::vector<KeptPower> powers;
+        for (const std::uint32_t part : each.parts)
+            powers.push_back({0, part, 0, Chain::A, 10});
+        const TrendData data = DataOf(powers);
+        ASSERT_EQ(data.visits.size(), 1U);
+        EXPECT_EQ(data.visits[0].device, each.device);
+        EXPECT_EQ(data.visits[0].hasSeveralDevices, each.hasSeveral);
+        EXPECT_EQ(StationsOf(data), "B1 a b");
+    }
 }
 
 TEST_F(KeptTrendTest, PartsThatTheFilterDoesNotMeanAreNoStations) {
@@ -80,7 +118,7 @@ TEST_F(KeptTrendTest, PartsThatTheFilterDoesNotMeanAreNoStations) {
                                      {0, 2, 0, Chain::A, 12},
                                      {0, 3, 0, Chain::A, 13}};
     filter.bench = "B1";
-    EXPECT_EQ(Taken(all), "100 B1 a 36 A 10\n100 B1 a 36 A 12\n");
+    EXPECT_EQ(Taken(all), "100 B1 several 36 A 10\n100 B1 several 36 A 12\n");
     filter.bench = UnknownBench;
     EXPECT_EQ(Taken(all), "100 unknown  36 A 13\n");
     filter.bench = "B1";
@@ -91,7 +129,7 @@ TEST_F(KeptTrendTest, PartsThatTheFilterDoesNotMeanAreNoStations) {
 
 TEST_F(KeptTrendTest, StationWithoutAnyPowerIsAStation) {
     AddRun(100, {{"B1", "a", 1}});
-    EXPECT_EQ(KeptTrend(history, filter, wanted).Take().stations.size(), 1U);
+    EXPECT_EQ(StationsOf(DataOf({})), "B1 a");
 }
 
 TEST_F(KeptTrendTest, OnlyWantedConfigurationsAndChainsAreTaken) {

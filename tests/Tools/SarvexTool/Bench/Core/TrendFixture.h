@@ -38,7 +38,7 @@ public:
         const auto visit = static_cast<std::uint32_t>(data.visits.size());
         data.visits.push_back({station, FirstDay + Day * std::int64_t{visit},
                                "run" + std::to_string(visit),
-                               data.stations[station].devices.front()});
+                               data.stations[station].devices.front(), false});
         for (std::size_t item = 0; item < powers.size(); ++item) {
             if (!std::isnan(powers[item]))
                 data.rows.push_back({visit, static_cast<std::uint32_t>(item), powers[item]});

@@ -73,6 +73,14 @@ TEST_F(TrendJsonTest, DriftHasItsTimesItsChangeAndItsLimits) {
     EXPECT_EQ(trend["stations"][1]["drift"], nullptr);
 }
 
+TEST_F(TrendJsonTest, NoSingleDeviceIsNull) {
+    AddRuns(AddStation("A"), {10});
+    data.visits[0].device.clear();
+    data.visits[0].hasSeveralDevices = true;
+    EXPECT_EQ(Read()["powers"][0]["device"], nullptr);
+    EXPECT_EQ(Read()["stations"][0]["runs"][0]["device"], nullptr);
+}
+
 TEST_F(TrendJsonTest, HostileNamesAreTexts) {
     AddSteady("\"},{\x1B\xFF", 10);
     EXPECT_EQ(Read()["stations"][0]["station"], "\"},{\x1B\xEF\xBF\xBD");

@@ -269,6 +269,9 @@ TEST_F(TrendPhrasesTest, DevicesAreNamedOrCounted) {
     EXPECT_EQ(DevicesOf({"A", {}}), "");
     EXPECT_EQ(DevicesOf({"A", {"DUT"}}), "DUT");
     EXPECT_EQ(DevicesOf({"A", {"DUT", "other"}}), "2 devices");
+    EXPECT_EQ(DeviceOf({0, 0, "", "", false}), "");
+    EXPECT_EQ(DeviceOf({0, 0, "", "DUT", false}), "DUT");
+    EXPECT_EQ(DeviceOf({0, 0, "", "", true}), "several");
 }
 
 } // namespace

@@ -56,6 +56,13 @@ Measured (UTC)    Station  Device  Run   power  limits
 )");
 }
 
+TEST_F(TrendTextTest, PowerOfSeveralDevicesIsSaidToBe) {
+    AddRuns(AddStation("A"), {10});
+    data.visits[0].device.clear();
+    data.visits[0].hasSeveralDevices = true;
+    EXPECT_THAT(Printed(), HasSubstr("2026-03-02 06:00  A        several  run0     10\n"));
+}
+
 TEST_F(TrendTextTest, WithoutAnyPowerThereIsNoTable) {
     EXPECT_EQ(Printed(), "NO POWER: no kept run that the filter leaves has a power\n");
 }

@@ -102,6 +102,17 @@ TEST_F(HistoryPageTest, WholeBlockOfOneConfigurationAndChain) {
 )");
 }
 
+TEST_F(HistoryPageTest, SeveralDevicesAreSaidToBe) {
+    AddRuns(AddStation("A"), {10});
+    data.visits[0].device.clear();
+    data.visits[0].hasSeveralDevices = true;
+    const nlohmann::json block = nlohmann::json::parse(Block());
+    const std::size_t ofPoint = block["points"][0][0][2].get<std::size_t>();
+    const std::size_t ofPower = block["powers"][0][3].get<std::size_t>();
+    EXPECT_EQ(block["texts"][ofPoint], "several");
+    EXPECT_EQ(block["texts"][ofPower], "several");
+}
+
 TEST_F(HistoryPageTest, StationsAndTheirLimitsAreInTheOrderOfTheTrend) {
     AddDriftOfC();
     const nlohmann::json block = nlohmann::json::parse(Block());
