@@ -43,9 +43,15 @@ bool WantedItems::Have(const Settings& all) const {
     return true;
 }
 
+bool WantedItems::AreChosen() const {
+    return chain || std::any_of(settings.begin(), settings.end(),
+                                [](const std::optional<std::string>& text) { return text; });
+}
+
 KeptTrend::KeptTrend(const KeptHistory& history, const RunFilter& filter, const WantedItems& wanted)
     : m_configurations(history.configurations),
-      m_items(history.configurations.size() * chainCount, leftOut) {
+      m_items(history.configurations.size() * chainCount, leftOut),
+      m_isChosen(wanted.AreChosen()) {
     for (const KeptFacts& run : history.runs)
         AddRun(run, filter);
     m_firstParts.push_back(m_visitOfPart.size());
@@ -108,13 +114,15 @@ void KeptTrend::Add(const KeptPower& power) {
 
 TrendData KeptTrend::Take() {
     TellDevices();
+    if (m_isChosen)
+        LeaveOutStationsWithoutPower();
     return std::exchange(m_data, {});
 }
 
 void KeptTrend::TellDevices() {
     std::vector<std::vector<std::optional<std::string>>> ofVisits(m_data.visits.size());
     for (std::size_t part = 0; part < m_visitOfPart.size(); ++part) {
-        if (m_visitOfPart[part] == leftOut)
+        if (m_visitOfPart[part] == leftOut || (m_isChosen && !m_hasPartPower[part]))
             continue;
         const std::optional<std::string>& device = m_deviceOfPart[part];
         if (device)
@@ -124,6 +132,31 @@ void KeptTrend::TellDevices() {
     }
     for (std::size_t visit = 0; visit < ofVisits.size(); ++visit)
         TellDevice(ofVisits[visit], m_data.visits[visit]);
+}
+
+void KeptTrend::LeaveOutStationsWithoutPower() {
+    std::vector<std::uint32_t> stations(m_data.stations.size(), leftOut);
+    for (const TrendRow& row : m_data.rows)
+        stations[m_data.visits[row.visit].station] = 0;
+    std::vector<TrendStation> left;
+    for (std::size_t station = 0; station < stations.size(); ++station) {
+        if (stations[station] == leftOut)
+            continue;
+        stations[station] = static_cast<std::uint32_t>(left.size());
+        left.push_back(std::move(m_data.stations[station]));
+    }
+    m_data.stations = std::move(left);
+    std::vector<TrendVisit> leftVisits;
+    std::vector<std::uint32_t> visits;
+    for (TrendVisit& visit : m_data.visits) {
+        visits.push_back(static_cast<std::uint32_t>(leftVisits.size()));
+        visit.station = stations[visit.station];
+        if (visit.station != leftOut)
+            leftVisits.push_back(std::move(visit));
+    }
+    m_data.visits = std::move(leftVisits);
+    for (TrendRow& row : m_data.rows)
+        row.visit = visits[row.visit];
 }
 
 } // namespace Bench

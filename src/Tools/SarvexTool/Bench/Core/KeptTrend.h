@@ -18,6 +18,8 @@ struct WantedItems {
     std::optional<Chain> chain;
 
     bool Have(const Settings& all) const;
+    /// Whether anything is named.
+    bool AreChosen() const;
 };
 
 /// Makes the data of a trend from kept powers, which may be millions, one after the other.
@@ -31,6 +33,8 @@ public:
     /// part, one that is not finite, or has more than nine digits before the point.
     void Add(const KeptPower& power);
 
+    /// Where configurations or a chain were chosen, without the stations that have no such power:
+    /// they measure something else. Else these stay, because their runs gave nothing.
     TrendData Take();
 
 private:
@@ -38,6 +42,7 @@ private:
     std::uint32_t StationOf(const RunPlace& place);
     std::uint32_t VisitOf(const KeptFacts& run, const RunPlace& place, std::size_t firstOfRun);
     void TellDevices();
+    void LeaveOutStationsWithoutPower();
 
     static constexpr std::uint32_t leftOut = UINT32_MAX;
     static constexpr std::size_t chainCount = 3;
@@ -53,6 +58,7 @@ private:
     /// Of each configuration and chain; a place is given with the first power.
     std::vector<std::uint32_t> m_items;
     std::vector<bool> m_isWanted;
+    bool m_isChosen;
 };
 
 } // namespace Bench

@@ -140,6 +140,12 @@ TrendConclusion WithDrift(const TrendData& data, const Trend& trend) {
     return conclusion;
 }
 
+std::size_t CountWithPowers(const Trend& trend) {
+    return static_cast<std::size_t>(
+        std::count_if(trend.stations.begin(), trend.stations.end(),
+                      [](const StationTrend& station) { return station.powers != 0; }));
+}
+
 void AddRunsAloneBeyond(const TrendData& data, const Trend& trend, TrendConclusion& conclusion) {
     bool isAny = false;
     for (const StationTrend& station : trend.stations) {
@@ -168,12 +174,15 @@ TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
         conclusion.sentences.push_back(WithoutLimit(trend));
     if (trend.CountTooFew() != 0 && trend.sharedItems != 0 && conclusion.word != "TOO FEW RUNS")
         conclusion.sentences.push_back(TooFewRuns(data, trend));
+    const bool haveAllPowers = CountWithPowers(trend) == trend.stations.size();
     if (trend.basis == TrendBasis::TwoStations && trend.sharedItems != 0)
-        conclusion.sentences.emplace_back("with two stations it cannot be told which of them is "
-                                          "wrong");
+        conclusion.sentences.push_back(
+            std::string(haveAllPowers ? "with two stations" : "with powers of two stations only") +
+            " it cannot be told which of them is wrong");
     if (trend.basis == TrendBasis::OwnMean)
-        conclusion.sentences.emplace_back("with one station it cannot be told whether it or what "
-                                          "it measures has changed");
+        conclusion.sentences.push_back(
+            std::string(haveAllPowers ? "with one station" : "with powers of one station only") +
+            " it cannot be told whether it or what it measures has changed");
     return conclusion;
 }
 

@@ -132,6 +132,24 @@ TEST_F(KeptTrendTest, StationWithoutAnyPowerIsAStation) {
     EXPECT_EQ(StationsOf(DataOf({})), "B1 a");
 }
 
+TEST_F(KeptTrendTest, StationWithoutAPowerOfThoseChosenIsLeftOut) {
+    AddRun(100, {{"B1", "a", 1}, {"B2", "a", 1}});
+    AddRun(200, {{"B3", "a", 1}, {"B3", "b", 1}});
+    const std::vector<KeptPower> all{{0, 0, 0, Chain::A, 10},
+                                     {0, 1, 1, Chain::B, 11},
+                                     {1, 0, 0, Chain::A, 12},
+                                     {1, 1, 1, Chain::B, 13}};
+    EXPECT_EQ(StationsOf(DataOf(all)), "B1 a, B2 a, B3 a b");
+    wanted.chain = Chain::B;
+    EXPECT_EQ(StationsOf(DataOf(all)), "B2 a, B3 b");
+    EXPECT_EQ(Taken(all), "100 B2 a 40 B 11\n200 B3 b 40 B 13\n");
+    wanted.chain = std::nullopt;
+    wanted.settings[static_cast<std::size_t>(Setting::Channel)] = "36";
+    EXPECT_EQ(StationsOf(DataOf(all)), "B1 a, B3 a");
+    EXPECT_EQ(Taken(all), "100 B1 a 36 A 10\n200 B3 a 36 A 12\n");
+    EXPECT_EQ(DataOf(all).visits.size(), 2U);
+}
+
 TEST_F(KeptTrendTest, OnlyWantedConfigurationsAndChainsAreTaken) {
     AddRun(100, {{"B1", "a", 1}});
     const std::vector<KeptPower> all{{0, 0, 0, Chain::A, 10},

@@ -148,6 +148,18 @@ TEST_F(TrendPhrasesTest, WithOneStationItIsSaidThatItsDeviceMayHaveChanged) {
               "is steady: none of its 8 runs is beyond its control limits");
 }
 
+TEST_F(TrendPhrasesTest, StationsWithoutAnyPowerAreNoneOfThoseHeldAgainstEachOther) {
+    AddSteady("A", 10);
+    AddRun(AddStation("C"), {NAN});
+    EXPECT_THAT(Conclusion().sentences,
+                ElementsAre("too few runs for control limits, which need 8: C (0)",
+                            "with powers of one station only it cannot be told whether it or what "
+                            "it measures has changed"));
+    AddSteady("B", 11);
+    EXPECT_EQ(Conclusion().sentences.back(),
+              "with powers of two stations only it cannot be told which of them is wrong");
+}
+
 TEST_F(TrendPhrasesTest, StationThatIsApartIsToldBesideTheConclusion) {
     AddSteadyAB();
     AddSteady("C", 10.5);
