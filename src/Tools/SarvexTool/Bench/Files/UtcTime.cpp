@@ -39,8 +39,8 @@ std::optional<chrono::sys_days> TakeDay(std::string_view& text, char after) {
     const std::optional<int> year = TakeNumber(text, 4, '-');
     const std::optional<int> month = year ? TakeNumber(text, 2, '-') : std::nullopt;
     const std::optional<int> day = month ? TakeNumber(text, 2, after) : std::nullopt;
-    // The clock counts from 1970, in nanoseconds, which last until 2262.
-    constexpr int firstYear = 1970;
+    // The clock counts nanoseconds, which reach from 1677 to 2262.
+    constexpr int firstYear = 1678;
     constexpr int lastYear = 2261;
     if (!day || *year < firstYear || *year > lastYear)
         return std::nullopt;

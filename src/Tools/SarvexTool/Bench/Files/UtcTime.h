@@ -16,7 +16,7 @@ std::string UtcTime(std::chrono::system_clock::time_point time);
 std::optional<std::chrono::system_clock::time_point> ParseUtcTime(std::string_view text);
 
 /// Reads a day as "2026-03-09": its first moment. Nothing for any other text. Both read the years
-/// from 1970 to 2261.
+/// from 1678 to 2261.
 std::optional<std::chrono::system_clock::time_point> ParseUtcDay(std::string_view text);
 
 /// A moment in words, to the minute: "2026-03-09 08:05 UTC".

@@ -43,12 +43,12 @@ TEST(UtcTimeTest, NoOtherTextIsOne) {
 }
 
 TEST(UtcTimeTest, WhatTheClockCannotCountIsNoTime) {
-    for (const char* day : {"0000-01-01", "1969-12-31", "2262-01-01", "9999-12-31"}) {
+    for (const char* day : {"0000-01-01", "1677-12-31", "2262-01-01", "9999-12-31"}) {
         EXPECT_EQ(ParseUtcDay(day), std::nullopt) << day;
         EXPECT_EQ(ParseUtcTime(day + std::string("T00:00:00Z")), std::nullopt) << day;
     }
     EXPECT_EQ(UtcTime(ParseUtcTime("2261-12-31T23:59:59Z").value()), "2261-12-31T23:59:59.000Z");
-    EXPECT_EQ(UtcTime(ParseUtcDay("1970-01-01").value()), "1970-01-01T00:00:00.000Z");
+    EXPECT_EQ(UtcTime(ParseUtcDay("1678-01-01").value()), "1678-01-01T00:00:00.000Z");
 }
 
 TEST(UtcTimeTest, ADayBeginsWithItsFirstMoment) {
