@@ -11,6 +11,11 @@ namespace {
 constexpr double firstTooLarge = 1e9;
 constexpr std::size_t shownDigits = 8;
 
+bool Has(const Settings& settings, Setting setting, const std::string& value) {
+    const std::string* const text = settings[setting];
+    return text != nullptr && *text == value;
+}
+
 bool Fits(const std::optional<std::string>& wanted, const std::optional<std::string>& told) {
     return !wanted || wanted == told;
 }
@@ -36,8 +41,7 @@ void TellDevice(const std::vector<std::optional<std::string>>& devices, TrendVis
 
 bool WantedItems::Have(const Settings& all) const {
     for (std::size_t index = 0; index < SettingCount; ++index) {
-        const std::string* const text = all[static_cast<Setting>(index)];
-        if (settings.at(index) && (text == nullptr || *text != *settings.at(index)))
+        if (settings.at(index) && !Has(all, static_cast<Setting>(index), *settings.at(index)))
             return false;
     }
     return true;
@@ -48,10 +52,23 @@ bool WantedItems::AreChosen() const {
                                 [](const std::optional<std::string>& text) { return text; });
 }
 
+std::vector<SettingValue> WantedItems::NotIn(const std::vector<Settings>& configurations) const {
+    std::vector<SettingValue> missing;
+    for (std::size_t index = 0; index < SettingCount; ++index) {
+        const auto setting = static_cast<Setting>(index);
+        const std::optional<std::string>& value = settings.at(index);
+        if (value && std::none_of(configurations.begin(), configurations.end(),
+                                  [&](const Settings& all) { return Has(all, setting, *value); }))
+            missing.push_back({setting, *value});
+    }
+    return missing;
+}
+
 KeptTrend::KeptTrend(const KeptHistory& history, const RunFilter& filter, const WantedItems& wanted)
     : m_configurations(history.configurations),
       m_items(history.configurations.size() * chainCount, leftOut),
       m_isChosen(wanted.AreChosen()) {
+    m_data.neverKept = wanted.NotIn(history.configurations);
     for (const KeptFacts& run : history.runs)
         AddRun(run, filter);
     m_firstParts.push_back(m_visitOfPart.size());

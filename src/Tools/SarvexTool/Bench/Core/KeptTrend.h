@@ -20,6 +20,8 @@ struct WantedItems {
     bool Have(const Settings& all) const;
     /// Whether anything is named.
     bool AreChosen() const;
+    /// The values that none of the configurations has.
+    std::vector<SettingValue> NotIn(const std::vector<Settings>& configurations) const;
 };
 
 /// Makes the data of a trend from kept powers, which may be millions, one after the other.

@@ -49,6 +49,14 @@ struct TrendRow {
     double power = 0;
 };
 
+/// A value of a setting, any text.
+struct SettingValue {
+    Setting setting = Setting::Band;
+    std::string value;
+
+    bool operator==(const SettingValue&) const = default;
+};
+
 /// The kept powers that a trend is made of, in no order but that of the visits, which are in the
 /// order of time.
 struct TrendData {
@@ -56,6 +64,8 @@ struct TrendData {
     std::vector<TrendVisit> visits;
     std::vector<TrendItem> items;
     std::vector<TrendRow> rows;
+    /// What was chosen of which nothing was ever kept; then there are no rows.
+    std::vector<SettingValue> neverKept = {};
 };
 
 /// The median: of an even number, the mean of the two in the middle. The numbers, at least one, are

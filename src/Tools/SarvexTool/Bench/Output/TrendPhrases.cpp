@@ -112,10 +112,20 @@ std::string Steady(const Trend& trend) {
            (count == 1 ? "" : " that stations share");
 }
 
+TrendConclusion WithoutPower(const TrendData& data) {
+    TrendConclusion conclusion{"NO POWER", {}};
+    for (const SettingValue& value : data.neverKept)
+        conclusion.sentences.push_back("no kept measurement has " +
+                                       std::string(NameOf(value.setting)) + " " + value.value);
+    if (conclusion.sentences.empty())
+        conclusion.sentences.emplace_back("no kept run that the filter leaves has a power");
+    return conclusion;
+}
+
 /// What the first line says, where no station drifts.
 TrendConclusion WithoutDrift(const TrendData& data, const Trend& trend) {
     if (trend.basis == TrendBasis::Nothing)
-        return {"NO POWER", {"no kept run that the filter leaves has a power"}};
+        return WithoutPower(data);
     if (trend.CountOutOfLimits() != 0)
         return {"OUT OF LIMITS", {OutOfLimits(trend)}};
     if (trend.HasNoLimit())

@@ -62,6 +62,18 @@ TEST_F(HistoryTrendTest, WordsAndOptionsChooseWhatIsFollowed) {
     EXPECT_THAT(out.str(), StartsWith("NO POWER: "));
 }
 
+TEST_F(HistoryTrendTest, ValueThatNoKeptMeasurementHasIsTold) {
+    Keep("A", std::vector<std::string>(9, "10"));
+    EXPECT_EQ(History({"trend", "Band=5", "Channel=37", "Rate=M\tCS"}), 1);
+    EXPECT_EQ(out.str(), "NO POWER: no kept measurement has Channel 37\n"
+                         "no kept measurement has Rate M\\tCS\n");
+    EXPECT_EQ(History({"trend", "Band=5", "Chain=B"}), 1);
+    EXPECT_EQ(out.str(), "NO POWER: no kept run that the filter leaves has a power\n");
+    EXPECT_EQ(History({"trend", "Channel=37", "--json", "-"}), 1);
+    EXPECT_EQ(nlohmann::json::parse(out.str()).at("says"),
+              nlohmann::json({"no kept measurement has Channel 37"}));
+}
+
 TEST_F(HistoryTrendTest, BenchThatMeasuresNothingOfWhatIsChosenTakesNoPart) {
     Keep("A", std::vector<std::string>(9, "10"));
     Keep("B", std::vector<std::string>(9, "NA"));

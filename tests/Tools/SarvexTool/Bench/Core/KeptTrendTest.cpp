@@ -166,6 +166,15 @@ TEST_F(KeptTrendTest, OnlyWantedConfigurationsAndChainsAreTaken) {
     EXPECT_EQ(Taken(all), "") << "a setting that is not known is not the one that is wanted";
 }
 
+TEST_F(KeptTrendTest, ValuesThatNothingKeptHasAreTold) {
+    EXPECT_TRUE(DataOf({}).neverKept.empty());
+    wanted.settings[static_cast<std::size_t>(Setting::Band)] = "5";
+    wanted.settings[static_cast<std::size_t>(Setting::Channel)] = "37";
+    wanted.settings[static_cast<std::size_t>(Setting::Rate)] = "MCS9";
+    EXPECT_EQ(DataOf({}).neverKept,
+              (std::vector<SettingValue>{{Setting::Channel, "37"}, {Setting::Rate, "MCS9"}}));
+}
+
 TEST_F(KeptTrendTest, WhatNoRunHoldsIsLeftOut) {
     AddRun(100, {{"B1", "a", 1}});
     AddRun(200, {{"B1", "a", 1}});
