@@ -177,13 +177,14 @@ class QueryTest(unittest.TestCase):
     def test_it_gives_the_powers_of_each_bench_over_time(self):
         stage = Stage(self)
         (stage.folder / "run").mkdir()
-        for day, bench, powers in (("03", "B1", "10.5,1"), ("02", "B2", "11.25,2"), ("09", "B1", "9,9"),
-                                   ("04", "B1", "NA,3")):
+        for day, bench, device, powers in (
+                ("03", "B1", "DUT-7", "10.5,1"), ("02", "B2", "DUT-7", "11.25,2"), ("09", "B1", "DUT-7", "9,9"),
+                ("04", "B1", "DUT-7", "NA,3"), ("05", "B1", "DUT-8", "10,4")):
             (stage.folder / "run/result.csv").write_text(
                 f"Band,Chains,Bandwidth,Channel,Rate,Chain-A Power, Chain B Power\n"
                 f"5,AB,20,36,MCS0,{powers}\n5,A,20,36,MCS9,8,NA\n5,A,40,36,MCS0,8,NA\n5,A,20,40,MCS0,7,NA\n")
             [output] = stage.run([f"./SarvexToolBench history add run --store history.db --bench {bench} "
-                                  f"--measured 2026-03-{day}"])
+                                  f"--device {device} --measured 2026-03-{day}"])
             self.assertIn("Kept run, measured 2026-03-", output)
         [query] = re.findall(r"^```sql\n(.*?)^```$", (ROOT / "docs/history.md").read_text(),
                              re.DOTALL | re.MULTILINE)
