@@ -158,7 +158,7 @@ void SqliteDatabase::EndStatement::operator()(sqlite3_stmt* pStatement) const {
 
 SqliteDatabase::SqliteDatabase(const StoreName& name, OpenFor purpose,
                                std::chrono::milliseconds patience)
-    : Database(name.Shown()), m_patience(patience) {
+    : Database(name.Shown()), m_purpose(purpose), m_patience(patience) {
     const std::filesystem::path path = PathOf(name.File());
     std::error_code error;
     if (std::filesystem::is_directory(path, error))
@@ -280,6 +280,11 @@ std::vector<std::string> SqliteDatabase::IntegrityProblems() {
 }
 
 void SqliteDatabase::FailWithError() const {
+    const int code = sqlite3_extended_errcode(m_database.get()) & 0xFF;
+    if (code == SQLITE_READONLY && m_purpose == OpenFor::Reading)
+        Fail("cannot be read: it is in WAL mode or was left in the middle of a change, so that "
+             "reading it writes beside it, and its file or folder is read-only; read it as a user "
+             "who may write there");
     Fail(InWords(m_database.get(), m_patience));
 }
 

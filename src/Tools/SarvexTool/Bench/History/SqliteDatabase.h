@@ -49,6 +49,7 @@ private:
     /// Throws what the database's last error means.
     [[noreturn]] void FailWithError() const;
 
+    OpenFor m_purpose;
     std::chrono::milliseconds m_patience;
     std::unique_ptr<sqlite3, CloseDatabase> m_database;
     // Statements are kept: the same few are run for each run that is added. They end before the

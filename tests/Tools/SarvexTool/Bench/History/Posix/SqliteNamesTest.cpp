@@ -1,5 +1,7 @@
 #include "tests/Tools/SarvexTool/Bench/History/HistoryFixture.h"
 
+#include <unistd.h>
+
 #include <filesystem>
 #include <stdexcept>
 
@@ -28,6 +30,42 @@ TEST(SqliteNamesTest, AFileThatIsThereMayBeNamedAsIfItHadAPassword) {
     EXPECT_THROW(StoreName::Parse(name), std::invalid_argument);
     directory.Create("eva:7@lab.db", "");
     EXPECT_EQ(StoreName::Parse(name).File(), name);
+}
+
+/// A user who may write only where everybody may, while it lives; root may write everywhere.
+class UserWithoutRights {
+public:
+    UserWithoutRights() { Become(::geteuid() == 0 ? nobody : ::geteuid()); }
+    ~UserWithoutRights() { Become(m_before); }
+    UserWithoutRights(const UserWithoutRights&) = delete;
+    UserWithoutRights& operator=(const UserWithoutRights&) = delete;
+
+private:
+    static constexpr uid_t nobody = 65534;
+
+    static void Become(uid_t user) { EXPECT_EQ(::seteuid(user), 0); }
+
+    uid_t m_before = ::geteuid();
+};
+
+TEST(SqliteNamesTest, AStoreThatNeedsFilesBesideItIsNotReadWhereNoneCanBeMade) {
+    const FileStores stores;
+    stores.Open(OpenFor::Writing)->Query("PRAGMA journal_mode=WAL", [](const ResultRow&) {});
+    stores.Open(OpenFor::Writing)->Run("CREATE TABLE things(id BIGINT PRIMARY KEY)");
+    const std::filesystem::path folder = std::filesystem::path(stores.Path()).parent_path();
+    using std::filesystem::perms;
+    const perms readable = perms::owner_read | perms::owner_exec | perms::group_read |
+                           perms::group_exec | perms::others_read | perms::others_exec;
+    std::filesystem::permissions(folder, readable);
+    {
+        const UserWithoutRights user;
+        EXPECT_EQ(FailureOf([&] { stores.Open(OpenFor::Reading); }),
+                  stores.Path() +
+                      ": cannot be read: it is in WAL mode or was left in the middle of a change, "
+                      "so that reading it writes beside it, and its file or folder is read-only; "
+                      "read it as a user who may write there");
+    }
+    std::filesystem::permissions(folder, perms::owner_all);
 }
 
 // In this one, nobody can make a file: not even who may write everywhere else.
