@@ -237,7 +237,7 @@ class ServerTest(support.HistoryTest):
             [support.BENCH, "history", "add", self.make_result("large", 30_000, 2), "--store", store],
             stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, env=support.environment())
         log = stores.folder / "server.log"
-        statement = b"INSERT INTO measurements"
+        statement = b"INSERT INTO result_lines"
         earlier = log.read_bytes().count(statement)
         end = time.monotonic() + support.TIMEOUT
         while log.read_bytes().count(statement) == earlier:

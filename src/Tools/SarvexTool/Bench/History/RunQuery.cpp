@@ -186,18 +186,12 @@ private:
     std::unordered_map<std::int64_t, std::uint32_t> m_places;
 };
 
-Chain ChainNamed(std::string_view name) {
-    if (name == NameOf(Chain::A))
-        return Chain::A;
-    return name == NameOf(Chain::B) ? Chain::B : Chain::None;
-}
-
 bool IsMeant(const RunFilter& filter, const RunPlace& part) {
     return (!filter.bench || part.bench.value_or(UnknownBench) == *filter.bench) &&
            (!filter.device || part.device == filter.device);
 }
 
-/// Turns rows of measurements into powers.
+/// Turns rows of lines into powers.
 class PowerReader {
 public:
     PowerReader(const RunFilter& filter, const std::vector<NumberedRun>& runs,
@@ -207,15 +201,23 @@ public:
           m_places(PlacesOf(runs)),
           m_configurations(configurations) {}
 
-    /// Nothing for a row that is not meant.
-    std::optional<KeptPower> Read(const ResultRow& row) {
+    /// Takes nothing of a row that is not meant.
+    void Read(const ResultRow& row, const std::function<void(const KeptPower&)>& take) {
         FindRun(row.Integer(0));
         const auto part = static_cast<std::uint64_t>(row.Integer(1));
         if (m_place == none || part >= m_isMeant.size() || !m_isMeant[part])
-            return std::nullopt;
-        return KeptPower{m_place, static_cast<std::uint32_t>(part),
-                         m_configurations.PlaceOf(row.Integer(2)), ChainNamed(row.Text(3)),
-                         row.Real(4)};
+            return;
+        KeptPower power{m_place, static_cast<std::uint32_t>(part),
+                        m_configurations.PlaceOf(row.Integer(2)), Chain::A, 0};
+        constexpr std::size_t columnA = 3;
+        for (const auto& [chain, column] :
+             {std::pair(Chain::A, columnA), {Chain::B, columnA + 1}}) {
+            if (row.IsNull(column))
+                continue;
+            power.chain = chain;
+            power.power = row.Real(column);
+            take(power);
+        }
     }
 
 private:
@@ -333,13 +335,10 @@ void QueryPowers(Database& database, const RunFilter& filter, TextPool& texts,
     PowerReader reader(filter, runs, configurations);
     const std::string some =
         condition.text.empty() ? "" : " AND run IN (SELECT id FROM runs" + WhereOf(condition) + ")";
-    database.Query("SELECT run, part, configuration, chain, power FROM measurements WHERE power IS "
-                   "NOT NULL" +
+    database.Query("SELECT run, part, configuration, power_a, power_b FROM result_lines WHERE "
+                   "(power_a IS NOT NULL OR power_b IS NOT NULL)" +
                        some,
-                   condition.values, [&](const ResultRow& row) {
-                       if (const std::optional<KeptPower> power = reader.Read(row))
-                           take(*power);
-                   });
+                   condition.values, [&](const ResultRow& row) { reader.Read(row, take); });
 }
 
 } // namespace Bench

@@ -5,9 +5,11 @@
 #include "Tools/SarvexTool/Bench/History/Rows.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <span>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace Bench {
@@ -127,19 +129,42 @@ void InsertParts(Database& database, std::int64_t number, const std::vector<RunP
     rows.Finish();
 }
 
+/// The powers of one line by chain, and why there is none; the last reason is that of a line
+/// without a chain.
+struct LineValues {
+    std::array<Value, 2> powers;
+    std::array<Value, 3> reasons;
+};
+
+void Put(const Measurement& measurement, LineValues& values) {
+    const auto chain = static_cast<std::size_t>(measurement.chain);
+    if (measurement.power)
+        values.powers.at(chain).emplace<double>(measurement.power->ToDouble());
+    else
+        values.reasons.at(chain) = ValueOf(measurement.reason.ToText());
+}
+
 void InsertMeasurements(Database& database, std::int64_t number, const RunToKeep& run) {
     const ConfigurationNumbers configurations(database, run.result.configurations);
-    constexpr std::size_t width = 7;
-    RowInserter rows(database, "measurements",
-                     "run, line, chain, configuration, part, power, reason", width);
-    for (const Measurement& measurement : run.result.measurements) {
+    constexpr std::size_t width = 9;
+    RowInserter rows(database, "result_lines",
+                     "run, line, configuration, part, power_a, power_b, reason_a, reason_b, reason",
+                     width);
+    const std::vector<Measurement>& all = run.result.measurements;
+    for (std::size_t next = 0; next < all.size();) {
+        // Those of a line follow each other.
+        const Measurement& first = all[next];
+        LineValues values;
+        for (; next < all.size() && all[next].configuration == first.configuration; ++next)
+            Put(all[next], values);
         rows.Add(number);
-        rows.Add(std::int64_t{run.result.LineOf(measurement)});
-        rows.Add(std::string(NameOf(measurement.chain)));
-        rows.Add(configurations.NumberOf(measurement.configuration));
-        rows.Add(std::int64_t{run.parts[measurement.configuration]});
-        rows.Add(measurement.power ? Value(measurement.power->ToDouble()) : Value());
-        rows.Add(measurement.power ? Value() : ValueOf(measurement.reason.ToText()));
+        rows.Add(std::int64_t{run.result.LineOf(first)});
+        rows.Add(configurations.NumberOf(first.configuration));
+        rows.Add(std::int64_t{run.parts[first.configuration]});
+        for (Value& power : values.powers)
+            rows.Add(std::move(power));
+        for (Value& reason : values.reasons)
+            rows.Add(std::move(reason));
     }
     rows.Finish();
 }

@@ -11,7 +11,7 @@ TEST_P(MigrationsTest, ANewDatabaseGetsAllTablesOnce) {
     EXPECT_EQ(VersionOf(*m_database), NewestVersion());
     EXPECT_EQ(m_database->Tables(),
               (std::vector<std::string>{"baselines", "configurations", "files", "history_version",
-                                        "measurements", "parts", "runs"}));
+                                        "parts", "result_lines", "runs"}));
     m_database->Run("INSERT INTO configurations(id, key) VALUES (1, 'k')");
     Migrate(*m_database);
     EXPECT_EQ(RowsOf(*m_database, "SELECT key FROM configurations", 1), "k\n");
@@ -74,14 +74,14 @@ TEST_P(MigrationsTest, ARunTakesItsRowsWithItUnlessItIsABaseline) {
                     "measurements, measured) VALUES (1, 'h', 0, 0, 'n', 'pass', 1, 1, 1)");
     m_database->Run("INSERT INTO configurations(id, key) VALUES (1, 'k')");
     m_database->Run("INSERT INTO parts(run, part) VALUES (1, 0)");
-    m_database->Run("INSERT INTO measurements VALUES (1, 2, 'A', 1, 0, 12.5, NULL)");
+    m_database->Run("INSERT INTO result_lines VALUES (1, 2, 1, 0, 12.5, NULL, NULL, NULL, NULL)");
     const std::vector<Value> content{Blob{"bytes"}};
     m_database->Run("INSERT INTO files VALUES (1, 'result.csv', 5, 's', $1)", content);
     m_database->Run("INSERT INTO baselines VALUES ('golden', 1)");
     EXPECT_NE(FailureOf([&] { m_database->Run("DELETE FROM runs"); }), "nothing");
     m_database->Run("DELETE FROM baselines");
     m_database->Run("DELETE FROM runs");
-    for (const std::string table : {"runs", "parts", "measurements", "files"})
+    for (const std::string table : {"runs", "parts", "result_lines", "files"})
         EXPECT_EQ(RowsOf(*m_database, "SELECT COUNT(*) FROM " + table, 1), "0\n") << table;
 }
 

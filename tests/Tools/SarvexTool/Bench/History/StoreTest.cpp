@@ -136,6 +136,13 @@ TEST_P(StoreTest, TheRowsAreThoseOfTheMeasurements) {
         "3|A|5|A|NULL|0|110|NULL\n");
 }
 
+TEST_P(StoreTest, ALineWithoutAChainHasARowOfItsOwn) {
+    m_store->Add(Run("5,-,NA,NA\n"), 1);
+    EXPECT_EQ(RowsOf(*m_database, "SELECT line, chain, part, power, reason FROM measurements", 5),
+              "2|?|0|NULL|no power was reported\n");
+    EXPECT_THAT(m_store->Check().problems, IsEmpty());
+}
+
 TEST_P(StoreTest, AConfigurationIsKeptOnceForAllRuns) {
     m_store->Add(Run("5,A,1,NA\n6,A,1,NA\n5,A,2,NA\n"), 1);
     m_store->Add(Run("6,A,3,NA\n7,A,3,NA\n"), 1);
@@ -294,7 +301,7 @@ TEST_P(StoreTest, ThatItIsWritableChangesNothing) {
 TEST_P(StoreTest, ARunIsRemovedWithAllItsRows) {
     const std::string hash = Added("1");
     m_store->Remove(hash, false);
-    for (const char* table : {"runs", "parts", "measurements", "files"})
+    for (const char* table : {"runs", "parts", "result_lines", "files"})
         EXPECT_EQ(Count(table), "0\n") << table;
     EXPECT_THROW(m_store->Remove(hash, false), NotKept);
     EXPECT_THROW(m_store->FilesOf(hash), NotKept);
@@ -434,13 +441,13 @@ TEST_P(StoreTest, ACheckFindsNothingWrongWithWhatWasKept) {
 TEST_P(StoreTest, ACheckFindsWhatWasChanged) {
     const std::string run = "the run " + ShortHash(Added("1")) + ": ";
     const std::pair<const char*, const char*> cases[] = {
-        {"UPDATE measurements SET power = 1.0000001",
+        {"UPDATE result_lines SET power_a = 1.0000001",
          "of its measurements, 1 are not those of its result.csv"},
-        {"UPDATE measurements SET power = 1, chain = 'B'",
+        {"UPDATE result_lines SET power_a = NULL, power_b = 1",
          "of its measurements, 2 are not those of its result.csv"},
-        {"UPDATE measurements SET power = NULL, chain = 'A'",
+        {"UPDATE result_lines SET power_b = NULL, reason_a = 'x'",
          "of its measurements, 1 are not those of its result.csv"},
-        {"DELETE FROM measurements", "of its measurements, 1 are not those of its result.csv"}};
+        {"DELETE FROM result_lines", "of its measurements, 1 are not those of its result.csv"}};
     for (const auto& [statement, problem] : cases) {
         Change(statement);
         const std::vector<std::string> problems = m_store->Check().problems;
