@@ -177,8 +177,11 @@ bool Store::Add(const RunToKeep& run, std::int64_t now) {
 void Store::RequireWritable() {
     Transaction transaction(*m_database, OpenFor::Writing);
     // Rights are asked for whether there is a row or not.
-    for (const std::string table : {"runs", "parts", "configurations", "result_lines", "files"})
-        m_database->Run("INSERT INTO " + table + " SELECT * FROM " + table + " WHERE 1 = 0");
+    for (const char* table : {"runs", "parts", "configurations", "result_lines", "files"}) {
+        std::string statement = "INSERT INTO ";
+        statement.append(table).append(" SELECT * FROM ").append(table).append(" WHERE 1 = 0");
+        m_database->Run(statement);
+    }
     transaction.Commit();
 }
 
