@@ -177,7 +177,7 @@ class StorageTest(support.HistoryTest):
 
 class Hostile:
     kind = None
-    TEXTS = ["'; DROP TABLE runs; --", "\"", "$1", "%s%n", "\x1b[2J", "a\tb\nc", "\udcff", "Ü", "", " ", "NULL", "\u202e",
+    TEXTS = ["'; DROP TABLE runs; --", "\"", "$1", "%s%n", "\x1b[2J", "a\tb\nc", "\udcff", "Ü", "", "a b", "NULL", "\u202e",
              "base64:", "x" * 5000]
 
     def test_hostile_texts_come_back_as_they_are(self):
