@@ -89,6 +89,7 @@ void KeptTrend::AddRun(const KeptFacts& run, const RunFilter& filter) {
                             Fits(filter.device, place.device);
         m_visitOfPart.push_back(counts ? VisitOf(run, place, firstOfRun) : leftOut);
         m_deviceOfPart.push_back(place.device);
+        m_firmwareOfPart.push_back(run.firmware);
     }
 }
 
@@ -142,8 +143,11 @@ void KeptTrend::TellDevices() {
         if (m_visitOfPart[part] == leftOut || (m_isChosen && !m_hasPartPower[part]))
             continue;
         const std::optional<std::string>& device = m_deviceOfPart[part];
+        TrendStation& station = m_data.stations[m_data.visits[m_visitOfPart[part]].station];
         if (device)
-            AddOnce(m_data.stations[m_data.visits[m_visitOfPart[part]].station].devices, *device);
+            AddOnce(station.devices, *device);
+        if (m_firmwareOfPart[part])
+            AddOnce(station.firmwares, *m_firmwareOfPart[part]);
         if (m_hasPartPower[part])
             AddOnce(ofVisits[m_visitOfPart[part]], device);
     }

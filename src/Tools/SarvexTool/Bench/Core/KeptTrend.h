@@ -56,6 +56,7 @@ private:
     std::vector<std::size_t> m_firstParts;
     std::vector<std::uint32_t> m_visitOfPart;
     std::vector<std::optional<std::string>> m_deviceOfPart;
+    std::vector<std::optional<std::string>> m_firmwareOfPart;
     std::vector<bool> m_hasPartPower;
     /// Of each configuration and chain; a place is given with the first power.
     std::vector<std::uint32_t> m_items;

@@ -101,7 +101,13 @@ std::vector<double> ReferencesOf(const TrendData& data, std::size_t neededStatio
     std::vector<double> references(data.items.size(), none);
     StationMeans means(data.stations.size());
     for (std::size_t item = 0; item < references.size(); ++item) {
-        const std::span<double> ofItem = means.Of(byItem.Of(item));
+        const std::span<StationPower> powers = byItem.Of(item);
+        // A sum depends on the order of its parts, and a database has none.
+        std::sort(powers.begin(), powers.end(),
+                  [](const StationPower& left, const StationPower& right) {
+                      return left.power < right.power;
+                  });
+        const std::span<double> ofItem = means.Of(powers);
         if (ofItem.size() >= neededStations)
             references[item] = MedianOf(ofItem);
     }
@@ -220,9 +226,11 @@ TrendBasis BasisOf(std::size_t stations) {
 
 /// Where a station is among all: the lower, the more it stands out.
 int RankOf(const StationTrend& station) {
-    enum Rank : int { Drifting, BeyondOnce, Apart, TooFew, Inconspicuous };
+    enum Rank : int { Drifting, Drifted, BeyondOnce, Apart, TooFew, Inconspicuous };
+    if (station.drift && station.drift->isLasting)
+        return station.drift->goesOn ? Drifting : Drifted;
     if (station.drift)
-        return station.drift->isLasting ? Drifting : BeyondOnce;
+        return BeyondOnce;
     if (station.isApart)
         return Apart;
     return station.limits ? Inconspicuous : TooFew;
@@ -245,6 +253,10 @@ std::size_t SumOf(const std::vector<StationTrend>& stations, std::size_t Station
     return std::accumulate(
         stations.begin(), stations.end(), std::size_t{0},
         [count](std::size_t sum, const StationTrend& station) { return sum + station.*count; });
+}
+
+bool IsMixed(const TrendStation& station) {
+    return station.devices.size() > 1 || station.firmwares.size() > 1;
 }
 
 } // namespace
@@ -277,7 +289,7 @@ std::optional<ControlLimits> ControlLimitsOf(std::span<const double> values) {
 
 std::size_t Trend::CountDrifting() const {
     return CountThose(stations, [](const StationTrend& station) {
-        return station.drift && station.drift->isLasting;
+        return station.drift && station.drift->IsNow();
     });
 }
 
@@ -303,7 +315,7 @@ bool Trend::HasNoLimit() const {
 
 bool Trend::IsFine() const {
     return basis != TrendBasis::Nothing && CountDrifting() == 0 && CountTooFew() == 0 &&
-           CountOutOfLimits() == 0 && !HasNoLimit();
+           CountOutOfLimits() == 0 && !HasNoLimit() && !isMixed;
 }
 
 Trend TrendOf(const TrendData& data, const std::vector<const Limit*>* limits) {
@@ -311,6 +323,7 @@ Trend TrendOf(const TrendData& data, const std::vector<const Limit*>* limits) {
     Trend trend;
     trend.basis = BasisOf(stations);
     trend.isJudged = limits != nullptr;
+    trend.isMixed = std::any_of(data.stations.begin(), data.stations.end(), IsMixed);
     const std::vector<double> references =
         ReferencesOf(data, std::clamp<std::size_t>(stations, 1, 2));
     trend.sharedItems = static_cast<std::size_t>(

@@ -11,13 +11,14 @@
 
 namespace Bench {
 
-/// A bench whose runs are followed. The devices are told beside it: a change of the device shows in
-/// the same way as a drift.
+/// A bench whose runs are followed. The devices and their firmwares are told beside it: a change of
+/// them shows in the same way as a drift, or hides one.
 struct TrendStation {
     /// "unknown" stands for the runs of which nothing tells the bench. Any text.
     std::string name;
     /// Each once, in the order of their names.
     std::vector<std::string> devices;
+    std::vector<std::string> firmwares = {};
 };
 
 /// What one station measured in one run.
@@ -119,6 +120,10 @@ struct Drift {
     /// Else it is an outlier, one run alone, as by chance 3 of 1,000 are beyond: the station does
     /// not drift.
     bool isLasting = false;
+    /// Whether the last run of all is one of these: else it is over.
+    bool goesOn = false;
+
+    bool IsNow() const { return isLasting && goesOn; }
 };
 
 /// What a station's runs tell of it.
@@ -161,15 +166,17 @@ enum class TrendBasis : std::uint8_t {
 /// The stations' trends.
 struct Trend {
     TrendBasis basis = TrendBasis::Nothing;
-    /// What drifts comes first, the farthest beyond its limits leading; then what has outliers;
-    /// then what is apart, then what has too few runs; all else by name.
+    /// What drifts comes first, the farthest beyond its limits leading; then what has drifted; then
+    /// what has outliers; then what is apart, then what has too few runs; all else by name.
     std::vector<StationTrend> stations;
     /// How many items have a reference.
     std::size_t sharedItems = 0;
     /// Whether there were limits of powers.
     bool isJudged = false;
+    /// Whether a station has measured several devices, or firmwares.
+    bool isMixed = false;
 
-    /// Those whose drift is a lasting one.
+    /// Those that drift now.
     std::size_t CountDrifting() const;
     /// Those without control limits.
     std::size_t CountTooFew() const;
@@ -179,8 +186,8 @@ struct Trend {
     std::size_t CountWithoutLimit() const;
     /// Whether there were limits, and none of them fits any power.
     bool HasNoLimit() const;
-    /// Nothing drifts, no power is out of its limits, there was enough to tell, and limits that
-    /// were given fit something.
+    /// Nothing drifts, no power is out of its limits, there was enough to tell, limits that were
+    /// given fit something, and each station has measured one device with one firmware.
     bool IsFine() const;
 };
 

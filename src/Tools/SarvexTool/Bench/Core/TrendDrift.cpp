@@ -55,14 +55,22 @@ public:
             return std::nullopt;
         if (m_first == m_last && m_last + 1 < m_points.size())
             return m_beyond == 1 ? FindDisplaced() : std::nullopt;
-        std::size_t last = m_last;
-        while (last + 1 < m_points.size() && IsHere(last + 1))
-            ++last;
-        return DriftFrom(m_points, m_first, last);
+        return DriftFrom(m_points, m_first, LastDisplaced());
     }
 
 private:
     bool IsHere(std::size_t place) const { return (m_points[place].median > m_mean) == m_isHigh; }
+
+    /// The last one after the last beyond that is nearer to those beyond than to those before them.
+    std::size_t LastDisplaced() const {
+        const double there = MedianOfPoints(m_points.subspan(m_first, m_last + 1 - m_first));
+        const double before = m_first > 0 ? MedianOfPoints(m_points.first(m_first)) : m_mean;
+        std::size_t last = m_last;
+        while (last + 1 < m_points.size() && std::abs(m_points[last + 1].median - there) <
+                                                 std::abs(m_points[last + 1].median - before))
+            ++last;
+        return last;
+    }
 
     /// The runs that are displaced as those after the only one beyond are: from it on, or after it
     /// where they are displaced to the other side.
@@ -118,6 +126,7 @@ Drift DriftOf(Points points, const ControlLimits& limits) {
     const Side& told = side.CountBeyond() > 1 || other.CountBeyond() < 2 ? side : other;
     Drift drift = found ? *found : DriftFrom(points, told.Last(), told.Last());
     drift.isLasting = found || told.CountBeyond() > 1;
+    drift.goesOn = drift.last + 1 == points.size();
     return drift;
 }
 

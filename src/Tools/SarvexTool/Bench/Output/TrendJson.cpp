@@ -60,7 +60,7 @@ void WriteDrift(JsonWriter& json, const TrendData& data, const StationTrend& sta
     json.BeginObject();
     json.Key("since").Text(timeOf(station.drift->first));
     json.Key("until").Text(timeOf(station.drift->last));
-    json.Key("goesOn").Bool(station.drift->last + 1 == station.points.size());
+    json.Key("goesOn").Bool(station.drift->goesOn);
     json.Key("change").Number(station.drift->change);
     json.Key("lasting").Bool(station.drift->isLasting);
     json.EndObject();

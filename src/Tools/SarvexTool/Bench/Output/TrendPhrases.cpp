@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
 #include <span>
 
 namespace Bench {
@@ -49,12 +50,12 @@ std::string PhraseOf(const TrendData& data, const StationTrend& station, const D
     const std::string first = DayOf(data, station.points[drift.first]);
     const std::string last = DayOf(data, station.points[drift.last]);
     std::string when = " on " + first;
-    if (drift.last + 1 == station.points.size())
+    if (drift.goesOn)
         when = " since " + first;
     else if (first != last)
         when = " from " + first + " to " + last;
-    return (drift.last + 1 == station.points.size() ? "reads " : "read ") + Moved(drift.change) +
-           when + "; " + CountOfRuns(station.beyond, station) + " beyond its control limits" +
+    return (drift.goesOn ? "reads " : "read ") + Moved(drift.change) + when + "; " +
+           CountOfRuns(station.beyond, station) + " beyond its control limits" +
            OtherTimes(station, drift);
 }
 
@@ -112,6 +113,27 @@ std::string Steady(const Trend& trend) {
            (count == 1 ? "" : " that stations share");
 }
 
+/// Of the stations with several of the kind.
+std::string Mixed(const TrendData& data, std::vector<std::string> TrendStation::*kind,
+                  const std::string& what) {
+    std::string names;
+    for (const TrendStation& station : data.stations) {
+        if ((station.*kind).size() > 1)
+            names += (names.empty() ? "" : ", ") + station.name;
+    }
+    return names.empty()
+               ? ""
+               : "runs of several " + what + "s are mixed, which can hide a drift or look " +
+                     "like one (" + names + "); choose one with --" + what;
+}
+
+std::vector<std::string> MixedRuns(const TrendData& data) {
+    std::vector<std::string> sentences{Mixed(data, &TrendStation::devices, "device"),
+                                       Mixed(data, &TrendStation::firmwares, "firmware")};
+    std::erase(sentences, "");
+    return sentences;
+}
+
 TrendConclusion WithoutPower(const TrendData& data) {
     TrendConclusion conclusion{"NO POWER", {}};
     for (const SettingValue& value : data.neverKept)
@@ -134,6 +156,8 @@ TrendConclusion WithoutDrift(const TrendData& data, const Trend& trend) {
         return {"NOTHING SHARED",
                 {"no station has measured what another one has, so that there is nothing to hold "
                  "them against"}};
+    if (trend.isMixed)
+        return {"MIXED RUNS", MixedRuns(data)};
     if (trend.CountTooFew() != 0)
         return {"TOO FEW RUNS", {TooFewRuns(data, trend)}};
     return {"STEADY", {Steady(trend)}};
@@ -142,7 +166,7 @@ TrendConclusion WithoutDrift(const TrendData& data, const Trend& trend) {
 TrendConclusion WithDrift(const TrendData& data, const Trend& trend) {
     TrendConclusion conclusion{"DRIFT", {}};
     for (const StationTrend& station : trend.stations) {
-        if (station.drift && station.drift->isLasting)
+        if (station.drift && station.drift->IsNow())
             conclusion.sentences.push_back(SentenceOf(data, station));
     }
     if (trend.CountOutOfLimits() != 0)
@@ -156,15 +180,16 @@ std::size_t CountWithPowers(const Trend& trend) {
                       [](const StationTrend& station) { return station.powers != 0; }));
 }
 
-void AddRunsAloneBeyond(const TrendData& data, const Trend& trend, TrendConclusion& conclusion) {
-    bool isAny = false;
+/// Drifts that are over, and then runs alone.
+void AddRunsBeyond(const TrendData& data, const Trend& trend, TrendConclusion& conclusion) {
+    bool isAnyAlone = false;
     for (const StationTrend& station : trend.stations) {
-        if (!station.drift || station.drift->isLasting)
+        if (!station.drift || station.drift->IsNow())
             continue;
         conclusion.sentences.push_back(SentenceOf(data, station));
-        isAny = true;
+        isAnyAlone = isAnyAlone || !station.drift->isLasting;
     }
-    if (isAny)
+    if (isAnyAlone)
         conclusion.sentences.emplace_back("of 1000 runs of a steady station, about 3 are beyond "
                                           "its control limits by chance");
 }
@@ -174,12 +199,14 @@ void AddRunsAloneBeyond(const TrendData& data, const Trend& trend, TrendConclusi
 TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
     const bool hasDrift = trend.CountDrifting() != 0;
     TrendConclusion conclusion = hasDrift ? WithDrift(data, trend) : WithoutDrift(data, trend);
-    AddRunsAloneBeyond(data, trend, conclusion);
+    AddRunsBeyond(data, trend, conclusion);
     for (const StationTrend& station : trend.stations) {
         // Of a station with an outlier it is said with that.
         if (station.isApart && !station.drift)
             conclusion.sentences.push_back(SentenceOf(data, station));
     }
+    if (trend.isMixed && conclusion.word != "MIXED RUNS")
+        std::ranges::copy(MixedRuns(data), std::back_inserter(conclusion.sentences));
     if (trend.CountWithoutLimit() != 0 && conclusion.word != "NO LIMIT")
         conclusion.sentences.push_back(WithoutLimit(trend));
     if (trend.CountTooFew() != 0 && trend.sharedItems != 0 && conclusion.word != "TOO FEW RUNS")

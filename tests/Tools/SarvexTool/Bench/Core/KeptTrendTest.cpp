@@ -111,6 +111,16 @@ TEST_F(KeptTrendTest, DeviceOfAVisitIsThatOfItsPowers) {
     }
 }
 
+TEST_F(KeptTrendTest, StationsHaveTheFirmwaresOfTheirRuns) {
+    for (const char* const firmware : {"1.5", "1.4", "1.5"}) {
+        AddRun(100, {{"B1", "a", 1}});
+        history.runs.back().firmware = firmware;
+    }
+    AddRun(200, {{"B1", "a", 1}});
+    EXPECT_EQ(KeptTrend(history, filter, wanted).Take().stations.at(0).firmwares,
+              (std::vector<std::string>{"1.4", "1.5"}));
+}
+
 TEST_F(KeptTrendTest, PartsThatTheFilterDoesNotMeanAreNoStations) {
     AddRun(100, {{"B1", "a", 1}, {"B2", "a", 1}, {"B1", "b", 1}, {}});
     const std::vector<KeptPower> all{{0, 0, 0, Chain::A, 10},

@@ -37,6 +37,7 @@ void ExpectEach(const std::vector<Case>& cases) {
         EXPECT_EQ(drift.first, each.first);
         EXPECT_EQ(drift.last, each.last);
         EXPECT_NEAR(drift.change, each.change, exactly);
+        EXPECT_EQ(drift.goesOn, each.last + 1 == each.medians.size());
     }
 }
 
@@ -86,7 +87,9 @@ TEST(TrendDriftTest, LastRunBeyondIsADrift) {
 
 TEST(TrendDriftTest, TwoRunsBeyondOnOneSideAreADrift) {
     ExpectEach({
-        {"up to the last run on their side", {0, 0, 0, 3, 3, 1, -1, 1}, true, 3, 5, 3},
+        {"up to the last run that is nearer to them", {0, 0, 0, 3, 3, 2, 1, 2}, true, 3, 5, 3},
+        {"without one that is back on their side", {0, 0, 0, 3, 3, 1, -1, 1}, true, 3, 4, 3},
+        {"up to the last run of all", {-1, -1, -1, 3, 3, 2, 2}, true, 3, 6, 3.5},
         {"with one within between them", {0, 0, 0, 3, 1, 4, -1}, true, 3, 5, 3},
         {"from the first ones on", {3, 4, -1, -1, -1}, true, 0, 1, 4.5},
         {"apart from each other: the last", {0, -1, 4, -1, 0, 3, 1, -1}, true, 5, 5, 3},

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace Bench {
 namespace {
 
@@ -219,6 +221,28 @@ TEST_F(TrendTest, StationsThatShareNothingHaveNeitherOffsetsNorLimits) {
     EXPECT_FALSE(trend.stations[0].offset);
     EXPECT_EQ(trend.CountTooFew(), 2U);
     EXPECT_FALSE(trend.IsFine());
+}
+
+TEST_F(TrendTest, DriftThatIsOverComesAfterOneThatGoesOnAndIsFine) {
+    AddSteady("A", 10);
+    AddSteady("B", 11);
+    AddRuns(AddStation("C"),
+            {10.5, 10.6, 10.5, 10.6, 10.5, 5, 5, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6});
+    EXPECT_EQ(TrendOf(data).CountDrifting(), 0U);
+    EXPECT_TRUE(TrendOf(data).IsFine());
+    AddRuns(AddStation("D"), {10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 11.2, 11.2});
+    const Trend trend = TrendOf(data);
+    EXPECT_EQ(NamesInOrder(trend), "D C A B");
+    EXPECT_EQ(trend.CountDrifting(), 1U);
+    EXPECT_TRUE(trend.stations[1].drift->isLasting);
+}
+
+TEST_F(TrendTest, TheOrderOfTheRowsChangesNoFigure) {
+    // Their sum is another one from behind: 0.6000000000000001 and 0.6.
+    AddRuns(AddStation("A"), {0.1, 0.2, 0.3});
+    const Trend trend = TrendOf(data);
+    std::reverse(data.rows.begin(), data.rows.end());
+    EXPECT_EQ(TrendOf(data).stations[0].points[0].median, trend.stations[0].points[0].median);
 }
 
 TEST_F(TrendTest, OneStationIsHeldAgainstItsOwnMean) {

@@ -58,8 +58,11 @@ TEST_F(TrendPhrasesTest, DriftThatIsOverIsToldFromItsFirstDayToItsLast) {
     AddSteadyAB();
     AddRuns(AddStation("C"),
             {10.5, 10.6, 10.5, 10.6, 10.5, 5, 5, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6});
-    EXPECT_EQ(FirstLine(), "DRIFT: C read 5.50 dB lower from 2026-03-23 to 2026-03-24; 2 of its 15 "
-                           "runs are beyond its control limits");
+    EXPECT_EQ(Conclusion().word, "STEADY") << "now";
+    EXPECT_EQ(Conclusion().sentences.at(1),
+              "C read 5.50 dB lower from 2026-03-23 to 2026-03-24; 2 of its 15 runs are beyond its "
+              "control limits");
+    EXPECT_THAT(Conclusion().sentences, testing::Not(testing::Contains(chance)));
 }
 
 TEST_F(TrendPhrasesTest, RunsBeyondBeforeTheDriftAreToldApart) {
@@ -75,16 +78,20 @@ TEST_F(TrendPhrasesTest, RunsBeyondAfterTheDriftAreToldApart) {
     AddSteadyAB();
     AddRuns(AddStation("C"),
             {11.5, 11.5, 11.5, 10.5, 10.5, 10.5, 10.5, 10.44, 10.5, 10.5, 10.5, 10.5});
-    EXPECT_EQ(FirstLine(), "DRIFT: C read 1.00 dB higher from 2026-03-18 to 2026-03-20; 4 of its "
-                           "12 runs are beyond its control limits, 1 of them after");
+    EXPECT_EQ(
+        Conclusion().sentences.at(1),
+        "C read 1.00 dB higher from 2026-03-18 to 2026-03-20; 4 of its 12 runs are beyond its "
+        "control limits, 1 of them after");
 }
 
 TEST_F(TrendPhrasesTest, RunsBeyondBeforeAndAfterTheDriftAreToldTogether) {
     AddSteadyAB();
     AddRuns(AddStation("C"), {10.3, 10.5, 10.5, 10.5, 11.5, 11.5, 11.5, 11.5, 11.5, 10.5,
                               10.5, 10.5, 10.5, 10.5, 10.3, 10.5, 10.5, 10.5, 10.5, 10.5});
-    EXPECT_EQ(FirstLine(), "DRIFT: C read 1.00 dB higher from 2026-03-22 to 2026-03-26; 7 of its "
-                           "20 runs are beyond its control limits, 1 of them before and 1 after");
+    EXPECT_EQ(
+        Conclusion().sentences.at(1),
+        "C read 1.00 dB higher from 2026-03-22 to 2026-03-26; 7 of its 20 runs are beyond its "
+        "control limits, 1 of them before and 1 after");
 }
 
 TEST_F(TrendPhrasesTest, OneRunAloneBeyondIsToldWithItsDayAndWithWhatChanceDoes) {
@@ -111,6 +118,30 @@ TEST_F(TrendPhrasesTest, RunAloneBeyondIsToldAfterTheDriftOfAnotherStation) {
     EXPECT_THAT(conclusion.sentences[0], testing::StartsWith("C reads "));
     EXPECT_THAT(conclusion.sentences[1], testing::StartsWith("D read "));
     EXPECT_EQ(conclusion.sentences[2], chance);
+}
+
+TEST_F(TrendPhrasesTest, RunsOfSeveralDevicesAreNeverSteady) {
+    AddSteadyAB();
+    AddSteady("C", 10.5);
+    data.stations[0].devices.emplace_back("DUT B");
+    data.stations[2].devices.emplace_back("DUT B");
+    data.stations[1].firmwares = {"1.4", "1.5"};
+    const TrendConclusion conclusion = Conclusion();
+    EXPECT_EQ(conclusion.word, "MIXED RUNS");
+    EXPECT_THAT(conclusion.sentences,
+                ElementsAre("runs of several devices are mixed, which can hide a drift or look "
+                            "like one (A, C); choose one with --device",
+                            "runs of several firmwares are mixed, which can hide a drift or look "
+                            "like one (B); choose one with --firmware"));
+    EXPECT_FALSE(TrendOf(data).IsFine());
+}
+
+TEST_F(TrendPhrasesTest, RunsOfSeveralFirmwaresAreToldAfterADrift) {
+    AddDriftOfC();
+    data.stations[0].firmwares = {"1.4", "1.5"};
+    EXPECT_EQ(Conclusion().word, "DRIFT");
+    EXPECT_THAT(Conclusion().sentences.at(1),
+                testing::HasSubstr("(A); choose one with --firmware"));
 }
 
 TEST_F(TrendPhrasesTest, StationsThatDriftAreAllTold) {
