@@ -25,16 +25,10 @@ void PrintConclusion(const Console& console, const NamedTrend& named) {
         console.stream << MakeHarmless(sentence) << "\n";
 }
 
-std::string LastDayOf(const TrendData& data, const StationTrend& station) {
-    return station.points.empty() ? noFigure
-                                  : ShownDay(data.visits[station.points.back().visit].measuredAt);
-}
-
 std::vector<std::string> RowOf(const NamedTrend& named, const StationTrend& station) {
     const TrendStation& told = named.data.stations[station.station];
     const std::optional<ControlLimits>& limits = station.limits;
-    std::vector<std::string> row{told.name, DevicesOf(told), LastDayOf(named.data, station),
-                                 std::to_string(station.points.size())};
+    std::vector<std::string> row{told.name, DevicesOf(told), std::to_string(station.points.size())};
     row.push_back(station.offset ? SignedHundredths(*station.offset) : noFigure);
     row.push_back(limits ? SignedHundredths(limits->Lower()) : noFigure);
     row.push_back(limits ? SignedHundredths(limits->Upper()) : noFigure);
@@ -56,11 +50,11 @@ void PrintStations(const Console& console, const NamedTrend& named) {
                            ? "the station's own mean powers"
                            : "the reference, the median of the stations")
                    << ", in dB:\n";
-    std::vector<std::string> titles{"Station", "Device", "Last run", "runs",  "offset",
-                                    "lower",   "upper",  "last",     "beyond"};
+    std::vector<std::string> titles{"Station", "Device", "runs", "offset",
+                                    "lower",   "upper",  "last", "beyond"};
     if (named.trend.isJudged)
         titles.insert(titles.end(), {"out", "no limit"});
-    TextTable table(std::move(titles), 3);
+    TextTable table(std::move(titles), 2);
     for (const StationTrend& station : named.trend.stations)
         table.Add(RowOf(named, station));
     table.Print(console.stream);
