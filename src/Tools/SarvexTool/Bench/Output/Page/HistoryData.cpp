@@ -113,8 +113,8 @@ private:
         m_out << "[";
         JsonLines lines(m_out);
         // Who looks at a list of months wants the last runs.
-        for (auto place = m_page.runs->rbegin(); place != m_page.runs->rend(); ++place) {
-            const KeptFacts& run = *place;
+        for (std::size_t next = m_page.runs->size(); next-- > 0;) {
+            const KeptFacts& run = (*m_page.runs)[next];
             lines.Next() << "[" << run.measuredAt << "," << PlaceOf(run.hash.substr(0, shownDigits))
                          << "," << PlaceOf(run.name) << ","
                          << PlaceOfPart(run, &RunPlace::bench, run.bench) << ","
