@@ -192,7 +192,8 @@ Command AddHistoryAdd(CLI::App& history) {
         ->type_name("TIME");
     app->add_option("--limits", arguments->limits, "Judge the runs by these limits")
         ->type_name("FILE");
-    app->add_flag("--partial", arguments->isPartial, "Keep runs that ended early, too");
+    app->add_flag("--partial", arguments->isPartial,
+                  "Keep runs that ended early, or whose last stop was not confirmed, too");
     app->footer("Exit code: 0 all are kept, 2 wrong usage, a run that goes on, ended early or "
                 "cannot be read or is kept with something else said of it, or a store that cannot "
                 "be written.");
