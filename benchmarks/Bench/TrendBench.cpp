@@ -33,7 +33,7 @@ Bench::TrendData DataOf(std::uint32_t stations) {
     data.rows.reserve(std::size_t{runCount} * itemCount);
     for (std::uint32_t run = 0; run < runCount; ++run) {
         const std::uint32_t station = run % stations;
-        data.visits.push_back({station, std::int64_t{3600} * run, "", ""});
+        data.visits.push_back({station, std::int64_t{3600} * run, "", "", false});
         const bool isDrifting = station + 1 == stations && run + lastRuns >= runCount;
         for (std::uint32_t item = 0; item < itemCount; ++item)
             data.rows.push_back(

@@ -20,11 +20,21 @@ bool Fits(const std::optional<std::string>& wanted, const std::optional<std::str
     return !wanted || wanted == told;
 }
 
-/// Adds a text that there is, once.
-void AddOnce(std::vector<std::string>& sorted, const std::string& text) {
-    const auto after = std::lower_bound(sorted.begin(), sorted.end(), text);
-    if (!text.empty() && (after == sorted.end() || *after != text))
-        sorted.insert(after, text);
+template <typename Value>
+void AddOnce(std::vector<Value>& sorted, const Value& value) {
+    const auto after = std::lower_bound(sorted.begin(), sorted.end(), value);
+    if (after == sorted.end() || *after != value)
+        sorted.insert(after, value);
+}
+
+/// The devices are those of the parts that gave the visit's powers, each once; nothing, which comes
+/// first, for a part of which nothing tells it, and which may have been any of the others.
+void TellDevice(const std::vector<std::optional<std::string>>& devices, TrendVisit& visit) {
+    if (devices.empty())
+        return;
+    visit.hasSeveralDevices = devices.size() > (devices.front() ? 1 : 2);
+    if (devices.size() == 1)
+        visit.device = devices.front().value_or("");
 }
 
 } // namespace
@@ -62,7 +72,7 @@ KeptTrend::KeptTrend(const KeptHistory& history, const RunFilter& filter, const 
     for (const KeptFacts& run : history.runs)
         AddRun(run, filter);
     m_firstParts.push_back(m_visitOfPart.size());
-    m_hasVisitPower.resize(m_data.visits.size());
+    m_hasPartPower.resize(m_visitOfPart.size());
     m_isWanted.reserve(m_items.size());
     for (const Settings& settings : history.configurations) {
         const bool isWanted = wanted.Have(settings);
@@ -78,20 +88,20 @@ void KeptTrend::AddRun(const KeptFacts& run, const RunFilter& filter) {
         const bool counts = Fits(filter.bench, place.bench.value_or(UnknownBench)) &&
                             Fits(filter.device, place.device);
         m_visitOfPart.push_back(counts ? VisitOf(run, place, firstOfRun) : leftOut);
+        m_deviceOfPart.push_back(place.device);
+        m_firmwareOfPart.push_back(run.firmware);
     }
 }
 
 std::uint32_t KeptTrend::VisitOf(const KeptFacts& run, const RunPlace& place,
                                  std::size_t firstOfRun) {
     const std::uint32_t station = StationOf(place);
-    const std::string device = place.device.value_or("");
-    // A bench may have measured several parts of a run.
+    // A bench that has measured several parts of a run, or several devices in it, visits it once.
     for (std::size_t visit = firstOfRun; visit < m_data.visits.size(); ++visit) {
-        if (m_data.visits[visit].station == station && m_data.visits[visit].device == device)
+        if (m_data.visits[visit].station == station)
             return static_cast<std::uint32_t>(visit);
     }
-    m_data.visits.push_back({station, run.measuredAt, run.hash.substr(0, shownDigits), device,
-                             run.firmware.value_or("")});
+    m_data.visits.push_back({station, run.measuredAt, run.hash.substr(0, shownDigits), "", false});
     return static_cast<std::uint32_t>(m_data.visits.size() - 1);
 }
 
@@ -116,7 +126,7 @@ void KeptTrend::Add(const KeptPower& power) {
         m_items[place] = static_cast<std::uint32_t>(m_data.items.size());
         m_data.items.push_back({m_configurations[power.configuration], power.chain});
     }
-    m_hasVisitPower[m_visitOfPart[part]] = true;
+    m_hasPartPower[part] = true;
     m_data.rows.push_back({m_visitOfPart[part], m_items[place], power.power});
 }
 
@@ -128,13 +138,21 @@ TrendData KeptTrend::Take() {
 }
 
 void KeptTrend::TellDevices() {
-    for (std::size_t visit = 0; visit < m_data.visits.size(); ++visit) {
-        if (m_isChosen && !m_hasVisitPower[visit])
+    std::vector<std::vector<std::optional<std::string>>> ofVisits(m_data.visits.size());
+    for (std::size_t part = 0; part < m_visitOfPart.size(); ++part) {
+        if (m_visitOfPart[part] == leftOut || (m_isChosen && !m_hasPartPower[part]))
             continue;
-        TrendStation& station = m_data.stations[m_data.visits[visit].station];
-        AddOnce(station.devices, m_data.visits[visit].device);
-        AddOnce(station.firmwares, m_data.visits[visit].firmware);
+        const std::optional<std::string>& device = m_deviceOfPart[part];
+        TrendStation& station = m_data.stations[m_data.visits[m_visitOfPart[part]].station];
+        if (device)
+            AddOnce(station.devices, *device);
+        if (m_firmwareOfPart[part])
+            AddOnce(station.firmwares, *m_firmwareOfPart[part]);
+        if (m_hasPartPower[part])
+            AddOnce(ofVisits[m_visitOfPart[part]], device);
     }
+    for (std::size_t visit = 0; visit < ofVisits.size(); ++visit)
+        TellDevice(ofVisits[visit], m_data.visits[visit]);
 }
 
 void KeptTrend::LeaveOutStationsWithoutPower() {

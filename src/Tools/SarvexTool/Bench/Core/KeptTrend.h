@@ -55,7 +55,9 @@ private:
     /// Where the parts of each run begin in the visits of the parts, and where the last one's end.
     std::vector<std::size_t> m_firstParts;
     std::vector<std::uint32_t> m_visitOfPart;
-    std::vector<bool> m_hasVisitPower;
+    std::vector<std::optional<std::string>> m_deviceOfPart;
+    std::vector<std::optional<std::string>> m_firmwareOfPart;
+    std::vector<bool> m_hasPartPower;
     /// Of each configuration and chain; a place is given with the first power.
     std::vector<std::uint32_t> m_items;
     std::vector<bool> m_isWanted;

@@ -1,10 +1,10 @@
 #include "Tools/SarvexTool/Bench/Core/Trend.h"
 
-#include "Tools/SarvexTool/Bench/Core/TrendDifferences.h"
 #include "Tools/SarvexTool/Bench/Core/TrendDrift.h"
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 
 namespace Bench {
@@ -13,6 +13,9 @@ namespace {
 
 /// Powers have at most nine digits after the point; a smaller difference is one of rounding.
 constexpr double leastDifference = 1e-9;
+/// An item without a reference.
+constexpr double none = std::numeric_limits<double>::quiet_NaN();
+
 double MeanOf(std::span<const double> values) {
     return std::accumulate(values.begin(), values.end(), 0.0) / static_cast<double>(values.size());
 }
@@ -22,8 +25,104 @@ double MedianOfCopy(std::vector<double> values) {
     return MedianOf(values);
 }
 
+/// Rows in the order of a key, and where the rows of each key begin; sorted by counting, because
+/// there may be millions.
+template <typename Value>
+struct Grouped {
+    std::vector<std::size_t> starts;
+    std::vector<Value> values;
+
+    std::span<Value> Of(std::size_t key) {
+        return {values.data() + starts[key], starts[key + 1] - starts[key]};
+    }
+};
+
+/// The key of a row is below the number of keys; rows for which there is no value are left out.
+template <typename Value, typename KeyOf, typename ValueOf>
+Grouped<Value> GroupRows(const std::vector<TrendRow>& rows, std::size_t keys, KeyOf keyOf,
+                         ValueOf valueOf) {
+    Grouped<Value> grouped;
+    grouped.starts.assign(keys + 1, 0);
+    for (const TrendRow& row : rows) {
+        if (valueOf(row))
+            ++grouped.starts[keyOf(row) + 1];
+    }
+    std::partial_sum(grouped.starts.begin(), grouped.starts.end(), grouped.starts.begin());
+    grouped.values.resize(grouped.starts.back());
+    std::vector<std::size_t> next = grouped.starts;
+    for (const TrendRow& row : rows) {
+        if (const std::optional<Value> value = valueOf(row))
+            grouped.values[next[keyOf(row)]++] = *value;
+    }
+    return grouped;
+}
+
+struct StationPower {
+    std::uint32_t station = 0;
+    double power = 0;
+};
+
+/// The means of an item's powers by station, in room that is used again for the next item.
+class StationMeans {
+public:
+    explicit StationMeans(std::size_t stations) : m_sums(stations), m_counts(stations) {}
+
+    /// Those of the stations that have a power, in no order.
+    std::span<double> Of(std::span<const StationPower> powers) {
+        m_means.clear();
+        m_touched.clear();
+        for (const StationPower& power : powers) {
+            if (m_counts[power.station]++ == 0)
+                m_touched.push_back(power.station);
+            m_sums[power.station] += power.power;
+        }
+        for (const std::uint32_t station : m_touched) {
+            m_means.push_back(m_sums[station] / static_cast<double>(m_counts[station]));
+            m_sums[station] = 0;
+            m_counts[station] = 0;
+        }
+        return m_means;
+    }
+
+private:
+    std::vector<double> m_sums;
+    std::vector<std::size_t> m_counts;
+    std::vector<std::uint32_t> m_touched;
+    std::vector<double> m_means;
+};
+
+/// One for each item; none where fewer stations have it than are needed.
+std::vector<double> ReferencesOf(const TrendData& data, std::size_t neededStations) {
+    Grouped<StationPower> byItem = GroupRows<StationPower>(
+        data.rows, data.items.size(), [](const TrendRow& row) { return row.item; },
+        [&data](const TrendRow& row) {
+            return std::optional(StationPower{data.visits[row.visit].station, row.power});
+        });
+    std::vector<double> references(data.items.size(), none);
+    StationMeans means(data.stations.size());
+    for (std::size_t item = 0; item < references.size(); ++item) {
+        const std::span<StationPower> powers = byItem.Of(item);
+        // A sum depends on the order of its parts, and a database has none.
+        std::sort(powers.begin(), powers.end(),
+                  [](const StationPower& left, const StationPower& right) {
+                      return left.power < right.power;
+                  });
+        const std::span<double> ofItem = means.Of(powers);
+        if (ofItem.size() >= neededStations)
+            references[item] = MedianOf(ofItem);
+    }
+    return references;
+}
+
 /// One for each station, in their order, with its points.
-std::vector<StationTrend> StationsWithPoints(const TrendData& data, TrendDifferences& differences) {
+std::vector<StationTrend> StationsWithPoints(const TrendData& data,
+                                             const std::vector<double>& references) {
+    Grouped<double> differences = GroupRows<double>(
+        data.rows, data.visits.size(), [](const TrendRow& row) { return row.visit; },
+        [&references](const TrendRow& row) {
+            const double reference = references[row.item];
+            return std::isnan(reference) ? std::nullopt : std::optional(row.power - reference);
+        });
     std::vector<StationTrend> stations(data.stations.size());
     for (std::size_t station = 0; station < stations.size(); ++station)
         stations[station].station = static_cast<std::uint32_t>(station);
@@ -224,13 +323,13 @@ Trend TrendOf(const TrendData& data, const std::vector<const Limit*>* limits) {
     Trend trend;
     trend.basis = BasisOf(stations);
     trend.isJudged = limits != nullptr;
-    TrendDifferences differences(data, stations);
-    trend.isByDevice = differences.AreByDevice();
-    trend.isMixed =
-        !trend.isByDevice && std::any_of(data.stations.begin(), data.stations.end(), IsMixed);
-    trend.sharedItems = differences.CountReferences();
-    trend.withoutReference = data.rows.size() - differences.Count();
-    trend.stations = StationsWithPoints(data, differences);
+    trend.isMixed = std::any_of(data.stations.begin(), data.stations.end(), IsMixed);
+    const std::vector<double> references =
+        ReferencesOf(data, std::clamp<std::size_t>(stations, 1, 2));
+    trend.sharedItems = static_cast<std::size_t>(
+        std::count_if(references.begin(), references.end(),
+                      [](double reference) { return !std::isnan(reference); }));
+    trend.stations = StationsWithPoints(data, references);
     CountPowers(data, limits, trend.stations);
     for (StationTrend& station : trend.stations) {
         if (!station.points.empty() && trend.basis != TrendBasis::OwnMean)

@@ -11,7 +11,8 @@
 
 namespace Bench {
 
-/// A bench whose runs are followed, with the devices that it has measured and their firmwares.
+/// A bench whose runs are followed. The devices and their firmwares are told beside it: a change of
+/// them shows in the same way as a drift, or hides one.
 struct TrendStation {
     /// "unknown" stands for the runs of which nothing tells the bench. Any text.
     std::string name;
@@ -20,7 +21,7 @@ struct TrendStation {
     std::vector<std::string> firmwares = {};
 };
 
-/// What one station measured in one run of one device.
+/// What one station measured in one run.
 struct TrendVisit {
     /// The place in TrendData::stations.
     std::uint32_t station = 0;
@@ -28,9 +29,9 @@ struct TrendVisit {
     std::int64_t measuredAt = 0;
     /// The first digits of the run's hash, as the commands take them.
     std::string run;
-    /// Any texts; empty where nothing tells them.
+    /// That of its powers. Empty where nothing tells it, or there are several. Any text.
     std::string device;
-    std::string firmware = {};
+    bool hasSeveralDevices = false;
 };
 
 /// What is measured again and again: a configuration and a chain. The texts belong to a pool.
@@ -101,7 +102,7 @@ std::optional<ControlLimits> ControlLimitsOf(std::span<const double> values);
 struct TrendPoint {
     /// The place in TrendData::visits.
     std::uint32_t visit = 0;
-    /// The median of the visit's differences from the references, in dB.
+    /// The median of the run's differences from the references, in dB.
     double median = 0;
     /// How many differences.
     std::uint32_t count = 0;
@@ -156,7 +157,7 @@ enum class TrendBasis : std::uint8_t {
     Nothing,
     /// There is one station, and each power is held against the mean of the same ones.
     OwnMean,
-    /// The references are half-way between the two: a drift of one is as much one of the other.
+    /// The references are between the two: a drift of one is as much one of the other.
     TwoStations,
     /// The references are medians, which a drifting station moves little.
     Stations
@@ -168,17 +169,11 @@ struct Trend {
     /// What drifts comes first, the farthest beyond its limits leading; then what has drifted; then
     /// what has outliers; then what is apart, then what has too few runs; all else by name.
     std::vector<StationTrend> stations;
-    /// How many references there are.
+    /// How many items have a reference.
     std::size_t sharedItems = 0;
-    /// How many powers have none.
-    std::size_t withoutReference = 0;
-    /// Whether what one station measured is held only against what others measured of the same
-    /// device with the same firmware.
-    bool isByDevice = false;
     /// Whether there were limits of powers.
     bool isJudged = false;
-    /// Whether a station has measured several devices, or firmwares, that are not told apart: a
-    /// change of them shows in the same way as a drift, or hides one.
+    /// Whether a station has measured several devices, or firmwares.
     bool isMixed = false;
 
     /// Those that drift now.
@@ -192,11 +187,13 @@ struct Trend {
     /// Whether there were limits, and none of them fits any power.
     bool HasNoLimit() const;
     /// Nothing drifts, no power is out of its limits, there was enough to tell, limits that were
-    /// given fit something, and no devices are mixed.
+    /// given fit something, and each station has measured one device with one firmware.
     bool IsFine() const;
 };
 
-/// Follows the stations. The limits are null, or one for each item: null where there is none.
+/// Follows the stations. An item's reference is the median of the stations' mean powers of it,
+/// where at least two stations have it. The limits are null, or one for each item: null where there
+/// is none.
 Trend TrendOf(const TrendData& data, const std::vector<const Limit*>* limits = nullptr);
 
 /// The first limit of the table for each item.

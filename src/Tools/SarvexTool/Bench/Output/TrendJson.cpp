@@ -14,19 +14,14 @@ constexpr std::size_t formVersion = 1;
 
 constexpr std::array<const char*, 4> basisNames{"nothing", "own mean", "two stations", "stations"};
 
-void WriteTextOrNull(JsonWriter& json, const char* key, const std::string& text) {
-    json.Key(key);
-    if (text.empty())
-        json.Null();
-    else
-        json.Text(text);
-}
-
 void WriteVisit(JsonWriter& json, const TrendVisit& visit) {
     json.Key("run").Text(visit.run);
     json.Key("measuredAt").Text(IsoTime(visit.measuredAt));
-    WriteTextOrNull(json, "device", visit.device);
-    WriteTextOrNull(json, "firmware", visit.firmware);
+    json.Key("device");
+    if (visit.device.empty())
+        json.Null();
+    else
+        json.Text(visit.device);
 }
 
 void WritePoint(JsonWriter& json, const TrendData& data, const TrendPoint& point) {
@@ -152,8 +147,6 @@ void WriteJson(std::ostream& stream, const NamedTrend& named) {
     json.BreakLine();
     json.Key("heldAgainst").Text(basisNames.at(static_cast<std::size_t>(named.trend.basis)));
     json.Key("sharedMeasurements").Count(named.trend.sharedItems);
-    json.Key("byDevice").Bool(named.trend.isByDevice);
-    json.Key("withoutReference").Count(named.trend.withoutReference);
     json.Key("limits");
     if (named.limits)
         json.Text(*named.limits);

@@ -134,41 +134,6 @@ std::vector<std::string> MixedRuns(const TrendData& data) {
     return sentences;
 }
 
-std::size_t CountWithPowers(const Trend& trend) {
-    return static_cast<std::size_t>(
-        std::count_if(trend.stations.begin(), trend.stations.end(),
-                      [](const StationTrend& station) { return station.powers != 0; }));
-}
-
-/// "12 of 96 powers take no part: ..."
-std::string WithoutReference(const Trend& trend) {
-    return std::to_string(trend.withoutReference) + " of " + Counted(trend.CountPowers(), "power") +
-           (trend.withoutReference == 1 ? " takes" : " take") +
-           " no part: only one station has measured that" +
-           (trend.isByDevice ? " of that device with that firmware" : "");
-}
-
-/// What there is to say of how the stations are held against each other.
-void AddBasis(const Trend& trend, TrendConclusion& conclusion) {
-    if (trend.sharedItems == 0)
-        return;
-    const bool areSeveral = trend.basis != TrendBasis::OwnMean;
-    if (areSeveral && !trend.isByDevice)
-        conclusion.sentences.emplace_back("no two stations have measured the same device with the "
-                                          "same firmware, so that an offset may be a device's");
-    if (trend.withoutReference != 0)
-        conclusion.sentences.push_back(WithoutReference(trend));
-    const bool haveAllPowers = CountWithPowers(trend) == trend.stations.size();
-    if (trend.basis == TrendBasis::TwoStations)
-        conclusion.sentences.push_back(
-            std::string(haveAllPowers ? "with two stations" : "with powers of two stations only") +
-            " it cannot be told which of them is wrong");
-    if (!areSeveral)
-        conclusion.sentences.push_back(
-            std::string(haveAllPowers ? "with one station" : "with powers of one station only") +
-            " it cannot be told whether it or what it measures has changed");
-}
-
 TrendConclusion WithoutPower(const TrendData& data) {
     TrendConclusion conclusion{"NO POWER", {}};
     for (const SettingValue& value : data.neverKept)
@@ -209,6 +174,12 @@ TrendConclusion WithDrift(const TrendData& data, const Trend& trend) {
     return conclusion;
 }
 
+std::size_t CountWithPowers(const Trend& trend) {
+    return static_cast<std::size_t>(
+        std::count_if(trend.stations.begin(), trend.stations.end(),
+                      [](const StationTrend& station) { return station.powers != 0; }));
+}
+
 /// Drifts that are over, and then runs alone.
 void AddRunsBeyond(const TrendData& data, const Trend& trend, TrendConclusion& conclusion) {
     bool isAnyAlone = false;
@@ -240,7 +211,15 @@ TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
         conclusion.sentences.push_back(WithoutLimit(trend));
     if (trend.CountTooFew() != 0 && trend.sharedItems != 0 && conclusion.word != "TOO FEW RUNS")
         conclusion.sentences.push_back(TooFewRuns(data, trend));
-    AddBasis(trend, conclusion);
+    const bool haveAllPowers = CountWithPowers(trend) == trend.stations.size();
+    if (trend.basis == TrendBasis::TwoStations && trend.sharedItems != 0)
+        conclusion.sentences.push_back(
+            std::string(haveAllPowers ? "with two stations" : "with powers of two stations only") +
+            " it cannot be told which of them is wrong");
+    if (trend.basis == TrendBasis::OwnMean)
+        conclusion.sentences.push_back(
+            std::string(haveAllPowers ? "with one station" : "with powers of one station only") +
+            " it cannot be told whether it or what it measures has changed");
     return conclusion;
 }
 
@@ -267,6 +246,10 @@ std::string DevicesOf(const TrendStation& station) {
         return "";
     return station.devices.size() == 1 ? station.devices.front()
                                        : Counted(station.devices.size(), "device");
+}
+
+std::string DeviceOf(const TrendVisit& visit) {
+    return visit.hasSeveralDevices ? "several" : visit.device;
 }
 
 std::string Hundredths(double number) {

@@ -35,6 +35,9 @@ std::string PhraseOf(const TrendData& data, const StationTrend& station);
 /// "DUT-7", "3 devices", or "" where nothing tells any.
 std::string DevicesOf(const TrendStation& station);
 
+/// "DUT-7", "several", or "" where nothing tells any.
+std::string DeviceOf(const TrendVisit& visit);
+
 /// A number with two digits after the point, and a plus sign where it is wanted; never "-0.00".
 std::string Hundredths(double number);
 std::string SignedHundredths(double number);

@@ -96,7 +96,7 @@ void PrintPowers(const Console& console, const NamedTrend& named) {
         const TrendPower& power = named.powers[place];
         const TrendVisit& visit = named.data.visits[power.visit];
         std::vector<std::string> row{ShownMinute(visit.measuredAt),
-                                     named.data.stations[visit.station].name, visit.device,
+                                     named.data.stations[visit.station].name, DeviceOf(visit),
                                      visit.run, texts[place]};
         if (named.trend.isJudged)
             row.emplace_back(power.isOut ? "out" : "");

@@ -51,8 +51,9 @@ protected:
             const TrendVisit& visit = data.visits.at(row.visit);
             const TrendItem& item = data.items.at(row.item);
             text += std::to_string(visit.measuredAt) + " " + data.stations.at(visit.station).name +
-                    " " + visit.device + " " + *item.settings[Setting::Channel] + " " +
-                    NameOf(item.chain) + " " + std::to_string(static_cast<int>(row.power)) + "\n";
+                    " " + (visit.hasSeveralDevices ? "several" : visit.device) + " " +
+                    *item.settings[Setting::Channel] + " " + NameOf(item.chain) + " " +
+                    std::to_string(static_cast<int>(row.power)) + "\n";
         }
         return text;
     }
@@ -74,27 +75,40 @@ TEST_F(KeptTrendTest, PowersAreOfTheBenchesOfTheirParts) {
               "200 unknown  36 A 13\n");
 }
 
-TEST_F(KeptTrendTest, PartsOfOneBenchAndDeviceAreOneVisit) {
-    AddRun(100, {{"B1", "b", 1}, {"B1", "a", 2}, {"B1", "b", 3}, {"B1", std::nullopt, 1}});
-    history.runs.back().firmware = "1.4";
-    AddRun(200, {{"B1", "b", 1}});
-    const TrendData data = DataOf({{0, 0, 0, Chain::A, 10},
-                                   {0, 1, 0, Chain::A, 11},
-                                   {0, 2, 0, Chain::A, 12},
-                                   {1, 0, 0, Chain::A, 13}});
-    ASSERT_EQ(data.visits.size(), 4U);
-    const char* const devices[] = {"b", "a", "", "b"};
-    const char* const firmwares[] = {"1.4", "1.4", "1.4", ""};
-    for (std::size_t visit = 0; visit < data.visits.size(); ++visit) {
-        EXPECT_EQ(data.visits[visit].run, "01234567");
-        EXPECT_EQ(data.visits[visit].device, devices[visit]);
-        EXPECT_EQ(data.visits[visit].firmware, firmwares[visit]);
-    }
-    const std::uint32_t visitOfRow[] = {0, 1, 0, 3};
-    ASSERT_EQ(data.rows.size(), 4U);
-    for (std::size_t row = 0; row < data.rows.size(); ++row)
-        EXPECT_EQ(data.rows[row].visit, visitOfRow[row]);
+TEST_F(KeptTrendTest, PartsOfOneBenchAreOneVisit) {
+    AddRun(100, {{"B1", "b", 1}, {"B1", "a", 2}, {"B1", "b", 3}});
+    const TrendData data = DataOf({{0, 0, 0, Chain::A, 10}, {0, 1, 0, Chain::A, 11}});
+    ASSERT_EQ(data.visits.size(), 1U);
+    EXPECT_EQ(data.visits[0].run, "01234567");
+    EXPECT_EQ(data.rows.size(), 2U);
     EXPECT_EQ(StationsOf(data), "B1 a b");
+}
+
+TEST_F(KeptTrendTest, DeviceOfAVisitIsThatOfItsPowers) {
+    struct Case {
+        const char* what;
+        std::vector<std::uint32_t> parts;
+        const char* device;
+        bool hasSeveral;
+    };
+    AddRun(100, {{"B1", "a", 1}, {"B1", "b", 1}, {"B1", "b", 2}, {"B1", std::nullopt, 1}});
+    for (const Case& each :
+         {Case{"the first", {0}, "a", false}, Case{"another one than the first", {1}, "b", false},
+          Case{"the same one in two parts", {1, 2}, "b", false}, Case{"two", {2, 0}, "", true},
+          Case{"one that nothing tells", {3}, "", false},
+          Case{"one, and one that nothing tells", {0, 3}, "", false},
+          Case{"two, and one that nothing tells", {3, 1, 0}, "", true},
+          Case{"none", {}, "", false}}) {
+        SCOPED_TRACE(each.what);
+        std::vector<KeptPower> powers;
+        for (const std::uint32_t part : each.parts)
+            powers.push_back({0, part, 0, Chain::A, 10});
+        const TrendData data = DataOf(powers);
+        ASSERT_EQ(data.visits.size(), 1U);
+        EXPECT_EQ(data.visits[0].device, each.device);
+        EXPECT_EQ(data.visits[0].hasSeveralDevices, each.hasSeveral);
+        EXPECT_EQ(StationsOf(data), "B1 a b");
+    }
 }
 
 TEST_F(KeptTrendTest, StationsHaveTheFirmwaresOfTheirRuns) {
@@ -114,7 +128,7 @@ TEST_F(KeptTrendTest, PartsThatTheFilterDoesNotMeanAreNoStations) {
                                      {0, 2, 0, Chain::A, 12},
                                      {0, 3, 0, Chain::A, 13}};
     filter.bench = "B1";
-    EXPECT_EQ(Taken(all), "100 B1 a 36 A 10\n100 B1 b 36 A 12\n");
+    EXPECT_EQ(Taken(all), "100 B1 several 36 A 10\n100 B1 several 36 A 12\n");
     filter.bench = UnknownBench;
     EXPECT_EQ(Taken(all), "100 unknown  36 A 13\n");
     filter.bench = "B1";
@@ -143,7 +157,7 @@ TEST_F(KeptTrendTest, StationWithoutAPowerOfThoseChosenIsLeftOut) {
     wanted.settings[static_cast<std::size_t>(Setting::Channel)] = "36";
     EXPECT_EQ(StationsOf(DataOf(all)), "B1 a, B3 a");
     EXPECT_EQ(Taken(all), "100 B1 a 36 A 10\n200 B3 a 36 A 12\n");
-    EXPECT_EQ(DataOf(all).visits.size(), 3U);
+    EXPECT_EQ(DataOf(all).visits.size(), 2U);
 }
 
 TEST_F(KeptTrendTest, OnlyWantedConfigurationsAndChainsAreTaken) {

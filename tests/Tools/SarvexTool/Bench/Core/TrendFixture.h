@@ -3,7 +3,6 @@
 #include "Tools/SarvexTool/Bench/Core/Trend.h"
 #include "tests/Tools/SarvexTool/Bench/Core/CoreFixture.h"
 
-#include <algorithm>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -28,19 +27,18 @@ public:
                  Chain::A});
     }
 
+    /// A station that measures the device "DUT" of its name.
     std::uint32_t AddStation(const std::string& name) {
-        data.stations.push_back({name, {}});
+        data.stations.push_back({name, {"DUT " + name}});
         return static_cast<std::uint32_t>(data.stations.size() - 1);
     }
 
     /// A run, a day after the one before; a power of each item, NAN where it has none.
-    void AddRun(std::uint32_t station, const std::vector<double>& powers,
-                const std::string& device = "DUT", const std::string& firmware = "") {
+    void AddRun(std::uint32_t station, const std::vector<double>& powers) {
         const auto visit = static_cast<std::uint32_t>(data.visits.size());
         data.visits.push_back({station, FirstDay + Day * std::int64_t{visit},
-                               "run" + std::to_string(visit), device, firmware});
-        AddName(data.stations[station].devices, device);
-        AddName(data.stations[station].firmwares, firmware);
+                               "run" + std::to_string(visit),
+                               data.stations[station].devices.front(), false});
         for (std::size_t item = 0; item < powers.size(); ++item) {
             if (!std::isnan(powers[item]))
                 data.rows.push_back({visit, static_cast<std::uint32_t>(item), powers[item]});
@@ -77,12 +75,6 @@ public:
 
     CoreFixture texts;
     TrendData data;
-
-private:
-    static void AddName(std::vector<std::string>& names, const std::string& name) {
-        if (!name.empty() && std::find(names.begin(), names.end(), name) == names.end())
-            names.push_back(name);
-    }
 };
 
 } // namespace Bench

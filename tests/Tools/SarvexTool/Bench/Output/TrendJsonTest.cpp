@@ -28,24 +28,23 @@ protected:
 TEST_F(TrendJsonTest, WholeTextOfARunOfOneStation) {
     AddRuns(AddStation("A"), {10, 10.5});
     data.visits[1].device.clear();
-    data.visits[1].firmware = "1.5";
     Limit limit;
     limit.maximum = "10.2"_dB;
     const std::vector<const Limit*> limits{&limit};
     EXPECT_EQ(Written(&limits), R"=({"form": "trend", "version": 1,
 "fine": false, "conclusion": "OUT OF LIMITS",
 "says": ["1 of 2 powers is out of its limits", "too few runs for control limits, which need 8: A (2)", "with one station it cannot be told whether it or what it measures has changed"],
-"heldAgainst": "own mean", "sharedMeasurements": 1, "byDevice": false, "withoutReference": 0, "limits": "limits.csv",
+"heldAgainst": "own mean", "sharedMeasurements": 1, "limits": "limits.csv",
 "stations": [
-{"station": "A", "devices": ["DUT"], "says": "has 2 runs, too few for control limits, which need 8", "offset": null, "apart": false, "controlLimits": null, "runsBeyond": 0, "drift": null, "powers": 2, "outOfLimits": 1, "withoutLimit": 0,
+{"station": "A", "devices": ["DUT A"], "says": "has 2 runs, too few for control limits, which need 8", "offset": null, "apart": false, "controlLimits": null, "runsBeyond": 0, "drift": null, "powers": 2, "outOfLimits": 1, "withoutLimit": 0,
 "runs": [
-{"run": "run0", "measuredAt": "2026-03-02T06:00:00Z", "device": "DUT", "firmware": null, "median": -0.25, "differences": 1, "beyond": false},
-{"run": "run1", "measuredAt": "2026-03-03T06:00:00Z", "device": null, "firmware": "1.5", "median": 0.25, "differences": 1, "beyond": false}]}
+{"run": "run0", "measuredAt": "2026-03-02T06:00:00Z", "device": "DUT A", "median": -0.25, "differences": 1, "beyond": false},
+{"run": "run1", "measuredAt": "2026-03-03T06:00:00Z", "device": null, "median": 0.25, "differences": 1, "beyond": false}]}
 ],
 "chain": "A", "settings": {"Band": "5", "Channel": "36"},
 "powers": [
-{"run": "run0", "measuredAt": "2026-03-02T06:00:00Z", "device": "DUT", "firmware": null, "station": "A", "power": 10.0, "outOfLimits": false},
-{"run": "run1", "measuredAt": "2026-03-03T06:00:00Z", "device": null, "firmware": "1.5", "station": "A", "power": 10.5, "outOfLimits": true}
+{"run": "run0", "measuredAt": "2026-03-02T06:00:00Z", "device": "DUT A", "station": "A", "power": 10.0, "outOfLimits": false},
+{"run": "run1", "measuredAt": "2026-03-03T06:00:00Z", "device": null, "station": "A", "power": 10.5, "outOfLimits": true}
 ]
 }
 )=");
@@ -72,6 +71,14 @@ TEST_F(TrendJsonTest, DriftHasItsTimesItsChangeAndItsLimits) {
     EXPECT_EQ(station["runs"][7]["beyond"], true);
     EXPECT_FALSE(station.contains("outOfLimits")) << "there were no limits";
     EXPECT_EQ(trend["stations"][1]["drift"], nullptr);
+}
+
+TEST_F(TrendJsonTest, NoSingleDeviceIsNull) {
+    AddRuns(AddStation("A"), {10});
+    data.visits[0].device.clear();
+    data.visits[0].hasSeveralDevices = true;
+    EXPECT_EQ(Read()["powers"][0]["device"], nullptr);
+    EXPECT_EQ(Read()["stations"][0]["runs"][0]["device"], nullptr);
 }
 
 TEST_F(TrendJsonTest, HostileNamesAreTexts) {

@@ -26,9 +26,6 @@ protected:
     }
 };
 
-const std::string noneShared =
-    "no two stations have measured the same device with the same firmware, "
-    "so that an offset may be a device's";
 const std::string chance =
     "of 1000 runs of a steady station, about 3 are beyond its control limits by chance";
 
@@ -123,71 +120,28 @@ TEST_F(TrendPhrasesTest, RunAloneBeyondIsToldAfterTheDriftOfAnotherStation) {
     EXPECT_EQ(conclusion.sentences[2], chance);
 }
 
-TEST_F(TrendPhrasesTest, SeveralDevicesOfWhichStationsShareNoneAreNeverSteady) {
-    for (const std::string name : {"A", "B", "C"}) {
-        const std::uint32_t station = AddStation(name);
-        for (int run = 0; run < 8; ++run) {
-            const std::string half = run % 2 == 0 ? "1" : "2";
-            AddRun(station, {10}, name + (name == "B" ? "" : half), name == "B" ? half : "");
-        }
-    }
+TEST_F(TrendPhrasesTest, RunsOfSeveralDevicesAreNeverSteady) {
+    AddSteadyAB();
+    AddSteady("C", 10.5);
+    data.stations[0].devices.emplace_back("DUT B");
+    data.stations[2].devices.emplace_back("DUT B");
+    data.stations[1].firmwares = {"1.4", "1.5"};
     const TrendConclusion conclusion = Conclusion();
     EXPECT_EQ(conclusion.word, "MIXED RUNS");
     EXPECT_THAT(conclusion.sentences,
                 ElementsAre("runs of several devices are mixed, which can hide a drift or look "
                             "like one (A, C); choose one with --device",
                             "runs of several firmwares are mixed, which can hide a drift or look "
-                            "like one (B); choose one with --firmware",
-                            noneShared));
+                            "like one (B); choose one with --firmware"));
     EXPECT_FALSE(TrendOf(data).IsFine());
-    AddRun(0, {14}, "A1");
+}
+
+TEST_F(TrendPhrasesTest, RunsOfSeveralFirmwaresAreToldAfterADrift) {
+    AddDriftOfC();
+    data.stations[0].firmwares = {"1.4", "1.5"};
     EXPECT_EQ(Conclusion().word, "DRIFT");
     EXPECT_THAT(Conclusion().sentences.at(1),
-                testing::HasSubstr("(A, C); choose one with --device"));
-}
-
-TEST_F(TrendPhrasesTest, DeviceOfItsOwnAtEachStationIsToldBesideTheConclusion) {
-    for (const std::string name : {"A", "B", "C"}) {
-        const std::uint32_t station = AddStation(name);
-        for (int run = 0; run < 8; ++run)
-            AddRun(station, {10}, name);
-    }
-    EXPECT_EQ(Conclusion().word, "STEADY");
-    EXPECT_THAT(Conclusion().sentences, ElementsAre(testing::_, noneShared));
-}
-
-TEST_F(TrendPhrasesTest, SeveralDevicesThatStationsShareAreSteady) {
-    for (const std::string name : {"A", "B", "C"}) {
-        const std::uint32_t station = AddStation(name);
-        for (int run = 0; run < 8; ++run)
-            AddRun(station, {run < 4 ? 10.0 : 15.0}, run < 4 ? "first" : "second");
-    }
-    EXPECT_THAT(Conclusion().sentences,
-                ElementsAre("none of the 3 stations drifts: 24 runs, 2 measurements that stations "
-                            "share"));
-    AddRun(0, {20}, "third");
-    EXPECT_EQ(Conclusion().word, "STEADY");
-    EXPECT_EQ(Conclusion().sentences.at(1),
-              "1 of 25 powers takes no part: only one station has measured that of that device "
-              "with that firmware");
-}
-
-TEST_F(TrendPhrasesTest, PowersThatTakeNoPartAreCounted) {
-    AddItems(2);
-    const std::uint32_t station = AddStation("A");
-    AddSteady("B", 10);
-    AddSteady("C", 10);
-    for (int run = 0; run < 8; ++run)
-        AddRun(station, {10, 12}, "A");
-    EXPECT_THAT(
-        Conclusion().sentences,
-        testing::Contains("16 of 32 powers take no part: only one station has measured that "
-                          "of that device with that firmware"));
-    for (TrendVisit& visit : data.visits)
-        visit.device = data.stations[visit.station].name;
-    EXPECT_THAT(
-        Conclusion().sentences,
-        testing::Contains("8 of 32 powers take no part: only one station has measured that"));
+                testing::HasSubstr("(A); choose one with --firmware"));
 }
 
 TEST_F(TrendPhrasesTest, StationsThatDriftAreAllTold) {
@@ -358,6 +312,9 @@ TEST_F(TrendPhrasesTest, DevicesAreNamedOrCounted) {
     EXPECT_EQ(DevicesOf({"A", {}}), "");
     EXPECT_EQ(DevicesOf({"A", {"DUT"}}), "DUT");
     EXPECT_EQ(DevicesOf({"A", {"DUT", "other"}}), "2 devices");
+    EXPECT_EQ(DeviceOf({0, 0, "", "", false}), "");
+    EXPECT_EQ(DeviceOf({0, 0, "", "DUT", false}), "DUT");
+    EXPECT_EQ(DeviceOf({0, 0, "", "", true}), "several");
 }
 
 } // namespace

@@ -30,9 +30,9 @@ TEST_F(TrendTextTest, StationsAreATableAfterTheFirstLine) {
 
 Medians of each run's differences from the reference, the median of the stations, in dB:
 Station  Device  runs  offset  lower  upper   last  beyond
-C        DUT       10   -0.55  -0.77  +0.77  +1.40       3
-A        DUT       10   -0.10  -0.57  +0.37  -0.10       0
-B        DUT       10   +0.40  -0.07  +0.87  +0.40       0
+C        DUT C     10   -0.55  -0.77  +0.77  +1.40       3
+A        DUT A     10   -0.10  -0.57  +0.37  -0.10       0
+B        DUT B     10   +0.40  -0.07  +0.87  +0.40       0
 )");
 }
 
@@ -47,13 +47,20 @@ with one station it cannot be told whether it or what it measures has changed
 
 Medians of each run's differences from the station's own mean powers, in dB:
 Station  Device  runs  offset  lower  upper   last  beyond  out  no limit
-A        DUT        2       -      -      -  +0.13       -    1         0
+A        DUT A      2       -      -      -  +0.13       -    1         0
 
 Band 5, Channel 36, chain A, in dBm:
 Measured (UTC)    Station  Device  Run   power  limits
-2026-03-02 06:00  A        DUT     run0  10.00
-2026-03-03 06:00  A        DUT     run1  10.25     out
+2026-03-02 06:00  A        DUT A   run0  10.00
+2026-03-03 06:00  A        DUT A   run1  10.25     out
 )");
+}
+
+TEST_F(TrendTextTest, PowerOfSeveralDevicesIsSaidToBe) {
+    AddRuns(AddStation("A"), {10});
+    data.visits[0].device.clear();
+    data.visits[0].hasSeveralDevices = true;
+    EXPECT_THAT(Printed(), HasSubstr("2026-03-02 06:00  A        several  run0     10\n"));
 }
 
 TEST_F(TrendTextTest, WithoutAnyPowerThereIsNoTable) {

@@ -75,7 +75,7 @@ private:
             for (const TrendPoint& point : station.points) {
                 const TrendVisit& visit = Data().visits[point.visit];
                 lines.Next() << "[" << visit.measuredAt << "," << PlaceOf(visit.run) << ","
-                             << PlaceOf(visit.device) << "," << Hundredths(point.median) << ","
+                             << PlaceOf(DeviceOf(visit)) << "," << Hundredths(point.median) << ","
                              << point.count << "," << int{point.isBeyond} << "]";
             }
             m_out << "]";
@@ -89,7 +89,7 @@ private:
         for (const TrendPower& power : m_page.named.powers) {
             const TrendVisit& visit = Data().visits[power.visit];
             lines.Next() << "[" << visit.measuredAt << "," << m_placeOfStation.at(visit.station)
-                         << "," << PlaceOf(visit.run) << "," << PlaceOf(visit.device) << ","
+                         << "," << PlaceOf(visit.run) << "," << PlaceOf(DeviceOf(visit)) << ","
                          << Rounded(power.power) << "," << int{power.isOut} << "]";
         }
         m_out << "],\n";

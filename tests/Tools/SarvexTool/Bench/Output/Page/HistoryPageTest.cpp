@@ -94,12 +94,23 @@ TEST_F(HistoryPageTest, WholeBlockOfOneConfigurationAndChain) {
 [1772517600,0,4,-1,10.5,1]],
 "runs":null,
 "texts":["A",
-"DUT",
+"DUT A",
 "has 2 runs, too few for control limits, which need 8",
 "run0",
 "run1",
 "Band 5, Channel 36, chain A"]}
 )");
+}
+
+TEST_F(HistoryPageTest, SeveralDevicesAreSaidToBe) {
+    AddRuns(AddStation("A"), {10});
+    data.visits[0].device.clear();
+    data.visits[0].hasSeveralDevices = true;
+    const nlohmann::json block = nlohmann::json::parse(Block());
+    const std::size_t ofPoint = block["points"][0][0][2].get<std::size_t>();
+    const std::size_t ofPower = block["powers"][0][3].get<std::size_t>();
+    EXPECT_EQ(block["texts"][ofPoint], "several");
+    EXPECT_EQ(block["texts"][ofPower], "several");
 }
 
 TEST_F(HistoryPageTest, StationsAndTheirLimitsAreInTheOrderOfTheTrend) {
