@@ -67,7 +67,7 @@ class StationMeans {
 public:
     explicit StationMeans(std::size_t stations) : m_sums(stations), m_counts(stations) {}
 
-    /// Those of the stations that have a power, in no order.
+    /// Those of the stations that have a power, in the order of Stations.
     std::span<double> Of(std::span<const StationPower> powers) {
         m_means.clear();
         m_touched.clear();
@@ -84,6 +84,9 @@ public:
         return m_means;
     }
 
+    /// The stations of the last means.
+    const std::vector<std::uint32_t>& Stations() const { return m_touched; }
+
 private:
     std::vector<double> m_sums;
     std::vector<std::size_t> m_counts;
@@ -91,16 +94,52 @@ private:
     std::vector<double> m_means;
 };
 
-/// One for each item; none where fewer stations have it than are needed.
-std::vector<double> ReferencesOf(const TrendData& data, std::size_t neededStations) {
+/// Which stations have measured the same, be it by way of others.
+class StationGroups {
+public:
+    explicit StationGroups(std::size_t stations) : m_next(stations) {
+        std::iota(m_next.begin(), m_next.end(), std::size_t{0});
+    }
+
+    /// One of the group's stations, the same for all of them.
+    std::size_t Of(std::size_t station) {
+        while (m_next[station] != station) {
+            m_next[station] = m_next[m_next[station]];
+            station = m_next[station];
+        }
+        return station;
+    }
+
+    void Join(const std::vector<std::uint32_t>& stations) {
+        for (const std::uint32_t station : stations)
+            m_next[Of(station)] = Of(stations.front());
+    }
+
+private:
+    /// Another station of the group, or the station itself.
+    std::vector<std::size_t> m_next;
+};
+
+/// What the powers are held against.
+struct References {
+    /// One for each item; none where fewer stations have it than are needed.
+    std::vector<double> ofItems;
+    std::size_t shared = 0;
+    /// Those of exactly two stations.
+    std::size_t ofTwo = 0;
+    StationGroups groups;
+};
+
+References ReferencesOf(const TrendData& data, std::size_t neededStations) {
     Grouped<StationPower> byItem = GroupRows<StationPower>(
         data.rows, data.items.size(), [](const TrendRow& row) { return row.item; },
         [&data](const TrendRow& row) {
             return std::optional(StationPower{data.visits[row.visit].station, row.power});
         });
-    std::vector<double> references(data.items.size(), none);
+    References references{std::vector<double>(data.items.size(), none), 0, 0,
+                          StationGroups(data.stations.size())};
     StationMeans means(data.stations.size());
-    for (std::size_t item = 0; item < references.size(); ++item) {
+    for (std::size_t item = 0; item < data.items.size(); ++item) {
         const std::span<StationPower> powers = byItem.Of(item);
         // A sum depends on the order of its parts, and a database has none.
         std::sort(powers.begin(), powers.end(),
@@ -108,8 +147,12 @@ std::vector<double> ReferencesOf(const TrendData& data, std::size_t neededStatio
                       return left.power < right.power;
                   });
         const std::span<double> ofItem = means.Of(powers);
-        if (ofItem.size() >= neededStations)
-            references[item] = MedianOf(ofItem);
+        if (ofItem.size() < neededStations || ofItem.empty())
+            continue;
+        references.ofItems[item] = MedianOf(ofItem);
+        ++references.shared;
+        references.ofTwo += std::size_t{ofItem.size() == 2};
+        references.groups.Join(means.Stations());
     }
     return references;
 }
@@ -134,6 +177,19 @@ std::vector<StationTrend> StationsWithPoints(const TrendData& data,
                  static_cast<std::uint32_t>(ofVisit.size())});
     }
     return stations;
+}
+
+/// Tells of each station with points from which run on it has powers and no points.
+void FindRunsAlone(const TrendData& data, std::vector<StationTrend>& stations) {
+    std::vector<bool> hasPower(data.visits.size());
+    for (const TrendRow& row : data.rows)
+        hasPower[row.visit] = true;
+    for (std::size_t visit = 0; visit < data.visits.size(); ++visit) {
+        StationTrend& station = stations[data.visits[visit].station];
+        const bool isAfterPoints = !station.points.empty() && visit > station.points.back().visit;
+        if (hasPower[visit] && isAfterPoints && !station.alone)
+            station.alone = static_cast<std::uint32_t>(visit);
+    }
 }
 
 std::vector<double> MediansOf(std::span<const TrendPoint> points) {
@@ -181,7 +237,7 @@ void FindApart(std::vector<StationTrend>& stations) {
             continue;
         std::vector<double> others;
         for (const StationTrend& other : stations) {
-            if (&other != &station && isSteady(other))
+            if (&other != &station && other.group == station.group && isSteady(other))
                 others.push_back(*other.offset);
         }
         station.isApart = IsApart(*station.offset, others);
@@ -244,9 +300,9 @@ bool StandsOutMore(const StationTrend& left, const StationTrend& right, const Tr
     return data.stations[left.station].name < data.stations[right.station].name;
 }
 
-template <typename Fits>
-std::size_t CountThose(const std::vector<StationTrend>& stations, Fits fits) {
-    return static_cast<std::size_t>(std::count_if(stations.begin(), stations.end(), fits));
+template <typename Value, typename Fits>
+std::size_t CountThose(const std::vector<Value>& values, Fits fits) {
+    return static_cast<std::size_t>(std::count_if(values.begin(), values.end(), fits));
 }
 
 std::size_t SumOf(const std::vector<StationTrend>& stations, std::size_t StationTrend::*count) {
@@ -297,6 +353,11 @@ std::size_t Trend::CountTooFew() const {
     return CountThose(stations, [](const StationTrend& station) { return !station.limits; });
 }
 
+std::size_t Trend::CountAlone() const {
+    return CountThose(stations,
+                      [](const StationTrend& station) { return station.alone.has_value(); });
+}
+
 std::size_t Trend::CountPowers() const {
     return SumOf(stations, &StationTrend::powers);
 }
@@ -315,7 +376,7 @@ bool Trend::HasNoLimit() const {
 
 bool Trend::IsFine() const {
     return basis != TrendBasis::Nothing && CountDrifting() == 0 && CountTooFew() == 0 &&
-           CountOutOfLimits() == 0 && !HasNoLimit() && !isMixed;
+           CountAlone() == 0 && CountOutOfLimits() == 0 && !HasNoLimit() && !isMixed;
 }
 
 Trend TrendOf(const TrendData& data, const std::vector<const Limit*>* limits) {
@@ -324,14 +385,17 @@ Trend TrendOf(const TrendData& data, const std::vector<const Limit*>* limits) {
     trend.basis = BasisOf(stations);
     trend.isJudged = limits != nullptr;
     trend.isMixed = std::any_of(data.stations.begin(), data.stations.end(), IsMixed);
-    const std::vector<double> references =
-        ReferencesOf(data, std::clamp<std::size_t>(stations, 1, 2));
-    trend.sharedItems = static_cast<std::size_t>(
-        std::count_if(references.begin(), references.end(),
-                      [](double reference) { return !std::isnan(reference); }));
-    trend.stations = StationsWithPoints(data, references);
+    References references = ReferencesOf(data, std::clamp<std::size_t>(stations, 1, 2));
+    trend.sharedItems = references.shared;
+    trend.itemsOfTwo = stations > 2 ? references.ofTwo : 0;
+    trend.withoutReference = CountThose(
+        data.rows, [&](const TrendRow& row) { return std::isnan(references.ofItems[row.item]); });
+    trend.stations = StationsWithPoints(data, references.ofItems);
+    FindRunsAlone(data, trend.stations);
     CountPowers(data, limits, trend.stations);
     for (StationTrend& station : trend.stations) {
+        station.group = references.groups.Of(station.station);
+        trend.groups += std::size_t{!station.points.empty() && station.group == station.station};
         if (!station.points.empty() && trend.basis != TrendBasis::OwnMean)
             station.offset = MedianOfCopy(MediansOf(station.points));
         HoldAgainstOwnLimits(station);

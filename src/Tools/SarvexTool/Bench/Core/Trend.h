@@ -132,10 +132,15 @@ struct StationTrend {
     std::uint32_t station = 0;
     /// In the order of time; without the runs that share nothing with another station.
     std::vector<TrendPoint> points;
+    /// Stations of one group have measured the same, each at least with one other of it.
+    std::size_t group = 0;
+    /// The first of the runs after the last point that have powers, a place in TrendData::visits:
+    /// what they measured, no other station has.
+    std::optional<std::uint32_t> alone;
     /// The median of the points. Nothing where there are no points, or no other station.
     std::optional<double> offset;
     /// The offset is more than three standard deviations of the others' from their mean; told only
-    /// of a station that does not drift, and with three such others.
+    /// of a station that does not drift, and with three such others in its group.
     bool isApart = false;
     /// Nothing with too few points.
     std::optional<ControlLimits> limits;
@@ -171,6 +176,12 @@ struct Trend {
     std::vector<StationTrend> stations;
     /// How many items have a reference.
     std::size_t sharedItems = 0;
+    /// Those that exactly two of more stations have measured.
+    std::size_t itemsOfTwo = 0;
+    /// How many powers have no reference.
+    std::size_t withoutReference = 0;
+    /// How many groups of stations share nothing with each other.
+    std::size_t groups = 0;
     /// Whether there were limits of powers.
     bool isJudged = false;
     /// Whether a station has measured several devices, or firmwares.
@@ -186,8 +197,11 @@ struct Trend {
     std::size_t CountWithoutLimit() const;
     /// Whether there were limits, and none of them fits any power.
     bool HasNoLimit() const;
-    /// Nothing drifts, no power is out of its limits, there was enough to tell, limits that were
-    /// given fit something, and each station has measured one device with one firmware.
+    /// Those whose last runs share nothing.
+    std::size_t CountAlone() const;
+    /// Nothing drifts, no power is out of its limits, there was enough to tell up to the last run,
+    /// limits that were given fit something, and each station has measured one device with one
+    /// firmware.
     bool IsFine() const;
 };
 

@@ -82,6 +82,11 @@ void WriteStation(JsonWriter& json, const NamedTrend& named, const StationTrend&
     else
         json.Null();
     json.Key("apart").Bool(station.isApart);
+    json.Key("unsharedSince");
+    if (station.alone)
+        json.Text(IsoTime(named.data.visits[*station.alone].measuredAt));
+    else
+        json.Null();
     WriteControlLimits(json, station.limits);
     json.Key("runsBeyond").Count(station.beyond);
     WriteDrift(json, named.data, station);
@@ -147,6 +152,8 @@ void WriteJson(std::ostream& stream, const NamedTrend& named) {
     json.BreakLine();
     json.Key("heldAgainst").Text(basisNames.at(static_cast<std::size_t>(named.trend.basis)));
     json.Key("sharedMeasurements").Count(named.trend.sharedItems);
+    json.Key("groups").Count(named.trend.groups);
+    json.Key("withoutReference").Count(named.trend.withoutReference);
     json.Key("limits");
     if (named.limits)
         json.Text(*named.limits);

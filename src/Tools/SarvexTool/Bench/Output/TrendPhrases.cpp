@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <iterator>
+#include <map>
 #include <span>
 
 namespace Bench {
@@ -113,6 +113,23 @@ std::string Steady(const Trend& trend) {
            (count == 1 ? "" : " that stations share");
 }
 
+/// ", for example DUT-7, which 3 of 4 stations have measured", or "" where stations share none.
+std::string MostShared(const TrendData& data, std::vector<std::string> TrendStation::*kind) {
+    std::map<std::string, std::size_t> counts;
+    for (const TrendStation& station : data.stations) {
+        for (const std::string& name : station.*kind)
+            ++counts[name];
+    }
+    const auto most =
+        std::max_element(counts.begin(), counts.end(), [](const auto& left, const auto& right) {
+            return left.second < right.second;
+        });
+    if (most == counts.end() || most->second < 2)
+        return "";
+    return ", for example " + most->first + ", which " + std::to_string(most->second) + " of " +
+           std::to_string(data.stations.size()) + " stations have measured";
+}
+
 /// Of the stations with several of the kind.
 std::string Mixed(const TrendData& data, std::vector<std::string> TrendStation::*kind,
                   const std::string& what) {
@@ -124,13 +141,25 @@ std::string Mixed(const TrendData& data, std::vector<std::string> TrendStation::
     return names.empty()
                ? ""
                : "runs of several " + what + "s are mixed, which can hide a drift or look " +
-                     "like one (" + names + "); choose one with --" + what;
+                     "like one (" + names + "); choose one with --" + what + MostShared(data, kind);
 }
 
 std::vector<std::string> MixedRuns(const TrendData& data) {
     std::vector<std::string> sentences{Mixed(data, &TrendStation::devices, "device"),
                                        Mixed(data, &TrendStation::firmwares, "firmware")};
     std::erase(sentences, "");
+    return sentences;
+}
+
+/// "C has measured nothing since 2026-03-18 that another station has measured"
+std::vector<std::string> RunsAlone(const TrendData& data, const Trend& trend) {
+    std::vector<std::string> sentences;
+    for (const StationTrend& station : trend.stations) {
+        if (station.alone)
+            sentences.push_back(NameOf(data, station) + " has measured nothing since " +
+                                ShownDay(data.visits[*station.alone].measuredAt) +
+                                " that another station has measured");
+    }
     return sentences;
 }
 
@@ -156,6 +185,8 @@ TrendConclusion WithoutDrift(const TrendData& data, const Trend& trend) {
         return {"NOTHING SHARED",
                 {"no station has measured what another one has, so that there is nothing to hold "
                  "them against"}};
+    if (trend.CountAlone() != 0)
+        return {"NOTHING SHARED", RunsAlone(data, trend)};
     if (trend.isMixed)
         return {"MIXED RUNS", MixedRuns(data)};
     if (trend.CountTooFew() != 0)
@@ -194,25 +225,28 @@ void AddRunsBeyond(const TrendData& data, const Trend& trend, TrendConclusion& c
                                           "its control limits by chance");
 }
 
-} // namespace
-
-TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
-    const bool hasDrift = trend.CountDrifting() != 0;
-    TrendConclusion conclusion = hasDrift ? WithDrift(data, trend) : WithoutDrift(data, trend);
-    AddRunsBeyond(data, trend, conclusion);
-    for (const StationTrend& station : trend.stations) {
-        // Of a station with an outlier it is said with that.
-        if (station.isApart && !station.drift)
-            conclusion.sentences.push_back(SentenceOf(data, station));
-    }
-    if (trend.isMixed && conclusion.word != "MIXED RUNS")
-        std::ranges::copy(MixedRuns(data), std::back_inserter(conclusion.sentences));
-    if (trend.CountWithoutLimit() != 0 && conclusion.word != "NO LIMIT")
-        conclusion.sentences.push_back(WithoutLimit(trend));
-    if (trend.CountTooFew() != 0 && trend.sharedItems != 0 && conclusion.word != "TOO FEW RUNS")
-        conclusion.sentences.push_back(TooFewRuns(data, trend));
+/// What there is to say of how the stations are held against each other.
+void AddBasis(const Trend& trend, TrendConclusion& conclusion) {
+    if (trend.sharedItems == 0)
+        return;
+    if (trend.withoutReference != 0)
+        conclusion.sentences.push_back(
+            std::to_string(trend.withoutReference) + " of " +
+            Counted(trend.CountPowers(), "power") +
+            (trend.withoutReference == 1 ? " takes" : " take") +
+            " no part, because only one station has measured such a one");
+    if (trend.groups > 1)
+        conclusion.sentences.push_back("the stations are " + std::to_string(trend.groups) +
+                                       " groups that share nothing, so that offsets compare only "
+                                       "within a group");
+    if (trend.itemsOfTwo != 0)
+        conclusion.sentences.push_back(
+            std::to_string(trend.itemsOfTwo) + " of " +
+            Counted(trend.sharedItems, "shared measurement") +
+            (trend.itemsOfTwo == 1 ? " is" : " are") +
+            " of two stations, of which it cannot be told which is wrong");
     const bool haveAllPowers = CountWithPowers(trend) == trend.stations.size();
-    if (trend.basis == TrendBasis::TwoStations && trend.sharedItems != 0)
+    if (trend.basis == TrendBasis::TwoStations)
         conclusion.sentences.push_back(
             std::string(haveAllPowers ? "with two stations" : "with powers of two stations only") +
             " it cannot be told which of them is wrong");
@@ -220,6 +254,31 @@ TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
         conclusion.sentences.push_back(
             std::string(haveAllPowers ? "with one station" : "with powers of one station only") +
             " it cannot be told whether it or what it measures has changed");
+}
+
+} // namespace
+
+TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
+    const bool hasDrift = trend.CountDrifting() != 0;
+    TrendConclusion conclusion = hasDrift ? WithDrift(data, trend) : WithoutDrift(data, trend);
+    const auto add = [&conclusion](const std::vector<std::string>& sentences) {
+        conclusion.sentences.insert(conclusion.sentences.end(), sentences.begin(), sentences.end());
+    };
+    AddRunsBeyond(data, trend, conclusion);
+    for (const StationTrend& station : trend.stations) {
+        // Of a station with an outlier it is said with that.
+        if (station.isApart && !station.drift)
+            conclusion.sentences.push_back(SentenceOf(data, station));
+    }
+    if (conclusion.word != "NOTHING SHARED")
+        add(RunsAlone(data, trend));
+    if (trend.isMixed && conclusion.word != "MIXED RUNS")
+        add(MixedRuns(data));
+    if (trend.CountWithoutLimit() != 0 && conclusion.word != "NO LIMIT")
+        conclusion.sentences.push_back(WithoutLimit(trend));
+    if (trend.CountTooFew() != 0 && trend.sharedItems != 0 && conclusion.word != "TOO FEW RUNS")
+        conclusion.sentences.push_back(TooFewRuns(data, trend));
+    AddBasis(trend, conclusion);
     return conclusion;
 }
 

@@ -223,6 +223,49 @@ TEST_F(TrendTest, StationsThatShareNothingHaveNeitherOffsetsNorLimits) {
     EXPECT_FALSE(trend.IsFine());
 }
 
+TEST_F(TrendTest, StationWhoseLastRunsShareNothingIsNeverFine) {
+    AddItems(2);
+    AddSteady("A", 10);
+    AddSteady("B", 10);
+    AddSteady("C", 10);
+    ASSERT_TRUE(TrendOf(data).IsFine());
+    AddRun(2, {NAN, 10});
+    AddRun(2, {NAN, 14});
+    const Trend trend = TrendOf(data);
+    EXPECT_EQ(trend.CountAlone(), 1U);
+    EXPECT_EQ(trend.stations[2].alone, 24U);
+    EXPECT_EQ(trend.withoutReference, 2U);
+    EXPECT_FALSE(trend.IsFine());
+    AddRun(2, {10, NAN});
+    EXPECT_EQ(TrendOf(data).CountAlone(), 0U) << "its last run is held against the others'";
+    EXPECT_TRUE(TrendOf(data).IsFine());
+    AddRun(2, {NAN, NAN});
+    EXPECT_TRUE(TrendOf(data).IsFine()) << "a run that measured nothing tells nothing";
+}
+
+TEST_F(TrendTest, StationsAreHeldAgainstThoseOfTheirGroupAlone) {
+    AddItems(3);
+    const std::vector<std::vector<double>> powers{{10, NAN, NAN},   {10.1, 20, NAN},
+                                                  {NAN, 20.1, NAN}, {10.2, NAN, NAN},
+                                                  {NAN, NAN, 30},   {NAN, NAN, 32}};
+    for (std::size_t station = 0; station < powers.size(); ++station) {
+        AddStation(std::string(1, static_cast<char>('A' + station)));
+        for (int run = 0; run < 8; ++run)
+            AddRun(static_cast<std::uint32_t>(station), powers[station]);
+    }
+    const Trend trend = TrendOf(data);
+    EXPECT_EQ(NamesInOrder(trend), "A B C D E F");
+    EXPECT_EQ(trend.groups, 2U);
+    const std::vector<StationTrend>& stations = trend.stations;
+    for (const std::size_t station : {1U, 2U, 3U})
+        EXPECT_EQ(stations[station].group, stations[0].group);
+    EXPECT_EQ(stations[4].group, stations[5].group);
+    EXPECT_NE(stations[4].group, stations[0].group);
+    EXPECT_EQ(trend.itemsOfTwo, 2U);
+    EXPECT_NEAR(*stations[5].offset, 1, exactly);
+    EXPECT_FALSE(stations[5].isApart) << "what A to D read is no measure of it";
+}
+
 TEST_F(TrendTest, DriftThatIsOverComesAfterOneThatGoesOnAndIsFine) {
     AddSteady("A", 10);
     AddSteady("B", 11);

@@ -123,17 +123,66 @@ TEST_F(TrendPhrasesTest, RunAloneBeyondIsToldAfterTheDriftOfAnotherStation) {
 TEST_F(TrendPhrasesTest, RunsOfSeveralDevicesAreNeverSteady) {
     AddSteadyAB();
     AddSteady("C", 10.5);
-    data.stations[0].devices.emplace_back("DUT B");
-    data.stations[2].devices.emplace_back("DUT B");
+    data.stations[0].devices.emplace_back("DUT D");
+    data.stations[2].devices.emplace_back("DUT D");
     data.stations[1].firmwares = {"1.4", "1.5"};
     const TrendConclusion conclusion = Conclusion();
     EXPECT_EQ(conclusion.word, "MIXED RUNS");
     EXPECT_THAT(conclusion.sentences,
                 ElementsAre("runs of several devices are mixed, which can hide a drift or look "
-                            "like one (A, C); choose one with --device",
+                            "like one (A, C); choose one with --device, for example DUT D, which "
+                            "2 of 3 stations have measured",
                             "runs of several firmwares are mixed, which can hide a drift or look "
                             "like one (B); choose one with --firmware"));
     EXPECT_FALSE(TrendOf(data).IsFine());
+}
+
+TEST_F(TrendPhrasesTest, DeviceToChooseIsTheOneThatMostStationsHaveMeasured) {
+    AddSteadyAB();
+    AddSteady("C", 10.5);
+    data.stations[0].devices = {"a", "b", "golden"};
+    data.stations[1].devices = {"b", "golden"};
+    data.stations[2].devices = {"golden"};
+    EXPECT_THAT(Conclusion().sentences.front(),
+                testing::EndsWith("for example golden, which 3 of 3 stations have measured"));
+    data.stations[1].devices = {"c"};
+    data.stations[2].devices = {"d"};
+    EXPECT_THAT(Conclusion().sentences.front(), testing::EndsWith("choose one with --device"));
+}
+
+TEST_F(TrendPhrasesTest, StationWhoseLastRunsShareNothingIsToldFirst) {
+    AddItems(2);
+    AddSteadyAB();
+    AddSteady("C", 10.5);
+    AddRun(2, {NAN, 10});
+    AddRun(2, {NAN, 10});
+    EXPECT_EQ(Conclusion().word, "NOTHING SHARED");
+    EXPECT_THAT(
+        Conclusion().sentences,
+        ElementsAre("C has measured nothing since 2026-03-26 that another station has measured",
+                    "2 of 26 powers take no part, because only one station has measured such a "
+                    "one"));
+    AddRuns(1, {11, 14});
+    EXPECT_EQ(Conclusion().word, "DRIFT");
+    EXPECT_EQ(Conclusion().sentences.at(1),
+              "C has measured nothing since 2026-03-26 that another station has measured");
+}
+
+TEST_F(TrendPhrasesTest, GroupsAndMeasurementsOfTwoStationsAreTold) {
+    AddItems(2);
+    for (const char* const name : {"A", "B", "C", "D"}) {
+        const std::uint32_t station = AddStation(name);
+        for (int run = 0; run < 8; ++run)
+            AddRun(station,
+                   station < 2 ? std::vector<double>{10, NAN} : std::vector<double>{NAN, 10});
+    }
+    EXPECT_THAT(Conclusion().sentences,
+                ElementsAre("none of the 4 stations drifts: 32 runs, 2 measurements that stations "
+                            "share",
+                            "the stations are 2 groups that share nothing, so that offsets compare "
+                            "only within a group",
+                            "2 of 2 shared measurements are of two stations, of which it cannot be "
+                            "told which is wrong"));
 }
 
 TEST_F(TrendPhrasesTest, RunsOfSeveralFirmwaresAreToldAfterADrift) {
