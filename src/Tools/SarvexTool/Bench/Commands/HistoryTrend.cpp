@@ -205,8 +205,9 @@ Command AddHistoryTrend(CLI::App& history) {
         ->type_name("FILE");
     app->footer(
         "Exit code: 0 no bench drifts now, 1 a bench drifts, a power is out of its limits, "
-        "no power has a limit of those given, or what is kept does not tell, 2 wrong usage, a store or a file that cannot "
-        "be read, or a file that cannot be written.");
+        "no power has a limit of those given, or what is kept does not tell (too few runs, devices "
+        "mixed, nothing shared, not followed), 2 wrong usage, a store or a file that cannot be "
+        "read, or a file that cannot be written.");
     return {app, [arguments](Surroundings& surroundings) {
                 return TellTrend(*arguments, surroundings);
             }};

@@ -125,8 +125,6 @@ struct References {
     /// One for each item; none where fewer stations have it than are needed.
     std::vector<double> ofItems;
     std::size_t shared = 0;
-    /// Those of exactly two stations.
-    std::size_t ofTwo = 0;
     StationGroups groups;
 };
 
@@ -136,7 +134,7 @@ References ReferencesOf(const TrendData& data, std::size_t neededStations) {
         [&data](const TrendRow& row) {
             return std::optional(StationPower{data.visits[row.visit].station, row.power});
         });
-    References references{std::vector<double>(data.items.size(), none), 0, 0,
+    References references{std::vector<double>(data.items.size(), none), 0,
                           StationGroups(data.stations.size())};
     StationMeans means(data.stations.size());
     for (std::size_t item = 0; item < data.items.size(); ++item) {
@@ -151,7 +149,6 @@ References ReferencesOf(const TrendData& data, std::size_t neededStations) {
             continue;
         references.ofItems[item] = MedianOf(ofItem);
         ++references.shared;
-        references.ofTwo += std::size_t{ofItem.size() == 2};
         references.groups.Join(means.Stations());
     }
     return references;
@@ -179,16 +176,30 @@ std::vector<StationTrend> StationsWithPoints(const TrendData& data,
     return stations;
 }
 
-/// Tells of each station with points from which run on it has powers and no points.
-void FindRunsAlone(const TrendData& data, std::vector<StationTrend>& stations) {
-    std::vector<bool> hasPower(data.visits.size());
-    for (const TrendRow& row : data.rows)
-        hasPower[row.visit] = true;
+/// The median time between points, of which there are at least two.
+double UsualGap(const TrendData& data, const std::vector<TrendPoint>& points) {
+    std::vector<double> gaps;
+    for (std::size_t place = 1; place < points.size(); ++place)
+        gaps.push_back(static_cast<double>(data.visits[points[place].visit].measuredAt -
+                                           data.visits[points[place - 1].visit].measuredAt));
+    return MedianOf(gaps);
+}
+
+void FindStationsBehind(const TrendData& data, std::vector<StationTrend>& stations) {
+    constexpr double usualGaps = 3;
+    constexpr double day = 86'400;
+    constexpr double fourWeeks = 28 * day;
     for (std::size_t visit = 0; visit < data.visits.size(); ++visit) {
         StationTrend& station = stations[data.visits[visit].station];
-        const bool isAfterPoints = !station.points.empty() && visit > station.points.back().visit;
-        if (hasPower[visit] && isAfterPoints && !station.alone)
-            station.alone = static_cast<std::uint32_t>(visit);
+        station.hasRunSince = !station.points.empty() && visit > station.points.back().visit;
+    }
+    for (StationTrend& station : stations) {
+        if (!station.limits)
+            continue;
+        const TrendVisit& last = data.visits[station.points.back().visit];
+        const auto since = static_cast<double>(data.visits.back().measuredAt - last.measuredAt);
+        station.isBehind = since > std::max(station.hasRunSince ? day : fourWeeks,
+                                            usualGaps * UsualGap(data, station.points));
     }
 }
 
@@ -353,9 +364,10 @@ std::size_t Trend::CountTooFew() const {
     return CountThose(stations, [](const StationTrend& station) { return !station.limits; });
 }
 
-std::size_t Trend::CountAlone() const {
-    return CountThose(stations,
-                      [](const StationTrend& station) { return station.alone.has_value(); });
+std::size_t Trend::CountNotFollowed() const {
+    return CountThose(stations, [](const StationTrend& station) {
+        return station.isBehind && station.hasRunSince;
+    });
 }
 
 std::size_t Trend::CountPowers() const {
@@ -376,7 +388,7 @@ bool Trend::HasNoLimit() const {
 
 bool Trend::IsFine() const {
     return basis != TrendBasis::Nothing && CountDrifting() == 0 && CountTooFew() == 0 &&
-           CountAlone() == 0 && CountOutOfLimits() == 0 && !HasNoLimit() && !isMixed;
+           CountNotFollowed() == 0 && CountOutOfLimits() == 0 && !HasNoLimit() && !isMixed;
 }
 
 Trend TrendOf(const TrendData& data, const std::vector<const Limit*>* limits) {
@@ -387,11 +399,9 @@ Trend TrendOf(const TrendData& data, const std::vector<const Limit*>* limits) {
     trend.isMixed = std::any_of(data.stations.begin(), data.stations.end(), IsMixed);
     References references = ReferencesOf(data, std::clamp<std::size_t>(stations, 1, 2));
     trend.sharedItems = references.shared;
-    trend.itemsOfTwo = stations > 2 ? references.ofTwo : 0;
     trend.withoutReference = CountThose(
         data.rows, [&](const TrendRow& row) { return std::isnan(references.ofItems[row.item]); });
     trend.stations = StationsWithPoints(data, references.ofItems);
-    FindRunsAlone(data, trend.stations);
     CountPowers(data, limits, trend.stations);
     for (StationTrend& station : trend.stations) {
         station.group = references.groups.Of(station.station);
@@ -400,6 +410,7 @@ Trend TrendOf(const TrendData& data, const std::vector<const Limit*>* limits) {
             station.offset = MedianOfCopy(MediansOf(station.points));
         HoldAgainstOwnLimits(station);
     }
+    FindStationsBehind(data, trend.stations);
     FindApart(trend.stations);
     std::sort(trend.stations.begin(), trend.stations.end(),
               [&data](const StationTrend& left, const StationTrend& right) {

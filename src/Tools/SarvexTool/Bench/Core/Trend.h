@@ -134,9 +134,11 @@ struct StationTrend {
     std::vector<TrendPoint> points;
     /// Stations of one group have measured the same, each at least with one other of it.
     std::size_t group = 0;
-    /// The first of the runs after the last point that have powers, a place in TrendData::visits:
-    /// what they measured, no other station has.
-    std::optional<std::uint32_t> alone;
+    /// It has no point for more than three times the usual time between its points: with runs of
+    /// it since, for more than a day; with runs of others only, for more than four weeks.
+    bool isBehind = false;
+    /// Whether it has runs after its last point.
+    bool hasRunSince = false;
     /// The median of the points. Nothing where there are no points, or no other station.
     std::optional<double> offset;
     /// The offset is more than three standard deviations of the others' from their mean; told only
@@ -162,7 +164,7 @@ enum class TrendBasis : std::uint8_t {
     Nothing,
     /// There is one station, and each power is held against the mean of the same ones.
     OwnMean,
-    /// The references are between the two: a drift of one is as much one of the other.
+    /// The references are half-way between the two.
     TwoStations,
     /// The references are medians, which a drifting station moves little.
     Stations
@@ -176,8 +178,6 @@ struct Trend {
     std::vector<StationTrend> stations;
     /// How many items have a reference.
     std::size_t sharedItems = 0;
-    /// Those that exactly two of more stations have measured.
-    std::size_t itemsOfTwo = 0;
     /// How many powers have no reference.
     std::size_t withoutReference = 0;
     /// How many groups of stations share nothing with each other.
@@ -197,8 +197,8 @@ struct Trend {
     std::size_t CountWithoutLimit() const;
     /// Whether there were limits, and none of them fits any power.
     bool HasNoLimit() const;
-    /// Those whose last runs share nothing.
-    std::size_t CountAlone() const;
+    /// Those that are behind and have run since.
+    std::size_t CountNotFollowed() const;
     /// Nothing drifts, no power is out of its limits, there was enough to tell up to the last run,
     /// limits that were given fit something, and each station has measured one device with one
     /// firmware.

@@ -82,11 +82,8 @@ void WriteStation(JsonWriter& json, const NamedTrend& named, const StationTrend&
     else
         json.Null();
     json.Key("apart").Bool(station.isApart);
-    json.Key("unsharedSince");
-    if (station.alone)
-        json.Text(IsoTime(named.data.visits[*station.alone].measuredAt));
-    else
-        json.Null();
+    json.Key("behind").Bool(station.isBehind);
+    json.Key("hasRunSince").Bool(station.hasRunSince);
     WriteControlLimits(json, station.limits);
     json.Key("runsBeyond").Count(station.beyond);
     WriteDrift(json, named.data, station);

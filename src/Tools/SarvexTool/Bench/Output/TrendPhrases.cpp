@@ -6,13 +6,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <map>
 #include <span>
 
 namespace Bench {
 
 namespace {
 
+const std::string nothingShared = "no station has measured what another one has, so that there is "
+                                  "nothing to hold them against";
 const std::string fewestRuns = std::to_string(ControlLimits::FewestValues);
 
 std::string DayOf(const TrendData& data, const TrendPoint& point) {
@@ -89,45 +90,49 @@ std::string WithoutLimit(const Trend& trend) {
            " no limit";
 }
 
+void AddName(std::string& list, const std::string& title, const std::string& name) {
+    list += list.empty() ? title : ", ";
+    list += name;
+}
+
 std::string TooFewRuns(const TrendData& data, const Trend& trend) {
     if (trend.CountTooFew() == trend.stations.size() && trend.stations.size() > 1)
         return "none of the " + std::to_string(trend.stations.size()) + " stations has the " +
-               fewestRuns + " runs that control limits need";
-    std::string names;
+               fewestRuns + " runs " + (trend.withoutReference != 0 ? "with shared powers " : "") +
+               "that control limits need";
+    std::string few;
+    std::string alone;
     for (const StationTrend& station : trend.stations) {
-        if (!station.limits)
-            names += (names.empty() ? "" : ", ") + NameOf(data, station) + " (" +
-                     std::to_string(station.points.size()) + ")";
+        const std::string& name = NameOf(data, station);
+        const std::size_t runs = station.points.size();
+        if (!station.limits && (runs != 0 || station.powers == 0))
+            AddName(few, "too few runs for control limits, which need " + fewestRuns + ": ",
+                    name + " (" + std::to_string(runs) + ")");
+        else if (!station.limits)
+            AddName(alone, "nothing that another station has measured: ", name);
     }
-    return "too few runs for control limits, which need " + fewestRuns + ": " + names;
+    return few + (few.empty() || alone.empty() ? "" : "; ") + alone;
 }
 
-std::string Steady(const Trend& trend) {
+/// With the widest limits, within which a drift does not show.
+std::string Steady(const TrendData& data, const Trend& trend) {
     std::size_t runs = 0;
     for (const StationTrend& station : trend.stations)
         runs += station.points.size();
+    const auto widest = std::max_element(trend.stations.begin(), trend.stations.end(),
+                                         [](const StationTrend& left, const StationTrend& right) {
+                                             return left.limits->sigma < right.limits->sigma;
+                                         });
+    const std::string distance = Hundredths(ControlLimits::Sigmas * widest->limits->sigma) + " dB";
     const std::size_t count = trend.stations.size();
-    return (count == 1 ? "the station does not drift: "
-                       : "none of the " + std::to_string(count) + " stations drifts: ") +
-           Counted(runs, "run") + ", " + Counted(trend.sharedItems, "measurement") +
-           (count == 1 ? "" : " that stations share");
-}
-
-/// ", for example DUT-7, which 3 of 4 stations have measured", or "" where stations share none.
-std::string MostShared(const TrendData& data, std::vector<std::string> TrendStation::*kind) {
-    std::map<std::string, std::size_t> counts;
-    for (const TrendStation& station : data.stations) {
-        for (const std::string& name : station.*kind)
-            ++counts[name];
-    }
-    const auto most =
-        std::max_element(counts.begin(), counts.end(), [](const auto& left, const auto& right) {
-            return left.second < right.second;
-        });
-    if (most == counts.end() || most->second < 2)
-        return "";
-    return ", for example " + most->first + ", which " + std::to_string(most->second) + " of " +
-           std::to_string(data.stations.size()) + " stations have measured";
+    const std::string measured =
+        Counted(runs, "run") + ", " + Counted(trend.sharedItems, "measurement");
+    if (count == 1)
+        return "the station does not drift: " + measured + ", limits " + distance +
+               " from the mean";
+    return "none of the " + std::to_string(count) + " stations drifts: " + measured +
+           " that stations share, limits at most " + distance + " from the mean (" +
+           NameOf(data, *widest) + ")";
 }
 
 /// Of the stations with several of the kind.
@@ -141,7 +146,7 @@ std::string Mixed(const TrendData& data, std::vector<std::string> TrendStation::
     return names.empty()
                ? ""
                : "runs of several " + what + "s are mixed, which can hide a drift or look " +
-                     "like one (" + names + "); choose one with --" + what + MostShared(data, kind);
+                     "like one (" + names + "); choose one with --" + what;
 }
 
 std::vector<std::string> MixedRuns(const TrendData& data) {
@@ -151,14 +156,17 @@ std::vector<std::string> MixedRuns(const TrendData& data) {
     return sentences;
 }
 
-/// "C has measured nothing since 2026-03-18 that another station has measured"
-std::vector<std::string> RunsAlone(const TrendData& data, const Trend& trend) {
+/// "C has measured nothing that counts since 2026-03-18, though it has run since"
+std::vector<std::string> StationsBehind(const TrendData& data, const Trend& trend,
+                                        bool hasRunSince) {
     std::vector<std::string> sentences;
     for (const StationTrend& station : trend.stations) {
-        if (station.alone)
-            sentences.push_back(NameOf(data, station) + " has measured nothing since " +
-                                ShownDay(data.visits[*station.alone].measuredAt) +
-                                " that another station has measured");
+        if (station.isBehind && station.hasRunSince == hasRunSince)
+            sentences.push_back(
+                NameOf(data, station) +
+                (hasRunSince ? " has measured nothing that counts since " : " has no run since ") +
+                DayOf(data, station.points.back()) +
+                (hasRunSince ? ", though it has run since" : ""));
     }
     return sentences;
 }
@@ -182,16 +190,14 @@ TrendConclusion WithoutDrift(const TrendData& data, const Trend& trend) {
     if (trend.HasNoLimit())
         return {"NO LIMIT", {WithoutLimit(trend)}};
     if (trend.sharedItems == 0)
-        return {"NOTHING SHARED",
-                {"no station has measured what another one has, so that there is nothing to hold "
-                 "them against"}};
-    if (trend.CountAlone() != 0)
-        return {"NOTHING SHARED", RunsAlone(data, trend)};
+        return {"NOTHING SHARED", {nothingShared}};
+    if (trend.CountNotFollowed() != 0)
+        return {"NOT FOLLOWED", StationsBehind(data, trend, true)};
     if (trend.isMixed)
         return {"MIXED RUNS", MixedRuns(data)};
     if (trend.CountTooFew() != 0)
         return {"TOO FEW RUNS", {TooFewRuns(data, trend)}};
-    return {"STEADY", {Steady(trend)}};
+    return {"STEADY", {Steady(data, trend)}};
 }
 
 TrendConclusion WithDrift(const TrendData& data, const Trend& trend) {
@@ -236,20 +242,14 @@ void AddBasis(const Trend& trend, TrendConclusion& conclusion) {
             (trend.withoutReference == 1 ? " takes" : " take") +
             " no part, because only one station has measured such a one");
     if (trend.groups > 1)
-        conclusion.sentences.push_back("the stations are " + std::to_string(trend.groups) +
-                                       " groups that share nothing, so that offsets compare only "
-                                       "within a group");
-    if (trend.itemsOfTwo != 0)
-        conclusion.sentences.push_back(
-            std::to_string(trend.itemsOfTwo) + " of " +
-            Counted(trend.sharedItems, "shared measurement") +
-            (trend.itemsOfTwo == 1 ? " is" : " are") +
-            " of two stations, of which it cannot be told which is wrong");
+        conclusion.sentences.push_back(std::to_string(trend.groups) +
+                                       " groups of stations share nothing with each other, so that "
+                                       "offsets compare only within a group");
     const bool haveAllPowers = CountWithPowers(trend) == trend.stations.size();
     if (trend.basis == TrendBasis::TwoStations)
         conclusion.sentences.push_back(
             std::string(haveAllPowers ? "with two stations" : "with powers of two stations only") +
-            " it cannot be told which of them is wrong");
+            " their offsets cannot tell which of them is wrong");
     if (trend.basis == TrendBasis::OwnMean)
         conclusion.sentences.push_back(
             std::string(haveAllPowers ? "with one station" : "with powers of one station only") +
@@ -270,8 +270,12 @@ TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
         if (station.isApart && !station.drift)
             conclusion.sentences.push_back(SentenceOf(data, station));
     }
-    if (conclusion.word != "NOTHING SHARED")
-        add(RunsAlone(data, trend));
+    if (conclusion.word != "NOT FOLLOWED")
+        add(StationsBehind(data, trend, true));
+    add(StationsBehind(data, trend, false));
+    const bool isNothingShared = trend.basis != TrendBasis::Nothing && trend.sharedItems == 0;
+    if (isNothingShared && conclusion.word != "NOTHING SHARED")
+        conclusion.sentences.push_back(nothingShared);
     if (trend.isMixed && conclusion.word != "MIXED RUNS")
         add(MixedRuns(data));
     if (trend.CountWithoutLimit() != 0 && conclusion.word != "NO LIMIT")

@@ -223,47 +223,86 @@ TEST_F(TrendTest, StationsThatShareNothingHaveNeitherOffsetsNorLimits) {
     EXPECT_FALSE(trend.IsFine());
 }
 
-TEST_F(TrendTest, StationWhoseLastRunsShareNothingIsNeverFine) {
+TEST_F(TrendTest, StationThatHasRunWithoutBeingHeldAgainstAnythingIsNeverFine) {
     AddItems(2);
+    for (int run = 0; run < 8; ++run) {
+        for (const char* const name : {"A", "B", "C"}) {
+            if (run == 0)
+                AddStation(name);
+            AddRun(static_cast<std::uint32_t>(name[0] - 'A'), {10, NAN});
+        }
+    }
+    ASSERT_TRUE(TrendOf(data).IsFine());
+    const StationTrend& third = TrendOf(data).stations[2];
+    EXPECT_FALSE(third.isBehind);
+    EXPECT_FALSE(third.hasRunSince);
+
+    // It has a point every third day: three times that may pass.
+    const std::int64_t last = data.visits.back().measuredAt;
+    for (const std::int64_t days : {1, 9, 10}) {
+        SCOPED_TRACE(days);
+        AddRun(2, {NAN, NAN});
+        if (days == 1)
+            data.rows.push_back({static_cast<std::uint32_t>(data.visits.size() - 1), 1, 14});
+        data.visits.back().measuredAt = last + days * Day;
+        const Trend trend = TrendOf(data);
+        EXPECT_TRUE(trend.stations[2].hasRunSince) << "what it measured, no other one has";
+        EXPECT_EQ(trend.stations[2].isBehind, days == 10);
+        EXPECT_EQ(trend.CountNotFollowed(), days == 10 ? 1U : 0U);
+        EXPECT_EQ(trend.IsFine(), days != 10);
+        EXPECT_EQ(trend.withoutReference, 1U);
+    }
+}
+
+TEST_F(TrendTest, StationWithoutRunsForLongIsBehindAndFine) {
     AddSteady("A", 10);
     AddSteady("B", 10);
     AddSteady("C", 10);
-    ASSERT_TRUE(TrendOf(data).IsFine());
-    AddRun(2, {NAN, 10});
-    AddRun(2, {NAN, 14});
+    const std::int64_t lastOfA = data.visits[7].measuredAt;
+    data.visits.back().measuredAt = lastOfA + 28 * Day;
+    EXPECT_FALSE(TrendOf(data).stations[0].isBehind);
+    data.visits.back().measuredAt = lastOfA + 28 * Day + 1;
     const Trend trend = TrendOf(data);
-    EXPECT_EQ(trend.CountAlone(), 1U);
-    EXPECT_EQ(trend.stations[2].alone, 24U);
-    EXPECT_EQ(trend.withoutReference, 2U);
-    EXPECT_FALSE(trend.IsFine());
-    AddRun(2, {10, NAN});
-    EXPECT_EQ(TrendOf(data).CountAlone(), 0U) << "its last run is held against the others'";
-    EXPECT_TRUE(TrendOf(data).IsFine());
-    AddRun(2, {NAN, NAN});
-    EXPECT_TRUE(TrendOf(data).IsFine()) << "a run that measured nothing tells nothing";
+    EXPECT_TRUE(trend.stations[0].isBehind);
+    EXPECT_FALSE(trend.stations[0].hasRunSince);
+    EXPECT_FALSE(trend.stations[2].isBehind);
+    EXPECT_TRUE(trend.IsFine());
+}
+
+TEST_F(TrendTest, StationThatHasRunSinceIsBehindByADayAtLeast) {
+    for (const char* const name : {"A", "B"})
+        AddRuns(AddStation(name), std::vector<double>(8, 10));
+    for (std::size_t visit = 0; visit < data.visits.size(); ++visit)
+        data.visits[visit].measuredAt = FirstDay + 60 * static_cast<std::int64_t>(visit);
+    const std::int64_t last = data.visits.back().measuredAt;
+    AddRun(1, {NAN});
+    data.visits.back().measuredAt = last + Day;
+    EXPECT_FALSE(TrendOf(data).stations[1].isBehind);
+    data.visits.back().measuredAt = last + Day + 1;
+    EXPECT_TRUE(TrendOf(data).stations[1].isBehind);
 }
 
 TEST_F(TrendTest, StationsAreHeldAgainstThoseOfTheirGroupAlone) {
     AddItems(3);
-    const std::vector<std::vector<double>> powers{{10, NAN, NAN},   {10.1, 20, NAN},
-                                                  {NAN, 20.1, NAN}, {10.2, NAN, NAN},
-                                                  {NAN, NAN, 30},   {NAN, NAN, 32}};
+    const std::vector<std::vector<double>> powers{
+        {10, NAN, NAN}, {10.1, 20, NAN}, {NAN, 20.1, NAN}, {10.2, NAN, NAN},
+        {NAN, NAN, 30}, {NAN, NAN, 30},  {NAN, NAN, 32}};
     for (std::size_t station = 0; station < powers.size(); ++station) {
         AddStation(std::string(1, static_cast<char>('A' + station)));
         for (int run = 0; run < 8; ++run)
             AddRun(static_cast<std::uint32_t>(station), powers[station]);
     }
     const Trend trend = TrendOf(data);
-    EXPECT_EQ(NamesInOrder(trend), "A B C D E F");
+    EXPECT_EQ(NamesInOrder(trend), "A B C D E F G");
     EXPECT_EQ(trend.groups, 2U);
     const std::vector<StationTrend>& stations = trend.stations;
     for (const std::size_t station : {1U, 2U, 3U})
         EXPECT_EQ(stations[station].group, stations[0].group);
-    EXPECT_EQ(stations[4].group, stations[5].group);
+    for (const std::size_t station : {5U, 6U})
+        EXPECT_EQ(stations[station].group, stations[4].group);
     EXPECT_NE(stations[4].group, stations[0].group);
-    EXPECT_EQ(trend.itemsOfTwo, 2U);
-    EXPECT_NEAR(*stations[5].offset, 1, exactly);
-    EXPECT_FALSE(stations[5].isApart) << "what A to D read is no measure of it";
+    EXPECT_NEAR(*stations[6].offset, 2, exactly);
+    EXPECT_FALSE(stations[6].isApart) << "what A to D read is no measure of it";
 }
 
 TEST_F(TrendTest, DriftThatIsOverComesAfterOneThatGoesOnAndIsFine) {

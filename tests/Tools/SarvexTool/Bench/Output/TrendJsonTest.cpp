@@ -36,7 +36,7 @@ TEST_F(TrendJsonTest, WholeTextOfARunOfOneStation) {
 "says": ["1 of 2 powers is out of its limits", "too few runs for control limits, which need 8: A (2)", "with one station it cannot be told whether it or what it measures has changed"],
 "heldAgainst": "own mean", "sharedMeasurements": 1, "groups": 1, "withoutReference": 0, "limits": "limits.csv",
 "stations": [
-{"station": "A", "devices": ["DUT A"], "says": "has 2 runs, too few for control limits, which need 8", "offset": null, "apart": false, "unsharedSince": null, "controlLimits": null, "runsBeyond": 0, "drift": null, "powers": 2, "outOfLimits": 1, "withoutLimit": 0,
+{"station": "A", "devices": ["DUT A"], "says": "has 2 runs, too few for control limits, which need 8", "offset": null, "apart": false, "behind": false, "hasRunSince": false, "controlLimits": null, "runsBeyond": 0, "drift": null, "powers": 2, "outOfLimits": 1, "withoutLimit": 0,
 "runs": [
 {"run": "run0", "measuredAt": "2026-03-02T06:00:00Z", "device": "DUT A", "median": -0.25, "differences": 1, "beyond": false},
 {"run": "run1", "measuredAt": "2026-03-03T06:00:00Z", "device": null, "median": 0.25, "differences": 1, "beyond": false}]}
@@ -73,15 +73,15 @@ TEST_F(TrendJsonTest, DriftHasItsTimesItsChangeAndItsLimits) {
     EXPECT_EQ(trend["stations"][1]["drift"], nullptr);
 }
 
-TEST_F(TrendJsonTest, RunsThatShareNothingHaveTheirTime) {
+TEST_F(TrendJsonTest, RunsThatShareNothingAreTold) {
     AddItems(2);
     AddStation("A");
     AddStation("B");
     AddRun(0, {10, NAN});
     AddRun(1, {11, NAN});
     AddRun(0, {NAN, 12});
-    EXPECT_EQ(Read()["stations"][0]["unsharedSince"], "2026-03-04T06:00:00Z");
-    EXPECT_EQ(Read()["stations"][1]["unsharedSince"], nullptr);
+    EXPECT_EQ(Read()["stations"][0]["hasRunSince"], true);
+    EXPECT_EQ(Read()["stations"][1]["hasRunSince"], false);
     EXPECT_EQ(Read()["withoutReference"], 1);
     EXPECT_EQ(Read()["groups"], 1);
 }

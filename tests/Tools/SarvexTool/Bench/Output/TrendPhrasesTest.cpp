@@ -100,12 +100,13 @@ TEST_F(TrendPhrasesTest, OneRunAloneBeyondIsToldWithItsDayAndWithWhatChanceDoes)
                               10.5, 10.6, 10.5, 10.6});
     const TrendConclusion conclusion = Conclusion();
     EXPECT_EQ(conclusion.word, "STEADY") << "such a run is no drift";
-    EXPECT_THAT(conclusion.sentences,
-                ElementsAre("none of the 3 stations drifts: 32 runs, 1 measurement that stations "
-                            "share",
-                            "C read 4.50 dB higher on 2026-03-23; 1 of its 16 runs is beyond its "
-                            "control limits",
-                            chance));
+    EXPECT_THAT(
+        conclusion.sentences,
+        ElementsAre("none of the 3 stations drifts: 32 runs, 1 measurement that stations share, "
+                    "limits at most 1.83 dB from the mean (C)",
+                    "C read 4.50 dB higher on 2026-03-23; 1 of its 16 runs is beyond its "
+                    "control limits",
+                    chance));
 }
 
 TEST_F(TrendPhrasesTest, RunAloneBeyondIsToldAfterTheDriftOfAnotherStation) {
@@ -130,59 +131,66 @@ TEST_F(TrendPhrasesTest, RunsOfSeveralDevicesAreNeverSteady) {
     EXPECT_EQ(conclusion.word, "MIXED RUNS");
     EXPECT_THAT(conclusion.sentences,
                 ElementsAre("runs of several devices are mixed, which can hide a drift or look "
-                            "like one (A, C); choose one with --device, for example DUT D, which "
-                            "2 of 3 stations have measured",
+                            "like one (A, C); choose one with --device",
                             "runs of several firmwares are mixed, which can hide a drift or look "
                             "like one (B); choose one with --firmware"));
     EXPECT_FALSE(TrendOf(data).IsFine());
 }
 
-TEST_F(TrendPhrasesTest, DeviceToChooseIsTheOneThatMostStationsHaveMeasured) {
-    AddSteadyAB();
-    AddSteady("C", 10.5);
-    data.stations[0].devices = {"a", "b", "golden"};
-    data.stations[1].devices = {"b", "golden"};
-    data.stations[2].devices = {"golden"};
-    EXPECT_THAT(Conclusion().sentences.front(),
-                testing::EndsWith("for example golden, which 3 of 3 stations have measured"));
-    data.stations[1].devices = {"c"};
-    data.stations[2].devices = {"d"};
-    EXPECT_THAT(Conclusion().sentences.front(), testing::EndsWith("choose one with --device"));
-}
-
-TEST_F(TrendPhrasesTest, StationWhoseLastRunsShareNothingIsToldFirst) {
+TEST_F(TrendPhrasesTest, StationThatIsNotFollowedIsToldFirst) {
     AddItems(2);
     AddSteadyAB();
     AddSteady("C", 10.5);
     AddRun(2, {NAN, 10});
-    AddRun(2, {NAN, 10});
-    EXPECT_EQ(Conclusion().word, "NOTHING SHARED");
+    data.visits.back().measuredAt += 9 * Day;
+    EXPECT_EQ(Conclusion().word, "NOT FOLLOWED");
     EXPECT_THAT(
         Conclusion().sentences,
-        ElementsAre("C has measured nothing since 2026-03-26 that another station has measured",
-                    "2 of 26 powers take no part, because only one station has measured such a "
+        ElementsAre("C has measured nothing that counts since 2026-03-25, though it has run since",
+                    "1 of 25 powers takes no part, because only one station has measured such a "
                     "one"));
     AddRuns(1, {11, 14});
+    data.visits.back().measuredAt += 9 * Day;
     EXPECT_EQ(Conclusion().word, "DRIFT");
-    EXPECT_EQ(Conclusion().sentences.at(1),
-              "C has measured nothing since 2026-03-26 that another station has measured");
+    EXPECT_THAT(Conclusion().sentences,
+                testing::Contains(testing::StartsWith("C has measured nothing that counts")));
 }
 
-TEST_F(TrendPhrasesTest, GroupsAndMeasurementsOfTwoStationsAreTold) {
+TEST_F(TrendPhrasesTest, StationWithoutRunsForLongIsToldBesideTheConclusion) {
+    AddSteadyAB();
+    AddSteady("C", 10.5);
+    data.visits.back().measuredAt += 20 * Day;
+    EXPECT_EQ(Conclusion().word, "STEADY");
+    EXPECT_EQ(Conclusion().sentences.at(1), "A has no run since 2026-03-09");
+}
+
+TEST_F(TrendPhrasesTest, GroupsAreTold) {
     AddItems(2);
-    for (const char* const name : {"A", "B", "C", "D"}) {
-        const std::uint32_t station = AddStation(name);
-        for (int run = 0; run < 8; ++run)
+    for (const char* const name : {"A", "B", "C", "D"})
+        AddStation(name);
+    for (int run = 0; run < 8; ++run) {
+        for (std::uint32_t station = 0; station < 4; ++station)
             AddRun(station,
                    station < 2 ? std::vector<double>{10, NAN} : std::vector<double>{NAN, 10});
     }
     EXPECT_THAT(Conclusion().sentences,
                 ElementsAre("none of the 4 stations drifts: 32 runs, 2 measurements that stations "
-                            "share",
-                            "the stations are 2 groups that share nothing, so that offsets compare "
-                            "only within a group",
-                            "2 of 2 shared measurements are of two stations, of which it cannot be "
-                            "told which is wrong"));
+                            "share, limits at most 0.00 dB from the mean (A)",
+                            "2 groups of stations share nothing with each other, so that offsets "
+                            "compare only within a group"));
+}
+
+TEST_F(TrendPhrasesTest, StationThatSharesNothingIsNotSaidToHaveTooFewRuns) {
+    AddItems(2);
+    AddSteadyAB();
+    AddSteady("C", 10);
+    const std::uint32_t alone = AddStation("D");
+    for (int run = 0; run < 9; ++run)
+        AddRun(alone, {NAN, 10});
+    EXPECT_EQ(FirstLine(), "TOO FEW RUNS: nothing that another station has measured: D");
+    AddRun(AddStation("E"), {10});
+    EXPECT_EQ(FirstLine(), "TOO FEW RUNS: too few runs for control limits, which need 8: E (1); "
+                           "nothing that another station has measured: D");
 }
 
 TEST_F(TrendPhrasesTest, RunsOfSeveralFirmwaresAreToldAfterADrift) {
@@ -204,7 +212,7 @@ TEST_F(TrendPhrasesTest, SteadyStationsAreSaidToBe) {
     AddSteadyAB();
     AddSteady("C", 12);
     EXPECT_EQ(FirstLine(), "STEADY: none of the 3 stations drifts: 24 runs, 1 measurement that "
-                           "stations share");
+                           "stations share, limits at most 0.00 dB from the mean (A)");
     const Trend trend = TrendOf(data);
     EXPECT_EQ(PhraseOf(data, trend.stations[0]),
               "is steady: offset -1.00 dB, none of its 8 runs is beyond its control limits");
@@ -212,18 +220,21 @@ TEST_F(TrendPhrasesTest, SteadyStationsAreSaidToBe) {
 
 TEST_F(TrendPhrasesTest, WithTwoStationsItIsSaidThatNoneIsTheMeasure) {
     AddSteadyAB();
-    EXPECT_THAT(Conclusion().sentences,
-                ElementsAre("none of the 2 stations drifts: 16 runs, 1 measurement that stations "
-                            "share",
-                            "with two stations it cannot be told which of them is wrong"));
+    EXPECT_THAT(
+        Conclusion().sentences,
+        ElementsAre("none of the 2 stations drifts: 16 runs, 1 measurement that stations share, "
+                    "limits at most 0.00 dB from the mean (A)",
+                    "with two stations their offsets cannot tell which of them is wrong"));
 }
 
 TEST_F(TrendPhrasesTest, WithOneStationItIsSaidThatItsDeviceMayHaveChanged) {
     AddSteady("A", 10);
-    EXPECT_THAT(Conclusion().sentences,
-                ElementsAre("the station does not drift: 8 runs, 1 measurement",
-                            "with one station it cannot be told whether it or what it measures has "
-                            "changed"));
+    EXPECT_THAT(
+        Conclusion().sentences,
+        ElementsAre(
+            "the station does not drift: 8 runs, 1 measurement, limits 0.00 dB from the mean",
+            "with one station it cannot be told whether it or what it measures has "
+            "changed"));
     EXPECT_EQ(PhraseOf(data, TrendOf(data).stations[0]),
               "is steady: none of its 8 runs is beyond its control limits");
 }
@@ -237,7 +248,7 @@ TEST_F(TrendPhrasesTest, StationsWithoutAnyPowerAreNoneOfThoseHeldAgainstEachOth
                             "it measures has changed"));
     AddSteady("B", 11);
     EXPECT_EQ(Conclusion().sentences.back(),
-              "with powers of two stations only it cannot be told which of them is wrong");
+              "with powers of two stations only their offsets cannot tell which of them is wrong");
 }
 
 TEST_F(TrendPhrasesTest, StationThatIsApartIsToldBesideTheConclusion) {
@@ -261,7 +272,8 @@ TEST_F(TrendPhrasesTest, StationThatIsApartIsToldWithItsOutlierInOneSentence) {
     EXPECT_THAT(
         conclusion.sentences,
         ElementsAre(
-            "none of the 4 stations drifts: 35 runs, 1 measurement that stations share",
+            "none of the 4 stations drifts: 35 runs, 1 measurement that stations share, "
+            "limits at most 0.27 dB from the mean (D)",
             "D reads 0.85 dB high, more than three standard deviations of the others' "
             "offsets from their mean; read 1.00 dB lower on 2026-03-26; 1 of its 11 runs is "
             "beyond its control limits",

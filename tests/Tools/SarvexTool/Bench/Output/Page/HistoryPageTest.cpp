@@ -53,10 +53,13 @@ TEST_F(HistoryPageTest, HeadTellsTheTrendInWords) {
 
 TEST_F(HistoryPageTest, HeadTellsAllThatThereIsToSay) {
     AddSteady("A", 10);
-    EXPECT_THAT(Page(), HasSubstr("<p class=\"verdict is-pass\"><strong>Steady</strong> <span>the "
-                                  "station does not drift: 8 runs, 1 measurement.</span></p>\n"
-                                  "<ul class=\"says\">\n<li>with one station it cannot be told "
-                                  "whether it or what it measures has changed.</li>\n</ul>\n"));
+    EXPECT_THAT(
+        Page(),
+        HasSubstr(
+            "<p class=\"verdict is-pass\"><strong>Steady</strong> <span>the "
+            "station does not drift: 8 runs, 1 measurement, limits 0.00 dB from the mean.</span></p>\n"
+            "<ul class=\"says\">\n<li>with one station it cannot be told "
+            "whether it or what it measures has changed.</li>\n</ul>\n"));
 }
 
 TEST_F(HistoryPageTest, NothingKeptIsNeitherGoodNorBad) {
