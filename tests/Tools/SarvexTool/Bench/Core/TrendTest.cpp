@@ -233,7 +233,7 @@ TEST_F(TrendTest, StationThatHasRunWithoutBeingHeldAgainstAnythingIsNeverFine) {
         }
     }
     ASSERT_TRUE(TrendOf(data).IsFine());
-    const StationTrend& third = TrendOf(data).stations[2];
+    const StationTrend third = TrendOf(data).stations[2];
     EXPECT_FALSE(third.isBehind);
     EXPECT_FALSE(third.hasRunSince);
 
