@@ -28,7 +28,9 @@ function(add_program name)
     add_executable(${name} ${program_SOURCES})
     target_link_libraries(${name} PRIVATE OSAL ${program_USES} project_warnings project_hardening
         static_program)
-    target_link_options(${name} PRIVATE -Wl,-Map=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name}.map)
+    # A comma in the path would end an option that -Wl gives.
+    target_link_options(${name} PRIVATE
+        "SHELL:-Xlinker \"-Map=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name}.map\"")
     set_property(TARGET ${name} APPEND PROPERTY
         ADDITIONAL_CLEAN_FILES ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name}.map)
 endfunction()
