@@ -1,10 +1,10 @@
 #include "Tools/SarvexTool/Bench/Core/Trend.h"
 
 #include "Tools/SarvexTool/Bench/Core/TrendDrift.h"
+#include "Tools/SarvexTool/Bench/Core/TrendReferences.h"
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <numeric>
 
 namespace Bench {
@@ -13,9 +13,6 @@ namespace {
 
 /// Powers have at most nine digits after the point; a smaller difference is one of rounding.
 constexpr double leastDifference = 1e-9;
-/// An item without a reference.
-constexpr double none = std::numeric_limits<double>::quiet_NaN();
-
 double MeanOf(std::span<const double> values) {
     return std::accumulate(values.begin(), values.end(), 0.0) / static_cast<double>(values.size());
 }
@@ -23,135 +20,6 @@ double MeanOf(std::span<const double> values) {
 // cppcheck-suppress passedByValue ; they are put in another order
 double MedianOfCopy(std::vector<double> values) {
     return MedianOf(values);
-}
-
-/// Rows in the order of a key, and where the rows of each key begin; sorted by counting, because
-/// there may be millions.
-template <typename Value>
-struct Grouped {
-    std::vector<std::size_t> starts;
-    std::vector<Value> values;
-
-    std::span<Value> Of(std::size_t key) {
-        return {values.data() + starts[key], starts[key + 1] - starts[key]};
-    }
-};
-
-/// The key of a row is below the number of keys; rows for which there is no value are left out.
-template <typename Value, typename KeyOf, typename ValueOf>
-Grouped<Value> GroupRows(const std::vector<TrendRow>& rows, std::size_t keys, KeyOf keyOf,
-                         ValueOf valueOf) {
-    Grouped<Value> grouped;
-    grouped.starts.assign(keys + 1, 0);
-    for (const TrendRow& row : rows) {
-        if (valueOf(row))
-            ++grouped.starts[keyOf(row) + 1];
-    }
-    std::partial_sum(grouped.starts.begin(), grouped.starts.end(), grouped.starts.begin());
-    grouped.values.resize(grouped.starts.back());
-    std::vector<std::size_t> next = grouped.starts;
-    for (const TrendRow& row : rows) {
-        if (const std::optional<Value> value = valueOf(row))
-            grouped.values[next[keyOf(row)]++] = *value;
-    }
-    return grouped;
-}
-
-struct StationPower {
-    std::uint32_t station = 0;
-    double power = 0;
-};
-
-/// The means of an item's powers by station, in room that is used again for the next item.
-class StationMeans {
-public:
-    explicit StationMeans(std::size_t stations) : m_sums(stations), m_counts(stations) {}
-
-    /// Those of the stations that have a power, in the order of Stations.
-    std::span<double> Of(std::span<const StationPower> powers) {
-        m_means.clear();
-        m_touched.clear();
-        for (const StationPower& power : powers) {
-            if (m_counts[power.station]++ == 0)
-                m_touched.push_back(power.station);
-            m_sums[power.station] += power.power;
-        }
-        for (const std::uint32_t station : m_touched) {
-            m_means.push_back(m_sums[station] / static_cast<double>(m_counts[station]));
-            m_sums[station] = 0;
-            m_counts[station] = 0;
-        }
-        return m_means;
-    }
-
-    /// The stations of the last means.
-    const std::vector<std::uint32_t>& Stations() const { return m_touched; }
-
-private:
-    std::vector<double> m_sums;
-    std::vector<std::size_t> m_counts;
-    std::vector<std::uint32_t> m_touched;
-    std::vector<double> m_means;
-};
-
-/// Which stations have measured the same, be it by way of others.
-class StationGroups {
-public:
-    explicit StationGroups(std::size_t stations) : m_next(stations) {
-        std::iota(m_next.begin(), m_next.end(), std::size_t{0});
-    }
-
-    /// One of the group's stations, the same for all of them.
-    std::size_t Of(std::size_t station) {
-        while (m_next[station] != station) {
-            m_next[station] = m_next[m_next[station]];
-            station = m_next[station];
-        }
-        return station;
-    }
-
-    void Join(const std::vector<std::uint32_t>& stations) {
-        for (const std::uint32_t station : stations)
-            m_next[Of(station)] = Of(stations.front());
-    }
-
-private:
-    /// Another station of the group, or the station itself.
-    std::vector<std::size_t> m_next;
-};
-
-/// What the powers are held against.
-struct References {
-    /// One for each item; none where fewer stations have it than are needed.
-    std::vector<double> ofItems;
-    std::size_t shared = 0;
-    StationGroups groups;
-};
-
-References ReferencesOf(const TrendData& data, std::size_t neededStations) {
-    Grouped<StationPower> byItem = GroupRows<StationPower>(
-        data.rows, data.items.size(), [](const TrendRow& row) { return row.item; },
-        [&data](const TrendRow& row) {
-            return std::optional(StationPower{data.visits[row.visit].station, row.power});
-        });
-    References references{std::vector<double>(data.items.size(), none), 0,
-                          StationGroups(data.stations.size())};
-    StationMeans means(data.stations.size());
-    for (std::size_t item = 0; item < data.items.size(); ++item) {
-        const std::span<StationPower> powers = byItem.Of(item);
-        // A sum depends on the order of its parts, and a database has none.
-        std::sort(powers.begin(), powers.end(),
-                  [](const StationPower& left, const StationPower& right) {
-                      return left.power < right.power;
-                  });
-        const std::span<double> ofItem = means.Of(powers);
-        if (ofItem.size() < neededStations || ofItem.empty())
-            continue;
-        references.ofItems[item] = MedianOf(ofItem);
-        ++references.shared;
-        references.groups.Join(means.Stations());
-    }
-    return references;
 }
 
 /// One for each station, in their order, with its points.
