@@ -5,8 +5,10 @@
 #include "tests/Support/Files.h"
 #include "tests/Tools/SarvexTool/Bench/Run/LoopFixture.h"
 
+#include <chrono>
 #include <optional>
 #include <system_error>
+#include <thread>
 
 namespace Bench {
 namespace {
@@ -16,6 +18,13 @@ protected:
     OSAL::ChildStart Start(const std::vector<std::string>& arguments) const {
         return {EndToEnd::TestProgramDirectory() + "/" + EndToEnd::ExecutableName("OSALTestsChild"),
                 arguments, directory.Path(), directory.Path("client.log")};
+    }
+
+    /// Waits until a child that holds sleeps. Under wine the connection of a program that is ended
+    /// in a call of the sockets stays open.
+    void AwaitHolding() const {
+        while (TestSupport::ReadBytes(directory.Path("held.txt")).empty())
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
 
     TestSupport::TemporaryDirectory directory;
@@ -55,6 +64,7 @@ TEST_F(ClientProcessTest, EndsUntoldWithItsObject) {
     {
         const ClientProcess client(loop, Start({"hold", peer.Port()}), keep);
         connected.get_future().wait();
+        AwaitHolding();
     }
     closed.get_future().wait();
     RunWhatIsReady();
