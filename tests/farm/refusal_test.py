@@ -89,7 +89,7 @@ class Refusals(support.FarmTest):
         tools.mkdir()
         for folder in ("/usr/bin", "/bin"):
             for file in os.listdir(folder):
-                if file not in ("parallel", "sbatch") and not (tools / file).exists():
+                if file not in ("parallel", "sbatch") and not os.path.lexists(tools / file):
                     (tools / file).symlink_to(f"{folder}/{file}")
         self.environment["PATH"] = f"{support.PROGRAMS}:{tools}"
         for engine, words in (("parallel", "there is no GNU parallel on this host"),
