@@ -40,12 +40,6 @@ struct AddArguments {
     bool isPartial = false;
 };
 
-std::int64_t Now() {
-    return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now())
-        .time_since_epoch()
-        .count();
-}
-
 /// Throws WrongUsage for a moment that is yet to come; clocks may differ by a day.
 std::int64_t MeasuredAt(const std::string& text) {
     constexpr std::int64_t secondsOfDay = 86'400;

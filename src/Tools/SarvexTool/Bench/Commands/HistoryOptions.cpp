@@ -154,4 +154,10 @@ std::int64_t MomentOf(const std::string& option, const std::string& text) {
                      " is no time in UTC, as 2026-03-09 or 2026-03-09T08:05:00Z");
 }
 
+std::int64_t Now() {
+    return std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now())
+        .time_since_epoch()
+        .count();
+}
+
 } // namespace Bench

@@ -56,4 +56,7 @@ std::vector<std::string> PhrasesOf(const FilterArguments& arguments);
 /// in seconds since 1970, UTC. Throws WrongUsage.
 std::int64_t MomentOf(const std::string& option, const std::string& text);
 
+/// This moment, in seconds since 1970, UTC.
+std::int64_t Now();
+
 } // namespace Bench

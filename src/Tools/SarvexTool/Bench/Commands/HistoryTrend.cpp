@@ -127,8 +127,10 @@ private:
                 powers.emplace(history, m_filter, m_wanted);
             },
             [&](const KeptPower& power) { powers->Add(power); });
-        if (powers)
-            m_data = powers->Take();
+        if (!powers)
+            return;
+        m_data = powers->Take();
+        m_data.followedTo = std::min(m_filter.before.value_or(Now()), Now());
     }
 
     const std::vector<const Limit*>* LimitsOrNull() const {
@@ -204,9 +206,9 @@ Command AddHistoryTrend(CLI::App& history) {
     app->add_option("--json", arguments->json, "Write all as JSON, - for standard output")
         ->type_name("FILE");
     app->footer(
-        "Exit code: 0 no bench drifts now, 1 a bench drifts, a power is out of its limits, "
-        "no power has a limit of those given, or what is kept does not tell (too few runs, devices "
-        "mixed, nothing shared, not followed), 2 wrong usage, a store or a file that cannot be "
+        "Exit code: 0 no bench drifts now, 1 a bench drifts, a power is out of its limits or missing "
+        "in a bench's last run, no power has a limit of those given, or what is kept does not tell "
+        "(too few runs, devices mixed, nothing shared, not followed, erratic), 2 wrong usage, a store or a file that cannot be "
         "read, or a file that cannot be written.");
     return {app, [arguments](Surroundings& surroundings) {
                 return TellTrend(*arguments, surroundings);

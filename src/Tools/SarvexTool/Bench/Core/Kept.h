@@ -106,7 +106,7 @@ struct RunFilter {
     bool operator==(const RunFilter&) const = default;
 };
 
-/// A measured power of a kept run.
+/// A measurement of a kept run.
 struct KeptPower {
     /// The place among the runs that the powers are of.
     std::uint32_t run = 0;
@@ -115,8 +115,8 @@ struct KeptPower {
     /// The place among the configurations.
     std::uint32_t configuration = 0;
     Chain chain = Chain::A;
-    /// In dBm.
-    double power = 0;
+    /// In dBm. Nothing where it was not measured.
+    std::optional<double> power;
 
     bool operator==(const KeptPower&) const = default;
 };

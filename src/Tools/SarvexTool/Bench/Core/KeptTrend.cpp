@@ -118,22 +118,28 @@ void KeptTrend::Add(const KeptPower& power) {
     const std::size_t part = m_firstParts[power.run] + power.part;
     const std::size_t place =
         power.configuration * chainCount + static_cast<std::size_t>(power.chain);
+    if (part >= m_firstParts[power.run + 1] || m_visitOfPart[part] == leftOut || !m_isWanted[place])
+        return;
+    if (!power.power) {
+        m_missing.emplace_back(m_visitOfPart[part], place);
+        return;
+    }
     // What is no number is not smaller, either.
-    if (part >= m_firstParts[power.run + 1] || m_visitOfPart[part] == leftOut ||
-        !m_isWanted[place] || !(std::abs(power.power) < firstTooLarge))
+    if (!(std::abs(*power.power) < firstTooLarge))
         return;
     if (m_items[place] == leftOut) {
         m_items[place] = static_cast<std::uint32_t>(m_data.items.size());
         m_data.items.push_back({m_configurations[power.configuration], power.chain});
     }
     m_hasPartPower[part] = true;
-    m_data.rows.push_back({m_visitOfPart[part], m_items[place], power.power});
+    m_data.rows.push_back({m_visitOfPart[part], m_items[place], *power.power});
 }
 
 TrendData KeptTrend::Take() {
     TellDevices();
+    TellMissing();
     if (m_isChosen)
-        LeaveOutStationsWithoutPower();
+        LeaveOutStationsNotAsked();
     return std::exchange(m_data, {});
 }
 
@@ -155,10 +161,24 @@ void KeptTrend::TellDevices() {
         TellDevice(ofVisits[visit], m_data.visits[visit]);
 }
 
-void KeptTrend::LeaveOutStationsWithoutPower() {
+void KeptTrend::TellMissing() {
+    for (const auto& [visit, place] : m_missing) {
+        const std::size_t first = place - place % chainCount;
+        // Where the chain is not known, all that the line has ever measured is missing.
+        const bool isOfLine = place - first == static_cast<std::size_t>(Chain::None);
+        for (const std::size_t chain : {first, first + 1, first + 2}) {
+            if ((isOfLine || chain == place) && m_items[chain] != leftOut)
+                m_data.missing.push_back({visit, m_items[chain]});
+        }
+    }
+}
+
+void KeptTrend::LeaveOutStationsNotAsked() {
     std::vector<std::uint32_t> stations(m_data.stations.size(), leftOut);
     for (const TrendRow& row : m_data.rows)
         stations[m_data.visits[row.visit].station] = 0;
+    for (const TrendMissing& missing : m_data.missing)
+        stations[m_data.visits[missing.visit].station] = 0;
     std::vector<TrendStation> left;
     for (std::size_t station = 0; station < stations.size(); ++station) {
         if (stations[station] == leftOut)
@@ -178,6 +198,8 @@ void KeptTrend::LeaveOutStationsWithoutPower() {
     m_data.visits = std::move(leftVisits);
     for (TrendRow& row : m_data.rows)
         row.visit = visits[row.visit];
+    for (TrendMissing& missing : m_data.missing)
+        missing.visit = visits[missing.visit];
 }
 
 } // namespace Bench

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace Bench {
@@ -35,8 +36,8 @@ public:
     /// part, one that is not finite, or has more than nine digits before the point.
     void Add(const KeptPower& power);
 
-    /// Where configurations or a chain were chosen, without the stations that have no such power:
-    /// they measure something else. Else these stay, because their runs gave nothing.
+    /// Where configurations or a chain were chosen, without the stations that were not asked for
+    /// such a power: they measure something else. Else these stay, because their runs gave nothing.
     TrendData Take();
 
 private:
@@ -44,7 +45,8 @@ private:
     std::uint32_t StationOf(const RunPlace& place);
     std::uint32_t VisitOf(const KeptFacts& run, const RunPlace& place, std::size_t firstOfRun);
     void TellDevices();
-    void LeaveOutStationsWithoutPower();
+    void TellMissing();
+    void LeaveOutStationsNotAsked();
 
     static constexpr std::uint32_t leftOut = UINT32_MAX;
     static constexpr std::size_t chainCount = 3;
@@ -62,6 +64,8 @@ private:
     std::vector<std::uint32_t> m_items;
     std::vector<bool> m_isWanted;
     bool m_isChosen;
+    /// What was not measured: visits, with places among the configurations and chains.
+    std::vector<std::pair<std::uint32_t, std::size_t>> m_missing;
 };
 
 } // namespace Bench

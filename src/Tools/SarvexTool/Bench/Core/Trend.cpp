@@ -1,6 +1,8 @@
 #include "Tools/SarvexTool/Bench/Core/Trend.h"
 
 #include "Tools/SarvexTool/Bench/Core/TrendDrift.h"
+#include "Tools/SarvexTool/Bench/Core/TrendLost.h"
+#include "Tools/SarvexTool/Bench/Core/TrendPeers.h"
 #include "Tools/SarvexTool/Bench/Core/TrendReferences.h"
 
 #include <algorithm>
@@ -13,9 +15,6 @@ namespace {
 
 /// Powers have at most nine digits after the point; a smaller difference is one of rounding.
 constexpr double leastDifference = 1e-9;
-double MeanOf(std::span<const double> values) {
-    return std::accumulate(values.begin(), values.end(), 0.0) / static_cast<double>(values.size());
-}
 
 // cppcheck-suppress passedByValue ; they are put in another order
 double MedianOfCopy(std::vector<double> values) {
@@ -65,7 +64,8 @@ void FindStationsBehind(const TrendData& data, std::vector<StationTrend>& statio
         if (!station.limits)
             continue;
         const TrendVisit& last = data.visits[station.points.back().visit];
-        const auto since = static_cast<double>(data.visits.back().measuredAt - last.measuredAt);
+        const auto since = static_cast<double>(
+            std::max(data.followedTo, data.visits.back().measuredAt) - last.measuredAt);
         station.isBehind = since > std::max(station.hasRunSince ? day : fourWeeks,
                                             usualGaps * UsualGap(data, station.points));
     }
@@ -79,48 +79,31 @@ std::vector<double> MediansOf(std::span<const TrendPoint> points) {
     return medians;
 }
 
+/// The median of how many differences the points are made of.
+double UsualCount(std::span<const TrendPoint> points) {
+    std::vector<double> counts;
+    counts.reserve(points.size());
+    for (const TrendPoint& point : points)
+        counts.push_back(point.count);
+    return MedianOf(counts);
+}
+
 void HoldAgainstOwnLimits(StationTrend& station) {
     station.limits = ControlLimitsOf(MediansOf(station.points));
     if (!station.limits)
         return;
+    const double usual = UsualCount(station.points);
     for (TrendPoint& point : station.points) {
-        point.isBeyond = !station.limits->AreKeptBy(point.median);
+        const double share = std::min(point.count / usual, 1.0);
+        point.isBeyond = !station.limits->AreKeptBy(point.median, share);
         if (!point.isBeyond)
             continue;
         ++station.beyond;
-        station.farthest = std::max(station.farthest, station.limits->DistanceOf(point.median));
+        station.farthest =
+            std::max(station.farthest, station.limits->DistanceOf(point.median, share));
     }
     if (station.beyond > 0)
         station.drift = DriftOf(station.points, *station.limits);
-}
-
-/// Whether an offset is too far from those of the others, which are its measure.
-bool IsApart(double offset, std::span<const double> others) {
-    constexpr std::size_t fewestOthers = 3;
-    if (others.size() < fewestOthers)
-        return false;
-    const double mean = MeanOf(others);
-    double squares = 0;
-    for (const double other : others)
-        squares += (other - mean) * (other - mean);
-    const double deviation = std::sqrt(squares / static_cast<double>(others.size() - 1));
-    return std::abs(offset - mean) > ControlLimits::Sigmas * deviation + leastDifference;
-}
-
-void FindApart(std::vector<StationTrend>& stations) {
-    const auto isSteady = [](const StationTrend& station) {
-        return station.limits && station.offset && !(station.drift && station.drift->isLasting);
-    };
-    for (StationTrend& station : stations) {
-        if (!isSteady(station))
-            continue;
-        std::vector<double> others;
-        for (const StationTrend& other : stations) {
-            if (&other != &station && other.group == station.group && isSteady(other))
-                others.push_back(*other.offset);
-        }
-        station.isApart = IsApart(*station.offset, others);
-    }
 }
 
 bool IsOut(double power, const Limit& limit) {
@@ -161,11 +144,13 @@ TrendBasis BasisOf(std::size_t stations) {
 
 /// Where a station is among all: the lower, the more it stands out.
 int RankOf(const StationTrend& station) {
-    enum Rank : int { Drifting, Drifted, BeyondOnce, Apart, TooFew, Inconspicuous };
+    enum Rank : int { Drifting, Drifted, BeyondOnce, Troubled, Apart, TooFew, Inconspicuous };
     if (station.drift && station.drift->isLasting)
         return station.drift->goesOn ? Drifting : Drifted;
     if (station.drift)
         return BeyondOnce;
+    if (station.lost != 0 || station.timesAsErratic != 0)
+        return Troubled;
     if (station.isApart)
         return Apart;
     return station.limits ? Inconspicuous : TooFew;
@@ -190,6 +175,15 @@ std::size_t SumOf(const std::vector<StationTrend>& stations, std::size_t Station
         [count](std::size_t sum, const StationTrend& station) { return sum + station.*count; });
 }
 
+/// Whether a group has two stations.
+bool HasPairs(const std::vector<StationTrend>& stations) {
+    return std::any_of(stations.begin(), stations.end(), [&stations](const StationTrend& one) {
+        return CountThose(stations, [&one](const StationTrend& other) {
+                   return !other.points.empty() && other.group == one.group;
+               }) == 2;
+    });
+}
+
 bool IsMixed(const TrendStation& station) {
     return station.devices.size() > 1 || station.firmwares.size() > 1;
 }
@@ -204,12 +198,12 @@ double MedianOf(std::span<double> numbers) {
     return std::midpoint(*std::max_element(numbers.begin(), middle), *middle);
 }
 
-bool ControlLimits::AreKeptBy(double value) const {
-    return std::abs(value - mean) <= Sigmas * sigma + leastDifference;
+bool ControlLimits::AreKeptBy(double value, double share) const {
+    return std::abs(value - mean) * std::sqrt(share) <= Distance() + leastDifference;
 }
 
-double ControlLimits::DistanceOf(double value) const {
-    return std::abs(value - mean) / std::max(sigma, leastDifference);
+double ControlLimits::DistanceOf(double value, double share) const {
+    return Sigmas * std::abs(value - mean) * std::sqrt(share) / Distance();
 }
 
 std::optional<ControlLimits> ControlLimitsOf(std::span<const double> values) {
@@ -219,7 +213,9 @@ std::optional<ControlLimits> ControlLimitsOf(std::span<const double> values) {
     for (std::size_t place = 1; place < values.size(); ++place)
         ranges += std::abs(values[place] - values[place - 1]);
     const double meanRange = ranges / static_cast<double>(values.size() - 1);
-    return ControlLimits{MeanOf(values), meanRange / ControlLimits::RangeOfTwo};
+    const double sum = std::accumulate(values.begin(), values.end(), 0.0);
+    return ControlLimits{sum / static_cast<double>(values.size()),
+                         meanRange / ControlLimits::RangeOfTwo};
 }
 
 std::size_t Trend::CountDrifting() const {
@@ -236,6 +232,15 @@ std::size_t Trend::CountNotFollowed() const {
     return CountThose(stations, [](const StationTrend& station) {
         return station.isBehind && station.hasRunSince;
     });
+}
+
+std::size_t Trend::CountWithLost() const {
+    return CountThose(stations, [](const StationTrend& station) { return station.lost != 0; });
+}
+
+std::size_t Trend::CountErratic() const {
+    return CountThose(stations,
+                      [](const StationTrend& station) { return station.timesAsErratic != 0; });
 }
 
 std::size_t Trend::CountPowers() const {
@@ -256,7 +261,8 @@ bool Trend::HasNoLimit() const {
 
 bool Trend::IsFine() const {
     return basis != TrendBasis::Nothing && CountDrifting() == 0 && CountTooFew() == 0 &&
-           CountNotFollowed() == 0 && CountOutOfLimits() == 0 && !HasNoLimit() && !isMixed;
+           CountNotFollowed() == 0 && CountWithLost() == 0 && CountErratic() == 0 &&
+           CountOutOfLimits() == 0 && !HasNoLimit() && !isMixed;
 }
 
 Trend TrendOf(const TrendData& data, const std::vector<const Limit*>* limits) {
@@ -278,8 +284,10 @@ Trend TrendOf(const TrendData& data, const std::vector<const Limit*>* limits) {
             station.offset = MedianOfCopy(MediansOf(station.points));
         HoldAgainstOwnLimits(station);
     }
+    trend.hasPairs = trend.groups > 1 && HasPairs(trend.stations);
     FindStationsBehind(data, trend.stations);
-    FindApart(trend.stations);
+    CountLost(data, trend.stations);
+    CompareWithPeers(trend.stations);
     std::sort(trend.stations.begin(), trend.stations.end(),
               [&data](const StationTrend& left, const StationTrend& right) {
                   return StandsOutMore(left, right, data);

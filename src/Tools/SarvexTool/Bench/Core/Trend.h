@@ -3,6 +3,7 @@
 #include "Tools/SarvexTool/Bench/Core/Limits.h"
 #include "Tools/SarvexTool/Bench/Core/Measurements.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -40,6 +41,14 @@ struct TrendItem {
     Chain chain = Chain::A;
 };
 
+/// What a visit was asked for and has not measured.
+struct TrendMissing {
+    /// The place in TrendData::visits.
+    std::uint32_t visit = 0;
+    /// The place in TrendData::items: some other visit has measured it.
+    std::uint32_t item = 0;
+};
+
 /// A measured power; what was not measured is no row.
 struct TrendRow {
     /// The place in TrendData::visits.
@@ -65,6 +74,10 @@ struct TrendData {
     std::vector<TrendVisit> visits;
     std::vector<TrendItem> items;
     std::vector<TrendRow> rows;
+    std::vector<TrendMissing> missing = {};
+    /// The moment that the runs are followed to, in seconds since 1970, UTC; the time of the last
+    /// visit where that is later.
+    std::int64_t followedTo = 0;
     /// What was chosen of which nothing was ever kept; then there are no rows.
     std::vector<SettingValue> neverKept = {};
 };
@@ -80,13 +93,19 @@ struct ControlLimits {
     /// widens the limits little, where the usual estimate would hide it in its own spread.
     double sigma = 0;
 
-    double Lower() const { return mean - Sigmas * sigma; }
-    double Upper() const { return mean + Sigmas * sigma; }
-    bool AreKeptBy(double value) const;
+    double Lower() const { return mean - Distance(); }
+    double Upper() const { return mean + Distance(); }
+    /// From the mean to each of the limits.
+    double Distance() const { return std::max(Sigmas * sigma, Least); }
+    /// The share of the usual number of measurements that the value is made of, at most 1: the
+    /// standard deviation of fewer is larger, by the root of their number.
+    bool AreKeptBy(double value, double share = 1) const;
     /// How many standard deviations a value is from the mean.
-    double DistanceOf(double value) const;
+    double DistanceOf(double value, double share = 1) const;
 
     static constexpr double Sigmas = 3;
+    /// In dB: a smaller change is not shown, and is none.
+    static constexpr double Least = 0.01;
     /// The expected range of two values, in standard deviations: d2 for a sample of two.
     static constexpr double RangeOfTwo = 1.128;
     /// With fewer values there are no limits.
@@ -141,9 +160,18 @@ struct StationTrend {
     bool hasRunSince = false;
     /// The median of the points. Nothing where there are no points, or no other station.
     std::optional<double> offset;
-    /// The offset is more than three standard deviations of the others' from their mean; told only
+    /// The offset is farther from the mean of the others' than one is by chance in 370; told only
     /// of a station that does not drift, and with three such others in its group.
     bool isApart = false;
+    /// How many times as much as those of the others of its group its neighbouring runs differ,
+    /// where that is so much that a drift would not show; else 0.
+    double timesAsErratic = 0;
+    /// How many measurements that it has made before were asked for and not made in its last visit.
+    std::size_t lost = 0;
+    /// How many measurements its last visit was asked for.
+    std::size_t lastAsked = 0;
+    /// Its last visit that was asked for a measurement, where there is one.
+    std::uint32_t lastVisit = 0;
     /// Nothing with too few points.
     std::optional<ControlLimits> limits;
     std::size_t beyond = 0;
@@ -174,7 +202,8 @@ enum class TrendBasis : std::uint8_t {
 struct Trend {
     TrendBasis basis = TrendBasis::Nothing;
     /// What drifts comes first, the farthest beyond its limits leading; then what has drifted; then
-    /// what has outliers; then what is apart, then what has too few runs; all else by name.
+    /// what has outliers; then what has lost measurements or is erratic; then what is apart, then
+    /// what has too few runs; all else by name.
     std::vector<StationTrend> stations;
     /// How many items have a reference.
     std::size_t sharedItems = 0;
@@ -182,6 +211,8 @@ struct Trend {
     std::size_t withoutReference = 0;
     /// How many groups of stations share nothing with each other.
     std::size_t groups = 0;
+    /// Whether one of several groups has two stations, between which the references are half-way.
+    bool hasPairs = false;
     /// Whether there were limits of powers.
     bool isJudged = false;
     /// Whether a station has measured several devices, or firmwares.
@@ -199,9 +230,13 @@ struct Trend {
     bool HasNoLimit() const;
     /// Those that are behind and have run since.
     std::size_t CountNotFollowed() const;
-    /// Nothing drifts, no power is out of its limits, there was enough to tell up to the last run,
-    /// limits that were given fit something, and each station has measured one device with one
-    /// firmware.
+    /// Those that have lost measurements.
+    std::size_t CountWithLost() const;
+    /// Those whose runs differ far more than the others'.
+    std::size_t CountErratic() const;
+    /// Nothing drifts or is lost, no power is out of its limits, there was enough to tell up to the
+    /// last run, limits that were given fit something, no station's runs differ far more than the
+    /// others', and each station has measured one device with one firmware.
     bool IsFine() const;
 };
 

@@ -61,14 +61,20 @@ public:
 private:
     bool IsHere(std::size_t place) const { return (m_points[place].median > m_mean) == m_isHigh; }
 
-    /// The last one after the last beyond that is nearer to those beyond than to those before them.
+    /// The last one after the last beyond that is nearer to those beyond than to those before them,
+    /// as most are that are between. One good run does not end a drift.
     std::size_t LastDisplaced() const {
         const double there = MedianOfPoints(m_points.subspan(m_first, m_last + 1 - m_first));
         const double before = m_first > 0 ? MedianOfPoints(m_points.first(m_first)) : m_mean;
         std::size_t last = m_last;
-        while (last + 1 < m_points.size() && std::abs(m_points[last + 1].median - there) <
-                                                 std::abs(m_points[last + 1].median - before))
-            ++last;
+        std::ptrdiff_t nearerLessOthers = 0;
+        for (std::size_t place = m_last + 1; place < m_points.size(); ++place) {
+            const double median = m_points[place].median;
+            const bool isNearer = std::abs(median - there) < std::abs(median - before);
+            nearerLessOthers += isNearer ? 1 : -1;
+            if (isNearer && nearerLessOthers > 0)
+                last = place;
+        }
         return last;
     }
 

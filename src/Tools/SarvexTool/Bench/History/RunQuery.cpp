@@ -208,16 +208,20 @@ public:
         if (m_place == none || part >= m_isMeant.size() || !m_isMeant[part])
             return;
         KeptPower power{m_place, static_cast<std::uint32_t>(part),
-                        m_configurations.PlaceOf(row.Integer(2)), Chain::A, 0};
-        constexpr std::size_t columnA = 3;
-        for (const auto& [chain, column] :
-             {std::pair(Chain::A, columnA), {Chain::B, columnA + 1}}) {
-            if (row.IsNull(column))
+                        m_configurations.PlaceOf(row.Integer(2)), Chain::A, std::nullopt};
+        constexpr std::size_t powerA = 3;
+        constexpr std::size_t reasonA = 5;
+        for (std::size_t chain = 0; chain < 2; ++chain) {
+            const bool isMeasured = !row.IsNull(powerA + chain);
+            if (!isMeasured && row.IsNull(reasonA + chain))
                 continue;
-            power.chain = chain;
-            power.power = row.Real(column);
+            power.chain = chain == 0 ? Chain::A : Chain::B;
+            power.power = isMeasured ? std::optional(row.Real(powerA + chain)) : std::nullopt;
             take(power);
         }
+        constexpr std::size_t reasonOfLine = 7;
+        if (!row.IsNull(reasonOfLine))
+            take({m_place, power.part, power.configuration, Chain::None, std::nullopt});
     }
 
 private:
@@ -333,10 +337,11 @@ void QueryPowers(Database& database, const RunFilter& filter, TextPool& texts,
     const ConfigurationPlaces configurations(database, texts, history.configurations);
     begin(history);
     PowerReader reader(filter, runs, configurations);
-    const std::string some =
-        condition.text.empty() ? "" : " AND run IN (SELECT id FROM runs" + WhereOf(condition) + ")";
-    database.Query("SELECT run, part, configuration, power_a, power_b FROM result_lines WHERE "
-                   "(power_a IS NOT NULL OR power_b IS NOT NULL)" +
+    const std::string some = condition.text.empty()
+                                 ? ""
+                                 : " WHERE run IN (SELECT id FROM runs" + WhereOf(condition) + ")";
+    database.Query("SELECT run, part, configuration, power_a, power_b, reason_a, reason_b, "
+                   "reason FROM result_lines" +
                        some,
                    condition.values, [&](const ResultRow& row) { reader.Read(row, take); });
 }

@@ -84,9 +84,8 @@ public:
     /// In the byte order of their names.
     std::vector<KeptBaseline> Baselines();
 
-    /// The measured powers of the runs that the filter means, of a merged run only those of the
-    /// parts that it means. Begin is called once, before the first power. The texts are kept by the
-    /// pool.
+    /// The measurements of the runs that the filter means, of a merged run only those of the parts
+    /// that it means. Begin is called once, before the first one. The texts are kept by the pool.
     void ReadPowers(const RunFilter& filter, TextPool& texts,
                     const std::function<void(const KeptHistory&)>& begin,
                     const std::function<void(const KeptPower&)>& take);

@@ -84,6 +84,8 @@ void WriteStation(JsonWriter& json, const NamedTrend& named, const StationTrend&
     json.Key("apart").Bool(station.isApart);
     json.Key("behind").Bool(station.isBehind);
     json.Key("hasRunSince").Bool(station.hasRunSince);
+    json.Key("lost").Count(station.lost);
+    json.Key("timesAsErratic").Number(station.timesAsErratic);
     WriteControlLimits(json, station.limits);
     json.Key("runsBeyond").Count(station.beyond);
     WriteDrift(json, named.data, station);

@@ -67,17 +67,64 @@ const std::string& NameOf(const TrendData& data, const StationTrend& station) {
 /// "reads 0.55 dB high, more than ..."
 std::string Apart(double offset) {
     return "reads " + Hundredths(std::abs(offset)) + " dB " + (offset < 0 ? "low" : "high") +
-           ", more than three standard deviations of the others' offsets from their mean";
+           ", farther from the others' offsets than by chance";
+}
+
+/// "has no power for 4 of the 8 measurements of ..."; "" where none is lost.
+std::string Lost(const TrendData& data, const StationTrend& station) {
+    if (station.lost == 0)
+        return "";
+    const std::string asked = Counted(station.lastAsked, "measurement");
+    const std::string part = station.lost == station.lastAsked
+                                 ? "any of the " + asked
+                                 : std::to_string(station.lost) + " of the " + asked;
+    return "has no power for " + (station.lastAsked == 1 ? "the only measurement" : part) +
+           " of its last run, on " + ShownDay(data.visits[station.lastVisit].measuredAt) +
+           ", which it has made before";
+}
+
+/// "" where its runs do not differ far more than the others'.
+std::string Erratic(const StationTrend& station) {
+    if (station.timesAsErratic == 0)
+        return "";
+    return "differs from run to run " + std::to_string(std::llround(station.timesAsErratic)) +
+           " times as much as the others usually do, so that a drift does not show";
+}
+
+std::string PhraseOfPowers(const TrendData& data, const StationTrend& station) {
+    if (station.drift)
+        return (station.isApart ? Apart(*station.offset) + "; " : "") +
+               PhraseOf(data, station, *station.drift);
+    if (station.powers == 0)
+        return "has no power";
+    if (station.points.empty())
+        return "has measured nothing that another station has measured";
+    if (!station.limits)
+        return "has " + Counted(station.points.size(), "run") + ", too few for control limits, " +
+               "which need " + fewestRuns;
+    const std::string steady = CountOfRuns(0, station) + " beyond its control limits";
+    if (station.isApart)
+        return Apart(*station.offset) + "; " + steady;
+    return "is steady: " +
+           (station.offset ? "offset " + SignedHundredths(*station.offset) + " dB, " : "") + steady;
 }
 
 std::string SentenceOf(const TrendData& data, const StationTrend& station) {
-    return NameOf(data, station) + " " + PhraseOf(data, station);
+    return NameOf(data, station) + " " + PhraseOfPowers(data, station);
 }
 
-std::string OutOfLimits(const Trend& trend) {
+/// Of several stations, each is told with its share.
+std::string OutOfLimits(const TrendData& data, const Trend& trend) {
     const std::size_t out = trend.CountOutOfLimits();
+    std::string names;
+    for (const StationTrend& station : trend.stations) {
+        if (station.outOfLimits != 0 && trend.stations.size() > 1)
+            names += (names.empty() ? "" : ", ") + NameOf(data, station) + " (" +
+                     std::to_string(station.outOfLimits) + ")";
+    }
     return std::to_string(out) + " of " + Counted(trend.CountPowers(), "power") +
-           (out == 1 ? " is" : " are") + " out of " + (out == 1 ? "its" : "their") + " limits";
+           (out == 1 ? " is" : " are") + " out of " + (out == 1 ? "its" : "their") + " limits" +
+           (names.empty() ? "" : ": " + names);
 }
 
 /// "none of the 96 powers has a limit", "1 of 96 powers has no limit"
@@ -123,7 +170,7 @@ std::string Steady(const TrendData& data, const Trend& trend) {
                                          [](const StationTrend& left, const StationTrend& right) {
                                              return left.limits->sigma < right.limits->sigma;
                                          });
-    const std::string distance = Hundredths(ControlLimits::Sigmas * widest->limits->sigma) + " dB";
+    const std::string distance = Hundredths(widest->limits->Distance()) + " dB";
     const std::size_t count = trend.stations.size();
     const std::string measured =
         Counted(runs, "run") + ", " + Counted(trend.sharedItems, "measurement");
@@ -156,10 +203,18 @@ std::vector<std::string> MixedRuns(const TrendData& data) {
     return sentences;
 }
 
+bool HaveAllStopped(const Trend& trend) {
+    return std::all_of(
+        trend.stations.begin(), trend.stations.end(),
+        [](const StationTrend& station) { return station.isBehind && !station.hasRunSince; });
+}
+
 /// "C has measured nothing that counts since 2026-03-18, though it has run since"
 std::vector<std::string> StationsBehind(const TrendData& data, const Trend& trend,
                                         bool hasRunSince) {
     std::vector<std::string> sentences;
+    if (!hasRunSince && trend.stations.size() > 1 && HaveAllStopped(trend))
+        return {"no station has a run since " + ShownDay(data.visits.back().measuredAt)};
     for (const StationTrend& station : trend.stations) {
         if (station.isBehind && station.hasRunSince == hasRunSince)
             sentences.push_back(
@@ -181,22 +236,40 @@ TrendConclusion WithoutPower(const TrendData& data) {
     return conclusion;
 }
 
+/// A sentence for each station of which there is something to say.
+template <typename PhraseOf>
+std::vector<std::string> OfEach(const TrendData& data, const Trend& trend, PhraseOf phraseOf) {
+    std::vector<std::string> sentences;
+    for (const StationTrend& station : trend.stations) {
+        const std::string phrase = phraseOf(station);
+        if (!phrase.empty())
+            sentences.push_back(NameOf(data, station) + " " + phrase);
+    }
+    return sentences;
+}
+
 /// What the first line says, where no station drifts.
 TrendConclusion WithoutDrift(const TrendData& data, const Trend& trend) {
     if (trend.basis == TrendBasis::Nothing)
         return WithoutPower(data);
     if (trend.CountOutOfLimits() != 0)
-        return {"OUT OF LIMITS", {OutOfLimits(trend)}};
+        return {"OUT OF LIMITS", {OutOfLimits(data, trend)}};
     if (trend.HasNoLimit())
         return {"NO LIMIT", {WithoutLimit(trend)}};
     if (trend.sharedItems == 0)
         return {"NOTHING SHARED", {nothingShared}};
+    if (trend.CountWithLost() != 0)
+        return {"NOT MEASURED", OfEach(data, trend, [&data](const StationTrend& station) {
+                    return Lost(data, station);
+                })};
     if (trend.CountNotFollowed() != 0)
         return {"NOT FOLLOWED", StationsBehind(data, trend, true)};
     if (trend.isMixed)
         return {"MIXED RUNS", MixedRuns(data)};
     if (trend.CountTooFew() != 0)
         return {"TOO FEW RUNS", {TooFewRuns(data, trend)}};
+    if (trend.CountErratic() != 0)
+        return {"ERRATIC", OfEach(data, trend, Erratic)};
     return {"STEADY", {Steady(data, trend)}};
 }
 
@@ -207,7 +280,7 @@ TrendConclusion WithDrift(const TrendData& data, const Trend& trend) {
             conclusion.sentences.push_back(SentenceOf(data, station));
     }
     if (trend.CountOutOfLimits() != 0)
-        conclusion.sentences.push_back(OutOfLimits(trend));
+        conclusion.sentences.push_back(OutOfLimits(data, trend));
     return conclusion;
 }
 
@@ -217,15 +290,17 @@ std::size_t CountWithPowers(const Trend& trend) {
                       [](const StationTrend& station) { return station.powers != 0; }));
 }
 
-/// Drifts that are over, and then runs alone.
+/// Drifts that are over, and runs alone.
 void AddRunsBeyond(const TrendData& data, const Trend& trend, TrendConclusion& conclusion) {
-    bool isAnyAlone = false;
     for (const StationTrend& station : trend.stations) {
         if (!station.drift || station.drift->IsNow())
             continue;
         conclusion.sentences.push_back(SentenceOf(data, station));
-        isAnyAlone = isAnyAlone || !station.drift->isLasting;
     }
+    const bool isAnyAlone =
+        std::any_of(trend.stations.begin(), trend.stations.end(), [](const StationTrend& station) {
+            return station.drift && station.drift->first == station.drift->last;
+        });
     if (isAnyAlone)
         conclusion.sentences.emplace_back("of 1000 runs of a steady station, about 3 are beyond "
                                           "its control limits by chance");
@@ -250,6 +325,9 @@ void AddBasis(const Trend& trend, TrendConclusion& conclusion) {
         conclusion.sentences.push_back(
             std::string(haveAllPowers ? "with two stations" : "with powers of two stations only") +
             " their offsets cannot tell which of them is wrong");
+    if (trend.hasPairs)
+        conclusion.sentences.emplace_back(
+            "of a group of two stations the offsets cannot tell which of them is wrong");
     if (trend.basis == TrendBasis::OwnMean)
         conclusion.sentences.push_back(
             std::string(haveAllPowers ? "with one station" : "with powers of one station only") +
@@ -270,6 +348,11 @@ TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
         if (station.isApart && !station.drift)
             conclusion.sentences.push_back(SentenceOf(data, station));
     }
+    if (conclusion.word != "NOT MEASURED")
+        add(OfEach(data, trend,
+                   [&data](const StationTrend& station) { return Lost(data, station); }));
+    if (conclusion.word != "ERRATIC")
+        add(OfEach(data, trend, Erratic));
     if (conclusion.word != "NOT FOLLOWED")
         add(StationsBehind(data, trend, true));
     add(StationsBehind(data, trend, false));
@@ -287,21 +370,10 @@ TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
 }
 
 std::string PhraseOf(const TrendData& data, const StationTrend& station) {
-    if (station.drift)
-        return (station.isApart ? Apart(*station.offset) + "; " : "") +
-               PhraseOf(data, station, *station.drift);
-    if (station.powers == 0)
-        return "has no power";
-    if (station.points.empty())
-        return "has measured nothing that another station has measured";
-    if (!station.limits)
-        return "has " + Counted(station.points.size(), "run") + ", too few for control limits, " +
-               "which need " + fewestRuns;
-    const std::string steady = CountOfRuns(0, station) + " beyond its control limits";
-    if (station.isApart)
-        return Apart(*station.offset) + "; " + steady;
-    return "is steady: " +
-           (station.offset ? "offset " + SignedHundredths(*station.offset) + " dB, " : "") + steady;
+    std::string phrase = PhraseOfPowers(data, station);
+    for (const std::string& trouble : {Lost(data, station), Erratic(station)})
+        phrase += trouble.empty() ? "" : "; " + trouble;
+    return phrase;
 }
 
 std::string DevicesOf(const TrendStation& station) {

@@ -20,12 +20,13 @@ protected:
 
     /// Keeps a run of a bench for each power, one a day. The second line makes runs of one power
     /// differ; it is of chain B.
-    void Keep(const std::string& bench, const std::vector<std::string>& powers) {
+    void Keep(const std::string& bench, const std::vector<std::string>& powers,
+              const std::string& band = "5") {
         int day = 10;
         for (const std::string& power : powers) {
             const std::string result = directory.Create(
                 bench + std::to_string(day) + ".csv",
-                Header() + "5,A," + power + ",NA\n2.4,B,NA,1" + std::to_string(day) + "." +
+                Header() + band + ",A," + power + ",NA\n2.4,B,NA,1" + std::to_string(day) + "." +
                     std::to_string(bench.front()) + "\n");
             ASSERT_EQ(History({"add", result, "--bench", bench, "--device", "DUT", "--measured",
                                "2026-03-" + std::to_string(day)}),
@@ -74,15 +75,41 @@ TEST_F(HistoryTrendTest, ValueThatNoKeptMeasurementHasIsTold) {
               nlohmann::json({"no kept measurement has Channel 37"}));
 }
 
-TEST_F(HistoryTrendTest, BenchThatMeasuresNothingOfWhatIsChosenTakesNoPart) {
+TEST_F(HistoryTrendTest, BenchThatWasAskedForNothingOfWhatIsChosenTakesNoPart) {
+    Keep("A", std::vector<std::string>(9, "10"));
+    Keep("B", std::vector<std::string>(9, "10"), "6");
+    EXPECT_EQ(History({"trend", "Band=5"}), 0);
+    EXPECT_THAT(out.str(),
+                StartsWith("STEADY: the station does not drift: 9 runs, 1 measurement, limits 0.01 "
+                           "dB from the mean\nA has no run since 2026-03-18\n"
+                           "with one station it cannot be told"));
+}
+
+TEST_F(HistoryTrendTest, BenchWithoutAPowerOfWhatIsChosenIsNeverFine) {
     Keep("A", std::vector<std::string>(9, "10"));
     Keep("B", std::vector<std::string>(9, "NA"));
-    EXPECT_EQ(History({"trend", "Band=5"}), 0);
-    EXPECT_THAT(
-        out.str(),
-        StartsWith(
-            "STEADY: the station does not drift: 9 runs, 1 measurement, limits 0.00 dB from the mean\n"
-            "with one station it cannot be told"));
+    EXPECT_EQ(History({"trend", "Band=5"}), 1);
+    EXPECT_THAT(out.str(), StartsWith("TOO FEW RUNS: too few runs for control limits, which need "
+                                      "8: B (0)\n"));
+}
+
+TEST_F(HistoryTrendTest, PowerThatTheLastRunLacksIsTold) {
+    Keep("A", std::vector<std::string>(10, "10"));
+    std::vector<std::string> powers(9, "10");
+    powers.emplace_back("NA");
+    Keep("B", powers);
+    EXPECT_EQ(History({"trend", "Chain=A"}), 1);
+    EXPECT_THAT(out.str(),
+                StartsWith("NOT MEASURED: B has no power for the only measurement of its "
+                           "last run, on 2026-03-19, which it has made before\n"));
+}
+
+TEST_F(HistoryTrendTest, RunsAreFollowedToNowOrToTheEndThatIsChosen) {
+    KeepDriftOfC();
+    EXPECT_EQ(History({"trend", "Band=5", "--bench", "A"}), 0);
+    EXPECT_THAT(out.str(), HasSubstr("\nA has no run since 2026-03-18\n"));
+    EXPECT_EQ(History({"trend", "Band=5", "--bench", "A", "--until", "2026-04-01"}), 0);
+    EXPECT_THAT(out.str(), Not(HasSubstr("has no run since")));
 }
 
 TEST_F(HistoryTrendTest, WordsThatNameNothingAreRefused) {

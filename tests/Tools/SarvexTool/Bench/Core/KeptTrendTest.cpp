@@ -160,6 +160,40 @@ TEST_F(KeptTrendTest, StationWithoutAPowerOfThoseChosenIsLeftOut) {
     EXPECT_EQ(DataOf(all).visits.size(), 2U);
 }
 
+TEST_F(KeptTrendTest, WhatWasNotMeasuredIsMissingOfItsVisitWhereAnotherHasIt) {
+    AddRun(100, {{"B1", "DUT", 1}});
+    AddRun(200, {{"B1", "DUT", 1}});
+    const TrendData data = DataOf({{1, 0, 0, Chain::A, std::nullopt},
+                                   {1, 0, 1, Chain::A, std::nullopt},
+                                   {0, 0, 0, Chain::A, 10},
+                                   {0, 0, 0, Chain::B, 11}});
+    EXPECT_EQ(data.items.size(), 2U);
+    ASSERT_EQ(data.missing.size(), 1U) << "the other channel was never measured";
+    EXPECT_EQ(data.missing[0].visit, 1U);
+    EXPECT_EQ(data.missing[0].item, 0U);
+}
+
+TEST_F(KeptTrendTest, LineWhoseChainIsNotKnownMissesBothChains) {
+    AddRun(100, {{"B1", "DUT", 1}});
+    AddRun(200, {{"B1", "DUT", 1}});
+    const TrendData data = DataOf(
+        {{0, 0, 0, Chain::A, 10}, {0, 0, 0, Chain::B, 11}, {1, 0, 0, Chain::None, std::nullopt}});
+    EXPECT_EQ(data.missing.size(), 2U);
+}
+
+TEST_F(KeptTrendTest, StationThatWasAskedForWhatIsChosenIsOneWithoutPowersToo) {
+    AddRun(100, {{"B1", "DUT", 1}});
+    AddRun(200, {{"B2", "DUT", 1}});
+    AddRun(300, {{"B3", "DUT", 1}});
+    wanted.chain = Chain::A;
+    const TrendData data = DataOf({{0, 0, 0, Chain::A, 10},
+                                   {1, 0, 0, Chain::B, std::nullopt},
+                                   {2, 0, 0, Chain::A, std::nullopt}});
+    EXPECT_EQ(StationsOf(data), "B1 DUT, B3");
+    ASSERT_EQ(data.missing.size(), 1U);
+    EXPECT_EQ(data.visits[data.missing[0].visit].measuredAt, 300);
+}
+
 TEST_F(KeptTrendTest, OnlyWantedConfigurationsAndChainsAreTaken) {
     AddRun(100, {{"B1", "a", 1}});
     const std::vector<KeptPower> all{{0, 0, 0, Chain::A, 10},

@@ -87,7 +87,10 @@ TEST(TrendDriftTest, LastRunBeyondIsADrift) {
 
 TEST(TrendDriftTest, TwoRunsBeyondOnOneSideAreADrift) {
     ExpectEach({
-        {"up to the last run that is nearer to them", {0, 0, 0, 3, 3, 2, 1, 2}, true, 3, 5, 3},
+        {"up to the last run that is nearer to them", {0, 0, 0, 3, 3, 2, 1, 1}, true, 3, 5, 3},
+        {"with one that is back among them", {0, 0, 0, 3, 3, 0, 2, 2}, true, 3, 7, 2},
+        {"with as many back", {0, 0, 0, 3, 3, 0, 0, 2, 2}, true, 3, 4, 3},
+        {"before a later one like them", {0, 0, 0, 3, 3, 0, 0, 0, 2}, true, 3, 4, 3},
         {"without one that is back on their side", {0, 0, 0, 3, 3, 1, -1, 1}, true, 3, 4, 3},
         {"up to the last run of all", {-1, -1, -1, 3, 3, 2, 2}, true, 3, 6, 3.5},
         {"with one within between them", {0, 0, 0, 3, 1, 4, -1}, true, 3, 5, 3},

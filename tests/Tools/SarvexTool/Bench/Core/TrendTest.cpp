@@ -327,6 +327,130 @@ TEST_F(TrendTest, TheOrderOfTheRowsChangesNoFigure) {
     EXPECT_EQ(TrendOf(data).stations[0].points[0].median, trend.stations[0].points[0].median);
 }
 
+TEST_F(TrendTest, RunOfFewerMeasurementsThanUsualHasWiderLimits) {
+    AddItems(4);
+    for (const char* const name : {"A", "B", "C"})
+        AddStation(name);
+    for (int run = 0; run < 10; ++run) {
+        const double power = run % 2 == 0 ? 10 : 10.1;
+        for (std::uint32_t station = 0; station < 3; ++station)
+            AddRun(station, {power, power, power, power});
+    }
+    const double limit = TrendOf(data).stations[2].limits->Upper();
+    // The root of a quarter of the measurements is a half.
+    AddRun(2, {10.05 + 1.5 * limit, NAN, NAN, NAN});
+    EXPECT_EQ(TrendOf(data).CountDrifting(), 0U);
+    AddRun(2, {10.05 + 1.5 * limit, 10.05 + 1.5 * limit, 10.05 + 1.5 * limit, 10.05 + 1.5 * limit});
+    EXPECT_EQ(TrendOf(data).CountDrifting(), 1U);
+}
+
+TEST_F(TrendTest, ChangeThatIsNotShownIsNone) {
+    for (const char* const name : {"A", "B", "C"})
+        AddSteady(name, 10);
+    AddRun(2, {10.009});
+    EXPECT_TRUE(TrendOf(data).IsFine());
+    AddRun(2, {10.03});
+    EXPECT_FALSE(TrendOf(data).IsFine());
+}
+
+TEST_F(TrendTest, MeasurementsThatTheLastRunHasLostAreNeverFine) {
+    AddItems(2);
+    AddStation("A");
+    AddStation("B");
+    for (int run = 0; run < 8; ++run) {
+        AddRun(0, {10, 12});
+        AddRun(1, {10, 12});
+    }
+    data.missing = {{13, 1}};
+    EXPECT_TRUE(TrendOf(data).IsFine()) << "in an earlier run";
+    AddRun(1, {10, NAN});
+    EXPECT_TRUE(TrendOf(data).IsFine()) << "that was not asked for it";
+    data.missing.push_back({16, 1});
+    const Trend trend = TrendOf(data);
+    EXPECT_FALSE(trend.IsFine());
+    EXPECT_EQ(trend.CountWithLost(), 1U);
+    ASSERT_EQ(NamesInOrder(trend), "B A");
+    EXPECT_EQ(trend.stations[0].lost, 1U);
+    EXPECT_EQ(trend.stations[0].lastAsked, 2U);
+    EXPECT_EQ(trend.stations[0].lastVisit, 16U);
+    data.rows.push_back({16, 1, 12});
+    EXPECT_TRUE(TrendOf(data).IsFine()) << "another line of the run has it";
+}
+
+TEST_F(TrendTest, WhatAStationHasNeverMeasuredIsNotLost) {
+    AddItems(2);
+    AddSteady("A", 10);
+    AddSteady("B", 10);
+    AddRun(0, {10, 12});
+    AddRun(1, {10, NAN});
+    data.missing = {{17, 1}};
+    EXPECT_EQ(TrendOf(data).CountWithLost(), 0U);
+}
+
+TEST_F(TrendTest, RunWithoutAnyPowerLosesAllThatWasMeasuredBefore) {
+    AddSteady("A", 10);
+    AddSteady("B", 10);
+    AddRun(1, {NAN});
+    data.missing = {{16, 0}};
+    const Trend trend = TrendOf(data);
+    EXPECT_EQ(trend.stations[0].lost, 1U);
+    EXPECT_EQ(trend.stations[0].lastVisit, 16U);
+}
+
+TEST_F(TrendTest, StationWhoseRunsDifferFarMoreThanTheOthersIsErratic) {
+    AddRuns(AddStation("A"), {10, 10.1, 10, 10.1, 10, 10.1, 10, 10.1, 10, 10.1});
+    AddRuns(AddStation("B"), {10, 10.1, 10, 10.1, 10, 10.1, 10, 10.1, 10, 10.1});
+    AddRuns(AddStation("C"), {10, 10.39, 10, 10.39, 10, 10.39, 10, 10.39});
+    EXPECT_TRUE(TrendOf(data).IsFine()) << "less than four times as much";
+    AddRuns(AddStation("D"), {10, 10.5, 10, 10.5, 10, 10.5, 10, 10.5, 10, 10.5});
+    const Trend trend = TrendOf(data);
+    EXPECT_EQ(trend.CountErratic(), 1U);
+    EXPECT_FALSE(trend.IsFine());
+    ASSERT_EQ(NamesInOrder(trend), "D A B C");
+    EXPECT_NEAR(trend.stations[0].timesAsErratic, 5, exactly);
+}
+
+TEST_F(TrendTest, ErraticIsWhereAThirdOfTheNeighboursDiffer) {
+    AddSteady("A", 10);
+    AddSteady("B", 10);
+    AddRuns(AddStation("C"), {10, 10, 10, 12, 10, 10, 10, 10, 10, 10, 10, 12});
+    EXPECT_EQ(TrendOf(data).CountErratic(), 0U) << "3 of 11";
+    AddRun(2, {10});
+    EXPECT_EQ(TrendOf(data).CountErratic(), 1U) << "4 of 12";
+}
+
+TEST_F(TrendTest, RunsThatDifferLittleAreNotErratic) {
+    AddSteady("A", 10);
+    AddSteady("B", 10);
+    AddRuns(AddStation("C"), {10, 10.2, 10, 10.2, 10, 10.2, 10, 10.2, 10, 10.2});
+    EXPECT_EQ(TrendOf(data).CountErratic(), 0U);
+}
+
+TEST_F(TrendTest, StationsAreFollowedToTheMomentThatIsTold) {
+    AddSteady("A", 10);
+    AddSteady("B", 10);
+    constexpr std::int64_t days = 29;
+    data.followedTo = data.visits.back().measuredAt + days * Day;
+    for (const StationTrend& station : TrendOf(data).stations)
+        EXPECT_TRUE(station.isBehind);
+    data.followedTo = data.visits.front().measuredAt;
+    for (const StationTrend& station : TrendOf(data).stations)
+        EXPECT_FALSE(station.isBehind);
+}
+
+TEST_F(TrendTest, PairBesideAnotherGroupIsTold) {
+    AddItems(2);
+    for (const char* const name : {"A", "B", "C"})
+        AddSteady(name, 10);
+    EXPECT_FALSE(TrendOf(data).hasPairs);
+    for (const char* const name : {"D", "E"}) {
+        const std::uint32_t station = AddStation(name);
+        for (int run = 0; run < 8; ++run)
+            AddRun(station, {NAN, 10});
+    }
+    EXPECT_TRUE(TrendOf(data).hasPairs);
+}
+
 TEST_F(TrendTest, OneStationIsHeldAgainstItsOwnMean) {
     AddRuns(AddStation("A"), {10, 10.2, 10, 10.2, 10, 10.2, 10, 10.2, 10, 14});
     const Trend trend = TrendOf(data);
@@ -359,11 +483,11 @@ TEST_F(TrendTest, OffsetFarFromThoseOfAtLeastThreeOthersIsApart) {
     AddSteady("B", 10.1);
     AddSteady("C", 10.2);
     EXPECT_EQ(NamesInOrder(TrendOf(data)), "A B C");
-    AddSteady("D", 10.7);
+    AddSteady("D", 13);
     const Trend trend = TrendOf(data);
     ASSERT_EQ(NamesInOrder(trend), "D A B C");
     EXPECT_TRUE(trend.stations[0].isApart);
-    EXPECT_NEAR(*trend.stations[0].offset, 10.7 - 10.15, exactly);
+    EXPECT_NEAR(*trend.stations[0].offset, 13 - 10.15, exactly);
     EXPECT_FALSE(trend.stations[1].isApart);
     EXPECT_TRUE(trend.IsFine()) << "an offset alone is no drift";
 }
@@ -372,7 +496,7 @@ TEST_F(TrendTest, OffsetOfAStationWithAnOutlierIsHeldAgainstTheOthersToo) {
     AddSteady("A", 10);
     AddSteady("B", 10.1);
     AddRuns(AddStation("C"), {5, 10.2, 10.2, 10.2, 10.2, 10.2, 10.2, 10.2, 10.2, 10.2, 10.2});
-    AddRuns(AddStation("D"), {10.1, 11, 11, 11, 11, 11, 11, 11, 11, 11, 11});
+    AddRuns(AddStation("D"), {10.1, 13, 13, 13, 13, 13, 13, 13, 13, 13, 13});
     const Trend trend = TrendOf(data);
     ASSERT_EQ(NamesInOrder(trend), "C D A B");
     EXPECT_FALSE(trend.stations[0].drift->isLasting);

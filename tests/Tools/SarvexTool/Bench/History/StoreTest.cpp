@@ -403,7 +403,9 @@ TEST_P(StoreTest, PowersComeWithTheirRunsAndConfigurations) {
     EXPECT_THAT(Powers(),
                 ElementsAre(KeptPower{0, 0, 2, Chain::B, 12}, KeptPower{1, 0, 0, Chain::A, 10.5},
                             KeptPower{1, 1, 0, Chain::A, 7}, KeptPower{1, 0, 0, Chain::B, -3.25},
-                            KeptPower{1, 1, 0, Chain::B, 8}));
+                            KeptPower{1, 1, 0, Chain::B, 8},
+                            // What was not measured.
+                            KeptPower{1, 0, 1, Chain::A, std::nullopt}));
     ASSERT_EQ(m_history.runs.size(), 2u);
     EXPECT_EQ(m_history.runs[0].measuredAt, 1);
     ASSERT_EQ(m_history.configurations.size(), 3u);

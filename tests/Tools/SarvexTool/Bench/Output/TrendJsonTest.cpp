@@ -36,7 +36,7 @@ TEST_F(TrendJsonTest, WholeTextOfARunOfOneStation) {
 "says": ["1 of 2 powers is out of its limits", "too few runs for control limits, which need 8: A (2)", "with one station it cannot be told whether it or what it measures has changed"],
 "heldAgainst": "own mean", "sharedMeasurements": 1, "groups": 1, "withoutReference": 0, "limits": "limits.csv",
 "stations": [
-{"station": "A", "devices": ["DUT A"], "says": "has 2 runs, too few for control limits, which need 8", "offset": null, "apart": false, "behind": false, "hasRunSince": false, "controlLimits": null, "runsBeyond": 0, "drift": null, "powers": 2, "outOfLimits": 1, "withoutLimit": 0,
+{"station": "A", "devices": ["DUT A"], "says": "has 2 runs, too few for control limits, which need 8", "offset": null, "apart": false, "behind": false, "hasRunSince": false, "lost": 0, "timesAsErratic": 0.0, "controlLimits": null, "runsBeyond": 0, "drift": null, "powers": 2, "outOfLimits": 1, "withoutLimit": 0,
 "runs": [
 {"run": "run0", "measuredAt": "2026-03-02T06:00:00Z", "device": "DUT A", "median": -0.25, "differences": 1, "beyond": false},
 {"run": "run1", "measuredAt": "2026-03-03T06:00:00Z", "device": null, "median": 0.25, "differences": 1, "beyond": false}]}

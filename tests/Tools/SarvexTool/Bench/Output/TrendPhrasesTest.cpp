@@ -175,9 +175,11 @@ TEST_F(TrendPhrasesTest, GroupsAreTold) {
     }
     EXPECT_THAT(Conclusion().sentences,
                 ElementsAre("none of the 4 stations drifts: 32 runs, 2 measurements that stations "
-                            "share, limits at most 0.00 dB from the mean (A)",
+                            "share, limits at most 0.01 dB from the mean (A)",
                             "2 groups of stations share nothing with each other, so that offsets "
-                            "compare only within a group"));
+                            "compare only within a group",
+                            "of a group of two stations the offsets cannot tell which of them is "
+                            "wrong"));
 }
 
 TEST_F(TrendPhrasesTest, StationThatSharesNothingIsNotSaidToHaveTooFewRuns) {
@@ -205,14 +207,18 @@ TEST_F(TrendPhrasesTest, StationsThatDriftAreAllTold) {
     AddSteady("A", 10);
     for (const char* const name : {"B", "C"})
         AddRuns(AddStation(name), {10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 14});
-    EXPECT_EQ(Conclusion().sentences.size(), 2U);
+    const std::vector<std::string> sentences = Conclusion().sentences;
+    ASSERT_EQ(sentences.size(), 3U);
+    EXPECT_THAT(sentences[0], testing::StartsWith("B reads 4.00 dB higher since "));
+    EXPECT_THAT(sentences[1], testing::StartsWith("C reads 4.00 dB higher since "));
+    EXPECT_EQ(sentences[2], chance) << "a last run alone may be by chance, too";
 }
 
 TEST_F(TrendPhrasesTest, SteadyStationsAreSaidToBe) {
     AddSteadyAB();
     AddSteady("C", 12);
     EXPECT_EQ(FirstLine(), "STEADY: none of the 3 stations drifts: 24 runs, 1 measurement that "
-                           "stations share, limits at most 0.00 dB from the mean (A)");
+                           "stations share, limits at most 0.01 dB from the mean (A)");
     const Trend trend = TrendOf(data);
     EXPECT_EQ(PhraseOf(data, trend.stations[0]),
               "is steady: offset -1.00 dB, none of its 8 runs is beyond its control limits");
@@ -223,7 +229,7 @@ TEST_F(TrendPhrasesTest, WithTwoStationsItIsSaidThatNoneIsTheMeasure) {
     EXPECT_THAT(
         Conclusion().sentences,
         ElementsAre("none of the 2 stations drifts: 16 runs, 1 measurement that stations share, "
-                    "limits at most 0.00 dB from the mean (A)",
+                    "limits at most 0.01 dB from the mean (A)",
                     "with two stations their offsets cannot tell which of them is wrong"));
 }
 
@@ -232,7 +238,7 @@ TEST_F(TrendPhrasesTest, WithOneStationItIsSaidThatItsDeviceMayHaveChanged) {
     EXPECT_THAT(
         Conclusion().sentences,
         ElementsAre(
-            "the station does not drift: 8 runs, 1 measurement, limits 0.00 dB from the mean",
+            "the station does not drift: 8 runs, 1 measurement, limits 0.01 dB from the mean",
             "with one station it cannot be told whether it or what it measures has "
             "changed"));
     EXPECT_EQ(PhraseOf(data, TrendOf(data).stations[0]),
@@ -254,19 +260,19 @@ TEST_F(TrendPhrasesTest, StationsWithoutAnyPowerAreNoneOfThoseHeldAgainstEachOth
 TEST_F(TrendPhrasesTest, StationThatIsApartIsToldBesideTheConclusion) {
     AddSteadyAB();
     AddSteady("C", 10.5);
-    AddSteady("D", 5);
+    AddSteady("D", -5);
     EXPECT_EQ(Conclusion().word, "STEADY");
     EXPECT_EQ(
         Conclusion().sentences.at(1),
-        "D reads 5.25 dB low, more than three standard deviations of the others' offsets from "
-        "their mean; none of its 8 runs is beyond its control limits");
+        "D reads 15.25 dB low, farther from the others' offsets than by chance; none of its 8 "
+        "runs is beyond its control limits");
 }
 
 TEST_F(TrendPhrasesTest, StationThatIsApartIsToldWithItsOutlierInOneSentence) {
     AddSteady("A", 10);
     AddSteady("B", 10.1);
     AddSteady("C", 10.2);
-    AddRuns(AddStation("D"), {10, 11, 11, 11, 11, 11, 11, 11, 11, 11, 11});
+    AddRuns(AddStation("D"), {12, 13, 13, 13, 13, 13, 13, 13, 13, 13, 13});
     const TrendConclusion conclusion = Conclusion();
     EXPECT_EQ(conclusion.word, "STEADY");
     EXPECT_THAT(
@@ -274,9 +280,8 @@ TEST_F(TrendPhrasesTest, StationThatIsApartIsToldWithItsOutlierInOneSentence) {
         ElementsAre(
             "none of the 4 stations drifts: 35 runs, 1 measurement that stations share, "
             "limits at most 0.27 dB from the mean (D)",
-            "D reads 0.85 dB high, more than three standard deviations of the others' "
-            "offsets from their mean; read 1.00 dB lower on 2026-03-26; 1 of its 11 runs is "
-            "beyond its control limits",
+            "D reads 2.85 dB high, farther from the others' offsets than by chance; read 1.00 dB "
+            "lower on 2026-03-26; 1 of its 11 runs is beyond its control limits",
             chance));
 }
 
@@ -333,10 +338,12 @@ TEST_F(TrendPhrasesTest, PowersOutOfLimitsAreCounted) {
     limit.maximum = "10.5"_dB;
     const std::vector<const Limit*> limits{&limit};
     EXPECT_EQ(Conclusion(&limits).word, "OUT OF LIMITS");
-    EXPECT_EQ(Conclusion(&limits).sentences.front(), "8 of 16 powers are out of their limits");
+    EXPECT_EQ(Conclusion(&limits).sentences.front(),
+              "8 of 16 powers are out of their limits: B (8)");
     AddRuns(0, {10, 14});
     EXPECT_EQ(Conclusion(&limits).word, "DRIFT");
-    EXPECT_EQ(Conclusion(&limits).sentences.at(1), "9 of 18 powers are out of their limits");
+    EXPECT_EQ(Conclusion(&limits).sentences.at(1),
+              "9 of 18 powers are out of their limits: A (1), B (8)");
 }
 
 TEST_F(TrendPhrasesTest, PowersWithoutALimitAreCounted) {
@@ -366,7 +373,48 @@ TEST_F(TrendPhrasesTest, LimitsThatFitNoPowerAreToldFirstWhereNothingDrifts) {
                             "too few runs for control limits, which need 8: C (1)"));
     AddRuns(0, {10, 14});
     EXPECT_EQ(Conclusion(&limits).word, "DRIFT");
-    EXPECT_EQ(Conclusion(&limits).sentences.at(1), "none of the 19 powers has a limit");
+    EXPECT_THAT(Conclusion(&limits).sentences,
+                testing::Contains("none of the 19 powers has a limit"));
+}
+
+TEST_F(TrendPhrasesTest, LostMeasurementsAreToldFirstWhereNothingDrifts) {
+    AddItems(2);
+    AddStation("A");
+    AddStation("B");
+    for (int run = 0; run < 8; ++run) {
+        AddRun(0, {10, 12});
+        AddRun(1, {10, 12});
+    }
+    AddRun(1, {10, NAN});
+    data.missing = {{16, 1}};
+    const std::string lost = "B has no power for 1 of the 2 measurements of its last run, on "
+                             "2026-03-18, which it has made before";
+    EXPECT_EQ(FirstLine(), "NOT MEASURED: " + lost);
+    EXPECT_THAT(PhraseOf(data, TrendOf(data).stations[0]),
+                testing::StartsWith("is steady: offset 0.00 dB, none of its 9 runs is beyond its "
+                                    "control limits; has no power for 1 of"));
+    AddRuns(0, {10, 14});
+    EXPECT_EQ(Conclusion().word, "DRIFT");
+    EXPECT_THAT(Conclusion().sentences, testing::Contains(lost));
+}
+
+TEST_F(TrendPhrasesTest, StationWhoseRunsDifferTooMuchIsNotCalledSteady) {
+    AddSteady("A", 10);
+    AddSteady("B", 10);
+    AddRuns(AddStation("C"), {10, 10.5, 10, 10.5, 10, 10.5, 10, 10.5, 10, 10.5});
+    const std::string erratic = "C differs from run to run 50 times as much as the others usually "
+                                "do, so that a drift does not show";
+    EXPECT_EQ(FirstLine(), "ERRATIC: " + erratic);
+    AddRun(AddStation("D"), {10});
+    EXPECT_EQ(Conclusion().word, "TOO FEW RUNS");
+    EXPECT_THAT(Conclusion().sentences, testing::Contains(erratic));
+}
+
+TEST_F(TrendPhrasesTest, StationsThatHaveAllStoppedAreOneSentence) {
+    AddSteadyAB();
+    data.followedTo = data.visits.back().measuredAt + 29 * Day;
+    EXPECT_EQ(Conclusion().word, "STEADY");
+    EXPECT_THAT(Conclusion().sentences, testing::Contains("no station has a run since 2026-03-17"));
 }
 
 TEST_F(TrendPhrasesTest, DevicesAreNamedOrCounted) {

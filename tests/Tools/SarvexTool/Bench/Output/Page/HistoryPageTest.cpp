@@ -57,7 +57,7 @@ TEST_F(HistoryPageTest, HeadTellsAllThatThereIsToSay) {
         Page(),
         HasSubstr(
             "<p class=\"verdict is-pass\"><strong>Steady</strong> <span>the "
-            "station does not drift: 8 runs, 1 measurement, limits 0.00 dB from the mean.</span></p>\n"
+            "station does not drift: 8 runs, 1 measurement, limits 0.01 dB from the mean.</span></p>\n"
             "<ul class=\"says\">\n<li>with one station it cannot be told "
             "whether it or what it measures has changed.</li>\n</ul>\n"));
 }
