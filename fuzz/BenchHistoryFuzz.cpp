@@ -62,12 +62,12 @@ std::optional<RunToKeep> RunOf(const std::string& bytes, const Parts& told, Text
 }
 
 void CheckPowers(const RunToKeep& run, TextPool& texts) {
-    std::vector<double> expected;
-    for (const Measurement& measurement : run.result.measurements) {
-        if (measurement.power)
-            expected.push_back(measurement.power->ToDouble());
-    }
-    std::vector<double> powers;
+    // Nothing for what was not measured.
+    std::vector<std::optional<double>> expected;
+    for (const Measurement& measurement : run.result.measurements)
+        expected.push_back(measurement.power ? std::optional(measurement.power->ToDouble())
+                                             : std::nullopt);
+    std::vector<std::optional<double>> powers;
     std::vector<Settings> configurations;
     TheStore().ReadPowers(
         {}, texts, [&](const KeptHistory& history) { configurations = history.configurations; },
