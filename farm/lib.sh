@@ -5,7 +5,7 @@
 #   runs/CHUNK/N            the chunk's attempt N, a run directory; N.log is what it has printed
 #   runs/CHUNK/claimed      a link to the one attempt whose result counts
 #   surplus/CHUNK-N         a further complete attempt, of a job that went on after it had been given up
-#   benches/BENCH/running   the bench may be transmitting: HOST PID_OF_RUN_CHUNK PID_OF_RUN CHUNK/N
+#   benches/BENCH/running   the bench may be transmitting: HOST PID_OF_RUN_CHUNK PID_OF_RUN CHUNK/N DAEMON
 #   benches/BENCH/failures  how often it has failed in a row
 #   benches/BENCH/why       the last reason; with GNU parallel benches/BENCH/out has it when that was too often
 #   stopped                 no further run is to begin; why
@@ -108,6 +108,32 @@ find_bench() {
     read_table "$1/bench-table"
     [ -n "${daemon_of[$2]:-}" ] || fail 2 "the bench $2 is not in the sweep's table of benches, $1/bench-table"
     daemon=${daemon_of[$2]} device=${device_of[$2]}
+}
+
+# read_note DIR BENCH: whether the bench may be transmitting. Sets noted_host, noted_script, noted_run,
+# noted_attempt and noted_daemon, which is the one that was started: the table may have another for the bench by
+# now, or none. A host that has died may leave a note without words; the table is then all there is to go by.
+read_note() {
+    noted_host='' noted_script=0 noted_run=0 noted_attempt='' noted_daemon=''
+    [ -e "$1/benches/$2/running" ] || return
+    read -r noted_host noted_script noted_run noted_attempt noted_daemon 2>/dev/null \
+        <"$1/benches/$2/running" || true
+    [ -n "$noted_daemon" ] || noted_daemon=$(find_bench "$1" "$2" 2>/dev/null && printf '%s' "$daemon") || true
+}
+
+# run_option NAME OPTIONS...: prints the value that options of run give to one; fails where they do not.
+run_option() {
+    local name=$1 value='' found=
+    shift
+    # What follows -- is the client's own first command.
+    while [ $# -gt 0 ] && [ "$1" != -- ]; do
+        case $1 in
+        "$name") found=1 value=${2:-} ;;
+        "$name="*) found=1 value=${1#*=} ;;
+        esac
+        shift
+    done
+    [ -n "$found" ] && printf '%s' "$value"
 }
 
 # failures_of DIR BENCH: how often in a row.

@@ -1,17 +1,23 @@
 # What a sweep does on any engine: for bash, to be sourced after lib.sh. The engine's script defines
 #   engine_check          ends with 2 when there is no such engine; sets benches, the names that may be used
 #   engine_adopt          whether jobs of this sweep go on that an earlier call has begun
-#   engine_start CHUNK... hands the chunks over
+#   engine_start CHUNK... hands the chunks over; where it cannot, it fails, with ending set
 #   engine_look           looks how it is with the jobs; sets jobs (how many there are), note (a few words for
 #                         the progress) and over (why nothing more will come of them, or nothing)
 #   engine_cancel         ends all jobs, and may be called again
-#   engine_leave          sees to it that all jobs end, and does not wait for it; perhaps there are none yet
+#   engine_leave          sees to it that all jobs end, and does not wait for it; perhaps there are none yet. Sets
+#                         busy, benches that have a job besides those that have a note
 #   engine_stop BENCH...  stops the transmissions of benches whose job has not done so
 . "$farm/lib.sh"
+# How long a run may take to stop its transmission, and a bench that is asked to.
+stop_seconds=90
 poll_seconds=1
 # Where standard error is no terminal.
 report_seconds=30
 
+# Whether the sweep's folder is this call's alone, and whether it has tried to stop all that transmits.
+is_ours=
+has_stopped=
 interrupted=
 interrupted_at=0
 shown=
@@ -23,10 +29,42 @@ interrupt() {
     elif [ $((SECONDS - interrupted_at)) -ge 1 ]; then
         trap '' HUP INT TERM
         # The first may have come in the middle of a look, after which the jobs would have been ended.
+        [ -z "$is_ours" ] || [ -e "$dir/stopped" ] ||
+            printf 'it was interrupted\n' 2>/dev/null >"$dir/stopped" || true
+        busy=()
         engine_leave
         tell "left at once: jobs may still be stopping their transmitters"
+        has_stopped=1
         exit 3
     fi
+}
+
+# However the sweep ends, what may be transmitting is stopped, or told last with the code 4. In a folder that
+# another call has, that one does it.
+leave() {
+    local code=$? bench
+    trap - EXIT
+    trap '' HUP INT TERM
+    set +e
+    have_folder || exit "$code"
+    find_open
+    # Jobs of an earlier call may go on; whoever is refused does not end them.
+    if [ -z "$has_stopped" ] && [ ${#open[@]} -gt 0 ]; then
+        tell "stopping the transmissions of ${open[*]}, as far as no job uses them"
+        stop_from_here --stop-unused "${open[@]}"
+        find_open
+    fi
+    for bench in ${busy[@]+"${busy[@]}"}; do
+        [ -z "$bench" ] || [[ " ${open[*]} " = *" $bench "* ]] || open+=("$bench")
+    done
+    [ ${#open[@]} -gt 0 ] || exit "$code"
+    tell_open_benches
+    exit 4
+}
+
+have_folder() {
+    [ -z "$is_ours" ] || return 0
+    [ -e "$dir/sweep.lock" ] && exec 8<"$dir/sweep.lock" && flock -n 8
 }
 
 usage="usage: ${0##*/} PLAN [--out DIR] [--table FILE] [--benches N] [--lines N] [-- RUN_OPTIONS...]"
@@ -73,6 +111,7 @@ read_arguments() {
             [ "${option%%=*}" != "$refused" ] || fail 2 "$refused cannot be given to the runs of a sweep"
         done
     done
+    read_stop_timeout
     [ -f "$plan" ] && [ -r "$plan" ] || fail 2 "the plan $plan cannot be read"
     plan=$(realpath "$plan")
     if [ -z "$dir" ]; then
@@ -83,6 +122,15 @@ read_arguments() {
     if [ -z "$table" ] && [ -e "$usual" ]; then
         table=$usual
     fi
+}
+
+# A run may wait so long twice: for the last answer, and for the stop. Other words than a number it refuses.
+read_stop_timeout() {
+    local value seconds
+    value=$(run_option --stop-timeout ${run_options[@]+"${run_options[@]}"}) || return 0
+    [[ $value =~ ^([0-9]{1,6})(\.[0-9]*)?$ ]] || return 0
+    seconds=$((2 * 10#${BASH_REMATCH[1]} + 30))
+    [ "$seconds" -le "$stop_seconds" ] || stop_seconds=$seconds
 }
 
 # refuse_second_call HOLDER JOBS: the two lines of the lock.
@@ -114,12 +162,26 @@ open_folder() {
     { read -r holder; read -r jobs; } <&8 || true
     # A command of a call that was killed may outlive it for a moment.
     flock -w 2 8 || refuse_second_call "$holder" "$jobs"
+    is_ours=1
     printf 'process %s on %s\n' $$ "$(uname -n)" >"$dir/sweep.lock" || fail 2 "there is no room in $dir"
-    [ ! -e "$dir/merged" ] ||
-        fail 2 "this sweep is complete, its result is in $dir/merged; for a new one give another --out"
+    [ ! -e "$dir/merged" ] || end_complete
     [ ! -e "$dir/manifest.json" ] || cmp -s "$plan" "$dir/plan.csv" ||
         fail 2 "$plan has changed since the sweep in $dir was begun; go on with $dir/plan.csv," \
             "or give another --out"
+}
+
+# There is nothing to do, but for what an earlier call could not stop. Once that is stopped, the code is what that
+# call would have ended with.
+end_complete() {
+    local code=
+    set +e
+    find_open
+    if [ ${#open[@]} -gt 0 ]; then
+        engine_adopt
+        stop_transmissions
+        code=$(sed -n 's/^  "exitCode": \([01]\),*$/\1/p' "$dir/merged/run.json")
+    fi
+    fail "${code:-2}" "this sweep is complete, its result is in $dir/merged; for a new one give another --out"
 }
 
 # Chunks of at most 100 lines, so that at the end no bench waits long for the last one; at least four for each
@@ -211,7 +273,7 @@ count_lines() {
     local -A under_way=()
     # A chunk is claimed before its run is no longer noted: in this order none is missed.
     for file in "$dir"/benches/*/running; do
-        read -r _ _ _ attempt 2>/dev/null <"$file" || continue
+        read -r _ _ _ attempt _ 2>/dev/null <"$file" || continue
         [ -e "$dir/runs/$attempt/journal.jsonl" ] || continue
         count=$(wc -l <"$dir/runs/$attempt/journal.jsonl")
         under_way[${attempt%/*}]=${count:-0}
@@ -314,7 +376,27 @@ stop_transmissions() {
     [ ${#open[@]} -gt 0 ] || return 0
     tell "stopping the transmissions of ${open[*]}"
     engine_stop "${open[@]}"
-    find_open
+    has_stopped=1
+}
+
+# begin_stops HOW BENCH...: sets stops, their processes. HOW is as for run-chunk.
+begin_stops() {
+    local how=$1 bench
+    shift
+    stops=()
+    for bench in "$@"; do
+        timeout "$stop_seconds" "$farm/run-chunk" "$how" "$dir" "$bench" -- ${run_options[@]+"${run_options[@]}"} 8>&- &
+        stops+=($!)
+    done
+}
+
+# stop_from_here HOW BENCH...: all at the same time. What has become of it the notes tell.
+stop_from_here() {
+    local process stops
+    begin_stops "$@"
+    for process in ${stops[@]+"${stops[@]}"}; do
+        wait "$process" || true
+    done
 }
 
 # tell_what_is_left WHY
@@ -331,21 +413,53 @@ tell_what_is_left() {
 
 # The very last words, so that nobody overlooks them.
 tell_open_benches() {
-    local bench host
-    [ ${#open[@]} -gt 0 ] || return 0
+    local bench
     for bench in "${open[@]}"; do
-        read -r host _ <"$dir/benches/$bench/running" || true
-        find_bench "$dir" "$bench"
-        say "switch the device off, or on $host: SarvexToolBench stop --daemon $daemon"
+        read_note "$dir" "$bench" || true
+        if [ -n "$noted_daemon" ]; then
+            say "switch the device of $bench off, or on ${noted_host:-its host}:" \
+                "SarvexToolBench stop --daemon $noted_daemon"
+        else
+            say "switch the device of $bench off"
+        fi
     done
     say "these benches may still be transmitting: ${open[*]}"
-    exit 4
+}
+
+# Where jobs of an earlier call go on, and where some are to be begun, until they have ended.
+measure() {
+    local adopted=
+    ! engine_adopt || adopted=1
+    if [ -n "$adopted" ]; then
+        tell "the jobs of an earlier call go on"
+        watch_jobs
+        settle_all
+        find_missing
+    fi
+    if [ -z "$ending" ] && [ ${#missing[@]} -gt 0 ] && engine_start "${missing[@]}"; then
+        watch_jobs
+        settle_all
+        find_missing
+    fi
+}
+
+# Sets code.
+tell_result() {
+    if [ ${#missing[@]} -eq 0 ]; then
+        "$program" merge "$dir" -o "$dir/merged" || code=$?
+        [ "$code" -le 2 ] || code=3
+    else
+        tell_what_is_left "${ending:-some chunks could not be measured; $dir/log tells why}"
+        code=3
+        [ -z "$refused" ] || code=2
+    fi
 }
 
 run_sweep() {
     local code=0
-    refused='' ending='' over='' note='' jobs=0
+    refused='' ending='' over='' note='' jobs=0 busy=()
     read_arguments "$@"
+    trap leave EXIT
     find_program
     trap interrupt HUP INT TERM
     trap '' PIPE
@@ -360,28 +474,10 @@ run_sweep() {
     read_chunks
     settle_all
     find_missing
-    if engine_adopt; then
-        tell "the jobs of an earlier call go on"
-        watch_jobs
-        settle_all
-        find_missing
-    fi
-    if [ -z "$ending" ] && [ ${#missing[@]} -gt 0 ]; then
-        engine_start "${missing[@]}"
-        watch_jobs
-        settle_all
-        find_missing
-    fi
+    measure
     stop_transmissions
     count_lines
-    if [ ${#missing[@]} -gt 0 ]; then
-        tell_what_is_left "${ending:-some chunks could not be measured; $dir/log tells why}"
-        code=3
-        [ -z "$refused" ] || code=2
-    else
-        "$program" merge "$dir" -o "$dir/merged" || code=$?
-        [ "$code" -le 2 ] || code=3
-    fi
-    tell_open_benches
+    tell_result
+    has_stopped=1
     exit "$code"
 }

@@ -72,11 +72,49 @@ class Endings(support.FarmTest):
         os.killpg(sweep.pid, signal.SIGINT)
         time.sleep(2)
         os.killpg(sweep.pid, signal.SIGINT)
-        done = self.expect(3, self.finish(sweep))
+        done = self.expect(4, self.finish(sweep))
         self.assertIn("left at once: jobs may still be stopping their transmitters", done.stderr)
-        mark = f"SARVEX_LOCKS={self.folder}/locks"
-        wait_until(lambda: not list(support.processes_with(mark)), "all jobs have ended", 120)
+        self.assertIn(f"switch the device of bench1 off, or on {os.uname().nodename}: "
+                      f"SarvexToolBench stop --daemon {self.devices[0].daemon}\n", done.stderr)
+        self.assertTrue(done.stderr.endswith("\nsweep: these benches may still be transmitting: bench1 bench2\n"),
+                        done.stderr)
+        self.wait_for_the_jobs()
         self.expect_all_off()
+
+    def test_a_second_ctrl_c_while_nothing_transmits_is_an_early_end(self):
+        self.start_devices(2)
+        looking = self.folder / "looking"
+        # In the jobs, which have no note yet.
+        self.put_before("df", f"[[ ${{!#}} != */benches/* ]] || {{ echo >>{looking}; sleep 8; }}")
+        sweep = self.start_sweep(self.write_plan(40), "--lines", "10")
+        wait_until(lambda: looking.exists() and looking.read_text() == "\n\n", "both benches have a job")
+        os.killpg(sweep.pid, signal.SIGINT)
+        time.sleep(2)
+        os.killpg(sweep.pid, signal.SIGINT)
+        done = self.expect(3, self.finish(sweep))
+        self.assertTrue(done.stderr.endswith("left at once: jobs may still be stopping their transmitters\n"),
+                        done.stderr)
+        self.wait_for_the_jobs()
+        for device in self.devices:
+            self.assertEqual([], device.commands())
+
+    def test_jobs_that_wait_for_a_bench_end_with_the_sweep(self):
+        self.start_devices(2)
+        plan = self.write_plan(40)
+        with contextlib.ExitStack() as locks:
+            for device in self.devices:
+                name = f"locks/sarvextool-{device.daemon.replace(':', '%')}.lock"
+                fcntl.flock(locks.enter_context(open(self.folder / name, "w")), fcntl.LOCK_EX)
+            sweep = self.start_sweep(plan, "--lines", "10")
+            log = self.sweep_folder() / "log"
+            wait_until(lambda: 2 == sum("waiting for it" in file.read_text() for file in log.glob("chunk-*")),
+                       "both benches are in use")
+            os.killpg(sweep.pid, signal.SIGINT)
+            self.expect(3, self.finish(sweep))
+            mark = f"SARVEX_LOCKS={self.folder}/locks"
+            self.assertEqual([], [support.command_of(process) for process in support.processes_with(mark)])
+        for device in self.devices:
+            self.assertEqual([], device.commands())
 
     def test_ctrl_c_in_the_middle_of_a_look_is_told_as_such(self):
         self.start_devices(2, latency=50)
@@ -100,15 +138,23 @@ class Endings(support.FarmTest):
                   '(until cat "$0"/out/runs/*/1/journal.jsonl 2>/dev/null | grep -q .; do sleep .1; done\n'
                   ' cat /dev/zero >"$0/filler" 2>/dev/null) &\n'
                   'code=0; "$@" || code=$?; ls "$0"/out/benches/* >&2; exit $code')
-        done = subprocess.run(
-            ["unshare", "--user", "--mount", "--map-root-user", "bash", "-c", script, disk,
-             support.SWEEPS["parallel"], plan, "--table", self.table, "--out", disk / "out", "--lines", "50", "--",
-             "--client", support.CLIENT],
-            env=self.environment, cwd=self.folder, capture_output=True, text=True, check=False, timeout=240)
+        done = self.sweep_on_disk(disk, script, plan, "--lines", "50")
         self.assertEqual(3, done.returncode, done.stdout + done.stderr)
         self.assertRegex(done.stdout, r"after \d+ of 400 lines: there is no room in \S+, or no permission to write\.\n")
         self.assertNotIn("failures", done.stderr)
         self.expect_all_off()
+
+    def sweep_on_disk(self, disk, script, plan, *options):
+        """What a script ends with that has the disk and the command of a sweep on it."""
+        return subprocess.run(
+            ["unshare", "--user", "--mount", "--map-root-user", "bash", "-c", script, disk,
+             support.SWEEPS["parallel"], plan, "--table", self.table, "--out", disk / "out", *options, "--",
+             "--client", support.CLIENT],
+            env=self.environment, cwd=self.folder, capture_output=True, text=True, check=False, timeout=240)
+
+    def wait_for_the_jobs(self):
+        mark = f"SARVEX_LOCKS={self.folder}/locks"
+        wait_until(lambda: not list(support.processes_with(mark)), "all jobs have ended", 120)
 
     def test_a_bench_that_somebody_uses_by_hand_is_left_to_him(self):
         self.start_devices(2, latency=20)
@@ -141,8 +187,7 @@ class Endings(support.FarmTest):
         os.kill(int(re.search("kill ([0-9]+)", done.stderr)[1]), signal.SIGTERM)
         for device in self.devices:
             device.go_on()
-        mark = f"SARVEX_LOCKS={self.folder}/locks"
-        wait_until(lambda: not list(support.processes_with(mark)), "all jobs have ended", 120)
+        self.wait_for_the_jobs()
         self.assertLess(len(self.runs()), 4)
         self.expect(0, self.sweep(plan))
         self.expect_whole_result(plan)
@@ -163,8 +208,10 @@ class SlurmEndings(support.FarmTest):
         wait_until(cancelling.exists, "the sweep begins to cancel")
         time.sleep(2)
         os.killpg(sweep.pid, signal.SIGINT)
-        done = self.expect(3, self.finish(sweep))
+        done = self.expect(4, self.finish(sweep))
         self.assertIn("left at once: jobs may still be stopping their transmitters", done.stderr)
+        self.assertTrue(done.stderr.endswith("\nsweep: these benches may still be transmitting: bench1 bench2\n"),
+                        done.stderr)
         wait_until(lambda: not self.slurm.jobs(), "all jobs have ended")
         self.assertLess(self.rows(), 100)
         self.expect_all_off()

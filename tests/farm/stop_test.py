@@ -1,0 +1,198 @@
+"""What becomes of a bench that an earlier call could not stop: its note is kept until its own daemon has confirmed
+a stop, and each call that ends with one open has the code 4 and names the bench last."""
+import os
+import subprocess
+import unittest
+
+import support
+from support import ROOT
+
+load_tests = support.load_tests
+
+REFUSED_STOP = ("--fault", "text=-wifi-stop:return-code=7")
+
+
+class StopTest(support.FarmTest):
+    def restart(self, device, *options):
+        device.end()
+        device.start(*options)
+
+    def write_table(self, **devices):
+        self.table.write_text("".join(f"{bench} {device.daemon} DUT\n" for bench, device in devices.items()))
+
+    def note_file(self, bench):
+        return self.sweep_folder() / "benches" / bench / "running"
+
+    def write_note(self, bench, text):
+        """As a call has left it that was killed."""
+        self.note_file(bench).parent.mkdir(parents=True, exist_ok=True)
+        (self.sweep_folder() / "sweep.lock").touch()
+        self.note_file(bench).write_text(text)
+
+    def note(self, bench, daemon, host=os.uname().nodename):
+        self.write_note(bench, f"{host} 0 0 chunk-0001/1 {daemon}\n")
+
+    def fast_sweep(self, plan, *options):
+        return self.sweep(plan, *options, wait=1, run_options=["--stop-timeout", "1"])
+
+    def expect_open(self, bench, daemon, done, host=os.uname().nodename):
+        self.expect(4, done)
+        self.assertTrue(done.stderr.endswith(
+            f"sweep: switch the device of {bench} off, or on {host}: SarvexToolBench stop --daemon {daemon}\n"
+            f"sweep: these benches may still be transmitting: {bench}\n"), done.stderr)
+        self.assertTrue(self.note_file(bench).exists())
+
+    def expect_stopped(self, bench, device):
+        self.assertEqual(["-wifi-stop"], [command.split()[-1] for command in device.commands()])
+        self.assertFalse(self.note_file(bench).exists())
+
+
+class Notes(StopTest):
+    def test_a_bench_with_another_daemon_by_now_is_stopped_at_the_one_that_it_had(self):
+        self.start_devices(2)
+        old, new = self.devices
+        plan = self.write_plan(12)
+        self.restart(old, *REFUSED_STOP)
+        self.write_table(bench3=old)
+        self.expect_open("bench3", old.daemon, self.fast_sweep(plan))
+        self.write_table(bench3=new)
+        self.expect_open("bench3", old.daemon, self.fast_sweep(plan))
+        self.assertEqual([], new.commands())
+        self.restart(old)
+        before = len(old.commands())
+        self.expect(0, self.fast_sweep(plan))
+        self.assertEqual(["-wifi-stop"], [command.split()[-1] for command in old.commands()[before:]])
+        self.assertFalse(self.note_file("bench3").exists())
+        self.expect_whole_result(plan)
+        self.expect_all_off()
+
+    def test_benches_that_have_changed_their_daemons_wait_for_each_others_and_not_for_ever(self):
+        self.start_devices(2, latency=20)
+        one, two = self.devices
+        self.note("bench1", two.daemon)
+        self.note("bench2", one.daemon)
+        plan = self.write_plan(60)
+        self.expect(0, self.sweep(plan, "--lines", "15"))
+        self.expect_whole_result(plan)
+        self.expect_one_run_at_a_time()
+        self.expect_all_off()
+
+    def test_a_bench_that_the_table_lacks_is_stopped_too(self):
+        self.start_devices(2)
+        self.write_table(bench1=self.devices[0])
+        self.note("bench2", self.devices[1].daemon)
+        plan = self.write_plan(12)
+        self.expect(0, self.sweep(plan))
+        self.expect_whole_result(plan)
+        self.expect_stopped("bench2", self.devices[1])
+
+    def test_a_complete_sweep_is_called_until_its_benches_are_stopped(self):
+        self.start_devices(2)
+        self.write_table(bench1=self.devices[0])
+        broken = self.devices[1]
+        self.restart(broken, *REFUSED_STOP)
+        self.note("bench2", broken.daemon)
+        plan = self.write_plan(12)
+        plan.write_text(plan.read_text() + "2.4,A,20,100,HE,MCS0,SISO,242,0,none\n")
+        self.expect_open("bench2", broken.daemon, self.fast_sweep(plan))
+        self.expect_whole_result(plan)
+        complete = f"this sweep is complete, its result is in {self.sweep_folder()}/merged"
+        done = self.fast_sweep(plan)
+        self.assertIn(complete, done.stderr)
+        self.expect_open("bench2", broken.daemon, done)
+        self.restart(broken)
+        # What the first call would have ended with: a line was refused.
+        done = self.expect(1, self.fast_sweep(plan))
+        self.assertIn(complete, done.stderr)
+        self.assertFalse(self.note_file("bench2").exists())
+        done = self.expect(2, self.fast_sweep(plan))
+        self.assertIn(complete, done.stderr)
+
+    def test_a_daemon_that_another_host_has_for_its_own_is_not_taken_for_this_hosts(self):
+        self.start_devices(2)
+        self.write_table(bench1=self.devices[0])
+        self.note("bench2", self.devices[1].daemon, "elsewhere")
+        self.expect_open("bench2", self.devices[1].daemon, self.sweep(self.write_plan(12)), "elsewhere")
+        self.assertEqual([], self.devices[1].commands())
+
+    def test_a_note_without_words_is_of_the_tables_daemon(self):
+        self.start_devices(2)
+        self.write_note("bench2", "")
+        plan = self.write_plan(12)
+        self.expect(0, self.sweep(plan, "--benches", "1"))
+        self.expect_stopped("bench2", self.devices[1])
+
+    def test_a_call_that_is_refused_stops_what_is_left_from_before(self):
+        self.start_devices(2)
+        self.note("bench2", self.devices[1].daemon)
+        (self.sweep_folder() / "manifest.json").touch()
+        (self.sweep_folder() / "plan.csv").write_text("another one")
+        plan = self.write_plan(12)
+        done = self.expect(2, self.sweep(plan))
+        self.assertIn("has changed since the sweep", done.stderr)
+        self.expect_stopped("bench2", self.devices[1])
+        self.restart(self.devices[1], *REFUSED_STOP)
+        self.note("bench2", self.devices[1].daemon)
+        self.table.write_text("bench1\n")
+        done = self.fast_sweep(plan)
+        self.assertIn("a line needs NAME DAEMON DEVICE", done.stderr)
+        self.expect_open("bench2", self.devices[1].daemon, done)
+
+    def test_the_last_stop_takes_the_time_that_the_runs_have_for_theirs(self):
+        self.start_devices(2)
+        self.write_table(bench1=self.devices[0])
+        self.note("bench2", self.devices[1].daemon)
+        told = self.folder / "told"
+        program = self.folder / "programs/SarvexToolBench"
+        program.parent.mkdir()
+        program.write_text(f'#!/bin/sh\n[ "$1" != stop ] || echo "$@" >>"{told}"\n'
+                           f'exec "{support.PROGRAMS}/SarvexToolBench" "$@"\n')
+        program.chmod(0o755)
+        self.environment["PATH"] = f"{program.parent}:{self.environment['PATH']}"
+        self.expect(0, self.sweep(self.write_plan(12), run_options=["--stop-timeout=2.5"]))
+        self.assertEqual(f"stop --daemon {self.devices[1].daemon} --stop-timeout 2.5\n", told.read_text())
+
+
+class SlurmNotes(StopTest):
+    engine = "slurm"
+
+    def test_jobs_that_slurm_refuses_leave_no_bench_transmitting(self):
+        self.start_farm(2)
+        # As sbatch does for an array that is too large.
+        self.put_before("sbatch", "echo 'sbatch: error: Invalid job array specification' >&2; exit 1")
+        plan = self.write_plan(12)
+        self.note("bench1", self.devices[0].daemon)
+        done = self.expect(2, self.sweep(plan))
+        self.assertIn("Slurm has not accepted the jobs: sbatch: error: Invalid job array", done.stdout)
+        self.expect_stopped("bench1", self.devices[0])
+        self.restart(self.devices[0], *REFUSED_STOP)
+        self.note("bench1", self.devices[0].daemon)
+        self.expect_open("bench1", self.devices[0].daemon, self.fast_sweep(plan))
+
+
+class Chunk(support.FarmTest):
+    """run-chunk without a sweep around it."""
+
+    def setUp(self):
+        super().setUp()
+        self.start_devices(1)
+        self.sweep_dir = self.folder / "a sweep"
+        subprocess.run([support.PROGRAMS / "SarvexToolBench", "split", self.write_plan(10), "--lines", "5", "-o",
+                        self.sweep_dir], check=True, capture_output=True)
+        (self.sweep_dir / "bench-table").write_text(self.table.read_text())
+
+    def run_chunk(self, *options, before=()):
+        command = [*before, ROOT / "farm/run-chunk", self.sweep_dir, "chunk-0001", "bench1", "--", *options]
+        return subprocess.run(command, env=self.environment, cwd=self.folder, stdin=subprocess.DEVNULL,
+                              capture_output=True, text=True, check=False)
+
+    def test_a_sweep_that_stops_between_the_look_and_the_note_begins_no_run(self):
+        self.put_before("df", f"echo 'it was interrupted' >'{self.sweep_dir}/stopped'")
+        done = self.run_chunk("--client", support.CLIENT)
+        self.assertEqual((3, "run-chunk: the sweep was stopped: it was interrupted\n"), (done.returncode, done.stderr))
+        self.assertFalse((self.sweep_dir / "benches/bench1/running").exists())
+        self.assertEqual([], self.devices[0].commands())
+
+
+if __name__ == "__main__":
+    unittest.main()
