@@ -133,6 +133,15 @@ read_stop_timeout() {
     [ "$seconds" -le "$stop_seconds" ] || stop_seconds=$seconds
 }
 
+# What this host has and another lacks is that host's failure, and no wrong option.
+check_files_of_options() {
+    local option value
+    for option in --client --limits; do
+        value=$(run_option "$option" ${run_options[@]+"${run_options[@]}"}) || continue
+        [ -f "$value" ] && [ -r "$value" ] || fail 2 "$value, the file of $option, cannot be read on this host"
+    done
+}
+
 # refuse_second_call HOLDER JOBS: the two lines of the lock.
 refuse_second_call() {
     local process host why="the sweep in $dir is under way: "
@@ -460,6 +469,7 @@ run_sweep() {
     refused='' ending='' over='' note='' jobs=0 busy=()
     read_arguments "$@"
     trap leave EXIT
+    check_files_of_options
     find_program
     trap interrupt HUP INT TERM
     trap '' PIPE

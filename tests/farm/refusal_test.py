@@ -48,6 +48,14 @@ class Refusals(support.FarmTest):
             with self.subTest(option=option):
                 self.expect_refusal(words, plan, *option)
 
+    def test_a_file_of_the_runs_options_that_is_not_there_is_named(self):
+        plan = self.write_plan(4)
+        for option in (["--client", "none"], ["--client=none"], ["--limits", "none"]):
+            with self.subTest(option=option):
+                words = f"none, the file of {option[0].partition('=')[0]}, cannot be read on this host"
+                self.expect_refusal(words, plan, run_options=option)
+        self.assertFalse((self.folder / "sweeps").exists())
+
     def test_a_plan_that_is_not_there_is_named(self):
         self.expect_refusal("cannot be read", self.folder / "none.csv")
         self.assertFalse((self.folder / "sweeps").exists())

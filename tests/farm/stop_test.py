@@ -1,6 +1,7 @@
 """What becomes of a bench that an earlier call could not stop: its note is kept until its own daemon has confirmed
 a stop, and each call that ends with one open has the code 4 and names the bench last."""
 import os
+import shutil
 import subprocess
 import unittest
 
@@ -180,11 +181,64 @@ class Chunk(support.FarmTest):
         subprocess.run([support.PROGRAMS / "SarvexToolBench", "split", self.write_plan(10), "--lines", "5", "-o",
                         self.sweep_dir], check=True, capture_output=True)
         (self.sweep_dir / "bench-table").write_text(self.table.read_text())
+        self.programs = self.folder / "programs"
+        self.programs.mkdir()
 
     def run_chunk(self, *options, before=()):
         command = [*before, ROOT / "farm/run-chunk", self.sweep_dir, "chunk-0001", "bench1", "--", *options]
         return subprocess.run(command, env=self.environment, cwd=self.folder, stdin=subprocess.DEVNULL,
                               capture_output=True, text=True, check=False)
+
+    def install(self, *names):
+        for name in names:
+            shutil.copy(support.PROGRAMS / name, self.programs / name.replace("WithoutPauses", ""))
+        self.environment["PATH"] = f"{self.programs}:{os.environ['PATH']}"
+
+    def expect_bench_fails(self, words, done):
+        self.assertEqual(3, done.returncode, done.stderr)
+        self.assertEqual((f"run-chunk: {words}\n", f"{words}\n"),
+                         (done.stderr, (self.sweep_dir / "benches/bench1/why").read_text()))
+        self.assertEqual("1\n", (self.sweep_dir / "benches/bench1/failures").read_text())
+        (self.sweep_dir / "benches/bench1/failures").unlink()
+        self.assertFalse((self.sweep_dir / "stopped").exists())
+        self.assertEqual([], self.devices[0].commands())
+
+    def test_a_host_without_the_client_is_a_failure_of_its_bench(self):
+        self.install("SarvexToolBench")
+        self.expect_bench_fails(f"the host of bench1 has no client {self.programs}/SarvexToolClient", self.run_chunk())
+        self.expect_bench_fails("the host of bench1 has no client ./none", self.run_chunk("--client", "./none"))
+        self.expect_bench_fails("the host of bench1 has no limits none.csv",
+                                self.run_chunk(f"--client={support.CLIENT}", "--limits=none.csv"))
+        self.install(support.CLIENT.name)
+        self.assertEqual(0, self.run_chunk().returncode)
+
+    def test_a_host_without_a_port_is_a_failure_of_its_bench(self):
+        (self.sweep_dir / "bench-table").write_text("bench1 127.0.0.1 DUT-1\n")
+        self.install("SarvexToolBench", support.CLIENT.name)
+        port_file = self.programs / "Socket.cfg"
+        words = f"the host of bench1 has no port in {port_file}, and the table none after 127.0.0.1"
+        self.expect_bench_fails(words, self.run_chunk())
+        port_file.write_text("none")
+        self.expect_bench_fails(words, self.run_chunk())
+        port_file.write_text(str(self.devices[0].port))
+        done = self.run_chunk()
+        self.assertEqual(0, done.returncode, done.stderr)
+
+    def test_a_host_on_which_somebody_has_the_folder_of_the_locks_is_a_failure_of_its_bench(self):
+        # A user of a number that nobody has.
+        user = 1_000_000_000 + os.getpid()
+        folder = f"/tmp/SarvexToolBench-{user}"
+        done = self.run_chunk("--client", support.CLIENT, before=["unshare", "--user", f"--map-user={user}"])
+        self.addCleanup(shutil.rmtree, folder, True)
+        self.assertEqual(0, done.returncode, done.stderr)
+        os.chmod(folder, 0o755)
+        before = self.devices[0].commands()
+        shutil.rmtree(self.sweep_dir / "runs/chunk-0001")
+        done = self.run_chunk("--client", support.CLIENT, before=["unshare", "--user", f"--map-user={user}"])
+        self.assertEqual(3, done.returncode, done.stderr)
+        self.assertEqual(f"run-chunk: {folder} on the host of bench1 is not a folder of this user alone\n", done.stderr)
+        self.assertFalse((self.sweep_dir / "stopped").exists())
+        self.assertEqual(before, self.devices[0].commands())
 
     def test_a_sweep_that_stops_between_the_look_and_the_note_begins_no_run(self):
         self.put_before("df", f"echo 'it was interrupted' >'{self.sweep_dir}/stopped'")

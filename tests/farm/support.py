@@ -377,10 +377,10 @@ class FarmTest(unittest.TestCase):
     def write_plan(self, count, name="plan.csv"):
         return write_plan(self.folder / name, count)
 
-    def start_sweep(self, plan, *options, run_options=(), wait=5, engine=None, **more):
+    def start_sweep(self, plan, *options, run_options=(), wait=5, engine=None, client=CLIENT, **more):
         """In a session of its own, so that a signal for its group reaches all that a terminal would reach."""
         command = [*WITH_TEST, SWEEPS[engine or self.engine], plan, "--table", self.table, *options, "--",
-                   "--client", CLIENT, *(["--wait", str(wait)] if wait else []), *run_options]
+                   "--client", client, *(["--wait", str(wait)] if wait else []), *run_options]
         sweep = subprocess.Popen(command, cwd=self.folder, stdin=subprocess.DEVNULL, text=True,
                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE, start_new_session=True,
                                  env=self.environment, **more)

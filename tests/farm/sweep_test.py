@@ -2,6 +2,7 @@
 nothing transmits afterwards, no two runs have one bench."""
 import json
 import os
+import shutil
 import signal
 import unittest
 
@@ -326,14 +327,20 @@ class SlurmSweep(Sweeps, support.FarmTest):
             self.skipTest("only root can hide a folder from a host")
         self.slurm.start_node_without("bench1", self.folder)
         self.slurm.start_node_without("bench2", self.folder / "locks")
+        client = self.folder / "client" / support.CLIENT.name
+        client.parent.mkdir()
+        shutil.copy(support.CLIENT, client)
+        self.slurm.start_node_without("bench3", client.parent)
         plan = self.write_plan(400)
-        done = self.expect(0, self.sweep(plan, "--lines", "20"))
+        done = self.expect(0, self.sweep(plan, "--lines", "20", client=client))
         self.expect_whole_result(plan)
         self.assertIn(f"bench1 is out of use: its host has no folder {self.sweep_folder()}, or no permission",
                       done.stderr)
         self.assertRegex(done.stderr, r"bench2 is out of use: 3 failures in a row; the lock of bench2, \S+, "
                                       r"cannot be made\n")
-        for device in self.devices[:2]:
+        self.assertIn(f"bench3 is out of use: 3 failures in a row; the host of bench3 has no client {client}\n",
+                      done.stderr)
+        for device in self.devices[:3]:
             self.assertEqual([], device.commands())
 
     def test_settings_of_slurms_commands_do_not_hide_the_jobs(self):
