@@ -12,6 +12,8 @@
 # How long a run may take to stop its transmission, and a bench that is asked to.
 stop_seconds=90
 poll_seconds=1
+# What a merge says that could not write, in the system's words.
+cannot_write='No space left|[Qq]uota exceeded|File too large|Read-only file system|Permission denied|Input/output error'
 # Where standard error is no terminal.
 report_seconds=30
 
@@ -172,11 +174,15 @@ open_folder() {
     # A command of a call that was killed may outlive it for a moment.
     flock -w 2 8 || refuse_second_call "$holder" "$jobs"
     is_ours=1
-    printf 'process %s on %s\n' $$ "$(uname -n)" >"$dir/sweep.lock" || fail 2 "there is no room in $dir"
+    printf 'process %s on %s\n' $$ "$(uname -n)" 2>/dev/null >"$dir/sweep.lock" || end_without_room
     [ ! -e "$dir/merged" ] || end_complete
     [ ! -e "$dir/manifest.json" ] || cmp -s "$plan" "$dir/plan.csv" ||
         fail 2 "$plan has changed since the sweep in $dir was begun; go on with $dir/plan.csv," \
             "or give another --out"
+}
+
+end_without_room() {
+    fail 3 "there is no room in $dir, or no permission to write; with room the same command goes on"
 }
 
 # There is nothing to do, but for what an earlier call could not stop. Once that is stopped, the code is what that
@@ -216,18 +222,19 @@ split_plan() {
     [ -n "$lines_wanted" ] || lines_wanted=$(lines_of_a_chunk "$total" "$count")
     "$program" split "$plan" --lines "$lines_wanted" -o "$dir" || {
         [ -z "$interrupted" ] || exit 3
+        has_room "$dir" || end_without_room
         exit 2
     }
 }
 
-# For the jobs, of which some may go on and read it.
-keep_table() {
+# What the jobs need. Some of an earlier call may go on and read the table.
+prepare_folder() {
     if [ -n "$table" ]; then
-        cp "$table" "$dir/bench-table.new"
-        mv "$dir/bench-table.new" "$dir/bench-table"
+        cp "$table" "$dir/bench-table.new" && mv "$dir/bench-table.new" "$dir/bench-table" || return
     else
-        rm -f "$dir/bench-table"
+        rm -f "$dir/bench-table" || return
     fi
+    mkdir -p "$dir/log" "$dir/runs" "$dir/benches" && rm -f "$dir/stopped"
 }
 
 # Sets chunks, and lines_of by chunk.
@@ -420,6 +427,29 @@ tell_what_is_left() {
     } || true
 }
 
+# tell_why_not_merged WHY
+tell_why_not_merged() {
+    local command
+    printf -v command '%q ' "${call[@]}"
+    printf 'All chunks are measured, and not merged: %s.\nTo merge them:\n  %s\n' "$1" "${command% }" || true
+}
+
+# Sets code. The words of a merge tell whether it was refused, or could not write.
+merge_runs() {
+    local words
+    { words=$("$program" merge "$dir" -o "$dir/merged" 2>&1 >&7); } 7>&1
+    code=$?
+    [ -z "$words" ] || printf '%s\n' "$words" >&2 || true
+    if [ "$code" -gt 2 ]; then
+        if [ -n "$interrupted" ]; then words="it was interrupted"; else words="the merge died (code $code)"; fi
+        tell_why_not_merged "$words"
+        code=3
+    elif [ "$code" -eq 2 ] && [[ $words =~ $cannot_write ]]; then
+        code=3
+        tell_why_not_merged "there is no room in $dir, or no permission to write"
+    fi
+}
+
 # The very last words, so that nobody overlooks them.
 tell_open_benches() {
     local bench
@@ -455,8 +485,7 @@ measure() {
 # Sets code.
 tell_result() {
     if [ ${#missing[@]} -eq 0 ]; then
-        "$program" merge "$dir" -o "$dir/merged" || code=$?
-        [ "$code" -le 2 ] || code=3
+        merge_runs
     else
         tell_what_is_left "${ending:-some chunks could not be measured; $dir/log tells why}"
         code=3
@@ -465,7 +494,7 @@ tell_result() {
 }
 
 run_sweep() {
-    local code=0
+    local code
     refused='' ending='' over='' note='' jobs=0 busy=()
     read_arguments "$@"
     trap leave EXIT
@@ -476,9 +505,7 @@ run_sweep() {
     engine_check
     open_folder
     split_plan
-    keep_table
-    mkdir -p "$dir/log" "$dir/runs" "$dir/benches"
-    rm -f "$dir/stopped"
+    prepare_folder 2>/dev/null || end_without_room
     # Ctrl-C reaches the commands that this script has just started, too: none that ends is to end the script.
     set +e
     read_chunks

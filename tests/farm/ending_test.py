@@ -144,6 +144,60 @@ class Endings(support.FarmTest):
         self.assertNotIn("failures", done.stderr)
         self.expect_all_off()
 
+    def test_on_a_disk_that_is_full_from_the_start_a_sweep_is_ended_to_be_gone_on_with(self):
+        self.start_devices(2)
+        plan = self.write_plan(20)
+        disk = self.folder / "disk"
+        disk.mkdir()
+        # At the first call, when all but the merge is done, and when a chunk is to be measured.
+        script = ('mount -t tmpfs -o size=40m none "$0" || exit 9\n'
+                  'again() { code=0; "$@" || code=$?; echo "ended with $code" >&2; }\n'
+                  'cat /dev/zero >"$0/filler" 2>/dev/null; again "$@"\n'
+                  'rm "$0/filler"; again "$@"\n'
+                  'rm -r "$0/out/merged"; cat /dev/zero >"$0/filler" 2>/dev/null; again "$@"\n'
+                  'rm -r "$0/out/runs/chunk-0001/claimed"; again "$@"\n'
+                  'rm "$0/filler"; again "$@"')
+        done = self.sweep_on_disk(disk, script, plan, "--lines", "10")
+        self.assertEqual(["3", "0", "3", "3", "0"], re.findall(r"^ended with (\d)$", done.stderr, re.MULTILINE),
+                         done.stdout + done.stderr)
+        no_room = f"there is no room in {disk}/out, or no permission to write"
+        self.assertEqual(3, (done.stderr + done.stdout).count(no_room), done.stdout + done.stderr)
+        self.expect_all_off()
+
+    def test_a_merge_that_has_no_room_is_gone_on_with(self):
+        self.start_devices(2)
+        plan = self.write_plan(20)
+        program = self.folder / "programs/SarvexToolBench"
+        program.parent.mkdir()
+        full = self.folder / "full"
+        # A disk that is full at this moment only.
+        program.write_text(f'#!/bin/sh\n[ "$1" != merge ] || [ ! -e "{full}" ] ||\n'
+                           '{ echo "SarvexToolBench: cannot write result.xml: No space left on device" >&2; exit 2; }\n'
+                           f'exec "{support.PROGRAMS}/SarvexToolBench" "$@"\n')
+        program.chmod(0o755)
+        self.environment["PATH"] = f"{program.parent}:{self.environment['PATH']}"
+        full.touch()
+        done = self.expect(3, self.sweep(plan))
+        self.assertIn("cannot write result.xml: No space left on device\n", done.stderr)
+        self.assertIn(f"All chunks are measured, and not merged: there is no room in {self.sweep_folder()}, or no "
+                      f"permission to write.\nTo merge them:\n  {support.SWEEPS['parallel']} {plan} ", done.stdout)
+        full.unlink()
+        before = [device.commands() for device in self.devices]
+        self.expect(0, self.sweep(plan))
+        self.expect_whole_result(plan)
+        self.assertEqual(before, [device.commands() for device in self.devices])
+
+    def test_runs_that_cannot_be_merged_are_wrong_input(self):
+        self.start_devices(2)
+        plan = self.write_plan(20)
+        foreign = self.sweep_folder() / "runs/by hand"
+        foreign.mkdir(parents=True)
+        (self.sweep_folder() / "sweep.lock").touch()
+        (foreign / "run.json").write_text("{}")
+        done = self.expect(2, self.sweep(plan))
+        self.assertIn("the facts of the run runs/by hand cannot be used", done.stderr)
+        self.assertNotIn("All chunks are measured", done.stdout)
+
     def sweep_on_disk(self, disk, script, plan, *options):
         """What a script ends with that has the disk and the command of a sweep on it."""
         return subprocess.run(
