@@ -9,6 +9,7 @@
 #   benches/BENCH/failures  how often it has failed in a row
 #   benches/BENCH/why       the last reason; with GNU parallel benches/BENCH/out has it when that was too often
 #   stopped                 no further run is to begin; why
+#   run-options             what of the options of run decides what is measured
 #   log/                    what the jobs have printed
 #   merged                  the result
 farm=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd -P)

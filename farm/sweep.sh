@@ -144,6 +144,34 @@ check_files_of_options() {
     done
 }
 
+# What of the runs' options decides what is measured, in one line.
+measured_with() {
+    local option value words=''
+    for option in --client --firmware; do
+        ! value=$(run_option "$option" ${run_options[@]+"${run_options[@]}"}) || words+="$option ${value@Q} "
+    done
+    set -- ${run_options[@]+"${run_options[@]}"}
+    while [ $# -gt 0 ] && [ "$1" != -- ]; do
+        shift
+    done
+    [ $# -lt 2 ] || words+="${*@Q}"
+    printf '%s\n' "${words:-none}"
+}
+
+# The chunks that were measured, or are, by an earlier call have to be measured as this one measures the others.
+compare_options() {
+    local now before
+    now=$(measured_with)
+    if [ -n "$adopted" ] || [ ${#missing[@]} -lt ${#chunks[@]} ]; then
+        before=$(cat "$dir/run-options" 2>/dev/null) || before=$now
+        [ ${#missing[@]} -eq 0 ] || [ "$now" = "$before" ] ||
+            fail 2 "chunks of this sweep were measured with other options of run, which decide what is measured:" \
+                "$before; now: $now; give the same, or another --out"
+    else
+        printf '%s\n' "$now" >"$dir/run-options" || end_without_room
+    fi
+}
+
 # refuse_second_call HOLDER JOBS: the two lines of the lock.
 refuse_second_call() {
     local process host why="the sweep in $dir is under way: "
@@ -469,6 +497,7 @@ tell_open_benches() {
 measure() {
     local adopted=
     ! engine_adopt || adopted=1
+    compare_options
     if [ -n "$adopted" ]; then
         tell "the jobs of an earlier call go on"
         watch_jobs

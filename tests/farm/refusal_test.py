@@ -1,4 +1,5 @@
 """What a sweep refuses, in which words, before anything is sent to a device."""
+import json
 import os
 import shutil
 import signal
@@ -141,6 +142,30 @@ class Going(support.FarmTest):
         self.write_plan(40)
         self.expect(0, self.sweep(plan))
         self.expect_whole_result(plan)
+
+    def test_options_that_decide_what_is_measured_stay_those_of_the_chunks_that_are_complete(self):
+        self.start_devices(2, latency=20)
+        plan = self.write_plan(60)
+        first = ["--firmware", "2 b", "--retries", "1", "--", "-wifi-band", "5"]
+        sweep = self.start_sweep(plan, "--lines", "10", run_options=first)
+        support.wait_until(lambda: list(self.sweep_folder().glob("runs/*/claimed")), "a chunk is complete")
+        os.killpg(sweep.pid, signal.SIGINT)
+        self.expect(3, self.finish(sweep))
+        before = [device.commands() for device in self.devices]
+        measured = f"--client '{support.CLIENT}' --firmware '2 b' '--' '-wifi-band' '5'"
+        for other, now in ((first[:-1] + ["6"], measured.replace("'5'", "'6'")),
+                           (first[:4], measured.partition(" '--'")[0] + " "),
+                           (["--firmware=3", *first[2:]], measured.replace("2 b", "3"))):
+            with self.subTest(other=other):
+                done = self.expect(2, self.sweep(plan, run_options=other))
+                self.assertTrue(done.stderr.endswith(
+                    "sweep: chunks of this sweep were measured with other options of run, which decide what is "
+                    f"measured: {measured}; now: {now}; give the same, or another --out\n"), done.stderr)
+        self.assertEqual(before, [device.commands() for device in self.devices])
+        # How long is waited, and how often, is for each call to say.
+        self.expect(0, self.sweep(plan, run_options=["--firmware=2 b", "--retries", "2", *first[4:]]))
+        for run in self.runs():
+            self.assertEqual(["-wifi-band", "5"], json.loads((run / "run.json").read_text())["options"]["firstCommand"])
 
     def test_an_attempt_that_is_taken_away_is_measured_again(self):
         self.start_devices(2)
