@@ -248,7 +248,8 @@ split_plan() {
     total=$(($(grep -c '' "$plan" || true) - 1))
     [ "${benches_wanted:-$count}" -ge "$count" ] || count=$benches_wanted
     [ -n "$lines_wanted" ] || lines_wanted=$(lines_of_a_chunk "$total" "$count")
-    "$program" split "$plan" --lines "$lines_wanted" -o "$dir" || {
+    # Its estimate is for other numbers of benches than there are; the progress tells a better one.
+    "$program" split "$plan" --lines "$lines_wanted" -o "$dir" | sed 's/; about .* on 1 bench.*//' || {
         [ -z "$interrupted" ] || exit 3
         has_room "$dir" || end_without_room
         exit 2

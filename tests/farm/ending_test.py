@@ -52,6 +52,8 @@ class Progress(support.FarmTest):
 
     def test_elsewhere_it_is_a_line_at_the_beginning_and_one_at_the_end(self):
         done = self.expect(0, self.sweep(self.write_plan(60), "--lines", "15"))
+        # Not how long it would take on other numbers of benches than there are.
+        self.assertEqual(f"{self.sweep_folder()}: 4 chunks of 15 lines, each about 15 s", done.stdout.splitlines()[0])
         progress = [line for line in done.stderr.splitlines() if "/60 (" in line]
         self.assertRegex(progress[0], r"^0/60 \(0 %\), \d:\d\d; \d on benches$")
         self.assertRegex(progress[-1], r"^60/60 \(100 %\), \d:\d\d; 0 on benches$")

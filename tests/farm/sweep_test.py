@@ -4,6 +4,7 @@ import json
 import os
 import shutil
 import signal
+import subprocess
 import unittest
 
 import support
@@ -342,6 +343,23 @@ class SlurmSweep(Sweeps, support.FarmTest):
                       done.stderr)
         for device in self.devices[:3]:
             self.assertEqual([], device.commands())
+
+    def test_the_first_sweep_after_the_setup(self):
+        # As installed: the programs beside the scripts, the table where it is looked for.
+        programs = self.folder / "sarvextool"
+        shutil.copytree(support.ROOT / "farm", programs / "farm")
+        shutil.copytree(support.ROOT / "examples", programs / "examples")
+        shutil.copy(support.PROGRAMS / "SarvexToolBench", programs)
+        # Without the pauses of the real client, which take minutes here.
+        shutil.copy(support.CLIENT, programs / "SarvexToolClient")
+        self.environment["SARVEX_BENCHES"] = str(self.table)
+        done = subprocess.run(["farm/slurm/sweep", "examples/sweep.csv"], env=self.environment, cwd=programs,
+                              stdin=subprocess.DEVNULL, capture_output=True, text=True, check=False, timeout=600)
+        self.assertEqual(0, done.returncode, done.stdout + done.stderr)
+        merged = programs / "sweeps/sweep/merged"
+        self.assertEqual(self.client_alone(programs / "examples/sweep.csv"),
+                         [(merged / file).read_bytes() for file in ("result.csv", "result.xml")])
+        self.expect_all_off()
 
     def test_settings_of_slurms_commands_do_not_hide_the_jobs(self):
         self.environment.update(SQUEUE_STATES="FAILED", SQUEUE_USERS="nobody", SINFO_PARTITION="none",
