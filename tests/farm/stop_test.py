@@ -170,6 +170,19 @@ class SlurmNotes(StopTest):
         self.note("bench1", self.devices[0].daemon)
         self.expect_open("bench1", self.devices[0].daemon, self.fast_sweep(plan))
 
+    def test_a_bench_of_another_host_is_stopped_by_a_job_there(self):
+        self.start_farm(2)
+        self.put_before("uname", "[ -z \"${SLURM_JOB_ID:-}\" ] || { echo node; exit; }")
+        plan = self.write_plan(12)
+        self.expect(0, self.sweep(plan))
+        self.note("bench1", self.devices[0].daemon, "node")
+        before = len(self.devices[0].commands())
+        done = self.expect(0, self.fast_sweep(plan))
+        self.assertIn("stopping the transmissions of bench1\n", done.stderr)
+        self.assertEqual(["-wifi-stop"], [command.split()[-1] for command in self.devices[0].commands()[before:]])
+        self.assertFalse(self.note_file("bench1").exists())
+        self.assertIn("has confirmed the stop", (self.sweep_folder() / "log/stop-bench1.log").read_text())
+
 
 class Chunk(support.FarmTest):
     """run-chunk without a sweep around it."""
