@@ -42,7 +42,9 @@ public:
         /// A file, which ProcessResult shows.
         Kept,
         /// A pipe that nobody reads any more.
-        BrokenPipe
+        BrokenPipe,
+        /// A pipe that takes four kilobytes, which nobody reads before ReadOut.
+        Pipe
     };
 
     /// What a program is started with beside its arguments.
@@ -88,6 +90,9 @@ public:
 
     /// What the program has written on standard output so far.
     std::string OutSoFar() const;
+
+    /// Reads an Output::Pipe until the program has closed it; to be called once.
+    std::string ReadOut();
 
     /// What the program has written on standard error so far.
     std::string ErrSoFar() const;

@@ -18,6 +18,7 @@
 #include <stdexcept>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 namespace EndToEnd {
 
@@ -25,6 +26,8 @@ using Clock = std::chrono::steady_clock;
 
 struct Process::System {
     pid_t child = -1;
+    /// Of standard output, where that is a pipe to be read.
+    int readEnd = -1;
     TestSupport::TemporaryDirectory output;
     Clock::time_point start = Clock::now();
 };
@@ -72,23 +75,34 @@ private:
     posix_spawnattr_t m_attributes;
 };
 
-class BrokenPipe {
+/// The descriptors of a pipe; nothing but -1 of one that is not wanted.
+class OutputPipe {
 public:
-    BrokenPipe() {
-        std::array<int, 2> ends{};
-        if (::pipe2(ends.data(), O_CLOEXEC) != 0)
+    explicit OutputPipe(bool isWanted) {
+        constexpr int size = 4096;
+        if (!isWanted)
+            return;
+        if (::pipe2(m_ends.data(), O_CLOEXEC) != 0)
             throw std::runtime_error(std::string("cannot make a pipe: ") + std::strerror(errno));
-        ::close(ends[0]);
-        m_writeEnd = ends[1];
+        ::fcntl(m_ends[1], F_SETPIPE_SZ, size);
     }
-    ~BrokenPipe() { ::close(m_writeEnd); }
-    BrokenPipe(const BrokenPipe&) = delete;
-    BrokenPipe& operator=(const BrokenPipe&) = delete;
+    ~OutputPipe() {
+        CloseReadEnd();
+        if (m_ends[1] >= 0)
+            ::close(m_ends[1]);
+    }
+    OutputPipe(const OutputPipe&) = delete;
+    OutputPipe& operator=(const OutputPipe&) = delete;
 
-    int WriteEnd() const { return m_writeEnd; }
+    int WriteEnd() const { return m_ends[1]; }
+    int TakeReadEnd() { return std::exchange(m_ends[0], -1); }
+    void CloseReadEnd() {
+        if (const int end = TakeReadEnd(); end >= 0)
+            ::close(end);
+    }
 
 private:
-    int m_writeEnd;
+    std::array<int, 2> m_ends{-1, -1};
 };
 
 } // namespace
@@ -107,8 +121,10 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
     ::posix_spawn_file_actions_init(&actions);
     ::posix_spawn_file_actions_addchdir_np(&actions, workingDirectory.c_str());
     ::posix_spawn_file_actions_addopen(&actions, 0, in.c_str(), O_RDONLY, 0);
-    const BrokenPipe pipe;
+    OutputPipe pipe(start.output != Output::Kept);
     if (start.output == Output::BrokenPipe)
+        pipe.CloseReadEnd();
+    if (start.output != Output::Kept)
         ::posix_spawn_file_actions_adddup2(&actions, pipe.WriteEnd(), 1);
     else
         ::posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), O_WRONLY | O_CREAT, 0600);
@@ -120,9 +136,12 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
     ::posix_spawn_file_actions_destroy(&actions);
     if (error != 0)
         throw std::runtime_error("cannot start " + program + ": " + std::strerror(error));
+    m_system->readEnd = pipe.TakeReadEnd();
 }
 
 Process::~Process() {
+    if (m_system->readEnd >= 0)
+        ::close(m_system->readEnd);
     if (m_system->child > 0) {
         Kill();
         ::waitpid(m_system->child, nullptr, 0);
@@ -195,6 +214,17 @@ std::vector<Interruption> Interruptions() {
 
 std::string Process::OutSoFar() const {
     return TestSupport::ReadBytes(m_system->output.Path("out"));
+}
+
+std::string Process::ReadOut() {
+    std::string text;
+    std::array<char, 4096> piece{};
+    for (;;) {
+        const ssize_t size = ::read(m_system->readEnd, piece.data(), piece.size());
+        if (size <= 0)
+            return text;
+        text.append(piece.data(), static_cast<std::size_t>(size));
+    }
 }
 
 std::string Process::ErrSoFar() const {

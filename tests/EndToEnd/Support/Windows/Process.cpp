@@ -19,6 +19,8 @@ using Clock = std::chrono::steady_clock;
 
 struct Process::System {
     PROCESS_INFORMATION child{};
+    /// Of standard output, where that is a pipe to be read.
+    HANDLE readEnd = nullptr;
     TestSupport::TemporaryDirectory output;
     Clock::time_point start = Clock::now();
 };
@@ -65,11 +67,18 @@ HANDLE OpenInheritable(const std::string& path, DWORD access, DWORD disposition)
     return file;
 }
 
-HANDLE OpenBrokenPipe() {
+/// Makes a pipe; returns its end for writing.
+HANDLE OpenPipe(HANDLE& readEnd) {
+    constexpr DWORD bytes = 4096;
     SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
-    HANDLE readEnd = nullptr;
     HANDLE writeEnd = nullptr;
-    Require(::CreatePipe(&readEnd, &writeEnd, &inherit, 0), "make a pipe");
+    Require(::CreatePipe(&readEnd, &writeEnd, &inherit, bytes), "make a pipe");
+    return writeEnd;
+}
+
+HANDLE OpenBrokenPipe() {
+    HANDLE readEnd = nullptr;
+    const HANDLE writeEnd = OpenPipe(readEnd);
     ::CloseHandle(readEnd);
     return writeEnd;
 }
@@ -150,8 +159,9 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
     ThreeHandles handles(
         OpenInheritable(start.inputFile.empty() ? "NUL" : start.inputFile, GENERIC_READ,
                         OPEN_EXISTING),
-        start.output == Output::BrokenPipe
-            ? OpenBrokenPipe()
+        start.output == Output::BrokenPipe ? OpenBrokenPipe()
+        : start.output == Output::Pipe
+            ? OpenPipe(m_system->readEnd)
             : OpenInheritable(m_system->output.Path("out"), GENERIC_WRITE, CREATE_ALWAYS),
         OpenInheritable(m_system->output.Path("err"), GENERIC_WRITE, CREATE_ALWAYS));
     const std::lock_guard starting(StartMutex());
@@ -168,6 +178,8 @@ Process::~Process() {
     ::WaitForSingleObject(m_system->child.hProcess, INFINITE);
     ::CloseHandle(m_system->child.hThread);
     ::CloseHandle(m_system->child.hProcess);
+    if (m_system->readEnd != nullptr)
+        ::CloseHandle(m_system->readEnd);
 }
 
 ProcessResult Process::Wait(double timeoutSeconds) {
@@ -221,6 +233,19 @@ std::vector<Interruption> Interruptions() {
 
 std::string Process::OutSoFar() const {
     return TestSupport::ReadBytes(m_system->output.Path("out"));
+}
+
+std::string Process::ReadOut() {
+    std::string text;
+    std::array<char, 4096> piece{};
+    for (;;) {
+        DWORD size = 0;
+        if (!::ReadFile(m_system->readEnd, piece.data(), static_cast<DWORD>(piece.size()), &size,
+                        nullptr) ||
+            size == 0)
+            return text;
+        text.append(piece.data(), size);
+    }
 }
 
 std::string Process::ErrSoFar() const {
