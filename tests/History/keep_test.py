@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
 """Runs that keep themselves: with a simulated device, run --keep and what becomes of it."""
+import contextlib
 import json
 import shlex
 import signal
+import sqlite3
 import subprocess
 import sys
 import time
@@ -123,6 +125,21 @@ class KeepTest(support.HistoryTest):
         code, _, err = self.ended(self.running("--resume", "run"))
         self.assertEqual(0, code, err)
         self.assertEqual([6], [run["measured"] for run in self.runs(self.store)])
+
+    def test_an_interruption_ends_the_wait_for_a_store_in_use(self):
+        self.start_device("--latency", "300")
+        program = self.run_new("--keep", "--store", self.store)
+        self.wait_for_lines(program, 2)
+        with contextlib.closing(sqlite3.connect(self.store)) as other:
+            other.execute("begin exclusive")
+            said = ""
+            while "confirmed the last stop" not in said:
+                said += program.stdout.readline()
+            time.sleep(0.5)
+            self.assertIsNone(program.poll())
+            program.send_signal(signal.SIGINT)
+            self.assertEqual(-signal.SIGINT, self.ended(program)[0])
+        self.assertEqual([], self.runs(self.store))
 
     def test_a_run_that_ended_early_is_kept_when_it_has_been_gone_on_with(self):
         self.start_device("--latency", "300")

@@ -42,21 +42,24 @@ void RequireStore(const RunFacts& facts, const RunFiles& files) {
     OpenToWrite(facts.options.store).RequireWritable();
 }
 
-int KeepRun(RunDirectory& directory, int exitCode, Surroundings& surroundings) {
+int KeepRun(RunDirectory& directory, int exitCode, RunConsole& console) {
     // That the stop was not confirmed are the last words. Resuming the run will change its files,
     // so that it would be kept as two runs.
     if (exitCode == ExitCode::StopNotConfirmed)
         return exitCode;
-    std::ostream& stream = surroundings.err.stream;
+    const Console& err = console.Streams().err;
+    std::ostream& stream = err.stream;
     if (directory.Facts().outcome != "complete") {
         stream << "The run is kept in the history when it is complete.\n";
         return exitCode;
     }
     try {
+        // A server may keep it waiting.
+        const EndRequests::Pause pause(console.Requests());
         Keep(directory, stream);
         return exitCode;
     } catch (const BadFile& bad) {
-        PrintProblems(surroundings.err, bad.File(), bad.Problems());
+        PrintProblems(err, bad.File(), bad.Problems());
     } catch (const std::exception& error) {
         stream << MakeHarmless(error.what()) << "\n";
     }

@@ -7,6 +7,7 @@
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Commands/RunCall.h"
 #include "Tools/SarvexTool/Bench/Commands/RunChecks.h"
+#include "Tools/SarvexTool/Bench/Commands/RunConsole.h"
 #include "Tools/SarvexTool/Bench/Commands/Stop.h"
 #include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
@@ -198,8 +199,12 @@ void RequireOrdinaryFile(const std::string& name) {
 }
 
 int RunAndKeep(RunDirectory& directory, const std::string& progress, Surroundings& surroundings) {
-    const int exitCode = RunTest(directory, progress, surroundings);
-    return directory.Facts().options.keep ? KeepRun(directory, exitCode, surroundings) : exitCode;
+    RunConsole console(surroundings, progress == "json");
+    int exitCode = RunTest(directory, progress, console);
+    if (directory.Facts().options.keep)
+        exitCode = KeepRun(directory, exitCode, console);
+    console.Finish(exitCode);
+    return exitCode;
 }
 
 int RunNew(const RunArguments& arguments, Surroundings& surroundings) {

@@ -24,28 +24,32 @@ namespace Bench {
 
 namespace {
 
-std::unique_ptr<IProgress> ProgressTo(const std::string& kind, const Surroundings& surroundings) {
+std::unique_ptr<IProgress> ProgressTo(const std::string& kind, RunConsole& console) {
     if (kind == "json")
-        return std::make_unique<JsonProgress>(surroundings.out.stream);
-    if (!OSAL::IsTerminal(OSAL::StandardStream::Error))
-        return std::make_unique<LineProgress>(surroundings.err.stream);
-    return std::make_unique<TerminalProgress>(surroundings.err.stream, [] {
+        return std::make_unique<JsonProgress>(console.Streams().out.stream);
+    std::ostream& err = console.Streams().err.stream;
+    if (!console.IsErrTerminal())
+        return std::make_unique<LineProgress>(err);
+    const auto width = [] {
         constexpr std::size_t usualWidth = 80;
         return OSAL::TerminalWidth(OSAL::StandardStream::Error).value_or(usualWidth);
-    });
+    };
+    return std::make_unique<TerminalProgress>(err, width,
+                                              [&console] { return console.IsErrWritten(); });
 }
 
 /// One call of the subcommand, on the folder of a run.
 class RunCall {
 public:
-    RunCall(RunDirectory& directory, const std::string& progress, Surroundings& surroundings)
+    RunCall(RunDirectory& directory, const std::string& progress, RunConsole& console)
         : m_directory(directory),
-          m_surroundings(surroundings),
+          m_console(console),
+          m_surroundings(console.Streams()),
           m_isJson(progress == "json"),
-          m_progress(ProgressTo(progress, surroundings)) {
+          m_progress(ProgressTo(progress, console)) {
         const RunOptions& options = directory.Facts().options;
         if (options.limits)
-            m_limits.emplace(ReadLimits(*options.limits, surroundings.in, m_texts));
+            m_limits.emplace(ReadLimits(*options.limits, m_surroundings.in, m_texts));
         m_watch.emplace(*m_progress, m_texts,
                         RunWatch::Judging{m_limits ? &*m_limits : nullptr, options.failFast},
                         directory.Facts().linesTotal);
@@ -59,23 +63,19 @@ public:
         facts.exitCode.reset();
         m_directory.SaveFacts();
         m_watch->Begin(EstimateSeconds(1, {facts.macType == SlowMacType, 0}));
-        const RunEnd end = RunSupervised(m_directory, *m_watch);
+        const RunEnd end = RunSupervised(m_directory, *m_watch, m_console.Requests());
         const RunSummary summary = Conclude(end);
         m_progress->MakeRoom();
         if (m_limits && summary.isComplete)
             PrintProblems(m_surroundings.err, *facts.options.limits, NeedlessLimits(*m_limits));
         m_progress->End(summary);
         // Whoever has sent the summary elsewhere, or nowhere, is to hear of this all the same.
-        if (summary.unconfirmedStop && !OSAL::IsTerminal(OSAL::StandardStream::Output))
+        if (summary.unconfirmedStop && !m_console.IsOutTerminal())
             m_surroundings.err.stream << "The transmitter may still be ON: the daemon has not "
                                          "confirmed the stop.\n"
                                       << std::flush;
         // Last of all, because a transmitter that may be on is told at its end.
-        std::ostream& stream = m_isJson ? m_surroundings.err.stream : m_surroundings.out.stream;
-        PrintSummary(stream, summary);
-        // The reader of a pipe is gone, for instance: a Ctrl-C ends it too.
-        if (!stream)
-            PrintSummary(m_surroundings.err.stream, summary);
+        PrintSummary(m_isJson ? m_surroundings.err.stream : m_surroundings.out.stream, summary);
         return summary.exitCode;
     }
 
@@ -174,6 +174,7 @@ private:
     }
 
     RunDirectory& m_directory;
+    RunConsole& m_console;
     Surroundings& m_surroundings;
     bool m_isJson;
     std::unique_ptr<IProgress> m_progress;
@@ -184,8 +185,8 @@ private:
 
 } // namespace
 
-int RunTest(RunDirectory& directory, const std::string& progress, Surroundings& surroundings) {
-    return RunCall(directory, progress, surroundings).Run();
+int RunTest(RunDirectory& directory, const std::string& progress, RunConsole& console) {
+    return RunCall(directory, progress, console).Run();
 }
 
 } // namespace Bench

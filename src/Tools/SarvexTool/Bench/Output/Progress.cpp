@@ -15,11 +15,12 @@ constexpr std::chrono::seconds linePause(30);
 
 } // namespace
 
-TerminalProgress::TerminalProgress(std::ostream& stream, std::function<std::size_t()> width)
-    : m_stream(stream), m_width(std::move(width)) {}
+TerminalProgress::TerminalProgress(std::ostream& stream, std::function<std::size_t()> width,
+                                   std::function<bool()> isWritten)
+    : m_stream(stream), m_width(std::move(width)), m_isWritten(std::move(isWritten)) {}
 
 void TerminalProgress::Update(const RunProgress& progress, TimePoint now) {
-    if (now < m_nextDrawing)
+    if (now < m_nextDrawing || !m_isWritten())
         return;
     m_nextDrawing = now + drawingPause;
     // A character in the last column would move the cursor to the next line on some terminals.

@@ -35,11 +35,14 @@ public:
     virtual void End(const RunSummary& summary) = 0;
 };
 
-/// One line in its place on a terminal, drawn at most ten times a second and gone at the end.
+/// One line in its place on a terminal, drawn at most ten times a second and gone at the end. While
+/// the terminal takes nothing, nothing more is drawn.
 class TerminalProgress : public IProgress {
 public:
-    /// width tells how many columns the terminal has now. The stream lives longer.
-    TerminalProgress(std::ostream& stream, std::function<std::size_t()> width);
+    /// width tells how many columns the terminal has now, isWritten whether it has taken all that
+    /// the stream was given. The stream lives longer.
+    TerminalProgress(std::ostream& stream, std::function<std::size_t()> width,
+                     std::function<bool()> isWritten);
 
     void Begin(const RunProgress& progress, TimePoint now) override { Update(progress, now); }
     void FinishLine(const RunProgress& progress, TimePoint now) override { Update(progress, now); }
@@ -50,6 +53,7 @@ public:
 private:
     std::ostream& m_stream;
     std::function<std::size_t()> m_width;
+    std::function<bool()> m_isWritten;
     TimePoint m_nextDrawing = TimePoint::min();
     /// So many columns of the terminal's line are in use.
     std::size_t m_drawnWidth = 0;

@@ -1,6 +1,5 @@
 #include "Tools/SarvexTool/Bench/Run/SupervisedRun.h"
 
-#include "Modules/xFramework/OSAL/Interruption.h"
 #include "Modules/xFramework/Utilities/StringToInt.h"
 #include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
 #include "Tools/SarvexTool/Bench/Files/ExchangeLog.h"
@@ -98,14 +97,15 @@ public:
           m_feed(directory.Files().testFile, directory.LastLine()),
           m_supervisor(OptionsOf(directory), *this) {}
 
-    RunEnd Run() {
-        const OSAL::InterruptionListener listener([this](OSAL::InterruptionKind kind) {
+    RunEnd Run(EndRequests& requests) {
+        requests.BeginRun([this](OSAL::InterruptionKind kind) {
             m_loop.Post([this, kind] { Interrupt(kind); });
         });
         m_loop.Post([this] { Tell([](Supervisor& supervisor) { supervisor.Begin(); }); });
         m_timers.Set(tick, tickTime);
         while (!m_supervisor.HasEnded())
             RunLoop();
+        requests.EndRun();
         m_client.reset();
         if (m_supervisor.ClosesIdleConnections())
             m_directory.Facts().closesIdleConnections = true;
@@ -123,18 +123,11 @@ private:
         }
     }
 
-    /// One request to end may come as several signals: a program that ends another one may tell
-    /// both it and its group.
     void Interrupt(OSAL::InterruptionKind kind) {
-        constexpr std::chrono::milliseconds longestEcho(500);
-        const Clock::time_point now = Clock::now();
-        const bool isEcho = m_interruption && now - *m_interruption < longestEcho;
-        if (!isEcho)
-            m_interruption = now;
-        Tell([&](Supervisor& supervisor) {
+        Tell([kind](Supervisor& supervisor) {
             if (kind == OSAL::InterruptionKind::ConsoleClosing)
                 supervisor.Closing();
-            else if (!isEcho)
+            else
                 supervisor.Interrupted();
         });
     }
@@ -382,8 +375,6 @@ private:
     std::optional<DaemonExchange> m_exchange;
     std::optional<ClientProcess> m_client;
     ClientLog m_clientLog;
-    /// When the last request to end came.
-    std::optional<Clock::time_point> m_interruption;
     /// The line that is under way.
     LineNumber m_line = 0;
     Clock::time_point m_lineStart;
@@ -392,8 +383,8 @@ private:
 
 } // namespace
 
-RunEnd RunSupervised(RunDirectory& directory, IRunWatcher& watcher) {
-    return Hands(directory, watcher).Run();
+RunEnd RunSupervised(RunDirectory& directory, IRunWatcher& watcher, EndRequests& requests) {
+    return Hands(directory, watcher).Run(requests);
 }
 
 } // namespace Bench

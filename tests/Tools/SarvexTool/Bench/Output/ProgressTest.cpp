@@ -27,7 +27,8 @@ protected:
     std::ostringstream m_stream;
     std::size_t m_width = 80;
     RunProgress m_progress;
-    TerminalProgress m_writer{m_stream, [this] { return m_width; }};
+    bool m_isWritten = true;
+    TerminalProgress m_writer{m_stream, [this] { return m_width; }, [this] { return m_isWritten; }};
 };
 
 TEST_F(TerminalProgressTest, TheLineIsDrawnOverTheOneBefore) {
@@ -59,6 +60,20 @@ TEST_F(TerminalProgressTest, WhatWasNotDrawnIsDrawnLater) {
     Update(99ms);
     Written();
     Update(100ms);
+    EXPECT_EQ(Written(), "\r7/7 (100 %), 0:00\r");
+}
+
+TEST_F(TerminalProgressTest, NothingIsDrawnUntilTheTerminalHasTakenWhatWasDrawn) {
+    Update(0ms);
+    Written();
+    m_isWritten = false;
+    m_progress.linesDone = m_progress.linesTotal = 6;
+    Update(1s);
+    Update(2s);
+    EXPECT_EQ(Written(), "");
+    m_isWritten = true;
+    m_progress.linesDone = m_progress.linesTotal = 7;
+    Update(2001ms);
     EXPECT_EQ(Written(), "\r7/7 (100 %), 0:00\r");
 }
 

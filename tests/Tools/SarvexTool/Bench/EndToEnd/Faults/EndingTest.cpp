@@ -1,4 +1,4 @@
-#include "tests/Tools/SarvexTool/Bench/EndToEnd/Faults/RunProbe.h"
+#include "tests/Tools/SarvexTool/Bench/EndToEnd/Faults/LateReader.h"
 
 #include "Tools/SarvexTool/Bench/Files/Locks.h"
 
@@ -94,6 +94,20 @@ TEST_F(EndingTest, OutputThatNobodyReadsDisturbsNoRunAndHidesNoMissedStop) {
         EXPECT_EQ(run.Wait().exitCode, one.exitCode);
         EXPECT_EQ(own.Outcomes(), "2 measured, measured; 3 measured, measured");
     }
+}
+
+using LateReaderTest = LateReader;
+
+TEST_F(LateReaderTest, RunMeasuresOnWithoutItAndGivesItAllLater) {
+    daemon.Start();
+    const auto run = Start();
+    WaitForLastStop();
+    ExpectAll(run->ReadOut(), lines);
+    const EndToEnd::ProcessResult result = run->Wait();
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_TRUE(Unwrapped(result.err).find("The run is complete: 40 of 40 lines.") !=
+                std::string::npos)
+        << result.err;
 }
 
 TEST_F(EndingTest, WithoutAStartNoStopIsMissed) {

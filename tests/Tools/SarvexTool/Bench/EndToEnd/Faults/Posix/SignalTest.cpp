@@ -1,4 +1,4 @@
-#include "tests/Tools/SarvexTool/Bench/EndToEnd/Faults/RunProbe.h"
+#include "tests/Tools/SarvexTool/Bench/EndToEnd/Faults/LateReader.h"
 
 #include <gtest/gtest.h>
 
@@ -172,6 +172,54 @@ TEST_F(SignalTest, SignalThatComesTwiceIsOneRequest) {
     run->Interrupt(terminate);
     ExpectInterrupted(run->Wait());
     EXPECT_EQ(daemon.Exchanges().back(), 'x');
+}
+
+using LateReaderSignalTest = LateReader;
+
+TEST_F(LateReaderSignalTest, FirstOneStopsSafelyAndTheReaderGetsAllLater) {
+    daemon.Start({"--fault", AtLastStart("delay=3000")});
+    const auto run = Start();
+    WaitForLastStart();
+    run->Interrupt(interrupt);
+    WaitForOutcome();
+    EXPECT_EQ(daemon.Exchanges().back(), 'x');
+    EXPECT_TRUE(probe.Facts().Flag("stopConfirmed"));
+    EXPECT_FALSE(run->HasEnded());
+    ExpectAll(run->ReadOut(), lines - 1);
+    EXPECT_EQ(run->Wait().exitCode, 3);
+}
+
+TEST_F(LateReaderSignalTest, SecondOneEndsTheRunAtOnceWithItsLastWordsElsewhere) {
+    daemon.Start({"--fault", AtLastStart("delay=3000"), "--fault", AtLastStop("no-answer")});
+    // As long as no test takes.
+    const auto run = Start({"--stop-timeout", "5000"});
+    WaitForLastStart();
+    run->Interrupt(interrupt);
+    WaitForLastStop();
+    run->Interrupt(interrupt);
+    const ProcessResult result = run->Wait();
+    EXPECT_FALSE(result.timedOut);
+    EXPECT_EQ(result.exitCode, 4) << result.err;
+    EXPECT_NE(result.err.find("The transmitter may still be ON."), std::string::npos) << result.err;
+    EXPECT_FALSE(probe.Facts().Flag("stopConfirmed"));
+}
+
+TEST_F(LateReaderSignalTest, OneAfterTheRunEndsTheProgramWithTheRunsExitCode) {
+    daemon.Start();
+    const auto run = Start();
+    WaitForOutcome();
+    run->Interrupt(terminate);
+    const ProcessResult result = run->Wait();
+    EXPECT_FALSE(result.timedOut);
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+}
+
+TEST_F(LateReaderSignalTest, OneAfterTheRunEndsTheProgramWith4WhenNoStopIsConfirmed) {
+    daemon.Start({"--fault", "text=-wifi-stop:return-code=5"});
+    const auto run = Start({"--stop-timeout", "1"});
+    WaitForOutcome();
+    run->Interrupt(interrupt);
+    EXPECT_EQ(run->Wait().exitCode, 4);
 }
 
 TEST_F(SignalTest, ClientThatIsKilledEndsTheRunAfterAStop) {

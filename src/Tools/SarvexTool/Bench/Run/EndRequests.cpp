@@ -1,0 +1,56 @@
+#include "Tools/SarvexTool/Bench/Run/EndRequests.h"
+
+#include <system_error>
+#include <utility>
+
+namespace Bench {
+
+void EndRequests::BeginRun(Function function) {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_function = std::move(function);
+    }
+    Listen();
+}
+
+void EndRequests::EndRun() {
+    const std::lock_guard lock(m_mutex);
+    m_function = nullptr;
+}
+
+bool EndRequests::AreUrgent() const {
+    const std::lock_guard lock(m_mutex);
+    return m_areUrgent;
+}
+
+void EndRequests::Listen() {
+    m_listener.emplace([this](OSAL::InterruptionKind kind) { Hear(kind); });
+}
+
+void EndRequests::Hear(OSAL::InterruptionKind kind) {
+    constexpr std::chrono::milliseconds longestEcho(500);
+    const std::lock_guard lock(m_mutex);
+    const bool isClosing = kind == OSAL::InterruptionKind::ConsoleClosing;
+    const Clock::time_point now = Clock::now();
+    if (!isClosing && m_last && now - *m_last < longestEcho)
+        return;
+    m_areUrgent = m_areUrgent || isClosing || m_last.has_value() || !m_function;
+    m_last = now;
+    if (m_function)
+        m_function(kind);
+}
+
+EndRequests::Pause::Pause(EndRequests& requests) : m_requests(requests) {
+    m_requests.m_listener.reset();
+}
+
+EndRequests::Pause::~Pause() {
+    try {
+        m_requests.Listen();
+    } catch (const std::system_error&) {
+        // A request then goes on to end the program.
+        m_requests.m_listener.reset();
+    }
+}
+
+} // namespace Bench

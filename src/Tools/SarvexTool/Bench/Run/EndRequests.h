@@ -1,0 +1,57 @@
+#pragma once
+
+#include "Modules/xFramework/OSAL/Interruption.h"
+
+#include <chrono>
+#include <functional>
+#include <mutex>
+#include <optional>
+
+namespace Bench {
+
+/// The requests to end the program, such as a Ctrl-C, from the beginning of a run until its last
+/// words are out. One request may come as several signals: a program that ends another one may tell
+/// both it and its group. Of those half a second apart at most only the first one counts.
+class EndRequests {
+public:
+    using Function = std::function<void(OSAL::InterruptionKind)>;
+
+    /// A run begins. From now on no request ends the program; the function hears of each, on
+    /// another thread, and may not throw. Throws as InterruptionListener.
+    void BeginRun(Function function);
+
+    /// The run has ended; the function is not called any more.
+    void EndRun();
+
+    /// Whether nobody is to be waited for: there was a second request, or one after the run's end,
+    /// or the console closes.
+    bool AreUrgent() const;
+
+    /// While one lives, a request ends the program, as it would without a run.
+    class Pause {
+    public:
+        explicit Pause(EndRequests& requests);
+        ~Pause();
+        Pause(const Pause&) = delete;
+        Pause& operator=(const Pause&) = delete;
+
+    private:
+        EndRequests& m_requests;
+    };
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void Listen();
+    void Hear(OSAL::InterruptionKind kind);
+
+    mutable std::mutex m_mutex;
+    Function m_function;
+    /// When the last one came.
+    std::optional<Clock::time_point> m_last;
+    bool m_areUrgent = false;
+    /// The last member: it uses the others on its thread.
+    std::optional<OSAL::InterruptionListener> m_listener;
+};
+
+} // namespace Bench
