@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace Bench {
 
@@ -44,8 +45,10 @@ public:
 private:
     void AddUsed(const ManifestChunk& chunk, const ChunkChoice::Used& used) {
         const RunFolder& run = m_runs[used.run];
-        if (m_merged.sources.empty())
+        if (m_merged.sources.empty()) {
             m_merged = WithoutNotes(run.facts);
+            m_firstCommand = run.facts.options.firstCommand;
+        }
         RunSource source = SourceOf(chunk, run);
         source.lines.last = chunk.lines.first + static_cast<LineNumber>(used.lines) - 1;
         m_merged.sources.push_back(std::move(source));
@@ -77,14 +80,20 @@ private:
     }
 
     void CountNotes(const RunFolder& run) {
-        for (const std::string& note : run.facts.notes) {
-            const auto known = std::find_if(m_notes.begin(), m_notes.end(),
-                                            [&](const Note& other) { return other.text == note; });
-            if (known == m_notes.end())
-                m_notes.push_back({note, run.name, 1});
-            else
-                ++known->runs;
-        }
+        if (run.facts.startPassedOn && !run.facts.stopConfirmed)
+            CountNote(run, "the last stop was not confirmed, so that the transmitter may have "
+                           "stayed on");
+        for (const std::string& note : run.facts.notes)
+            CountNote(run, note);
+    }
+
+    void CountNote(const RunFolder& run, const std::string& note) {
+        const auto known = std::find_if(m_notes.begin(), m_notes.end(),
+                                        [&](const Note& other) { return other.text == note; });
+        if (known == m_notes.end())
+            m_notes.push_back({note, run.name, 1});
+        else
+            ++known->runs;
     }
 
     void CountDifferences(const RunFacts& facts) {
@@ -93,6 +102,7 @@ private:
         m_hasOtherFirmware = m_hasOtherFirmware || facts.firmware != m_merged.firmware;
         m_otherClients += std::size_t{facts.clientSha256 != m_merged.clientSha256};
         const RunOptions& options = facts.options;
+        m_otherFirstCommands += std::size_t{options.firstCommand != m_firstCommand};
         if (options.firstCommand.empty() || options.firstCommandAccepted)
             return;
         ++m_refusedCommands;
@@ -113,6 +123,8 @@ private:
         AddDifference(m_otherMacTypes, "had another MAC type than that of the first lines");
         AddDifference(m_otherCountryCodes, "had another country code than that of the first lines");
         AddDifference(m_otherClients, "were made with another client than that of the first lines");
+        AddDifference(m_otherFirstCommands,
+                      "had another first command than that of the first lines");
         AddDifference(m_refusedCommands, "had a first command that the daemon did not accept");
     }
 
@@ -151,6 +163,9 @@ private:
     std::size_t m_otherCountryCodes = 0;
     std::size_t m_otherClients = 0;
     bool m_hasOtherFirmware = false;
+    /// That of the first lines; the whole may have a refused one.
+    std::vector<std::string> m_firstCommand;
+    std::size_t m_otherFirstCommands = 0;
     std::size_t m_refusedCommands = 0;
 };
 

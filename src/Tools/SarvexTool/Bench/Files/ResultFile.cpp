@@ -54,11 +54,17 @@ std::optional<Setting> SettingNamed(std::string_view title) {
 /// Reads the lines of a result.csv.
 class ResultReader {
 public:
-    ResultReader(TextPool& texts, JournalReader* pJournal) : m_texts(texts), m_pJournal(pJournal) {}
+    /// isOfNoLines says that the test file has none.
+    ResultReader(TextPool& texts, JournalReader* pJournal, bool isOfNoLines = false)
+        : m_texts(texts), m_pJournal(pJournal), m_isOfNoLines(isOfNoLines) {}
 
     void Read(std::string_view bytes) {
         if (bytes.empty()) {
-            if (!TellMissingRow())
+            if (TellMissingRow())
+                return;
+            if (m_isOfNoLines)
+                TellNoMeasurement("");
+            else
                 TellEmpty();
             return;
         }
@@ -70,10 +76,7 @@ public:
         if (bytes.empty() && TellMissingRow())
             return;
         if (m_line == 1)
-            m_problems.Add(emptyKind, 1, 0,
-                           std::string("there is no measurement, because the run ended before its "
-                                       "first line; ") +
-                               Remedy());
+            TellNoMeasurement("the run ended before its first line; ");
     }
 
     ProblemList& Problems() { return m_problems; }
@@ -165,6 +168,12 @@ private:
         return true;
     }
 
+    void TellNoMeasurement(const std::string& why) {
+        m_problems.Add(emptyKind, 1, 0,
+                       "there is no measurement, because " +
+                           (m_isOfNoLines ? "the test file has no lines" : why + Remedy()));
+    }
+
     void TellEmpty() {
         m_problems.Add(emptyKind, 1, 0,
                        std::string("the file is empty: ") +
@@ -242,6 +251,7 @@ private:
     TextPool& m_texts;
     /// Null for a run without a journal.
     JournalReader* m_pJournal;
+    bool m_isOfNoLines;
     /// What the journal has of the row that is read.
     JournalEntry m_entry;
     RunResultBuilder m_builder;
@@ -263,7 +273,7 @@ RunResult Parse(ResultReader& reader, std::string_view bytes, const std::string&
     return reader.Take();
 }
 
-/// Reads the run and the place of a result.
+/// Reads the run and the place of a result, and what the run tells of the device.
 void ReadJournalledRun(const ResultNames& names, std::string_view table, TextPool& texts,
                        Result& result) {
     const std::filesystem::path path = PathOf(*names.journal);
@@ -275,12 +285,14 @@ void ReadJournalledRun(const ResultNames& names, std::string_view table, TextPoo
     if (!file.is_open())
         throw BadInput(*names.journal, "cannot be read");
     JournalReader journal(file, *names.journal);
-    ResultReader reader(texts, &journal);
-    result.run = Parse(reader, table, names.table);
     RunRecord record = ReadRunRecord(*names.facts);
+    ResultReader reader(texts, &journal, record.linesTotal == std::size_t{0});
+    result.run = Parse(reader, table, names.table);
     result.run.earlyEnd = record.EarlyEndAfter(result.run.configurations.size() - reader.NotRun());
     result.run.sources = std::move(record.sources);
     result.place = std::move(record.place);
+    if (record.isOfNoRun)
+        result.device.whyUnknown = "no run has asked a daemon";
 }
 
 } // namespace
@@ -315,12 +327,12 @@ ResultNames NamesOf(const std::string& result) {
 Result ReadResult(const ResultNames& names, std::istream& standardInput, TextPool& texts) {
     Result result;
     const std::string table = ReadInput(names.table, standardInput);
+    result.device = names.tree ? ReadResultTree(*names.tree)
+                               : DeviceFacts{std::nullopt, "standard input has no result.xml"};
     if (names.journal)
         ReadJournalledRun(names, table, texts, result);
     else
         result.run = ParseResult(table, names.table, texts);
-    result.device = names.tree ? ReadResultTree(*names.tree)
-                               : DeviceFacts{std::nullopt, "standard input has no result.xml"};
     return result;
 }
 

@@ -35,6 +35,7 @@ RunRecord RecordOf(const JsonFields& facts) {
         record.linesTotal = static_cast<std::size_t>(facts.Count("linesTotal"));
     else
         record.isCalledComplete = facts.Has("outcome") && facts.Text("outcome") == "complete";
+    record.isOfNoRun = facts.Has("sources") && facts.Objects("sources").empty();
     record.sources = SourcesOf(facts);
     record.place = PlaceOf(facts);
     return record;

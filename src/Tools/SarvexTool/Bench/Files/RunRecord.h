@@ -15,6 +15,8 @@ struct RunRecord {
     std::optional<std::size_t> linesTotal;
     /// Whether it calls the run complete, where it does not tell the number of lines.
     bool isCalledComplete = false;
+    /// Whether it is merged, but of no run at all.
+    bool isOfNoRun = false;
     /// Where the lines were measured: the runs that this one was merged from, else its own place,
     /// which is that of all lines.
     Sources sources;

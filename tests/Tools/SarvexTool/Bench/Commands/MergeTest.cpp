@@ -227,11 +227,27 @@ TEST_F(MergeTest, WhatIsThereIsTakenInPart) {
     EXPECT_THAT(out.str(), HasSubstr("line 4 chain B: not measured: the line was not run"));
 }
 
+TEST_F(MergeTest, ARunWhoseStopWasNotConfirmedIsTold) {
+    MakeFirst();
+    MakeSecond();
+    const std::string name = directory.Path("runs/chunk-0002/1/run.json");
+    RunFacts facts = ReadRunFacts(name);
+    facts.startPassedOn = true;
+    WriteRunFacts(name, facts);
+    EXPECT_EQ(Merge(), 0) << err.str();
+    EXPECT_THAT(out.str(), HasSubstr("Note: The last stop was not confirmed, so that the "
+                                     "transmitter may have stayed\n"
+                                     "  on (runs/chunk-0002/1).\n"));
+}
+
 TEST_F(MergeTest, WithoutAnyRunAllIsNotRun) {
     EXPECT_EQ(Merge({"--partial"}), 1) << err.str();
     EXPECT_THAT(out.str(), HasSubstr("Merged 0 of 3 lines; complete: 0 of 2 chunks.\n"
                                      "3 measurements: 0 measured, 3 not.\n"));
     EXPECT_THAT(TextOf("result.xml"), HasSubstr("MCC=\"-\""));
+    directory.Create("limits.csv", "Chain,Min,Max\n*,0,20\n");
+    EXPECT_EQ(Run({"judge", m_output, "--limits", directory.Path("limits.csv")}), 1);
+    EXPECT_THAT(out.str(), HasSubstr("country code unknown: no run has asked a daemon\n"));
 }
 
 TEST_F(MergeTest, ACompletePartialOneIsWhole) {

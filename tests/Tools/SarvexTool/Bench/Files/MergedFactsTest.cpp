@@ -88,11 +88,12 @@ TEST_F(MergedFactsTest, WhatDiffersFromTheFirstLinesIsNoted) {
     const std::string tells = "; sources tells of each run";
     EXPECT_THAT(
         facts.notes,
-        ElementsAre("1 of the 2 runs had another MAC type than that of the first lines" + tells,
-                    "1 of the 2 runs had another country code than that of the first lines" + tells,
-                    "1 of the 2 runs were made with another client than that of the first lines" +
-                        tells,
-                    "1 of the 2 runs had a first command that the daemon did not accept" + tells));
+        ElementsAre(
+            "1 of the 2 runs had another MAC type than that of the first lines" + tells,
+            "1 of the 2 runs had another country code than that of the first lines" + tells,
+            "1 of the 2 runs were made with another client than that of the first lines" + tells,
+            "1 of the 2 runs had another first command than that of the first lines" + tells,
+            "1 of the 2 runs had a first command that the daemon did not accept" + tells));
 }
 
 TEST_F(MergedFactsTest, AFirstCommandThatWasRefusedIsThatOfTheWhole) {
@@ -102,6 +103,31 @@ TEST_F(MergedFactsTest, AFirstCommandThatWasRefusedIsThatOfTheWhole) {
     runs[1].facts.options.firstCommand = {"-wifi-mode"};
     EXPECT_FALSE(Merged().options.firstCommandAccepted);
     EXPECT_THAT(Merged().options.firstCommand, ElementsAre("-wifi-mode"));
+}
+
+TEST_F(MergedFactsTest, AnotherFirstCommandThanThatOfTheFirstLinesIsNoted) {
+    for (RunFolder& run : runs) {
+        run.facts.options.firstCommand = {"-wifi-bandwidth", "20"};
+        run.facts.options.firstCommandAccepted = true;
+    }
+    EXPECT_THAT(Merged().notes, IsEmpty());
+    runs[1].facts.options.firstCommand.back() = "40";
+    EXPECT_THAT(Merged().notes, ElementsAre("1 of the 2 runs had another first command than that "
+                                            "of the first lines; sources tells of each run"));
+    EXPECT_THAT(Merged().options.firstCommand, ElementsAre("-wifi-bandwidth", "20"));
+    runs[1].facts.options.firstCommand.clear();
+    EXPECT_EQ(Merged().notes.size(), 1u);
+}
+
+TEST_F(MergedFactsTest, AStopThatWasNotConfirmedIsNoted) {
+    runs[0].facts.stopConfirmed = false;
+    EXPECT_THAT(Merged().notes, ElementsAre("the last stop was not confirmed, so that the "
+                                            "transmitter may have stayed on (one)"));
+    runs[1].facts.stopConfirmed = false;
+    EXPECT_THAT(Merged().notes, ElementsAre("the last stop was not confirmed, so that the "
+                                            "transmitter may have stayed on (one and 1 more)"));
+    runs[0].facts.startPassedOn = runs[1].facts.startPassedOn = false;
+    EXPECT_THAT(Merged().notes, IsEmpty()) << "nothing was ever on";
 }
 
 TEST_F(MergedFactsTest, TheFirmwareOfAllRunsIsThatOfTheWhole) {

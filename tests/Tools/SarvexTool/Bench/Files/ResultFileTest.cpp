@@ -302,6 +302,22 @@ TEST_F(ResultFileNamesTest, LinesThatWereNotRunDoNotCountAsRun) {
     EXPECT_EQ(result.run.earlyEnd, (EarlyEnd{1, 2}));
 }
 
+TEST_F(ResultFileNamesTest, RunOfATestFileWithoutLinesIsToldAsSuch) {
+    directory.Create("journal.jsonl", "");
+    directory.Create("run.json", R"({"linesTotal":0,"outcome":"complete"})");
+    for (const char* table : {"Band,Chain-A Power, Chain B Power\n", ""}) {
+        directory.Create("result.csv", table);
+        try {
+            Read(directory.Path());
+            ADD_FAILURE() << table;
+        } catch (const BadInput& bad) {
+            ASSERT_EQ(bad.Problems().size(), 1u);
+            EXPECT_EQ(bad.Problems().front().text,
+                      "there is no measurement, because the test file has no lines");
+        }
+    }
+}
+
 TEST_F(ResultFileNamesTest, SourcesOfTheLinesAreRead) {
     directory.Create("journal.jsonl", EntryOf(2, ReadBytesOf("result.csv").size(), true));
     directory.Create("run.json", R"({"linesTotal":1,"bench":"seven"})");
