@@ -270,6 +270,9 @@ int RunProgram(const std::vector<std::string>& arguments, Surroundings& surround
 }
 
 int RunProgram(const std::vector<std::string>& arguments) {
+    // What a reader has not taken is to wait nowhere but in a write: the C runtime would write its
+    // own buffer at the program's end, and wait for the reader there (Windows).
+    std::ios_base::sync_with_stdio(false);
     Surroundings surroundings{std::cin, ConsoleOf(std::cout, OSAL::StandardStream::Output),
                               ConsoleOf(std::cerr, OSAL::StandardStream::Error)};
     return RunProgram(arguments, surroundings);
