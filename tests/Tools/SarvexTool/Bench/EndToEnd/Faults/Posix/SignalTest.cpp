@@ -2,7 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -220,6 +225,49 @@ TEST_F(LateReaderSignalTest, OneAfterTheRunEndsTheProgramWith4WhenNoStopIsConfir
     WaitForOutcome();
     run->Interrupt(interrupt);
     EXPECT_EQ(run->Wait().exitCode, 4);
+}
+
+/// A terminal whose other end is here.
+class Terminal {
+public:
+    Terminal() : m_master(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+        ::grantpt(m_master);
+        ::unlockpt(m_master);
+    }
+    ~Terminal() { ::close(m_master); }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    std::string Name() const { return ::ptsname(m_master); }
+
+    /// What it has shown so far.
+    const std::string& Text() {
+        std::array<char, 4096> piece{};
+        for (ssize_t size = 0; (size = ::read(m_master, piece.data(), piece.size())) > 0;)
+            m_text.append(piece.data(), static_cast<std::size_t>(size));
+        return m_text;
+    }
+
+private:
+    int m_master;
+    std::string m_text;
+};
+
+TEST_F(LateReaderSignalTest, TerminalIsToldAllWhileAnotherReaderDoesNotRead) {
+    Terminal terminal;
+    daemon.Start({"--fault", "text=-wifi-stop:return-code=5"});
+    std::vector<std::string> arguments =
+        probe.Arguments(daemon.Address(), {"--progress", "json", "--stop-timeout", "1"});
+    arguments.insert(arguments.begin(),
+                     {"-c", "exec \"$0\" \"$@\" 2> " + terminal.Name(), BenchPath()});
+    Process run("/bin/sh", arguments, probe.Path(""),
+                {.output = Process::Output::Pipe, .inputFile = "", .areArgumentsUtf8 = false});
+    WaitUntil("the terminal shows the last words", [&] {
+        return terminal.Text().find("SarvexToolBench stop --daemon") != std::string::npos;
+    });
+    EXPECT_FALSE(run.HasEnded());
+    ExpectAll(run.ReadOut(), lines);
+    EXPECT_EQ(run.Wait().exitCode, 4);
 }
 
 TEST_F(SignalTest, ClientThatIsKilledEndsTheRunAfterAStop) {
