@@ -21,7 +21,7 @@ protected:
 
     CoreFixture fixture;
     RunResultBuilder builder;
-    const JournalledChain measured;
+    const JournalledChain measured{};
 };
 
 TEST_F(MeasurementsTest, EachExpectedChainIsOneMeasurement) {

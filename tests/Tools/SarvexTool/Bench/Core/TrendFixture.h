@@ -4,6 +4,7 @@
 #include "tests/Tools/SarvexTool/Bench/Core/CoreFixture.h"
 
 #include <cmath>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,8 @@ public:
     static constexpr std::int64_t Day = 86'400;
     /// 2026-03-02T06:00:00Z.
     static constexpr std::int64_t FirstDay = 1'772'431'200;
+    /// Stands for a power that a run does not have.
+    static constexpr double None = std::numeric_limits<double>::quiet_NaN();
 
     TrendFixture() { AddItems(1); }
 
@@ -33,7 +36,7 @@ public:
         return static_cast<std::uint32_t>(data.stations.size() - 1);
     }
 
-    /// A run, a day after the one before; a power of each item, NAN where it has none.
+    /// A run, a day after the one before; a power or None of each item.
     void AddRun(std::uint32_t station, const std::vector<double>& powers) {
         const auto visit = static_cast<std::uint32_t>(data.visits.size());
         data.visits.push_back({station, FirstDay + Day * std::int64_t{visit},

@@ -195,8 +195,8 @@ TEST_F(TrendTest, WhatOneStationAloneHasIsHeldAgainstNothing) {
     AddStation("A");
     AddStation("B");
     AddRun(0, {10, 20});
-    AddRun(1, {12, NAN});
-    AddRun(0, {NAN, 20});
+    AddRun(1, {12, None});
+    AddRun(0, {None, 20});
     const Trend trend = TrendOf(data);
     EXPECT_EQ(trend.basis, TrendBasis::TwoStations);
     EXPECT_EQ(trend.sharedItems, 1U);
@@ -213,8 +213,8 @@ TEST_F(TrendTest, StationsThatShareNothingHaveNeitherOffsetsNorLimits) {
     AddStation("A");
     AddStation("B");
     for (int run = 0; run < 8; ++run) {
-        AddRun(0, {10, NAN});
-        AddRun(1, {NAN, 10});
+        AddRun(0, {10, None});
+        AddRun(1, {None, 10});
     }
     const Trend trend = TrendOf(data);
     EXPECT_EQ(trend.sharedItems, 0U);
@@ -229,7 +229,7 @@ TEST_F(TrendTest, StationThatHasRunWithoutBeingHeldAgainstAnythingIsNeverFine) {
         for (const char* const name : {"A", "B", "C"}) {
             if (run == 0)
                 AddStation(name);
-            AddRun(static_cast<std::uint32_t>(name[0] - 'A'), {10, NAN});
+            AddRun(static_cast<std::uint32_t>(name[0] - 'A'), {10, None});
         }
     }
     ASSERT_TRUE(TrendOf(data).IsFine());
@@ -241,7 +241,7 @@ TEST_F(TrendTest, StationThatHasRunWithoutBeingHeldAgainstAnythingIsNeverFine) {
     const std::int64_t last = data.visits.back().measuredAt;
     for (const std::int64_t days : {1, 9, 10}) {
         SCOPED_TRACE(days);
-        AddRun(2, {NAN, NAN});
+        AddRun(2, {None, None});
         if (days == 1)
             data.rows.push_back({static_cast<std::uint32_t>(data.visits.size() - 1), 1, 14});
         data.visits.back().measuredAt = last + days * Day;
@@ -275,7 +275,7 @@ TEST_F(TrendTest, StationThatHasRunSinceIsBehindByADayAtLeast) {
     for (std::size_t visit = 0; visit < data.visits.size(); ++visit)
         data.visits[visit].measuredAt = FirstDay + 60 * static_cast<std::int64_t>(visit);
     const std::int64_t last = data.visits.back().measuredAt;
-    AddRun(1, {NAN});
+    AddRun(1, {None});
     data.visits.back().measuredAt = last + Day;
     EXPECT_FALSE(TrendOf(data).stations[1].isBehind);
     data.visits.back().measuredAt = last + Day + 1;
@@ -285,8 +285,8 @@ TEST_F(TrendTest, StationThatHasRunSinceIsBehindByADayAtLeast) {
 TEST_F(TrendTest, StationsAreHeldAgainstThoseOfTheirGroupAlone) {
     AddItems(3);
     const std::vector<std::vector<double>> powers{
-        {10, NAN, NAN}, {10.1, 20, NAN}, {NAN, 20.1, NAN}, {10.2, NAN, NAN},
-        {NAN, NAN, 30}, {NAN, NAN, 30},  {NAN, NAN, 32}};
+        {10, None, None}, {10.1, 20, None}, {None, 20.1, None}, {10.2, None, None},
+        {None, None, 30}, {None, None, 30}, {None, None, 32}};
     for (std::size_t station = 0; station < powers.size(); ++station) {
         AddStation(std::string(1, static_cast<char>('A' + station)));
         for (int run = 0; run < 8; ++run)
@@ -338,7 +338,7 @@ TEST_F(TrendTest, RunOfFewerMeasurementsThanUsualHasWiderLimits) {
     }
     const double limit = TrendOf(data).stations[2].limits->Upper();
     // The root of a quarter of the measurements is a half.
-    AddRun(2, {10.05 + 1.5 * limit, NAN, NAN, NAN});
+    AddRun(2, {10.05 + 1.5 * limit, None, None, None});
     EXPECT_EQ(TrendOf(data).CountDrifting(), 0U);
     AddRun(2, {10.05 + 1.5 * limit, 10.05 + 1.5 * limit, 10.05 + 1.5 * limit, 10.05 + 1.5 * limit});
     EXPECT_EQ(TrendOf(data).CountDrifting(), 1U);
@@ -363,7 +363,7 @@ TEST_F(TrendTest, MeasurementsThatTheLastRunHasLostAreNeverFine) {
     }
     data.missing = {{13, 1}};
     EXPECT_TRUE(TrendOf(data).IsFine()) << "in an earlier run";
-    AddRun(1, {10, NAN});
+    AddRun(1, {10, None});
     EXPECT_TRUE(TrendOf(data).IsFine()) << "that was not asked for it";
     data.missing.push_back({16, 1});
     const Trend trend = TrendOf(data);
@@ -382,7 +382,7 @@ TEST_F(TrendTest, WhatAStationHasNeverMeasuredIsNotLost) {
     AddSteady("A", 10);
     AddSteady("B", 10);
     AddRun(0, {10, 12});
-    AddRun(1, {10, NAN});
+    AddRun(1, {10, None});
     data.missing = {{17, 1}};
     EXPECT_EQ(TrendOf(data).CountWithLost(), 0U);
 }
@@ -390,7 +390,7 @@ TEST_F(TrendTest, WhatAStationHasNeverMeasuredIsNotLost) {
 TEST_F(TrendTest, RunWithoutAnyPowerLosesAllThatWasMeasuredBefore) {
     AddSteady("A", 10);
     AddSteady("B", 10);
-    AddRun(1, {NAN});
+    AddRun(1, {None});
     data.missing = {{16, 0}};
     const Trend trend = TrendOf(data);
     EXPECT_EQ(trend.stations[0].lost, 1U);
@@ -446,7 +446,7 @@ TEST_F(TrendTest, PairBesideAnotherGroupIsTold) {
     for (const char* const name : {"D", "E"}) {
         const std::uint32_t station = AddStation(name);
         for (int run = 0; run < 8; ++run)
-            AddRun(station, {NAN, 10});
+            AddRun(station, {None, 10});
     }
     EXPECT_TRUE(TrendOf(data).hasPairs);
 }
@@ -474,7 +474,7 @@ TEST_F(TrendTest, NoPowerIsNotFine) {
     EXPECT_EQ(TrendOf(data).basis, TrendBasis::Nothing);
     EXPECT_FALSE(TrendOf(data).IsFine());
     AddStation("A");
-    AddRun(0, {NAN});
+    AddRun(0, {None});
     EXPECT_EQ(TrendOf(data).basis, TrendBasis::Nothing);
 }
 
@@ -586,7 +586,7 @@ TEST_F(TrendTest, LimitsAreThoseOfTheItemsSettings) {
 TEST_F(TrendTest, PowersOverTimeAreThoseOfTheOneItem) {
     AddStation("A");
     AddRun(0, {10});
-    AddRun(0, {NAN});
+    AddRun(0, {None});
     AddRun(0, {12});
     data.rows.push_back({2, 0, 13});
     const Limit limit = AtMost("12.5"_dB);

@@ -77,9 +77,9 @@ TEST_F(TrendJsonTest, RunsThatShareNothingAreTold) {
     AddItems(2);
     AddStation("A");
     AddStation("B");
-    AddRun(0, {10, NAN});
-    AddRun(1, {11, NAN});
-    AddRun(0, {NAN, 12});
+    AddRun(0, {10, None});
+    AddRun(1, {11, None});
+    AddRun(0, {None, 12});
     EXPECT_EQ(Read()["stations"][0]["hasRunSince"], true);
     EXPECT_EQ(Read()["stations"][1]["hasRunSince"], false);
     EXPECT_EQ(Read()["withoutReference"], 1);

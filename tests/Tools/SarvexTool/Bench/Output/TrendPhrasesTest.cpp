@@ -141,7 +141,7 @@ TEST_F(TrendPhrasesTest, StationThatIsNotFollowedIsToldFirst) {
     AddItems(2);
     AddSteadyAB();
     AddSteady("C", 10.5);
-    AddRun(2, {NAN, 10});
+    AddRun(2, {None, 10});
     data.visits.back().measuredAt += 9 * Day;
     EXPECT_EQ(Conclusion().word, "NOT FOLLOWED");
     EXPECT_THAT(
@@ -171,7 +171,7 @@ TEST_F(TrendPhrasesTest, GroupsAreTold) {
     for (int run = 0; run < 8; ++run) {
         for (std::uint32_t station = 0; station < 4; ++station)
             AddRun(station,
-                   station < 2 ? std::vector<double>{10, NAN} : std::vector<double>{NAN, 10});
+                   station < 2 ? std::vector<double>{10, None} : std::vector<double>{None, 10});
     }
     EXPECT_THAT(Conclusion().sentences,
                 ElementsAre("none of the 4 stations drifts: 32 runs, 2 measurements that stations "
@@ -188,7 +188,7 @@ TEST_F(TrendPhrasesTest, StationThatSharesNothingIsNotSaidToHaveTooFewRuns) {
     AddSteady("C", 10);
     const std::uint32_t alone = AddStation("D");
     for (int run = 0; run < 9; ++run)
-        AddRun(alone, {NAN, 10});
+        AddRun(alone, {None, 10});
     EXPECT_EQ(FirstLine(), "TOO FEW RUNS: nothing that another station has measured: D");
     AddRun(AddStation("E"), {10});
     EXPECT_EQ(FirstLine(), "TOO FEW RUNS: too few runs for control limits, which need 8: E (1); "
@@ -247,7 +247,7 @@ TEST_F(TrendPhrasesTest, WithOneStationItIsSaidThatItsDeviceMayHaveChanged) {
 
 TEST_F(TrendPhrasesTest, StationsWithoutAnyPowerAreNoneOfThoseHeldAgainstEachOther) {
     AddSteady("A", 10);
-    AddRun(AddStation("C"), {NAN});
+    AddRun(AddStation("C"), {None});
     EXPECT_THAT(Conclusion().sentences,
                 ElementsAre("too few runs for control limits, which need 8: C (0)",
                             "with powers of one station only it cannot be told whether it or what "
@@ -316,8 +316,8 @@ TEST_F(TrendPhrasesTest, StationsThatShareNothingAreNotHeldAgainstEachOther) {
     AddItems(2);
     AddStation("A");
     AddStation("B");
-    AddRun(0, {10, NAN});
-    AddRun(1, {NAN, 10});
+    AddRun(0, {10, None});
+    AddRun(1, {None, 10});
     EXPECT_EQ(FirstLine(), "NOTHING SHARED: no station has measured what another one has, so that "
                            "there is nothing to hold them against");
     EXPECT_EQ(PhraseOf(data, TrendOf(data).stations[0]),
@@ -328,7 +328,7 @@ TEST_F(TrendPhrasesTest, NoPowerAtAllIsSaid) {
     EXPECT_EQ(FirstLine(), "NO POWER: no kept run that the filter leaves has a power");
     AddSteadyAB();
     AddStation("C");
-    AddRun(2, {NAN});
+    AddRun(2, {None});
     EXPECT_EQ(PhraseOf(data, TrendOf(data).stations[0]), "has no power");
 }
 
@@ -385,7 +385,7 @@ TEST_F(TrendPhrasesTest, LostMeasurementsAreToldFirstWhereNothingDrifts) {
         AddRun(0, {10, 12});
         AddRun(1, {10, 12});
     }
-    AddRun(1, {10, NAN});
+    AddRun(1, {10, None});
     data.missing = {{16, 1}};
     const std::string lost = "B has no power for 1 of the 2 measurements of its last run, on "
                              "2026-03-18, which it has made before";
