@@ -160,11 +160,11 @@ class SlurmNotes(StopTest):
     def test_jobs_that_slurm_refuses_leave_no_bench_transmitting(self):
         self.start_farm(2)
         # As sbatch does for an array that is too large.
-        self.put_before("sbatch", "echo 'sbatch: error: Invalid job array specification' >&2; exit 1")
+        self.put_before("sbatch", "echo 'sbatch: error: Batch job submission failed: Invalid array' >&2; exit 1")
         plan = self.write_plan(12)
         self.note("bench1", self.devices[0].daemon)
         done = self.expect(2, self.sweep(plan))
-        self.assertIn("Slurm has not accepted the jobs: sbatch: error: Invalid job array", done.stdout)
+        self.assertIn("Slurm has not accepted the jobs: sbatch: error: Batch job submission failed", done.stdout)
         self.expect_stopped("bench1", self.devices[0])
         self.restart(self.devices[0], *REFUSED_STOP)
         self.note("bench1", self.devices[0].daemon)
