@@ -2,6 +2,7 @@
 
 #include "Tools/SarvexTool/Bench/Output/JsonWriter.h"
 #include "Tools/SarvexTool/Bench/Output/ShownTime.h"
+#include "Tools/SarvexTool/Bench/Output/TrendConclusion.h"
 
 #include <array>
 

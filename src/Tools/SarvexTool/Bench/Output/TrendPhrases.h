@@ -17,20 +17,19 @@ struct NamedTrend {
     std::optional<std::string> limits;
 };
 
-/// What a trend says.
-struct TrendConclusion {
-    /// "DRIFT", "STEADY" and so on.
-    std::string word;
-    /// Without end marks; the first one names the station that stands out most. Names are as they
-    /// were kept: what shows the texts makes them harmless.
-    std::vector<std::string> sentences;
-};
-
-TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend);
-
 /// What there is to say of a station, for example "reads 2.00 dB higher since 2026-03-09; 3 of its
 /// 10 runs are beyond its control limits".
 std::string PhraseOf(const TrendData& data, const StationTrend& station);
+
+/// The part of that on its powers.
+std::string PhraseOfPowers(const TrendData& data, const StationTrend& station);
+
+/// The part on measurements that its last run lacks, "has no power for 4 of the 8 measurements of
+/// ..."; "" where it lacks none.
+std::string PhraseOfLost(const TrendData& data, const StationTrend& station);
+
+/// The part on runs that differ far more than the others'; "" where they do not.
+std::string PhraseOfErratic(const StationTrend& station);
 
 /// "DUT-7", "3 devices", or "" where nothing tells any.
 std::string DevicesOf(const TrendStation& station);

@@ -4,6 +4,7 @@
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 #include "Tools/SarvexTool/Bench/Output/ShownTime.h"
 #include "Tools/SarvexTool/Bench/Output/TextTable.h"
+#include "Tools/SarvexTool/Bench/Output/TrendConclusion.h"
 
 #include <algorithm>
 

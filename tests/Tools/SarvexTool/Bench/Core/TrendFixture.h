@@ -76,6 +76,17 @@ public:
         AddRuns(AddStation(name), std::vector<double>(8, power));
     }
 
+    /// Stations A and B measure two items in turn, eight times.
+    void AddPairOfTwoItems() {
+        AddItems(2);
+        AddStation("A");
+        AddStation("B");
+        for (int run = 0; run < 8; ++run) {
+            AddRun(0, {10, 12});
+            AddRun(1, {10, 12});
+        }
+    }
+
     CoreFixture texts;
     TrendData data;
 };

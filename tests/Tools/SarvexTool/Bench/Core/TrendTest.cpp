@@ -354,13 +354,7 @@ TEST_F(TrendTest, ChangeThatIsNotShownIsNone) {
 }
 
 TEST_F(TrendTest, MeasurementsThatTheLastRunHasLostAreNeverFine) {
-    AddItems(2);
-    AddStation("A");
-    AddStation("B");
-    for (int run = 0; run < 8; ++run) {
-        AddRun(0, {10, 12});
-        AddRun(1, {10, 12});
-    }
+    AddPairOfTwoItems();
     data.missing = {{13, 1}};
     EXPECT_TRUE(TrendOf(data).IsFine()) << "in an earlier run";
     AddRun(1, {10, None});

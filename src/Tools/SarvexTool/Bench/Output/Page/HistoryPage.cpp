@@ -4,6 +4,7 @@
 #include "Tools/SarvexTool/Bench/Output/Page/HistoryData.h"
 #include "Tools/SarvexTool/Bench/Output/Page/Template.h"
 #include "Tools/SarvexTool/Bench/Output/Phrases.h"
+#include "Tools/SarvexTool/Bench/Output/TrendConclusion.h"
 
 #include <cctype>
 #include <ostream>
