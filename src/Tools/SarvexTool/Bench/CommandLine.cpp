@@ -28,7 +28,7 @@ namespace {
 constexpr const char* programName = "SarvexToolBench";
 
 /// The subcommands, in the order in which the help shows them.
-constexpr std::array<Command (*)(CLI::App&), 9> addCommands{
+constexpr std::array<Command (*)(Options), 9> addCommands{
     AddCheck, AddRun, AddStop, AddSplit, AddMerge, AddJudge, AddReport, AddCompare, AddHistory};
 
 /// A text in lines of at most so many characters, cut at blanks.
@@ -135,7 +135,7 @@ Command AddHelp(CLI::App& program) {
     CLI::App* const options = program.add_subcommand("help", "Show how a subcommand is used");
     const auto name = std::make_shared<std::string>();
     options->add_option("SUBCOMMAND", *name, "Its name; without it all are listed");
-    return {options, [&program, name](Surroundings& surroundings) {
+    return {Options(*options), [&program, name](Surroundings& surroundings) {
                 const CLI::App& shown = Named(program, *name);
                 const std::string called =
                     name->empty() ? programName : std::string(programName) + " " + *name;
@@ -158,9 +158,9 @@ public:
                                    "Show the version and end");
         m_options.require_subcommand(1);
         for (const auto addCommand : addCommands)
-            m_commands.push_back(addCommand(m_options));
+            m_commands.push_back(addCommand(Options(m_options)));
         m_commands.push_back(AddHelp(m_options));
-        m_help = m_commands.back().options;
+        m_help = m_options.get_subcommand("help");
     }
 
     /// The exit code of what the arguments ask for.
@@ -209,7 +209,7 @@ private:
 
     const Command& Chosen() const {
         for (const Command& command : m_commands) {
-            if (command.options->parsed())
+            if (command.options.IsParsed())
                 return command;
         }
         throw WrongUsage("a subcommand is needed");

@@ -14,10 +14,6 @@
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <algorithm>
 #include <charconv>
 #include <chrono>
@@ -165,36 +161,34 @@ private:
     std::optional<Daemon> m_daemon;
 };
 
-void AddOptions(CLI::App& app, CheckOptions& options) {
-    app.add_option("FILE", options.files, "Test file, - for standard input")
-        ->required()
-        ->type_name("");
-    app.add_option("--write", options.write,
-                   "Write a copy with what can be corrected for certain, - for standard output")
-        ->type_name("OUT");
-    app.add_option("--mac-type", options.macType,
-                   "MAC type of the device, for the time of a run: with 16 each line takes 5 s")
-        ->type_name("N");
-    app.add_option("--exchange", options.exchange,
-                   "How long an exchange with the daemon takes, for the time of a run")
-        ->type_name("SECONDS");
-    app.add_option("--daemon", options.daemon,
-                   "Try the settings on a daemon, without calibrating or starting anything; its "
-                   "settings are changed. Without PORT the one in Socket.cfg beside this program")
-        ->type_name("HOST[:PORT]");
-    app.add_option("--timeout", options.timeout, "How long an exchange with the daemon may take")
-        ->type_name("SECONDS")
-        ->capture_default_str();
+void AddOptions(Options app, CheckOptions& options) {
+    app.Add("FILE", options.files, "Test file, - for standard input").Required().TypeName("");
+    app.Add("--write", options.write,
+            "Write a copy with what can be corrected for certain, - for standard output")
+        .TypeName("OUT");
+    app.Add("--mac-type", options.macType,
+            "MAC type of the device, for the time of a run: with 16 each line takes 5 s")
+        .TypeName("N");
+    app.Add("--exchange", options.exchange,
+            "How long an exchange with the daemon takes, for the time of a run")
+        .TypeName("SECONDS");
+    app.Add("--daemon", options.daemon,
+            "Try the settings on a daemon, without calibrating or starting anything; its "
+            "settings are changed. Without PORT the one in Socket.cfg beside this program")
+        .TypeName("HOST[:PORT]");
+    app.Add("--timeout", options.timeout, "How long an exchange with the daemon may take")
+        .TypeName("SECONDS")
+        .ShowDefault();
 }
 
 } // namespace
 
-Command AddCheck(CLI::App& program) {
-    CLI::App* const app = program.add_subcommand("check", "Tell all that is wrong with test files");
+Command AddCheck(Options program) {
+    const Options app = program.AddSubcommand("check", "Tell all that is wrong with test files");
     const auto options = std::make_shared<CheckOptions>();
-    AddOptions(*app, *options);
-    app->footer("Exit code: 0 no error, 1 errors found, 2 wrong usage, a file that cannot be "
-                "read or written, or a daemon that does not answer.");
+    AddOptions(app, *options);
+    app.Footer("Exit code: 0 no error, 1 errors found, 2 wrong usage, a file that cannot be "
+               "read or written, or a daemon that does not answer.");
     return {app,
             [options](Surroundings& surroundings) { return Check(*options, surroundings).Run(); }};
 }

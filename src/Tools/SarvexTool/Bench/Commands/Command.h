@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Tools/SarvexTool/Bench/Commands/Options.h"
 #include "Tools/SarvexTool/Bench/Output/Console.h"
 
 #include <functional>
@@ -7,10 +8,6 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
-
-namespace CLI {
-class App;
-}
 
 namespace Bench {
 
@@ -39,8 +36,7 @@ struct Surroundings {
 
 /// A subcommand whose options were added to the program's.
 struct Command {
-    /// Belongs to the program's options.
-    CLI::App* options = nullptr;
+    Options options;
     /// Does what the options ask for, after they were parsed; returns an ExitCode. Throws BadFile,
     /// WrongUsage and other exceptions of the standard library.
     std::function<int(Surroundings&)> run;

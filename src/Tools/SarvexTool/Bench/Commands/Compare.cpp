@@ -11,10 +11,6 @@
 #include "Tools/SarvexTool/Bench/Output/Junit.h"
 #include "Tools/SarvexTool/Bench/Output/Text.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <algorithm>
 #include <array>
 #include <memory>
@@ -131,35 +127,32 @@ int Compare(const CompareOptions& options, Surroundings& surroundings) {
 
 } // namespace
 
-Command AddCompare(CLI::App& program) {
-    CLI::App* const app = program.add_subcommand("compare", "Tell what differs between two runs");
+Command AddCompare(Options program) {
+    const Options app = program.AddSubcommand("compare", "Tell what differs between two runs");
     const auto options = std::make_shared<CompareOptions>();
-    app->add_option(
-           "OLD", options->oldResult,
-           "result.csv of the older run or the folder that holds it, - for standard input; "
-           "of the only one with --baseline")
-        ->required()
-        ->type_name("");
-    app->add_option("NEW", options->newResult, "The same of the newer run; none with --baseline")
-        ->type_name("");
-    app->add_option("--baseline", options->baseline,
-                    "A kept run instead of OLD: the name of a baseline, or digits of its hash")
-        ->type_name("NAME");
-    AddStoreOption(*app, options->store);
-    app->add_option("--tolerance", options->tolerance, "Changes of up to so many dB are none")
-        ->type_name("DB")
-        ->capture_default_str();
-    app->add_option("--junit", options->junit, "Write a JUnit report, - for standard output")
-        ->type_name("FILE");
-    app->add_option("--json", options->json, "Write all as JSON, - for standard output")
-        ->type_name("FILE");
-    app->add_option("--html", options->html, "Write an HTML page, - for standard output")
-        ->type_name("FILE");
-    app->add_option("--group-by", options->groupBy,
-                    "Show shifts by bench, device or attempt, and not by band and rate")
-        ->type_name("PART");
-    app->footer("Exit code: 0 alike, 1 different or a run that ended early, 2 wrong usage, a file "
-                "that cannot be read or written, or two runs without any power.");
+    app.Add("OLD", options->oldResult,
+            "result.csv of the older run or the folder that holds it, - for standard input; "
+            "of the only one with --baseline")
+        .Required()
+        .TypeName("");
+    app.Add("NEW", options->newResult, "The same of the newer run; none with --baseline")
+        .TypeName("");
+    app.Add("--baseline", options->baseline,
+            "A kept run instead of OLD: the name of a baseline, or digits of its hash")
+        .TypeName("NAME");
+    AddStoreOption(app, options->store);
+    app.Add("--tolerance", options->tolerance, "Changes of up to so many dB are none")
+        .TypeName("DB")
+        .ShowDefault();
+    app.Add("--junit", options->junit, "Write a JUnit report, - for standard output")
+        .TypeName("FILE");
+    app.Add("--json", options->json, "Write all as JSON, - for standard output").TypeName("FILE");
+    app.Add("--html", options->html, "Write an HTML page, - for standard output").TypeName("FILE");
+    app.Add("--group-by", options->groupBy,
+            "Show shifts by bench, device or attempt, and not by band and rate")
+        .TypeName("PART");
+    app.Footer("Exit code: 0 alike, 1 different or a run that ended early, 2 wrong usage, a file "
+               "that cannot be read or written, or two runs without any power.");
     return {app, [options](Surroundings& surroundings) { return Compare(*options, surroundings); }};
 }
 

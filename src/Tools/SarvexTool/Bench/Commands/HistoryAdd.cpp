@@ -10,10 +10,6 @@
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 #include "Tools/SarvexTool/Bench/Output/ShownTime.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
@@ -162,35 +158,33 @@ private:
 
 } // namespace
 
-Command AddHistoryAdd(CLI::App& history) {
-    CLI::App* const app = history.add_subcommand("add", "Keep runs");
+Command AddHistoryAdd(Options history) {
+    const Options app = history.AddSubcommand("add", "Keep runs");
     const auto arguments = std::make_shared<AddArguments>();
-    app->add_option("RUN", arguments->runs,
-                    "Run directories, or results of the client: result.csv or the folder that "
-                    "holds it")
-        ->required()
-        ->type_name("");
-    AddStoreOption(*app, arguments->store);
-    app->add_option("--bench", arguments->bench, "The bench, where the run does not tell it")
-        ->type_name("NAME");
-    app->add_option("--device", arguments->device, "The device, where the run does not tell it")
-        ->type_name("NAME");
-    app->add_option("--firmware", arguments->firmware,
-                    "The device's firmware, where the run does not tell it")
-        ->type_name("TEXT");
-    app->add_option("--note", arguments->note, "What else there is to say of the runs")
-        ->type_name("TEXT");
-    app->add_option("--measured", arguments->measured,
-                    "When a result was measured that does not tell it, in UTC, as "
-                    "2026-03-09T08:05:00Z; when the file was written without it")
-        ->type_name("TIME");
-    app->add_option("--limits", arguments->limits, "Judge the runs by these limits")
-        ->type_name("FILE");
-    app->add_flag("--partial", arguments->isPartial,
-                  "Keep runs that ended early, or whose last stop was not confirmed, too");
-    app->footer("Exit code: 0 all are kept, 2 wrong usage, a run that goes on, ended early or "
-                "cannot be read or is kept with something else said of it, or a store that cannot "
-                "be written.");
+    app.Add("RUN", arguments->runs,
+            "Run directories, or results of the client: result.csv or the folder that "
+            "holds it")
+        .Required()
+        .TypeName("");
+    AddStoreOption(app, arguments->store);
+    app.Add("--bench", arguments->bench, "The bench, where the run does not tell it")
+        .TypeName("NAME");
+    app.Add("--device", arguments->device, "The device, where the run does not tell it")
+        .TypeName("NAME");
+    app.Add("--firmware", arguments->firmware,
+            "The device's firmware, where the run does not tell it")
+        .TypeName("TEXT");
+    app.Add("--note", arguments->note, "What else there is to say of the runs").TypeName("TEXT");
+    app.Add("--measured", arguments->measured,
+            "When a result was measured that does not tell it, in UTC, as "
+            "2026-03-09T08:05:00Z; when the file was written without it")
+        .TypeName("TIME");
+    app.Add("--limits", arguments->limits, "Judge the runs by these limits").TypeName("FILE");
+    app.AddFlag("--partial", arguments->isPartial,
+                "Keep runs that ended early, or whose last stop was not confirmed, too");
+    app.Footer("Exit code: 0 all are kept, 2 wrong usage, a run that goes on, ended early or "
+               "cannot be read or is kept with something else said of it, or a store that cannot "
+               "be written.");
     return {app, [arguments](Surroundings& surroundings) {
                 return RunAdder(*arguments, surroundings).AddAll();
             }};

@@ -5,10 +5,6 @@
 #include "Tools/SarvexTool/Bench/Output/HistoryText.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <memory>
 #include <optional>
 #include <string>
@@ -96,54 +92,53 @@ int Show(const ShowArguments& arguments, Surroundings& surroundings) {
     return ExitCode::Fine;
 }
 
-Command AddSet(CLI::App& baseline) {
-    CLI::App* const app = baseline.add_subcommand("set", "Name a kept run as a baseline");
+Command AddSet(Options baseline) {
+    const Options app = baseline.AddSubcommand("set", "Name a kept run as a baseline");
     const auto arguments = std::make_shared<SetArguments>();
-    app->add_option("NAME", arguments->name, "Its name; the run that had it has it no longer")
-        ->required()
-        ->type_name("");
-    app->add_option("RUN", arguments->run,
-                    "The first digits of its hash, at least 4, or the name of a baseline")
-        ->required()
-        ->type_name("");
-    AddStoreOption(*app, arguments->store);
-    app->footer("Exit code: 0 named, 2 wrong usage, no such run, or a store that cannot be "
-                "written.");
+    app.Add("NAME", arguments->name, "Its name; the run that had it has it no longer")
+        .Required()
+        .TypeName("");
+    app.Add("RUN", arguments->run,
+            "The first digits of its hash, at least 4, or the name of a baseline")
+        .Required()
+        .TypeName("");
+    AddStoreOption(app, arguments->store);
+    app.Footer("Exit code: 0 named, 2 wrong usage, no such run, or a store that cannot be "
+               "written.");
     return {app, [arguments](Surroundings& surroundings) { return Set(*arguments, surroundings); }};
 }
 
-Command AddRemove(CLI::App& baseline) {
-    CLI::App* const app =
-        baseline.add_subcommand("remove", "Take a name from its run, which stays kept");
+Command AddRemove(Options baseline) {
+    const Options app =
+        baseline.AddSubcommand("remove", "Take a name from its run, which stays kept");
     const auto arguments = std::make_shared<RemoveArguments>();
-    app->add_option("NAME", arguments->name, "Its name")->required()->type_name("");
-    AddStoreOption(*app, arguments->store);
-    app->footer("Exit code: 0 taken, 2 wrong usage, no such baseline, or a store that cannot be "
-                "written.");
+    app.Add("NAME", arguments->name, "Its name").Required().TypeName("");
+    AddStoreOption(app, arguments->store);
+    app.Footer("Exit code: 0 taken, 2 wrong usage, no such baseline, or a store that cannot be "
+               "written.");
     return {app,
             [arguments](Surroundings& surroundings) { return Remove(*arguments, surroundings); }};
 }
 
-Command AddShow(CLI::App& baseline) {
-    CLI::App* const app = baseline.add_subcommand("show", "Tell which runs are baselines");
+Command AddShow(Options baseline) {
+    const Options app = baseline.AddSubcommand("show", "Tell which runs are baselines");
     const auto arguments = std::make_shared<ShowArguments>();
-    app->add_option("NAME", arguments->name, "Only the one of that name")->type_name("");
-    AddStoreOption(*app, arguments->store);
-    app->add_option("--json", arguments->json, "Write them as JSON, - for standard output")
-        ->type_name("FILE");
-    app->footer("Exit code: 0 told, 2 wrong usage, no such baseline, or a store that cannot be "
-                "read.");
+    app.Add("NAME", arguments->name, "Only the one of that name").TypeName("");
+    AddStoreOption(app, arguments->store);
+    app.Add("--json", arguments->json, "Write them as JSON, - for standard output")
+        .TypeName("FILE");
+    app.Footer("Exit code: 0 told, 2 wrong usage, no such baseline, or a store that cannot be "
+               "read.");
     return {app,
             [arguments](Surroundings& surroundings) { return Show(*arguments, surroundings); }};
 }
 
 } // namespace
 
-Command AddHistoryBaseline(CLI::App& history) {
-    CLI::App* const app =
-        history.add_subcommand("baseline", "Name runs that others are held against");
-    app->footer("SarvexToolBench history baseline SUBCOMMAND --help tells of each.");
-    return GroupOf(*app, {AddSet(*app), AddShow(*app), AddRemove(*app)});
+Command AddHistoryBaseline(Options history) {
+    const Options app = history.AddSubcommand("baseline", "Name runs that others are held against");
+    app.Footer("SarvexToolBench history baseline SUBCOMMAND --help tells of each.");
+    return GroupOf(app, {AddSet(app), AddShow(app), AddRemove(app)});
 }
 
 } // namespace Bench

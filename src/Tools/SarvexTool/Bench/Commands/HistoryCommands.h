@@ -7,33 +7,33 @@
 namespace Bench {
 
 /// history add RUN...: keeps runs.
-Command AddHistoryAdd(CLI::App& history);
+Command AddHistoryAdd(Options history);
 
 /// history list: tells which runs are kept.
-Command AddHistoryList(CLI::App& history);
+Command AddHistoryList(Options history);
 
 /// history show RUN: tells all of a kept run.
-Command AddHistoryShow(CLI::App& history);
+Command AddHistoryShow(Options history);
 
 /// history export RUN -o DIR: writes the files of a kept run as they were.
-Command AddHistoryExport(CLI::App& history);
+Command AddHistoryExport(Options history);
 
 /// history remove RUN...: removes kept runs.
-Command AddHistoryRemove(CLI::App& history);
+Command AddHistoryRemove(Options history);
 
 /// history check: tells whether all is as it was kept.
-Command AddHistoryCheck(CLI::App& history);
+Command AddHistoryCheck(Options history);
 
 /// history baseline set|show: names runs that others are held against.
-Command AddHistoryBaseline(CLI::App& history);
+Command AddHistoryBaseline(Options history);
 
 /// history trend: follows the benches over time, and tells which one drifts.
-Command AddHistoryTrend(CLI::App& history);
+Command AddHistoryTrend(Options history);
 
 /// history report -o FILE: shows the kept runs and their benches as one HTML page.
-Command AddHistoryReport(CLI::App& history);
+Command AddHistoryReport(Options history);
 
 /// A subcommand that needs one of its own subcommands.
-Command GroupOf(CLI::App& app, std::vector<Command> commands);
+Command GroupOf(Options app, std::vector<Command> commands);
 
 } // namespace Bench

@@ -7,10 +7,6 @@
 #include "Tools/SarvexTool/Bench/History/Database.h"
 #include "Tools/SarvexTool/Bench/History/Migrations.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <chrono>
 #include <stdexcept>
 #include <utility>
@@ -83,29 +79,29 @@ void RequireDistinctFiles(const std::vector<std::string>& inputs,
     RequireDistinctFiles(files, outputs);
 }
 
-void AddStoreOption(CLI::App& app, std::optional<std::string>& store) {
-    app.add_option("--store", store,
-                   "Where runs are kept: a file, or postgresql://HOST/DATABASE. Without it "
-                   "$SARVEXTOOL_STORE, or a file in the user's folder for data")
-        ->type_name("STORE");
+void AddStoreOption(Options app, std::optional<std::string>& store) {
+    app.Add("--store", store,
+            "Where runs are kept: a file, or postgresql://HOST/DATABASE. Without it "
+            "$SARVEXTOOL_STORE, or a file in the user's folder for data")
+        .TypeName("STORE");
 }
 
-void AddFilterOptions(CLI::App& app, FilterArguments& arguments) {
-    app.add_option("--since", arguments.since,
-                   "Runs measured then or later, as 2026-03-09 or "
-                   "2026-03-09T08:05:00Z")
-        ->type_name("TIME");
-    app.add_option("--until", arguments.until, "Runs measured then or before; a day counts whole")
-        ->type_name("TIME");
-    app.add_option("--bench", arguments.bench,
-                   "Runs measured on that bench; unknown: those of which nothing tells it")
-        ->type_name("NAME");
-    app.add_option("--device", arguments.device, "Runs of that device")->type_name("NAME");
-    app.add_option("--firmware", arguments.firmware, "Runs with that firmware")->type_name("TEXT");
-    app.add_option("--file", arguments.file, "Runs of a test file of that name, without folders")
-        ->type_name("NAME");
-    app.add_option("--verdict", arguments.verdict, "Runs judged so: pass, fail or \"not judged\"")
-        ->type_name("VERDICT");
+void AddFilterOptions(Options app, FilterArguments& arguments) {
+    app.Add("--since", arguments.since,
+            "Runs measured then or later, as 2026-03-09 or "
+            "2026-03-09T08:05:00Z")
+        .TypeName("TIME");
+    app.Add("--until", arguments.until, "Runs measured then or before; a day counts whole")
+        .TypeName("TIME");
+    app.Add("--bench", arguments.bench,
+            "Runs measured on that bench; unknown: those of which nothing tells it")
+        .TypeName("NAME");
+    app.Add("--device", arguments.device, "Runs of that device").TypeName("NAME");
+    app.Add("--firmware", arguments.firmware, "Runs with that firmware").TypeName("TEXT");
+    app.Add("--file", arguments.file, "Runs of a test file of that name, without folders")
+        .TypeName("NAME");
+    app.Add("--verdict", arguments.verdict, "Runs judged so: pass, fail or \"not judged\"")
+        .TypeName("VERDICT");
 }
 
 RunFilter FilterOf(const FilterArguments& arguments) {

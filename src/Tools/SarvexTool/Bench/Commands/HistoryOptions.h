@@ -31,7 +31,7 @@ void RequireDistinctFiles(const std::vector<std::string>& inputs,
                           const std::vector<std::string>& outputs,
                           const std::optional<std::string>& store);
 
-void AddStoreOption(CLI::App& app, std::optional<std::string>& store);
+void AddStoreOption(Options app, std::optional<std::string>& store);
 
 /// Which runs are meant, as the options say it.
 struct FilterArguments {
@@ -44,7 +44,7 @@ struct FilterArguments {
     std::optional<std::string> verdict;
 };
 
-void AddFilterOptions(CLI::App& app, FilterArguments& arguments);
+void AddFilterOptions(Options app, FilterArguments& arguments);
 
 /// Throws WrongUsage.
 RunFilter FilterOf(const FilterArguments& arguments);

@@ -9,10 +9,6 @@
 #include "Tools/SarvexTool/Bench/Output/Phrases.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <algorithm>
 #include <memory>
 #include <optional>
@@ -156,65 +152,62 @@ constexpr const char* runHelp =
 
 } // namespace
 
-Command AddHistoryList(CLI::App& history) {
-    CLI::App* const app = history.add_subcommand("list", "Tell which runs are kept");
+Command AddHistoryList(Options history) {
+    const Options app = history.AddSubcommand("list", "Tell which runs are kept");
     const auto arguments = std::make_shared<ListArguments>();
-    AddStoreOption(*app, arguments->store);
-    AddFilterOptions(*app, arguments->filter);
-    app->add_option("--json", arguments->json, "Write all as JSON, - for standard output")
-        ->type_name("FILE");
-    app->footer("Exit code: 0 told, 2 wrong usage, or a store that cannot be read.");
+    AddStoreOption(app, arguments->store);
+    AddFilterOptions(app, arguments->filter);
+    app.Add("--json", arguments->json, "Write all as JSON, - for standard output").TypeName("FILE");
+    app.Footer("Exit code: 0 told, 2 wrong usage, or a store that cannot be read.");
     return {app,
             [arguments](Surroundings& surroundings) { return List(*arguments, surroundings); }};
 }
 
-Command AddHistoryShow(CLI::App& history) {
-    CLI::App* const app = history.add_subcommand("show", "Tell all of a kept run");
+Command AddHistoryShow(Options history) {
+    const Options app = history.AddSubcommand("show", "Tell all of a kept run");
     const auto arguments = std::make_shared<ShowArguments>();
-    app->add_option("RUN", arguments->run, runHelp)->required()->type_name("");
-    AddStoreOption(*app, arguments->store);
-    app->add_option("--json", arguments->json, "Write all as JSON, - for standard output")
-        ->type_name("FILE");
-    app->footer("Exit code: 0 told, 2 wrong usage, no such run, or a store that cannot be read.");
+    app.Add("RUN", arguments->run, runHelp).Required().TypeName("");
+    AddStoreOption(app, arguments->store);
+    app.Add("--json", arguments->json, "Write all as JSON, - for standard output").TypeName("FILE");
+    app.Footer("Exit code: 0 told, 2 wrong usage, no such run, or a store that cannot be read.");
     return {app,
             [arguments](Surroundings& surroundings) { return Show(*arguments, surroundings); }};
 }
 
-Command AddHistoryExport(CLI::App& history) {
-    CLI::App* const app =
-        history.add_subcommand("export", "Write the files of a kept run as they were");
+Command AddHistoryExport(Options history) {
+    const Options app =
+        history.AddSubcommand("export", "Write the files of a kept run as they were");
     const auto arguments = std::make_shared<ExportArguments>();
-    app->add_option("RUN", arguments->run, runHelp)->required()->type_name("");
-    app->add_option("-o,--output", arguments->output,
-                    "Folder for the files, one that is not there yet")
-        ->required()
-        ->type_name("DIR");
-    AddStoreOption(*app, arguments->store);
-    app->footer("Exit code: 0 written, 2 wrong usage, no such run, a store that cannot be read, or "
-                "a folder that cannot be written.");
+    app.Add("RUN", arguments->run, runHelp).Required().TypeName("");
+    app.Add("-o,--output", arguments->output, "Folder for the files, one that is not there yet")
+        .Required()
+        .TypeName("DIR");
+    AddStoreOption(app, arguments->store);
+    app.Footer("Exit code: 0 written, 2 wrong usage, no such run, a store that cannot be read, or "
+               "a folder that cannot be written.");
     return {app,
             [arguments](Surroundings& surroundings) { return Export(*arguments, surroundings); }};
 }
 
-Command AddHistoryRemove(CLI::App& history) {
-    CLI::App* const app = history.add_subcommand("remove", "Remove kept runs");
+Command AddHistoryRemove(Options history) {
+    const Options app = history.AddSubcommand("remove", "Remove kept runs");
     const auto arguments = std::make_shared<RemoveArguments>();
-    app->add_option("RUN", arguments->runs, runHelp)->required()->type_name("");
-    AddStoreOption(*app, arguments->store);
-    app->add_flag("--yes", arguments->isSure, "Do not ask");
-    app->add_flag("--force", arguments->withBaselines, "Remove baselines, too");
-    app->footer("Exit code: 0 removed, 1 not all, because somebody said no, 2 wrong usage, no such "
-                "run, a baseline, or a store that cannot be written.");
+    app.Add("RUN", arguments->runs, runHelp).Required().TypeName("");
+    AddStoreOption(app, arguments->store);
+    app.AddFlag("--yes", arguments->isSure, "Do not ask");
+    app.AddFlag("--force", arguments->withBaselines, "Remove baselines, too");
+    app.Footer("Exit code: 0 removed, 1 not all, because somebody said no, 2 wrong usage, no such "
+               "run, a baseline, or a store that cannot be written.");
     return {app,
             [arguments](Surroundings& surroundings) { return Remove(*arguments, surroundings); }};
 }
 
-Command AddHistoryCheck(CLI::App& history) {
-    CLI::App* const app = history.add_subcommand("check", "Tell whether all is as it was kept");
+Command AddHistoryCheck(Options history) {
+    const Options app = history.AddSubcommand("check", "Tell whether all is as it was kept");
     const auto store = std::make_shared<std::optional<std::string>>();
-    AddStoreOption(*app, *store);
-    app->footer("Exit code: 0 all is as it was kept, 1 something is not, 2 wrong usage, or a store "
-                "that cannot be read.");
+    AddStoreOption(app, *store);
+    app.Footer("Exit code: 0 all is as it was kept, 1 something is not, 2 wrong usage, or a store "
+               "that cannot be read.");
     return {app, [store](Surroundings& surroundings) { return Check(*store, surroundings); }};
 }
 

@@ -10,10 +10,6 @@
 #include "Tools/SarvexTool/Bench/Output/TrendJson.h"
 #include "Tools/SarvexTool/Bench/Output/TrendText.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <array>
 #include <memory>
 #include <optional>
@@ -183,29 +179,28 @@ int Overview(const TrendArguments& arguments, Surroundings& surroundings) {
     return ExitCode::Fine;
 }
 
-void AddOptions(CLI::App& app, TrendArguments& arguments) {
+void AddOptions(Options app, TrendArguments& arguments) {
     AddStoreOption(app, arguments.store);
     AddFilterOptions(app, arguments.filter);
-    app.add_option("--limits", arguments.limits,
-                   "Count the powers that are out of these limits, - for standard input")
-        ->type_name("FILE");
+    app.Add("--limits", arguments.limits,
+            "Count the powers that are out of these limits, - for standard input")
+        .TypeName("FILE");
 }
 
 } // namespace
 
-Command AddHistoryTrend(CLI::App& history) {
-    CLI::App* const app =
-        history.add_subcommand("trend", "Follow the benches over time, and tell which one drifts");
+Command AddHistoryTrend(Options history) {
+    const Options app =
+        history.AddSubcommand("trend", "Follow the benches over time, and tell which one drifts");
     const auto arguments = std::make_shared<TrendArguments>();
-    app->add_option("SETTING", arguments->words,
-                    "Only measurements with that setting, as Band=5 or Chain=A")
-        ->type_name("");
-    AddOptions(*app, *arguments);
-    app->add_option("--html", arguments->html, "Write an HTML page, - for standard output")
-        ->type_name("FILE");
-    app->add_option("--json", arguments->json, "Write all as JSON, - for standard output")
-        ->type_name("FILE");
-    app->footer(
+    app.Add("SETTING", arguments->words,
+            "Only measurements with that setting, as Band=5 or Chain=A")
+        .TypeName("");
+    AddOptions(app, *arguments);
+    app.Add("--html", arguments->html, "Write an HTML page, - for standard output")
+        .TypeName("FILE");
+    app.Add("--json", arguments->json, "Write all as JSON, - for standard output").TypeName("FILE");
+    app.Footer(
         "Exit code: 0 no bench drifts now, 1 a bench drifts, a power is out of its limits or missing "
         "in a bench's last run, no power has a limit of those given, or what is kept does not tell "
         "(too few runs, devices mixed, nothing shared, not followed, erratic), 2 wrong usage, a store or a file that cannot be "
@@ -215,17 +210,17 @@ Command AddHistoryTrend(CLI::App& history) {
             }};
 }
 
-Command AddHistoryReport(CLI::App& history) {
-    CLI::App* const app =
-        history.add_subcommand("report", "Show the kept runs and their benches as one HTML page");
+Command AddHistoryReport(Options history) {
+    const Options app =
+        history.AddSubcommand("report", "Show the kept runs and their benches as one HTML page");
     const auto arguments = std::make_shared<TrendArguments>();
     arguments->html.emplace();
-    app->add_option("-o,--output", *arguments->html, "The page to write, - for standard output")
-        ->required()
-        ->type_name("FILE");
-    AddOptions(*app, *arguments);
-    app->footer("Exit code: 0 the page is written, whatever it tells, 2 wrong usage, a store or a "
-                "file that cannot be read, or a file that cannot be written.");
+    app.Add("-o,--output", *arguments->html, "The page to write, - for standard output")
+        .Required()
+        .TypeName("FILE");
+    AddOptions(app, *arguments);
+    app.Footer("Exit code: 0 the page is written, whatever it tells, 2 wrong usage, a store or a "
+               "file that cannot be read, or a file that cannot be written.");
     return {app,
             [arguments](Surroundings& surroundings) { return Overview(*arguments, surroundings); }};
 }

@@ -10,10 +10,6 @@
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/Text.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <array>
 #include <memory>
 #include <optional>
@@ -61,28 +57,26 @@ int Judge(const JudgeOptions& options, Surroundings& surroundings) {
 
 } // namespace
 
-Command AddJudge(CLI::App& program) {
-    CLI::App* const app =
-        program.add_subcommand("judge", "Hold the measurements of a run against limits");
+Command AddJudge(Options program) {
+    const Options app =
+        program.AddSubcommand("judge", "Hold the measurements of a run against limits");
     const auto options = std::make_shared<JudgeOptions>();
-    app->add_option("RESULT", options->result,
-                    "result.csv or the folder that holds it, - for standard input")
-        ->required()
-        ->type_name("");
-    app->add_option("--limits", options->limits, "Table of limits, - for standard input")
-        ->required()
-        ->type_name("FILE");
-    app->add_option("--junit", options->junit, "Write a JUnit report, - for standard output")
-        ->type_name("FILE");
-    app->add_option("--json", options->json, "Write all as JSON, - for standard output")
-        ->type_name("FILE");
-    app->add_option("--csv", options->csv, "Write a table for spreadsheets, - for standard output")
-        ->type_name("FILE");
-    app->add_option("--group-by", options->groupBy,
-                    "Count by bench, device or attempt, and not by band")
-        ->type_name("PART");
-    app->footer("Exit code: 0 all pass, 1 something did not pass, 2 wrong usage, or a file that "
-                "cannot be read or written.");
+    app.Add("RESULT", options->result,
+            "result.csv or the folder that holds it, - for standard input")
+        .Required()
+        .TypeName("");
+    app.Add("--limits", options->limits, "Table of limits, - for standard input")
+        .Required()
+        .TypeName("FILE");
+    app.Add("--junit", options->junit, "Write a JUnit report, - for standard output")
+        .TypeName("FILE");
+    app.Add("--json", options->json, "Write all as JSON, - for standard output").TypeName("FILE");
+    app.Add("--csv", options->csv, "Write a table for spreadsheets, - for standard output")
+        .TypeName("FILE");
+    app.Add("--group-by", options->groupBy, "Count by bench, device or attempt, and not by band")
+        .TypeName("PART");
+    app.Footer("Exit code: 0 all pass, 1 something did not pass, 2 wrong usage, or a file that "
+               "cannot be read or written.");
     return {app, [options](Surroundings& surroundings) { return Judge(*options, surroundings); }};
 }
 

@@ -15,10 +15,6 @@
 #include "Tools/SarvexTool/Bench/Output/Phrases.h"
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
@@ -274,23 +270,23 @@ int Merge(const MergeOptions& options, Surroundings& surroundings) {
 
 } // namespace
 
-Command AddMerge(CLI::App& program) {
-    CLI::App* const app =
-        program.add_subcommand("merge", "Put the runs of a plan's chunks together as one run");
+Command AddMerge(Options program) {
+    const Options app =
+        program.AddSubcommand("merge", "Put the runs of a plan's chunks together as one run");
     const auto options = std::make_shared<MergeOptions>();
-    app->add_option("DIR", options->input,
-                    "The folder that split has made, with the runs in its folder runs; or its "
-                    "manifest")
-        ->required()
-        ->type_name("");
-    app->add_option("-o,--output", options->output, "Folder for the run, one that is not there yet")
-        ->required()
-        ->type_name("RUN");
-    app->add_flag("--partial", options->isPartial,
-                  "Take what is there; the other lines are marked as not run");
-    app->footer("Exit code: 0 all measured, 1 something was not, 2 wrong usage, a chunk whose "
-                "complete run is missing or not the only one, a run of something else, or a file "
-                "that is wrong or cannot be read or written.");
+    app.Add("DIR", options->input,
+            "The folder that split has made, with the runs in its folder runs; or its "
+            "manifest")
+        .Required()
+        .TypeName("");
+    app.Add("-o,--output", options->output, "Folder for the run, one that is not there yet")
+        .Required()
+        .TypeName("RUN");
+    app.AddFlag("--partial", options->isPartial,
+                "Take what is there; the other lines are marked as not run");
+    app.Footer("Exit code: 0 all measured, 1 something was not, 2 wrong usage, a chunk whose "
+               "complete run is missing or not the only one, a run of something else, or a file "
+               "that is wrong or cannot be read or written.");
     return {app, [options](Surroundings& surroundings) { return Merge(*options, surroundings); }};
 }
 

@@ -9,10 +9,6 @@
 #include "Tools/SarvexTool/Bench/Files/ResultFile.h"
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <array>
 #include <memory>
 #include <optional>
@@ -129,29 +125,28 @@ int Report(const ReportOptions& options, Surroundings& surroundings) {
 
 } // namespace
 
-Command AddReport(CLI::App& program) {
-    CLI::App* const app = program.add_subcommand("report", "Show a run as one HTML page");
+Command AddReport(Options program) {
+    const Options app = program.AddSubcommand("report", "Show a run as one HTML page");
     const auto options = std::make_shared<ReportOptions>();
-    app->add_option("RESULT", options->result,
-                    "result.csv or the folder that holds it, - for standard input")
-        ->required()
-        ->type_name("");
-    app->add_option("--limits", options->limits, "Table of limits, - for standard input")
-        ->type_name("FILE");
-    app->add_option("--baseline", options->baseline,
-                    "result.csv of another run to hold this one against, or its folder; or a "
-                    "kept run: the name of a baseline, or digits of its hash. With --store always "
-                    "a kept run")
-        ->type_name("RESULT");
-    AddStoreOption(*app, options->store);
-    app->add_option("-o,--output", options->output, "The page to write, - for standard output")
-        ->required()
-        ->type_name("FILE.html");
-    app->add_option("--group-by", options->groupBy,
-                    "What the table of benches is by: bench, device or attempt")
-        ->type_name("PART");
-    app->footer("Exit code: 0 the page is written, whatever the verdict, 2 wrong usage, or a file "
-                "that cannot be read or written.");
+    app.Add("RESULT", options->result,
+            "result.csv or the folder that holds it, - for standard input")
+        .Required()
+        .TypeName("");
+    app.Add("--limits", options->limits, "Table of limits, - for standard input").TypeName("FILE");
+    app.Add("--baseline", options->baseline,
+            "result.csv of another run to hold this one against, or its folder; or a "
+            "kept run: the name of a baseline, or digits of its hash. With --store always "
+            "a kept run")
+        .TypeName("RESULT");
+    AddStoreOption(app, options->store);
+    app.Add("-o,--output", options->output, "The page to write, - for standard output")
+        .Required()
+        .TypeName("FILE.html");
+    app.Add("--group-by", options->groupBy,
+            "What the table of benches is by: bench, device or attempt")
+        .TypeName("PART");
+    app.Footer("Exit code: 0 the page is written, whatever the verdict, 2 wrong usage, or a file "
+               "that cannot be read or written.");
     return {app, [options](Surroundings& surroundings) { return Report(*options, surroundings); }};
 }
 

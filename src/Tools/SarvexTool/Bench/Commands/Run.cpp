@@ -22,10 +22,6 @@
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 #include "Tools/SarvexTool/Bench/Run/RunSetup.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
@@ -299,7 +295,7 @@ int Resume(const RunArguments& arguments, Surroundings& surroundings) {
     return exitCode == ExitCode::Fine ? ExitCode::Failed : exitCode;
 }
 
-int Run(const CLI::App& app, const RunArguments& arguments, Surroundings& surroundings) {
+int Run(const Options app, const RunArguments& arguments, Surroundings& surroundings) {
     if (!arguments.file && !arguments.resume)
         throw WrongUsage("either TEST_FILE or --resume DIR is needed");
     if (arguments.file && arguments.resume)
@@ -308,9 +304,8 @@ int Run(const CLI::App& app, const RunArguments& arguments, Surroundings& surrou
         throw WrongUsage("--progress " + arguments.progress + " is neither text nor json");
     if (!arguments.resume)
         return RunNew(arguments, surroundings);
-    for (const CLI::Option* const option : app.get_options()) {
-        const std::string name = option->get_name();
-        if (option->count() > 0 && name != "--resume" && name != "--progress")
+    for (const std::string& name : app.Given()) {
+        if (name != "--resume" && name != "--progress")
             throw WrongUsage("--resume takes all options from the run; leave out " + name);
     }
     if (!surroundings.handedOn.empty())
@@ -318,81 +313,80 @@ int Run(const CLI::App& app, const RunArguments& arguments, Surroundings& surrou
     return Resume(arguments, surroundings);
 }
 
-void AddFileOptions(CLI::App& app, RunArguments& arguments) {
-    app.add_option("TEST_FILE", arguments.file, "Test file")->type_name("");
-    app.add_option("--resume", arguments.resume,
-                   "Go on with the run in DIR, with its options, after its last finished line")
-        ->type_name("DIR");
-    app.add_option("--out", arguments.out,
-                   "Folder for the run, one that holds no results; runs/NAME-DATE-TIME without it")
-        ->type_name("DIR");
-    app.add_option("--client", arguments.client, "Another client than the one beside this program")
-        ->type_name("PATH");
-    app.add_option("--limits", arguments.limits, "Hold each measurement against limits as it comes")
-        ->type_name("FILE");
-    app.add_flag("--fail-fast", arguments.failFast,
-                 "End the run after the first line that does not pass or has no power");
-    app.add_flag("--force", arguments.force, "Go on though the test file has errors");
-    app.add_option("--progress", arguments.progress,
-                   "text, or json: one JSON object a line on standard output")
-        ->type_name("KIND")
-        ->capture_default_str();
+void AddFileOptions(Options app, RunArguments& arguments) {
+    app.Add("TEST_FILE", arguments.file, "Test file").TypeName("");
+    app.Add("--resume", arguments.resume,
+            "Go on with the run in DIR, with its options, after its last finished line")
+        .TypeName("DIR");
+    app.Add("--out", arguments.out,
+            "Folder for the run, one that holds no results; runs/NAME-DATE-TIME without it")
+        .TypeName("DIR");
+    app.Add("--client", arguments.client, "Another client than the one beside this program")
+        .TypeName("PATH");
+    app.Add("--limits", arguments.limits, "Hold each measurement against limits as it comes")
+        .TypeName("FILE");
+    app.AddFlag("--fail-fast", arguments.failFast,
+                "End the run after the first line that does not pass or has no power");
+    app.AddFlag("--force", arguments.force, "Go on though the test file has errors");
+    app.Add("--progress", arguments.progress,
+            "text, or json: one JSON object a line on standard output")
+        .TypeName("KIND")
+        .ShowDefault();
 }
 
-void AddPlaceOptions(CLI::App& app, RunArguments& arguments) {
-    app.add_option("--bench", arguments.bench, "The bench's name, kept with the results")
-        ->type_name("NAME");
-    app.add_option("--device", arguments.device, "The device's name, kept with the results")
-        ->type_name("NAME");
-    app.add_option("--attempt", arguments.attempt,
-                   "Which attempt this is at the same lines, kept with the results")
-        ->type_name("N");
-    app.add_option("--firmware", arguments.firmware, "The device's firmware, kept with the results")
-        ->type_name("TEXT");
-    app.add_option("--note", arguments.note, "What else there is to say, kept with the results")
-        ->type_name("TEXT");
+void AddPlaceOptions(Options app, RunArguments& arguments) {
+    app.Add("--bench", arguments.bench, "The bench's name, kept with the results").TypeName("NAME");
+    app.Add("--device", arguments.device, "The device's name, kept with the results")
+        .TypeName("NAME");
+    app.Add("--attempt", arguments.attempt,
+            "Which attempt this is at the same lines, kept with the results")
+        .TypeName("N");
+    app.Add("--firmware", arguments.firmware, "The device's firmware, kept with the results")
+        .TypeName("TEXT");
+    app.Add("--note", arguments.note, "What else there is to say, kept with the results")
+        .TypeName("TEXT");
 }
 
-void AddKeepOptions(CLI::App& app, RunArguments& arguments) {
-    app.add_flag("--keep", arguments.keep, "Keep the run in the history when it is complete");
+void AddKeepOptions(Options app, RunArguments& arguments) {
+    app.AddFlag("--keep", arguments.keep, "Keep the run in the history when it is complete");
     AddStoreOption(app, arguments.store);
 }
 
-void AddDaemonOptions(CLI::App& app, RunArguments& arguments) {
-    app.add_option("--daemon", arguments.daemon,
-                   "The device's daemon. Without PORT the one in Socket.cfg beside this program")
-        ->type_name("HOST[:PORT]")
-        ->capture_default_str();
-    app.add_option("--answer-timeout", arguments.answerTimeout,
-                   "How long the daemon may be silent before an exchange is repeated")
-        ->type_name("SECONDS")
-        ->capture_default_str();
-    app.add_option("--retries", arguments.retries, "How often an exchange is repeated")
-        ->type_name("N")
-        ->capture_default_str();
-    app.add_option("--wait", arguments.wait, "How long to wait for a daemon that is gone")
-        ->type_name("SECONDS")
-        ->capture_default_str();
-    app.add_option("--stop-timeout", arguments.stopTimeout,
-                   "At the end, how long to wait for the last answer, and then for the stop")
-        ->type_name("SECONDS")
-        ->capture_default_str();
-    app.add_option("--segment", arguments.segment,
-                   "How many lines one start of the client runs; 500 without it, fewer where the "
-                   "system allows few open files")
-        ->type_name("LINES");
+void AddDaemonOptions(Options app, RunArguments& arguments) {
+    app.Add("--daemon", arguments.daemon,
+            "The device's daemon. Without PORT the one in Socket.cfg beside this program")
+        .TypeName("HOST[:PORT]")
+        .ShowDefault();
+    app.Add("--answer-timeout", arguments.answerTimeout,
+            "How long the daemon may be silent before an exchange is repeated")
+        .TypeName("SECONDS")
+        .ShowDefault();
+    app.Add("--retries", arguments.retries, "How often an exchange is repeated")
+        .TypeName("N")
+        .ShowDefault();
+    app.Add("--wait", arguments.wait, "How long to wait for a daemon that is gone")
+        .TypeName("SECONDS")
+        .ShowDefault();
+    app.Add("--stop-timeout", arguments.stopTimeout,
+            "At the end, how long to wait for the last answer, and then for the stop")
+        .TypeName("SECONDS")
+        .ShowDefault();
+    app.Add("--segment", arguments.segment,
+            "How many lines one start of the client runs; 500 without it, fewer where the "
+            "system allows few open files")
+        .TypeName("LINES");
 }
 
 } // namespace
 
-Command AddRun(CLI::App& program) {
-    CLI::App* const app = program.add_subcommand("run", "Run a power test under supervision");
+Command AddRun(Options program) {
+    const Options app = program.AddSubcommand("run", "Run a power test under supervision");
     const auto arguments = std::make_shared<RunArguments>();
-    AddFileOptions(*app, *arguments);
-    AddDaemonOptions(*app, *arguments);
-    AddPlaceOptions(*app, *arguments);
-    AddKeepOptions(*app, *arguments);
-    app->footer(
+    AddFileOptions(app, *arguments);
+    AddDaemonOptions(app, *arguments);
+    AddPlaceOptions(app, *arguments);
+    AddKeepOptions(app, *arguments);
+    app.Footer(
         "What follows -- is the client's own first command. Exit code: 0 complete and all measured "
         "or, with limits, passed; 1 complete, but something was not, or --keep could not keep "
         "it, or ended by --fail-fast; 2 "
@@ -400,7 +394,7 @@ Command AddRun(CLI::App& program) {
         "use; 3 ended early, to be resumed; 4 the last stop was not confirmed: the transmitter may "
         "be on.");
     return {app, [app, arguments](Surroundings& surroundings) {
-                return Run(*app, *arguments, surroundings);
+                return Run(app, *arguments, surroundings);
             }};
 }
 

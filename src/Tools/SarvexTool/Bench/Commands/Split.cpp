@@ -15,10 +15,6 @@
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <chrono>
 #include <filesystem>
 #include <memory>
@@ -112,21 +108,19 @@ int Split(const SplitOptions& options, Surroundings& surroundings) {
 
 } // namespace
 
-Command AddSplit(CLI::App& program) {
-    CLI::App* const app =
-        program.add_subcommand("split", "Cut a test file into chunks for several benches");
+Command AddSplit(Options program) {
+    const Options app =
+        program.AddSubcommand("split", "Cut a test file into chunks for several benches");
     const auto options = std::make_shared<SplitOptions>();
-    app->add_option("PLAN", options->plan, "Test file without errors")->required()->type_name("");
-    app->add_option("--lines", options->lines, "The most lines of a chunk")
-        ->required()
-        ->type_name("N");
-    app->add_option("-o,--output", options->output,
-                    "Folder for the chunks, one that holds neither chunks nor a manifest")
-        ->required()
-        ->type_name("DIR");
-    app->footer("In the chunks each line writes all settings out, so that it needs no line before "
-                "it. Exit code: 0 the chunks are written, 2 wrong usage, a file that has errors "
-                "or cannot be read or written, or a folder that is not free.");
+    app.Add("PLAN", options->plan, "Test file without errors").Required().TypeName("");
+    app.Add("--lines", options->lines, "The most lines of a chunk").Required().TypeName("N");
+    app.Add("-o,--output", options->output,
+            "Folder for the chunks, one that holds neither chunks nor a manifest")
+        .Required()
+        .TypeName("DIR");
+    app.Footer("In the chunks each line writes all settings out, so that it needs no line before "
+               "it. Exit code: 0 the chunks are written, 2 wrong usage, a file that has errors "
+               "or cannot be read or written, or a folder that is not free.");
     return {app, [options](Surroundings& surroundings) { return Split(*options, surroundings); }};
 }
 

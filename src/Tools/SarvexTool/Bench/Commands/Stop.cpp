@@ -9,10 +9,6 @@
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 #include "Tools/SarvexTool/Bench/Supervision/Answer.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
 #include <chrono>
 #include <cstdint>
 #include <exception>
@@ -96,17 +92,17 @@ void StopAhead(const DaemonAddress& address, double seconds, Surroundings& surro
     surroundings.out.stream.flush();
 }
 
-Command AddStop(CLI::App& program) {
-    CLI::App* const app = program.add_subcommand("stop", "Stop a device's transmission by hand");
+Command AddStop(Options program) {
+    const Options app = program.AddSubcommand("stop", "Stop a device's transmission by hand");
     const auto options = std::make_shared<StopOptions>();
-    app->add_option("--daemon", options->daemon,
-                    "The device's daemon. Without PORT the one in Socket.cfg beside this program")
-        ->type_name("HOST[:PORT]")
-        ->capture_default_str();
-    app->add_option("--stop-timeout", options->timeout, "How long the stop may take")
-        ->type_name("SECONDS")
-        ->capture_default_str();
-    app->footer("Exit code: 0 the daemon has confirmed the stop, 2 wrong usage, 4 it has not.");
+    app.Add("--daemon", options->daemon,
+            "The device's daemon. Without PORT the one in Socket.cfg beside this program")
+        .TypeName("HOST[:PORT]")
+        .ShowDefault();
+    app.Add("--stop-timeout", options->timeout, "How long the stop may take")
+        .TypeName("SECONDS")
+        .ShowDefault();
+    app.Footer("Exit code: 0 the daemon has confirmed the stop, 2 wrong usage, 4 it has not.");
     return {app, [options](Surroundings& surroundings) { return Stop(*options, surroundings); }};
 }
 

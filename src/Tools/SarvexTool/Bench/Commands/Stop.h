@@ -13,6 +13,6 @@ int StopByHand(const DaemonAddress& address, double seconds, Surroundings& surro
 void StopAhead(const DaemonAddress& address, double seconds, Surroundings& surroundings);
 
 /// Stops a device's transmission by hand.
-Command AddStop(CLI::App& program);
+Command AddStop(Options program);
 
 } // namespace Bench

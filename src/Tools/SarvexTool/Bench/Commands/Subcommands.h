@@ -7,27 +7,27 @@
 namespace Bench {
 
 /// check FILE...: tells all that is wrong with test files.
-Command AddCheck(CLI::App& program);
+Command AddCheck(Options program);
 
 /// compare OLD NEW: tells what differs between two runs.
-Command AddCompare(CLI::App& program);
+Command AddCompare(Options program);
 
 /// history SUBCOMMAND: keeps runs, and tells what is kept.
-Command AddHistory(CLI::App& program);
+Command AddHistory(Options program);
 
 /// judge RESULT --limits LIMITS: holds each measurement of a run against its limits.
-Command AddJudge(CLI::App& program);
+Command AddJudge(Options program);
 
 /// merge DIR -o RUN: puts the runs of a plan's chunks together as one run of the plan.
-Command AddMerge(CLI::App& program);
+Command AddMerge(Options program);
 
 /// report RESULT -o FILE.html: shows a run as one HTML page.
-Command AddReport(CLI::App& program);
+Command AddReport(Options program);
 
 /// run TEST_FILE: runs a power test under supervision, or goes on with one.
-Command AddRun(CLI::App& program);
+Command AddRun(Options program);
 
 /// split PLAN -o DIR: cuts a plan into chunks for several benches.
-Command AddSplit(CLI::App& program);
+Command AddSplit(Options program);
 
 } // namespace Bench
