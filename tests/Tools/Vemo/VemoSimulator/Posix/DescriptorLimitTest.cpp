@@ -8,6 +8,15 @@
 #include <thread>
 #include <vector>
 
+#ifdef __has_feature
+#if __has_feature(address_sanitizer)
+#define SARVEX_ADDRESS_SANITIZER
+#endif
+#endif
+#ifdef __SANITIZE_ADDRESS__
+#define SARVEX_ADDRESS_SANITIZER
+#endif
+
 namespace VemoSimulator {
 
 namespace {
@@ -77,20 +86,27 @@ std::string RunPowerTest(std::uint16_t port) {
     return run.out + run.err + bench.Read("result.csv") + bench.Read("result.xml");
 }
 
+class DescriptorLimitTest : public testing::Test {
+protected:
+    void SetUp() override {
+#ifdef SARVEX_ADDRESS_SANITIZER
+        GTEST_SKIP()
+            << "the sanitizers read the memory that they check through a pipe of their own, "
+               "and take it for damaged when they get none";
+#endif
+    }
+};
+
 } // namespace
 
-TEST(DescriptorLimitTest, DescriptorsComeBackWhenClientsClose) {
+TEST_F(DescriptorLimitTest, DescriptorsComeBackWhenClientsClose) {
     LimitedSimulator simulator;
     for (int number = 0; number < 50; ++number)
         EXPECT_THAT(Exchange(simulator.Port(), "CLI -1 "), testing::EndsWith("Done"));
     EXPECT_EQ(simulator.End().err, "");
 }
 
-TEST(DescriptorLimitTest, ConnectionsBeyondTheLimitWaitUntilOthersClose) {
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the sanitizers read the memory that they check through a pipe of their own, "
-                    "and take it for damaged when they get none";
-#endif
+TEST_F(DescriptorLimitTest, ConnectionsBeyondTheLimitWaitUntilOthersClose) {
     LimitedSimulator simulator;
     const std::uint16_t port = simulator.Port();
     {
@@ -107,7 +123,7 @@ TEST(DescriptorLimitTest, ConnectionsBeyondTheLimitWaitUntilOthersClose) {
     EXPECT_EQ(simulator.End().exitCode, 0);
 }
 
-TEST(DescriptorLimitTest, AnsweredConnectionsGiveWayToNewOnesAndTheirClientsSeeNothingOfIt) {
+TEST_F(DescriptorLimitTest, AnsweredConnectionsGiveWayToNewOnesAndTheirClientsSeeNothingOfIt) {
     LimitedSimulator simulator;
     std::vector<Peer> peers = ExchangeAndStay(simulator.Port());
     for (Peer& peer : peers) {
@@ -117,7 +133,7 @@ TEST(DescriptorLimitTest, AnsweredConnectionsGiveWayToNewOnesAndTheirClientsSeeN
     EXPECT_EQ(simulator.End().err, "");
 }
 
-TEST(DescriptorLimitTest, ALongPowerTestHasTheResultsThatItHasWithoutALimit) {
+TEST_F(DescriptorLimitTest, ALongPowerTestHasTheResultsThatItHasWithoutALimit) {
     RunningSimulator unlimited;
     const std::string expected = RunPowerTest(unlimited.Port());
     EXPECT_THAT(expected, testing::HasSubstr("\n5,99,1"));
@@ -126,7 +142,7 @@ TEST(DescriptorLimitTest, ALongPowerTestHasTheResultsThatItHasWithoutALimit) {
     EXPECT_EQ(limited.End().err, "");
 }
 
-TEST(DescriptorLimitTest, AConnectionThatGetsNoAnswerDoesNotGiveWay) {
+TEST_F(DescriptorLimitTest, AConnectionThatGetsNoAnswerDoesNotGiveWay) {
     LimitedSimulator simulator({"--fault", "1:no-answer"});
     Peer waiting(simulator.Port());
     waiting.SendCommand("CLI -1 ");
@@ -135,7 +151,7 @@ TEST(DescriptorLimitTest, AConnectionThatGetsNoAnswerDoesNotGiveWay) {
     EXPECT_EQ(simulator.End().err, "");
 }
 
-TEST(DescriptorLimitTest, AClientThatReadsLateGetsItsWholeAnswer) {
+TEST_F(DescriptorLimitTest, AClientThatReadsLateGetsItsWholeAnswer) {
     // The first fits into the system's buffers, the second does not.
     for (const std::size_t size : {200'000U, 30'000'000U}) {
         SCOPED_TRACE(size);
