@@ -409,7 +409,7 @@ tell_end_of_progress() {
 }
 
 end_jobs() {
-    [ -e "$dir/stopped" ] || printf '%s\n' "$ending" >"$dir/stopped" || true
+    [ -e "$dir/stopped" ] || printf '%s\n' "$ending" 2>/dev/null >"$dir/stopped" || true
     while engine_cancel; engine_look; [ "$jobs" -gt 0 ]; do
         pause
     done
@@ -505,8 +505,9 @@ measure() {
         settle_all
         find_missing
     fi
-    if [ -z "$ending" ] && [ ${#missing[@]} -gt 0 ] && engine_start "${missing[@]}"; then
-        watch_jobs
+    if [ -z "$ending" ] && [ ${#missing[@]} -gt 0 ]; then
+        # What has failed may have begun some all the same.
+        if engine_start "${missing[@]}"; then watch_jobs; else end_jobs; fi
         settle_all
         find_missing
     fi

@@ -170,6 +170,21 @@ class SlurmNotes(StopTest):
         self.note("bench1", self.devices[0].daemon)
         self.expect_open("bench1", self.devices[0].daemon, self.fast_sweep(plan))
 
+    def test_jobs_that_slurm_has_taken_and_not_confirmed_are_ended(self):
+        self.start_farm(2, latency=20)
+        # As sbatch does when the controller answers too late.
+        transmits = f"grep -q wifi-start '{self.devices[0].log_file}'"
+        self.put_before("sbatch", f"[[ $* = *--array* ]] || exec {shutil.which('sbatch')} \"$@\"\n"
+                                  f"{shutil.which('sbatch')} \"$@\"; until {transmits}; do sleep .1; done\n"
+                                  "echo 'sbatch: error: Batch job submission failed: Socket timed out' >&2; exit 1")
+        done = self.expect(2, self.sweep(self.write_plan(400), "--lines", "50"))
+        self.assertIn(" of 400 lines: Slurm has not accepted the jobs: ", done.stdout)
+        self.assertIn("sbatch: error: Batch job submission failed: Socket timed out", done.stdout)
+        self.assertEqual([], self.slurm.jobs())
+        self.assertEqual([], list(self.slurm.processes_of_jobs()))
+        self.assertLess(self.rows(), 200)
+        self.expect_all_off()
+
     def test_a_bench_of_another_host_is_stopped_by_a_job_there(self):
         self.start_farm(2)
         self.put_before("uname", "[ -z \"${SLURM_JOB_ID:-}\" ] || { echo node; exit; }")
