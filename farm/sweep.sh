@@ -205,8 +205,8 @@ open_folder() {
     printf 'process %s on %s\n' $$ "$(uname -n)" 2>/dev/null >"$dir/sweep.lock" || end_without_room
     [ ! -e "$dir/merged" ] || end_complete
     [ ! -e "$dir/manifest.json" ] || cmp -s "$plan" "$dir/plan.csv" ||
-        fail 2 "$plan has changed since the sweep in $dir was begun; go on with $dir/plan.csv," \
-            "or give another --out"
+        fail 2 "$plan has changed since the sweep in $dir was begun; go on with" \
+            "$(printf '%q --out %q' "$dir/plan.csv" "$dir"), or give another --out"
 }
 
 end_without_room() {

@@ -138,9 +138,11 @@ class Going(support.FarmTest):
         self.expect(3, self.finish(sweep))
         self.write_plan(41)
         done = self.expect(2, self.sweep(plan))
-        self.assertIn(f"{plan} has changed since the sweep in {self.sweep_folder()} was begun", done.stderr)
+        copy = self.sweep_folder() / "plan.csv"
+        self.assertEqual(f"sweep: {plan} has changed since the sweep in {self.sweep_folder()} was begun; go on with "
+                         f"{copy} --out {self.sweep_folder()}, or give another --out\n", done.stderr)
+        self.expect(0, self.sweep(copy, "--out", self.sweep_folder()))
         self.write_plan(40)
-        self.expect(0, self.sweep(plan))
         self.expect_whole_result(plan)
 
     def test_options_that_decide_what_is_measured_stay_those_of_the_chunks_that_are_complete(self):

@@ -284,6 +284,25 @@ class SlurmSweep(Sweeps, support.FarmTest):
         self.assertEqual(8, len(self.runs()))
         self.expect_all_off()
 
+    def test_jobs_are_found_again_when_the_plan_has_another_name(self):
+        plan = self.write_plan(400, "first.csv")
+        out = ["--out", self.sweep_folder("first")]
+        sweep = self.start_sweep(plan, "--lines", "50", *out)
+        self.halt_all()
+        sweep.kill()
+        sweep.wait()
+        copy = self.sweep_folder("first") / "plan.csv"
+        # A refused call leaves the benches to the jobs, which transmit.
+        done = self.expect(4, self.sweep(copy, *out, run_options=["--firmware", "2"]))
+        self.assertIn("chunks of this sweep were measured with other options of run", done.stderr)
+        next_call = self.start_sweep(copy, *out)
+        self.assertTrue(any("the jobs of an earlier call go on" in line for line in next_call.stderr))
+        os.killpg(next_call.pid, signal.SIGINT)
+        self.let_all_go_on()
+        self.expect(3, self.finish(next_call))
+        self.expect_nothing_left()
+        self.expect_all_off()
+
     def test_a_job_whose_script_is_killed_gives_its_bench_up_only_with_its_run(self):
         plan = self.write_plan(400)
         sweep = self.start_sweep(plan, "--lines", "50")
