@@ -440,7 +440,10 @@ stop_from_here() {
     local process stops
     begin_stops "$@"
     for process in ${stops[@]+"${stops[@]}"}; do
-        wait "$process" || true
+        # A signal ends a wait, but not the process.
+        while kill -0 "$process" 2>/dev/null; do
+            wait "$process" || true
+        done
     done
 }
 

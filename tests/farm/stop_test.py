@@ -2,6 +2,7 @@
 a stop, and each call that ends with one open has the code 4 and names the bench last."""
 import os
 import shutil
+import signal
 import subprocess
 import unittest
 
@@ -138,6 +139,22 @@ class Notes(StopTest):
         done = self.fast_sweep(plan)
         self.assertIn("a line needs NAME DAEMON DEVICE", done.stderr)
         self.expect_open("bench2", self.devices[1].daemon, done)
+
+    def test_ctrl_c_during_the_last_stop_waits_for_it(self):
+        self.start_devices(2)
+        self.write_table(bench1=self.devices[0])
+        slow = self.devices[1]
+        self.restart(slow, "--fault", "text=-wifi-stop:delay=4000")
+        self.note("bench2", slow.daemon)
+        plan = self.write_plan(12)
+        sweep = self.start_sweep(plan, run_options=["--stop-timeout", "20"])
+        self.assertTrue(any("stopping the transmissions of bench2" in line for line in sweep.stderr))
+        support.wait_until(slow.commands, "the stop has begun")
+        os.killpg(sweep.pid, signal.SIGINT)
+        done = self.expect(0, self.finish(sweep))
+        self.assertIn("stopping; this takes until all transmitters are off", done.stderr)
+        self.expect_stopped("bench2", slow)
+        self.expect_whole_result(plan)
 
     def test_the_last_stop_takes_the_time_that_the_runs_have_for_theirs(self):
         self.start_devices(2)
