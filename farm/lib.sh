@@ -50,7 +50,8 @@ is_complete() {
 }
 
 # settle DIR CHUNK: of the chunk's complete attempts one counts, the others go to DIR/surplus. An attempt that
-# is complete and has claimed nothing is one whose run-chunk was killed.
+# is complete and has claimed nothing is one whose run-chunk was killed. Where none can be made to count, all
+# stay, and this fails.
 settle() {
     local runs=$1/runs/$2 attempt number
     # The attempt that counted was taken away, to be measured again.
@@ -62,8 +63,8 @@ settle() {
         # As the name of a link it is made by one process alone, also over a network.
         ln -sT "$number" "$runs/claimed" 2>/dev/null || true
         [ "$(readlink "$runs/claimed")" != "$number" ] || continue
-        mkdir -p "$1/surplus"
-        mv -T "$attempt" "$1/surplus/$2-$number"
+        [ -L "$runs/claimed" ] || { say "the link $runs/claimed cannot be made"; return 1; }
+        mkdir -p "$1/surplus" && mv -T "$attempt" "$1/surplus/$2-$number" || return 1
     done
 }
 

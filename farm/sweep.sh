@@ -266,6 +266,13 @@ prepare_folder() {
     mkdir -p "$dir/log" "$dir/runs" "$dir/benches" && rm -f "$dir/stopped"
 }
 
+# By a link a run counts.
+require_links() {
+    ln -sfT . "$dir/link" 2>/dev/null ||
+        fail 3 "no symbolic link can be made in $dir, which a sweep needs; with links the same command goes on"
+    rm -f "$dir/link"
+}
+
 # Sets chunks, and lines_of by chunk.
 read_chunks() {
     local file count
@@ -289,14 +296,18 @@ find_missing() {
     done
 }
 
-# Attempts of jobs that were killed after they were complete, or that went on after they had been given up.
+# Attempts of jobs that were killed after they were complete, or that went on after they had been given up. Sets
+# ending where that cannot be done: what would be measured now would not count either.
 settle_all() {
     local chunk attempts
     for chunk in "${chunks[@]}"; do
         attempts=("$dir/runs/$chunk"/[1-9]*/)
         [ -d "${attempts[0]}" ] || [ -L "$dir/runs/$chunk/claimed" ] || continue
         if ! is_claimed "$dir" "$chunk" || [ ${#attempts[@]} -gt 1 ]; then
-            settle "$dir" "$chunk"
+            settle "$dir" "$chunk" || {
+                ending="complete runs cannot be made to count in $dir/runs"
+                return
+            }
         fi
     done
 }
@@ -540,6 +551,7 @@ run_sweep() {
     open_folder
     split_plan
     prepare_folder 2>/dev/null || end_without_room
+    require_links
     # Ctrl-C reaches the commands that this script has just started, too: none that ends is to end the script.
     set +e
     read_chunks

@@ -189,6 +189,38 @@ class Endings(support.FarmTest):
         self.expect_whole_result(plan)
         self.assertEqual(before, [device.commands() for device in self.devices])
 
+    def test_a_folder_without_links_is_told_before_anything_is_measured(self):
+        self.start_devices(2)
+        plan = self.write_plan(20)
+        path = self.environment["PATH"]
+        self.put_before("ln", "exit 1")
+        done = self.expect(3, self.sweep(plan))
+        self.assertTrue(done.stderr.endswith(f"sweep: no symbolic link can be made in {self.sweep_folder()}, which a "
+                                             "sweep needs; with links the same command goes on\n"), done.stderr)
+        for device in self.devices:
+            self.assertEqual([], device.commands())
+        self.environment["PATH"] = path
+        self.expect(0, self.sweep(plan))
+
+    def test_complete_runs_that_cannot_be_made_to_count_are_kept_until_they_can(self):
+        self.start_devices(2)
+        plan = self.write_plan(20)
+        path = self.environment["PATH"]
+        self.put_before("ln", "[[ ${!#} != */claimed ]] || exit 1")
+        done = self.expect(3, self.sweep(plan, "--lines", "10"))
+        runs = self.sweep_folder() / "runs"
+        self.assertIn(f"sweep: the link {runs}/chunk-0001/claimed cannot be made\n", done.stderr)
+        self.assertIn(f"after 0 of 20 lines: complete runs cannot be made to count in {runs}.\n", done.stdout)
+        self.assertEqual([runs / "chunk-0001/1", runs / "chunk-0002/1"], sorted(runs.glob("*/[0-9]")))
+        self.assertFalse((self.sweep_folder() / "surplus").exists())
+        self.assertEqual([], list(self.sweep_folder().glob("benches/*/failures")))
+        before = [device.commands() for device in self.devices]
+        self.expect(3, self.sweep(plan))
+        self.environment["PATH"] = path
+        self.expect(0, self.sweep(plan))
+        self.assertEqual(before, [device.commands() for device in self.devices])
+        self.expect_whole_result(plan)
+
     def test_runs_that_cannot_be_merged_are_wrong_input(self):
         self.start_devices(2)
         plan = self.write_plan(20)
