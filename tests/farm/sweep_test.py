@@ -208,6 +208,30 @@ class ParallelSweep(Sweeps, support.FarmTest):
                 self.expect_whole_result(plan, name)
 
 
+    def copy_farm(self, name):
+        farm = self.folder / name
+        shutil.copytree(support.ROOT / "farm", farm)
+        return farm
+
+    def sweep_of(self, farm, plan, *options, **more):
+        return subprocess.run([*more.get("by", ()), farm / "parallel/sweep", plan, "--table", self.table, *options,
+                               "--", "--client", support.CLIENT], cwd=more.get("cwd", self.folder),
+                              env=self.environment, stdin=subprocess.DEVNULL, capture_output=True, text=True,
+                              check=False, timeout=600)
+
+    def test_a_chunk_of_which_nothing_was_run_is_repeated(self):
+        farm = self.copy_farm("farm")
+        (farm / "run-chunk").rename(farm / "run-chunk.real")
+        # Its own failure, as where it cannot fork.
+        (farm / "run-chunk").write_text('#!/bin/sh\nmkdir "$1/$2-failed" 2>/dev/null && exit 1\n'
+                                        f'exec "{support.ROOT}/farm/run-chunk" "$@"\n')
+        (farm / "run-chunk").chmod(0o755)
+        plan = self.write_plan(20)
+        self.expect(0, self.sweep_of(farm, plan, "--lines", "5"))
+        self.expect_whole_result(plan)
+        self.assertEqual(4, len(list(self.sweep_folder().glob("*-failed"))))
+
+
 class SlurmSweep(Sweeps, support.FarmTest):
     engine = "slurm"
 
