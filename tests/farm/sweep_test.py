@@ -231,6 +231,12 @@ class ParallelSweep(Sweeps, support.FarmTest):
         self.expect_whole_result(plan)
         self.assertEqual(4, len(list(self.sweep_folder().glob("*-failed"))))
 
+    def test_it_works_from_a_folder_with_any_name(self):
+        farm = self.copy_farm("a farm; $HOME & 'more' \"than\" that {} {%}")
+        plan = self.write_plan(20)
+        self.expect(0, self.sweep_of(farm, plan))
+        self.expect_whole_result(plan)
+
 
 class SlurmSweep(Sweeps, support.FarmTest):
     engine = "slurm"
