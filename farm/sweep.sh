@@ -213,6 +213,11 @@ end_without_room() {
     fail 3 "there is no room in $dir, or no permission to write; with room the same command goes on"
 }
 
+# code_of_result: prints what the merged run ends with; nothing where there is none.
+code_of_result() {
+    sed -n 's/^  "exitCode": \([01]\),*$/\1/p' "$dir/merged/run.json" 2>/dev/null
+}
+
 # There is nothing to do, but for what an earlier call could not stop. Once that is stopped, the code is what that
 # call would have ended with.
 end_complete() {
@@ -222,7 +227,7 @@ end_complete() {
     if [ ${#open[@]} -gt 0 ]; then
         engine_adopt
         stop_transmissions
-        code=$(sed -n 's/^  "exitCode": \([01]\),*$/\1/p' "$dir/merged/run.json")
+        code=$(code_of_result)
     fi
     fail "${code:-2}" "this sweep is complete, its result is in $dir/merged; for a new one give another --out"
 }
@@ -239,7 +244,7 @@ lines_of_a_chunk() {
 }
 
 split_plan() {
-    local total count=${#benches[@]}
+    local total told count=${#benches[@]}
     [ ! -e "$dir/manifest.json" ] || {
         [ -z "$lines_wanted" ] || say "the sweep in $dir goes on with its chunks, as they are"
         return 0
@@ -248,12 +253,13 @@ split_plan() {
     total=$(($(grep -c '' "$plan" || true) - 1))
     [ "${benches_wanted:-$count}" -ge "$count" ] || count=$benches_wanted
     [ -n "$lines_wanted" ] || lines_wanted=$(lines_of_a_chunk "$total" "$count")
-    # Its estimate is for other numbers of benches than there are; the progress tells a better one.
-    "$program" split "$plan" --lines "$lines_wanted" -o "$dir" | sed 's/; about .* on 1 bench.*//' || {
+    told=$("$program" split "$plan" --lines "$lines_wanted" -o "$dir") || [ -e "$dir/manifest.json" ] || {
         [ -z "$interrupted" ] || exit 3
         has_room "$dir" || end_without_room
         exit 2
     }
+    # Its estimate is for other numbers of benches than there are; the progress tells a better one.
+    printf '%s\n' "${told%; about *}" 2>/dev/null || true
 }
 
 # What the jobs need. Some of an earlier call may go on and read the table.
@@ -467,23 +473,28 @@ tell_what_is_left() {
         printf '%s of %s chunks have no complete run.\n' ${#missing[@]} ${#chunks[@]}
         printf 'To go on with them:\n  %s\n' "${command% }"
         printf 'What there is can be merged:\n  SarvexToolBench merge %q -o RUN --partial\n' "$dir"
-    } || true
+    } 2>/dev/null || true
 }
 
 # tell_why_not_merged WHY
 tell_why_not_merged() {
     local command
     printf -v command '%q ' "${call[@]}"
-    printf 'All chunks are measured, and not merged: %s.\nTo merge them:\n  %s\n' "$1" "${command% }" || true
+    printf 'All chunks are measured, and not merged: %s.\nTo merge them:\n  %s\n' "$1" "${command% }" 2>/dev/null ||
+        true
 }
 
-# Sets code. The words of a merge tell whether it was refused, or could not write.
+# Sets code: that of the result, also where nobody has read what the merge printed. Without one the words of the
+# merge tell whether it was refused, or could not write.
 merge_runs() {
-    local words
+    local words result
     { words=$("$program" merge "$dir" -o "$dir/merged" 2>&1 >&7); } 7>&1
     code=$?
     [ -z "$words" ] || printf '%s\n' "$words" >&2 || true
-    if [ "$code" -gt 2 ]; then
+    result=$(code_of_result)
+    if [ -n "$result" ]; then
+        code=$result
+    elif [ "$code" -gt 2 ]; then
         if [ -n "$interrupted" ]; then words="it was interrupted"; else words="the merge died (code $code)"; fi
         tell_why_not_merged "$words"
         code=3
@@ -538,8 +549,16 @@ tell_result() {
     fi
 }
 
+# Files that commands open would take the place of what is closed.
+open_streams() {
+    [ -e /proc/self/fd/0 ] || exec </dev/null
+    [ -e /proc/self/fd/1 ] || exec >/dev/null
+    [ -e /proc/self/fd/2 ] || exec 2>/dev/null
+}
+
 run_sweep() {
     local code
+    open_streams
     refused='' ending='' over='' note='' jobs=0 busy=()
     read_arguments "$@"
     trap leave EXIT

@@ -189,6 +189,24 @@ class Endings(support.FarmTest):
         self.expect_whole_result(plan)
         self.assertEqual(before, [device.commands() for device in self.devices])
 
+    def test_output_that_nobody_reads_changes_neither_the_work_nor_the_code(self):
+        self.start_devices(2)
+        refused = "2.4,A,20,100,HE,MCS0,SISO,242,0,none\n"
+        for number, (script, more, code) in enumerate((('"$@" | true; exit ${PIPESTATUS[0]}', "", 0),
+                                                       ('"$@" | head -n 1; exit ${PIPESTATUS[0]}', refused, 1),
+                                                       ('"$@" >/dev/full', "", 0), ('"$@" >/dev/full', refused, 1),
+                                                       ('"$@" >&-', "", 0), ('"$@" >&- 2>&- <&-', refused, 1))):
+            with self.subTest(script):
+                plan = self.write_plan(12, f"plan{number}.csv")
+                plan.write_text(plan.read_text() + more)
+                done = subprocess.run(["bash", "-c", script, "bash", support.SWEEPS["parallel"], plan, "--table",
+                                       self.table, "--", "--client", support.CLIENT], env=self.environment,
+                                      cwd=self.folder, capture_output=True, text=True, check=False)
+                self.expect(code, done)
+                self.assertNotIn(".sh: line", done.stderr)
+                merged = self.sweep_folder(plan.stem) / "merged"
+                self.assertEqual(plan.read_bytes(), (merged / "test-file.csv").read_bytes())
+
     def test_a_folder_without_links_is_told_before_anything_is_measured(self):
         self.start_devices(2)
         plan = self.write_plan(20)
