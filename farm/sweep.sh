@@ -12,7 +12,7 @@
 # How long a run may take to stop its transmission, and a bench that is asked to.
 stop_seconds=90
 poll_seconds=1
-# What a merge says that could not write, in the system's words.
+# What a command says that could not write, in the system's words.
 cannot_write='No space left|[Qq]uota exceeded|File too large|Read-only file system|Permission denied|Input/output error'
 # Where standard error is no terminal.
 report_seconds=30
@@ -191,13 +191,16 @@ refuse_second_call() {
 # The sweep's folder, as one of this call alone. Its lock has who holds it, and the process that gives the jobs
 # out, where the jobs hold it too.
 open_folder() {
-    local holder jobs
+    local holder jobs words
     if [ ! -e "$dir/sweep.lock" ] && [ -n "$(ls -A "$dir" 2>/dev/null || true)" ]; then
         fail 2 "$dir is not empty, and not the folder of a sweep; choose another one by --out"
     fi
-    mkdir -p "$dir" 2>/dev/null || fail 2 "$dir cannot be made"
+    words=$(LC_ALL=C mkdir -p "$dir" 2>&1) || {
+        [[ ! ${words##*: } =~ $cannot_write ]] || end_without_room
+        fail 2 "$dir cannot be made"
+    }
     dir=$(realpath "$dir")
-    exec 8<>"$dir/sweep.lock" || fail 2 "there is no permission to write in $dir"
+    { exec 8<>"$dir/sweep.lock"; } 2>/dev/null || end_without_room
     { read -r holder; read -r jobs; } <&8 || true
     # A command of a call that was killed may outlive it for a moment.
     flock -w 2 8 || refuse_second_call "$holder" "$jobs"
@@ -253,11 +256,12 @@ split_plan() {
     total=$(($(grep -c '' "$plan" || true) - 1))
     [ "${benches_wanted:-$count}" -ge "$count" ] || count=$benches_wanted
     [ -n "$lines_wanted" ] || lines_wanted=$(lines_of_a_chunk "$total" "$count")
-    told=$("$program" split "$plan" --lines "$lines_wanted" -o "$dir") || [ -e "$dir/manifest.json" ] || {
-        [ -z "$interrupted" ] || exit 3
-        has_room "$dir" || end_without_room
-        exit 2
-    }
+    # What it writes on a disk that becomes full it takes away again: its words tell.
+    told=$({ words=$("$program" split "$plan" --lines "$lines_wanted" -o "$dir" 2>&1 >&7); } 7>&1
+        [ -z "$words" ] || printf '%s\n' "$words" >&2 || true
+        [[ ! $words =~ $cannot_write ]]) || [ -e "$dir/manifest.json" ] || end_without_room
+    [ -z "$interrupted" ] || exit 3
+    [ -e "$dir/manifest.json" ] || exit 2
     # Its estimate is for other numbers of benches than there are; the progress tells a better one.
     printf '%s\n' "${told%; about *}" 2>/dev/null || true
 }

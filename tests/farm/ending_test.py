@@ -166,6 +166,24 @@ class Endings(support.FarmTest):
         self.assertEqual(3, (done.stderr + done.stdout).count(no_room), done.stdout + done.stderr)
         self.expect_all_off()
 
+    def test_a_disk_that_becomes_full_or_read_only_before_the_first_chunk_can_be_gone_on_with(self):
+        self.start_devices(2)
+        plan = self.write_plan(20)
+        disk = self.folder / "disk"
+        disk.mkdir()
+        # No inode for the folder, none for the chunks, and no permission when it is gone on with.
+        script = ('mount -t tmpfs -o size=40m,nr_inodes=1 none "$0" || exit 9\n'
+                  'again() { code=0; "$@" || code=$?; echo "ended with $code" >&2; ls "$0/out" >&2; }\n'
+                  'again "$@"; mount -o remount,nr_inodes=9 "$0"; again "$@"\n'
+                  'mount -o remount,ro "$0"; again "$@"\n'
+                  'mount -o remount,rw,nr_inodes=9999 "$0"; again "$@"')
+        done = self.sweep_on_disk(disk, script, plan, "--lines", "1")
+        self.assertEqual(["3", "3", "3", "0"], re.findall(r"^ended with (\d)$", done.stderr, re.MULTILINE),
+                         done.stdout + done.stderr)
+        no_room = f"sweep: there is no room in {disk}/out, or no permission to write; with room the same command goes on"
+        self.assertEqual(3, done.stderr.splitlines().count(no_room), done.stderr)
+        self.assertNotIn(".sh: line", done.stderr)
+
     def test_a_merge_that_has_no_room_is_gone_on_with(self):
         self.start_devices(2)
         plan = self.write_plan(20)

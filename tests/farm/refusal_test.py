@@ -123,7 +123,8 @@ class Refusals(support.FarmTest):
              'mount --bind "$1" "$1" && mount -o remount,bind,ro "$1" && shift && exec "$@"', "sh", closed,
              support.SWEEPS["parallel"], plan, "--table", self.table, "--out", closed / "out"],
             env=self.environment, capture_output=True, text=True, check=False)
-        self.assertEqual((2, f"sweep: {closed}/out cannot be made\n"), (done.returncode, done.stderr))
+        self.assertEqual((3, f"sweep: there is no room in {closed}/out, or no permission to write; with room the same "
+                             "command goes on\n"), (done.returncode, done.stderr))
 
 
 class Going(support.FarmTest):
