@@ -48,6 +48,8 @@ leave() {
     trap - EXIT
     trap '' HUP INT TERM
     set +e
+    # That of a command that Ctrl-C has ended.
+    [ -z "$interrupted" ] || [ "$code" -le 4 ] || code=3
     have_folder || exit "$code"
     find_open
     # Jobs of an earlier call may go on; whoever is refused does not end them.
@@ -62,6 +64,11 @@ leave() {
     [ ${#open[@]} -gt 0 ] || exit "$code"
     tell_open_benches
     exit 4
+}
+
+# Ctrl-C also ends the commands that this script has just started, which then tell nothing.
+end_if_interrupted() {
+    [ -z "$interrupted" ] || exit 3
 }
 
 have_folder() {
@@ -260,7 +267,7 @@ split_plan() {
     told=$({ words=$("$program" split "$plan" --lines "$lines_wanted" -o "$dir" 2>&1 >&7); } 7>&1
         [ -z "$words" ] || printf '%s\n' "$words" >&2 || true
         [[ ! $words =~ $cannot_write ]]) || [ -e "$dir/manifest.json" ] || end_without_room
-    [ -z "$interrupted" ] || exit 3
+    end_if_interrupted
     [ -e "$dir/manifest.json" ] || exit 2
     # Its estimate is for other numbers of benches than there are; the progress tells a better one.
     printf '%s\n' "${told%; about *}" 2>/dev/null || true

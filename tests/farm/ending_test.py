@@ -131,6 +131,19 @@ class Endings(support.FarmTest):
         self.assertNotIn(".sh: line", done.stderr)
         self.expect_all_off()
 
+    def test_ctrl_c_before_the_first_chunk_is_an_early_end(self):
+        self.start_devices(2)
+        begun = self.folder / "begun"
+        self.put_before("realpath", f"[ $1 != {self.sweep_folder().relative_to(self.folder)} ] || "
+                                    f"{{ touch {begun}; sleep 30; }}")
+        sweep = self.start_sweep(self.write_plan(20))
+        wait_until(begun.exists, "the sweep's folder is made")
+        os.killpg(sweep.pid, signal.SIGINT)
+        done = self.expect(3, self.finish(sweep))
+        self.assertTrue(done.stderr.startswith("sweep: stopping; "), done.stderr)
+        for device in self.devices:
+            self.assertEqual([], device.commands())
+
     def test_a_full_disk_ends_the_sweep_and_blames_no_bench(self):
         self.start_devices(2)
         plan = self.write_plan(400)
@@ -339,6 +352,23 @@ class SlurmEndings(support.FarmTest):
         wait_until(lambda: not self.slurm.jobs(), "all jobs have ended")
         self.assertLess(self.rows(), 100)
         self.expect_all_off()
+
+    def test_ctrl_c_while_slurm_answers_slowly_is_told_as_such(self):
+        self.start_farm(2)
+        plan = self.write_plan(20)
+        path = self.environment["PATH"]
+        for command in ("scontrol", "sinfo", "squeue", "sbatch"):
+            with self.subTest(command):
+                asked = self.folder / command
+                self.environment["PATH"] = path
+                self.put_before(command, f"[ -e {asked} ] || {{ touch {asked}; sleep 30; }}")
+                sweep = self.start_sweep(plan)
+                wait_until(asked.exists, f"the sweep waits for {command}")
+                os.killpg(sweep.pid, signal.SIGINT)
+                done = self.expect(3, self.finish(sweep))
+                self.assertIn("sweep: stopping; this takes until all transmitters are off", done.stderr)
+                self.assertNotIn("Slurm ", done.stdout + done.stderr)
+                self.assertEqual([], self.slurm.jobs())
 
     def test_benches_that_have_never_answered_are_told(self):
         self.start_farm(2)
