@@ -12,7 +12,7 @@
 #   run-options             what of the options of run decides what is measured
 #   log/                    what the jobs have printed
 #   merged                  the result
-farm=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd -P)
+farm=$(CDPATH='' cd "$(dirname "${BASH_SOURCE[0]}")" && pwd -P)
 
 # A bench that has failed so often in a row is taken out.
 failures_allowed=3

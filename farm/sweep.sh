@@ -131,6 +131,9 @@ read_arguments() {
     if [ -z "$table" ] && [ -e "$usual" ]; then
         table=$usual
     fi
+    # Else commands would take them for options.
+    [[ $dir != -* ]] || dir=./$dir
+    [[ $table != -* ]] || table=./$table
 }
 
 # A run may wait so long twice: for the last answer, and for the stop. Other words than a number it refuses.
