@@ -106,6 +106,13 @@ class Refusals(support.FarmTest):
             with self.subTest(engine=engine):
                 self.expect_refusal(words, self.write_plan(4), engine=engine)
 
+    def test_a_parallel_that_is_not_gnus_is_told(self):
+        plan = self.write_plan(4)
+        self.put_before("parallel", "echo 'parallel: invalid option' >&2; exit 1")
+        self.expect_refusal(f"there is no GNU parallel on this host ({self.folder}/before/parallel is another program)",
+                            plan)
+        self.assertFalse((self.folder / "sweeps").exists())
+
     def test_a_folder_that_is_not_a_sweeps_is_left_alone(self):
         plan = self.write_plan(4)
         self.expect_refusal("is not empty, and not the folder of a sweep", plan, "--out", self.folder)
