@@ -431,6 +431,18 @@ class SlurmSweep(Sweeps, support.FarmTest):
         self.expect(0, self.sweep(plan))
         self.expect_whole_result(plan)
 
+    def test_settings_of_sbatch_do_not_change_the_jobs(self):
+        self.environment.update(SBATCH_EXPORT="NONE", SBATCH_NO_REQUEUE="1", SBATCH_PARTITION="none",
+                                SBATCH_ARRAY_INX="1-1", SBATCH_GRES="none")
+        plan = self.write_plan(400)
+        sweep = self.start_sweep(plan, "--lines", "50")
+        self.wait_for_rows(20)
+        for job in self.slurm.running().values():
+            self.assertRegex(self.slurm.ask("scontrol", "show", "job", job), " Requeue=1 ")
+        self.expect(0, self.finish(sweep))
+        self.expect_whole_result(plan)
+        self.expect_one_run_at_a_time()
+
     @unittest.skipUnless(LONG, "takes a minute")
     def test_a_chunk_that_always_fails_is_given_up(self):
         # A return code that is no number ends the client.
