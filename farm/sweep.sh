@@ -154,11 +154,13 @@ check_files_of_options() {
     done
 }
 
-# What of the runs' options decides what is measured, in one line.
+# What of the runs' options decides what is measured, in one line. A client is the same by any of its names.
 measured_with() {
     local option value words=''
     for option in --client --firmware; do
-        ! value=$(run_option "$option" ${run_options[@]+"${run_options[@]}"}) || words+="$option ${value@Q} "
+        value=$(run_option "$option" ${run_options[@]+"${run_options[@]}"}) || continue
+        [ "$option" != --client ] || value=$(realpath -- "$value")
+        words+="$option ${value@Q} "
     done
     set -- ${run_options[@]+"${run_options[@]}"}
     while [ $# -gt 0 ] && [ "$1" != -- ]; do
