@@ -257,6 +257,10 @@ class Chunk(support.FarmTest):
         self.install(support.CLIENT.name)
         self.assertEqual(0, self.run_chunk().returncode)
 
+    def test_a_host_without_the_program_is_a_failure_of_its_bench(self):
+        self.environment["PATH"] = "/usr/bin:/bin"
+        self.expect_bench_fails(f"SarvexToolBench is neither in {ROOT} nor on the PATH", self.run_chunk())
+
     def test_a_host_without_a_port_is_a_failure_of_its_bench(self):
         (self.sweep_dir / "bench-table").write_text("bench1 127.0.0.1 DUT-1\n")
         self.install("SarvexToolBench", support.CLIENT.name)
