@@ -197,6 +197,7 @@ class SlurmNotes(StopTest):
         done = self.expect(2, self.sweep(self.write_plan(400), "--lines", "50"))
         self.assertIn(" of 400 lines: Slurm has not accepted the jobs: ", done.stdout)
         self.assertIn("sbatch: error: Batch job submission failed: Socket timed out", done.stdout)
+        self.assertIn("\nsweep: Slurm has not accepted the jobs; waiting until it has none of them\n", done.stderr)
         self.assertEqual([], self.slurm.jobs())
         self.assertEqual([], list(self.slurm.processes_of_jobs()))
         self.assertLess(self.rows(), 200)
