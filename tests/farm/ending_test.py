@@ -193,7 +193,8 @@ class Endings(support.FarmTest):
         done = self.sweep_on_disk(disk, script, plan, "--lines", "1")
         self.assertEqual(["3", "3", "3", "0"], re.findall(r"^ended with (\d)$", done.stderr, re.MULTILINE),
                          done.stdout + done.stderr)
-        no_room = f"sweep: there is no room in {disk}/out, or no permission to write; with room the same command goes on"
+        no_room = (f"sweep: there is no room in {disk}/out, or no permission to write; with room the same command "
+                   "goes on")
         self.assertEqual(3, done.stderr.splitlines().count(no_room), done.stderr)
         self.assertNotIn(".sh: line", done.stderr)
 

@@ -177,25 +177,6 @@ class Going(support.FarmTest):
         for run in self.runs():
             self.assertEqual(["-wifi-band", "5"], json.loads((run / "run.json").read_text())["options"]["firstCommand"])
 
-    def test_a_client_is_the_same_by_any_of_its_names(self):
-        self.start_devices(2)
-        plan = self.write_plan(20)
-        other = self.folder / "other"
-        other.mkdir()
-        for folder in (self.folder, other):
-            shutil.copy(support.CLIENT, folder / "c")
-        self.expect(0, self.sweep(plan, "--lines", "10", client="./c"))
-        shutil.rmtree(self.sweep_folder() / "merged")
-        shutil.rmtree(self.sweep_folder() / "runs/chunk-0002/1")
-        # The other one in the place where the first one was named so.
-        os.rename(self.folder / "c", self.folder / "first")
-        (self.folder / "c").symlink_to(other / "c")
-        done = self.expect(2, self.sweep(plan, client="./c"))
-        self.assertIn(f"--client '{self.folder}/c' ; now: --client '{other}/c' ;", done.stderr)
-        os.replace(self.folder / "first", self.folder / "c")
-        self.expect(0, self.sweep(plan, client=self.folder / "other/../c"))
-        self.expect_whole_result(plan)
-
     def test_an_attempt_that_is_taken_away_is_measured_again(self):
         self.start_devices(2)
         plan = self.write_plan(40)
