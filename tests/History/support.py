@@ -143,5 +143,5 @@ class HistoryTest(unittest.TestCase):
         return folder
 
     def require_whole(self, store):
-        """Fails when something in the store is not as it was kept."""
-        self.assertIn("all is as it was kept", self.history(store, "check"))
+        """Fails when a file or power in the store is not as it was kept."""
+        self.assertIn("files and powers are as they were kept", self.history(store, "check"))

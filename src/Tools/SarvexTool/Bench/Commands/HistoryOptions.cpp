@@ -112,6 +112,8 @@ RunFilter FilterOf(const FilterArguments& arguments) {
     if (arguments.until)
         filter.before = MomentOf("--until", *arguments.until) +
                         (ParseUtcDay(*arguments.until) ? secondsOfDay : 1);
+    if (filter.since && filter.before && *filter.since >= *filter.before)
+        throw WrongUsage("--since " + *arguments.since + " is after --until " + *arguments.until);
     filter.bench = arguments.bench;
     filter.device = arguments.device;
     filter.firmware = arguments.firmware;

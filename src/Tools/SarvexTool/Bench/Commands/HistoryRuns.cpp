@@ -141,7 +141,7 @@ int Check(const std::optional<std::string>& name, Surroundings& surroundings) {
         surroundings.out.stream << MakeHarmless(problem) << "\n";
     surroundings.out.stream << Counted(check.runs, "run") << " and " << Counted(check.files, "file")
                             << " looked at: "
-                            << (check.problems.empty() ? "all is as it was kept"
+                            << (check.problems.empty() ? "files and powers are as they were kept"
                                                        : Counted(check.problems.size(), "problem"))
                             << ".\n";
     return check.problems.empty() ? ExitCode::Fine : ExitCode::Found;

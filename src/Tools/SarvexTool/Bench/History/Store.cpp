@@ -244,14 +244,16 @@ void Store::Remove(const std::string& hash, bool withBaselines) {
 }
 
 void Store::SetBaseline(const std::string& name, const std::string& hash) {
-    if (name.empty() || DigitsOf(name))
+    if (name.find_first_not_of(" \t\r\n") == std::string::npos)
+        throw KeptOtherwise("the name of a baseline must not be blank");
+    if (DigitsOf(name))
         throw KeptOtherwise("a baseline needs a name that is not " + std::to_string(FewestDigits) +
                             " or more hexadecimal digits, for those are the hash of a run");
     // A report takes a run's file or a baseline by the same option.
-    if (name.find_first_not_of(" \t\r\n") == std::string::npos || name == StandardStreamName ||
-        name.find_first_of("/\\") != std::string::npos || name.ends_with(".csv"))
-        throw KeptOtherwise("a baseline needs a name that is not blank, is not -, has no / and no "
-                            "\\, and does not end with .csv, for those are names of files");
+    if (name == StandardStreamName || name.find_first_of("/\\") != std::string::npos ||
+        name.ends_with(".csv"))
+        throw KeptOtherwise("a baseline needs a name that is not -, has no / and no \\, and does "
+                            "not end with .csv, for those are names of files");
     // It is kept in an index, whose rows are short on a server.
     constexpr std::size_t mostBytes = 200;
     if (name.size() > mostBytes)

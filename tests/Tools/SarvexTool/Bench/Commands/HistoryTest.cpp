@@ -377,6 +377,10 @@ TEST_F(HistoryTest, ABaselineIsKeptUnlessForced) {
     EXPECT_EQ(nlohmann::json::parse(out.str()).at("baselines").at(0).at("run"), hash);
     EXPECT_EQ(History({"baseline", "show", "silver"}), 2);
     EXPECT_EQ(History({"baseline", "set", "beef", hash}), 2);
+    for (const char* const blank : {"", " "}) {
+        EXPECT_EQ(History({"baseline", "set", blank, hash}), 2);
+        EXPECT_THAT(err.str(), HasSubstr("the name of a baseline must not be blank"));
+    }
     EXPECT_EQ(History({"remove", "golden", "--yes"}), 2);
     EXPECT_THAT(err.str(), HasSubstr("is the baseline golden"));
     EXPECT_EQ(History({"remove", "golden", "--yes", "--force"}), 0);
@@ -384,10 +388,17 @@ TEST_F(HistoryTest, ABaselineIsKeptUnlessForced) {
     EXPECT_EQ(out.str(), "There is no baseline.\n");
 }
 
-TEST_F(HistoryTest, ACheckTellsThatAllIsAsItWasKept) {
+TEST_F(HistoryTest, SpanThatEndsBeforeItBeginsIsWrongUsage) {
+    History({"add", MakeRun("run", "10.5")});
+    EXPECT_EQ(History({"list", "--since", "2026-03-12", "--until", "2026-03-11"}), 2);
+    EXPECT_THAT(err.str(), HasSubstr("--since 2026-03-12 is after --until 2026-03-11"));
+    EXPECT_EQ(History({"list", "--since", "2026-03-10", "--until", "2026-03-10"}), 0);
+}
+
+TEST_F(HistoryTest, ACheckTellsThatFilesAndPowersAreAsTheyWereKept) {
     History({"add", MakeRun("run", "10.5")});
     EXPECT_EQ(History({"check"}), 0);
-    EXPECT_EQ(out.str(), "1 run and 3 files looked at: all is as it was kept.\n");
+    EXPECT_EQ(out.str(), "1 run and 3 files looked at: files and powers are as they were kept.\n");
 }
 
 TEST_F(HistoryTest, ARunIsComparedWithABaseline) {
