@@ -201,10 +201,10 @@ Command AddHistoryTrend(Options history) {
         .TypeName("FILE");
     app.Add("--json", arguments->json, "Write all as JSON, - for standard output").TypeName("FILE");
     app.Footer(
-        "Exit code: 0 no bench drifts now, 1 a bench drifts, a power is out of its limits or missing "
-        "in a bench's last run, no power has a limit of those given, or what is kept does not tell "
-        "(too few runs, devices mixed, nothing shared, not followed, erratic), 2 wrong usage, a store or a file that cannot be "
-        "read, or a file that cannot be written.");
+        "Exit code: 0 no bench drifts now, 1 a bench drifts, a power is out of its limits or "
+        "missing where it was last asked for, no power has a limit of those given, or what is kept "
+        "does not tell (too few runs, devices mixed, nothing shared, not followed, erratic), 2 "
+        "wrong usage, a store or a file that cannot be read, or a file that cannot be written.");
     return {app, [arguments](Surroundings& surroundings) {
                 return TellTrend(*arguments, surroundings);
             }};

@@ -166,12 +166,14 @@ struct StationTrend {
     /// How many times as much as those of the others of its group its neighbouring runs differ,
     /// where that is so much that a drift would not show; else 0.
     double timesAsErratic = 0;
-    /// How many measurements that it has made before were asked for and not made in its last visit.
+    /// How many measurements the last of its visits that was asked for them has not made, though it
+    /// or another station has made them at another time.
     std::size_t lost = 0;
-    /// How many measurements its last visit was asked for.
-    std::size_t lastAsked = 0;
-    /// Its last visit that was asked for a measurement, where there is one.
-    std::uint32_t lastVisit = 0;
+    /// Where anything was not made: how many measurements its visits were asked for.
+    std::size_t asked = 0;
+    bool HasLostAll() const { return lost != 0 && lost == asked; }
+    /// Where measurements are lost, the last visit that has lost one.
+    std::uint32_t lastLoss = 0;
     /// Nothing with too few points.
     std::optional<ControlLimits> limits;
     std::size_t beyond = 0;

@@ -6,8 +6,8 @@
 
 namespace Bench {
 
-/// Counts what each station, in their order, has lost: measurements that it has made before, and
-/// that its last visit was asked for and has not made.
+/// Counts what each station, in their order, has lost: what the last of its visits that was asked
+/// for it has not made. It or another station has made all that is an item.
 void CountLost(const TrendData& data, std::vector<StationTrend>& stations);
 
 } // namespace Bench

@@ -24,19 +24,19 @@ struct Grouped {
 };
 
 /// The key of a row is below the number of keys; rows for which there is no value are left out.
-template <typename Value, typename KeyOf, typename ValueOf>
-Grouped<Value> GroupRows(const std::vector<TrendRow>& rows, std::size_t keys, KeyOf keyOf,
+template <typename Value, typename Row, typename KeyOf, typename ValueOf>
+Grouped<Value> GroupRows(const std::vector<Row>& rows, std::size_t keys, KeyOf keyOf,
                          ValueOf valueOf) {
     Grouped<Value> grouped;
     grouped.starts.assign(keys + 1, 0);
-    for (const TrendRow& row : rows) {
+    for (const Row& row : rows) {
         if (valueOf(row))
             ++grouped.starts[keyOf(row) + 1];
     }
     std::partial_sum(grouped.starts.begin(), grouped.starts.end(), grouped.starts.begin());
     grouped.values.resize(grouped.starts.back());
     std::vector<std::size_t> next = grouped.starts;
-    for (const TrendRow& row : rows) {
+    for (const Row& row : rows) {
         if (const std::optional<Value> value = valueOf(row))
             grouped.values[next[keyOf(row)]++] = *value;
     }

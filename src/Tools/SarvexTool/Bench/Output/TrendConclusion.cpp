@@ -5,6 +5,7 @@
 #include "Tools/SarvexTool/Bench/Output/TrendPhrases.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace Bench {
 
@@ -62,16 +63,25 @@ std::string TooFewRuns(const TrendData& data, const Trend& trend) {
                "that control limits need";
     std::string few;
     std::string alone;
+    std::string without;
     for (const StationTrend& station : trend.stations) {
         const std::string& name = NameOf(data, station);
         const std::size_t runs = station.points.size();
-        if (!station.limits && (runs != 0 || station.powers == 0))
+        // What was lost is told by itself.
+        if (station.limits || station.HasLostAll())
+            continue;
+        if (runs != 0)
             AddName(few, "too few runs for control limits, which need " + fewestRuns + ": ",
                     name + " (" + std::to_string(runs) + ")");
-        else if (!station.limits)
+        else if (station.powers != 0)
             AddName(alone, "nothing that another station has measured: ", name);
+        else
+            AddName(without, "no power in any run: ", name);
     }
-    return few + (few.empty() || alone.empty() ? "" : "; ") + alone;
+    std::string all;
+    for (const std::string& part : {few, alone, without})
+        all += (all.empty() || part.empty() ? "" : "; ") + part;
+    return all;
 }
 
 /// With the widest limits, within which a drift does not show.
@@ -129,7 +139,8 @@ std::vector<std::string> StationsBehind(const TrendData& data, const Trend& tren
     if (!hasRunSince && trend.stations.size() > 1 && HaveAllStopped(trend))
         return {"no station has a run since " + ShownDay(data.visits.back().measuredAt)};
     for (const StationTrend& station : trend.stations) {
-        if (station.isBehind && station.hasRunSince == hasRunSince)
+        // That a station has lost all is told by itself.
+        if (station.isBehind && station.hasRunSince == hasRunSince && !station.HasLostAll())
             sentences.push_back(
                 NameOf(data, station) +
                 (hasRunSince ? " has measured nothing that counts since " : " has no run since ") +
@@ -253,7 +264,8 @@ TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
     const bool hasDrift = trend.CountDrifting() != 0;
     TrendConclusion conclusion = hasDrift ? WithDrift(data, trend) : WithoutDrift(data, trend);
     const auto add = [&conclusion](const std::vector<std::string>& sentences) {
-        conclusion.sentences.insert(conclusion.sentences.end(), sentences.begin(), sentences.end());
+        std::copy_if(sentences.begin(), sentences.end(), std::back_inserter(conclusion.sentences),
+                     [](const std::string& sentence) { return !sentence.empty(); });
     };
     AddRunsBeyond(data, trend, conclusion);
     for (const StationTrend& station : trend.stations) {
@@ -277,7 +289,7 @@ TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
     if (trend.CountWithoutLimit() != 0 && conclusion.word != "NO LIMIT")
         conclusion.sentences.push_back(WithoutLimit(trend));
     if (trend.CountTooFew() != 0 && trend.sharedItems != 0 && conclusion.word != "TOO FEW RUNS")
-        conclusion.sentences.push_back(TooFewRuns(data, trend));
+        add({TooFewRuns(data, trend)});
     AddBasis(trend, conclusion);
     return conclusion;
 }

@@ -69,13 +69,13 @@ std::string Apart(double offset) {
 std::string PhraseOfLost(const TrendData& data, const StationTrend& station) {
     if (station.lost == 0)
         return "";
-    const std::string asked = Counted(station.lastAsked, "measurement");
-    const std::string part = station.lost == station.lastAsked
-                                 ? "any of the " + asked
-                                 : std::to_string(station.lost) + " of the " + asked;
-    return "has no power for " + (station.lastAsked == 1 ? "the only measurement" : part) +
-           " of its last run, on " + ShownDay(data.visits[station.lastVisit].measuredAt) +
-           ", which it has made before";
+    const std::string part = station.HasLostAll() ? "any" : std::to_string(station.lost);
+    return "has no power for " +
+           (station.asked == 1 ? "its only measurement"
+                               : part + " of its " + Counted(station.asked, "measurement")) +
+           " in the last run that asked for " + (station.lost == 1 ? "it" : "them") + ", on " +
+           ShownDay(data.visits[station.lastLoss].measuredAt) +
+           ", though it or another station has made " + (station.lost == 1 ? "it" : "them");
 }
 
 std::string PhraseOfErratic(const StationTrend& station) {

@@ -24,8 +24,8 @@ std::string PhraseOf(const TrendData& data, const StationTrend& station);
 /// The part of that on its powers.
 std::string PhraseOfPowers(const TrendData& data, const StationTrend& station);
 
-/// The part on measurements that its last run lacks, "has no power for 4 of the 8 measurements of
-/// ..."; "" where it lacks none.
+/// The part on measurements that it has lost, "has no power for 4 of its 8 measurements in ..."; ""
+/// where there are none.
 std::string PhraseOfLost(const TrendData& data, const StationTrend& station);
 
 /// The part on runs that differ far more than the others'; "" where they do not.

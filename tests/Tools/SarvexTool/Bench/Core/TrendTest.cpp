@@ -365,20 +365,46 @@ TEST_F(TrendTest, MeasurementsThatTheLastRunHasLostAreNeverFine) {
     EXPECT_EQ(trend.CountWithLost(), 1U);
     ASSERT_EQ(NamesInOrder(trend), "B A");
     EXPECT_EQ(trend.stations[0].lost, 1U);
-    EXPECT_EQ(trend.stations[0].lastAsked, 2U);
-    EXPECT_EQ(trend.stations[0].lastVisit, 16U);
+    EXPECT_EQ(trend.stations[0].asked, 2U);
+    EXPECT_EQ(trend.stations[0].lastLoss, 16U);
+    EXPECT_FALSE(trend.stations[0].HasLostAll());
     data.rows.push_back({16, 1, 12});
     EXPECT_TRUE(TrendOf(data).IsFine()) << "another line of the run has it";
 }
 
-TEST_F(TrendTest, WhatAStationHasNeverMeasuredIsNotLost) {
+TEST_F(TrendTest, WhatIsLostIsLostWhateverRanSinceThenWithoutAskingForIt) {
+    AddPairOfTwoItems();
+    AddRun(1, {10, None});
+    AddRun(1, {None, 12});
+    data.missing = {{16, 1}, {17, 0}};
+    EXPECT_EQ(TrendOf(data).stations[0].lost, 1U) << "the second item was made again";
+    AddRun(1, {None, None});
+    AddRun(1, {None, 12});
+    data.missing.push_back({18, 1});
+    const StationTrend station = TrendOf(data).stations[0];
+    EXPECT_EQ(station.lost, 1U);
+    EXPECT_EQ(station.lastLoss, 17U) << "not the last run, which asked for the other item only";
+}
+
+TEST_F(TrendTest, LastLossIsTheLatestOfSeveral) {
+    AddPairOfTwoItems();
+    AddRun(1, {None, None});
+    AddRun(1, {None, None});
+    data.missing = {{16, 1}, {17, 0}};
+    const StationTrend station = TrendOf(data).stations[0];
+    EXPECT_EQ(station.lastLoss, 17U);
+    EXPECT_TRUE(station.HasLostAll());
+}
+
+TEST_F(TrendTest, WhatAStationHasNeverMeasuredIsLostWhereAnotherHasMeasuredIt) {
     AddItems(2);
     AddSteady("A", 10);
     AddSteady("B", 10);
     AddRun(0, {10, 12});
     AddRun(1, {10, None});
     data.missing = {{17, 1}};
-    EXPECT_EQ(TrendOf(data).CountWithLost(), 0U);
+    EXPECT_EQ(TrendOf(data).CountWithLost(), 1U);
+    EXPECT_EQ(TrendOf(data).stations[0].lastLoss, 17U);
 }
 
 TEST_F(TrendTest, RunWithoutAnyPowerLosesAllThatWasMeasuredBefore) {
@@ -388,7 +414,8 @@ TEST_F(TrendTest, RunWithoutAnyPowerLosesAllThatWasMeasuredBefore) {
     data.missing = {{16, 0}};
     const Trend trend = TrendOf(data);
     EXPECT_EQ(trend.stations[0].lost, 1U);
-    EXPECT_EQ(trend.stations[0].lastVisit, 16U);
+    EXPECT_EQ(trend.stations[0].lastLoss, 16U);
+    EXPECT_TRUE(trend.stations[0].HasLostAll());
 }
 
 TEST_F(TrendTest, StationWhoseRunsDifferFarMoreThanTheOthersIsErratic) {

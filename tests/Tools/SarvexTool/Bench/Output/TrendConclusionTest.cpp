@@ -235,7 +235,7 @@ TEST_F(TrendConclusionTest, StationsWithoutAnyPowerAreNoneOfThoseHeldAgainstEach
     AddSteady("A", 10);
     AddRun(AddStation("C"), {None});
     EXPECT_THAT(Conclusion().sentences,
-                ElementsAre("too few runs for control limits, which need 8: C (0)",
+                ElementsAre("no power in any run: C",
                             "with powers of one station only it cannot be told whether it or what "
                             "it measures has changed"));
     AddSteady("B", 11);
@@ -367,8 +367,9 @@ TEST_F(TrendConclusionTest, LostMeasurementsAreToldFirstWhereNothingDrifts) {
     AddPairOfTwoItems();
     AddRun(1, {10, None});
     data.missing = {{16, 1}};
-    const std::string lost = "B has no power for 1 of the 2 measurements of its last run, on "
-                             "2026-03-18, which it has made before";
+    const std::string lost =
+        "B has no power for 1 of its 2 measurements in the last run that asked "
+        "for it, on 2026-03-18, though it or another station has made it";
     EXPECT_EQ(FirstLine(), "NOT MEASURED: " + lost);
     EXPECT_THAT(PhraseOf(data, TrendOf(data).stations[0]),
                 testing::StartsWith("is steady: offset 0.00 dB, none of its 9 runs is beyond its "
@@ -376,6 +377,23 @@ TEST_F(TrendConclusionTest, LostMeasurementsAreToldFirstWhereNothingDrifts) {
     AddRuns(0, {10, 14});
     EXPECT_EQ(Conclusion().word, "DRIFT");
     EXPECT_THAT(Conclusion().sentences, testing::Contains(lost));
+}
+
+TEST_F(TrendConclusionTest, StationThatHasLostAllIsToldOnce) {
+    AddItems(2);
+    AddSteadyAB();
+    AddRuns(AddStation("C"), {10, 10, 10, 10, 10, 10, 10, 10});
+    AddRun(2, {None, None});
+    AddRun(AddStation("D"), {None, None});
+    data.missing = {{24, 0}, {24, 1}, {25, 0}};
+    data.visits[24].measuredAt += 9 * Day;
+    data.visits[25].measuredAt += 9 * Day;
+    EXPECT_THAT(
+        Conclusion().sentences,
+        ElementsAre("C has no power for any of its 2 measurements in the last run that asked for "
+                    "them, on 2026-04-04, though it or another station has made them",
+                    "D has no power for its only measurement in the last run that asked for it, on "
+                    "2026-04-05, though it or another station has made it"));
 }
 
 TEST_F(TrendConclusionTest, StationWhoseRunsDifferTooMuchIsNotCalledSteady) {
