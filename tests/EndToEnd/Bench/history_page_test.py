@@ -176,7 +176,7 @@ class TrendPageTest(HistoryPageTest):
     def test_an_empty_store_is_a_page_that_says_so(self):
         self.keep("A", [[10]])
         self.open_trend("--bench", "Z")
-        self.assertEqual(["No power no kept run that the filter leaves has a power."], self.texts(".verdict"))
+        self.assertEqual(["No power no run is kept, or the filter leaves none."], self.texts(".verdict"))
         self.assertFalse(self.one("#stations").is_displayed())
 
     def test_hostile_names_are_texts(self):

@@ -68,6 +68,7 @@ KeptTrend::KeptTrend(const KeptHistory& history, const RunFilter& filter, const 
     : m_configurations(history.configurations),
       m_items(history.configurations.size() * chainCount, leftOut),
       m_isChosen(wanted.AreChosen()) {
+    m_data.hasNoRun = history.runs.empty();
     m_data.neverKept = wanted.NotIn(history.configurations);
     for (const KeptFacts& run : history.runs)
         AddRun(run, filter);

@@ -121,7 +121,10 @@ void CountPowers(const TrendData& data, const std::vector<const Limit*>* limits,
             continue;
         const Limit* const limit = (*limits)[row.item];
         station.withoutLimit += std::size_t{limit == nullptr};
-        station.outOfLimits += std::size_t{limit != nullptr && IsOut(row.power, *limit)};
+        if (limit == nullptr || !IsOut(row.power, *limit))
+            continue;
+        ++station.outOfLimits;
+        station.lastOut = std::max(station.lastOut, row.visit);
     }
 }
 

@@ -78,6 +78,8 @@ struct TrendData {
     /// The moment that the runs are followed to, in seconds since 1970, UTC; the time of the last
     /// visit where that is later.
     std::int64_t followedTo = 0;
+    /// Whether there was no run at all to choose from: none is kept, or the filter leaves none.
+    bool hasNoRun = false;
     /// What was chosen of which nothing was ever kept; then there are no rows.
     std::vector<SettingValue> neverKept = {};
 };
@@ -186,6 +188,8 @@ struct StationTrend {
     /// With limits of powers only.
     std::size_t outOfLimits = 0;
     std::size_t withoutLimit = 0;
+    /// Where powers are out of their limits, the last visit with such a one.
+    std::uint32_t lastOut = 0;
 };
 
 /// What the stations' runs are held against.

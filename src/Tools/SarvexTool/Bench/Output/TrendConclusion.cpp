@@ -31,13 +31,16 @@ std::string SentenceOf(const TrendData& data, const StationTrend& station) {
 std::string OutOfLimits(const TrendData& data, const Trend& trend) {
     const std::size_t out = trend.CountOutOfLimits();
     std::string names;
+    std::uint32_t last = 0;
     for (const StationTrend& station : trend.stations) {
+        last = std::max(last, station.lastOut);
         if (station.outOfLimits != 0 && trend.stations.size() > 1)
             names += (names.empty() ? "" : ", ") + NameOf(data, station) + " (" +
                      std::to_string(station.outOfLimits) + ")";
     }
     return std::to_string(out) + " of " + Counted(trend.CountPowers(), "power") +
-           (out == 1 ? " is" : " are") + " out of " + (out == 1 ? "its" : "their") + " limits" +
+           (out == 1 ? " is" : " are") + " out of " + (out == 1 ? "its" : "their") + " limits, " +
+           (out == 1 ? "on " : "the last on ") + ShownDay(data.visits[last].measuredAt) +
            (names.empty() ? "" : ": " + names);
 }
 
@@ -156,7 +159,9 @@ TrendConclusion WithoutPower(const TrendData& data) {
         conclusion.sentences.push_back("no kept measurement has " +
                                        std::string(NameOf(value.setting)) + " " + value.value);
     if (conclusion.sentences.empty())
-        conclusion.sentences.emplace_back("no kept run that the filter leaves has a power");
+        conclusion.sentences.emplace_back(data.hasNoRun
+                                              ? "no run is kept, or the filter leaves none"
+                                              : "no kept run that the filter leaves has a power");
     return conclusion;
 }
 

@@ -76,6 +76,10 @@ void WriteStation(JsonWriter& json, const NamedTrend& named, const StationTrend&
     for (const std::string& device : told.devices)
         json.Text(device);
     json.EndArray();
+    json.Key("firmwares").BeginArray();
+    for (const std::string& firmware : told.firmwares)
+        json.Text(firmware);
+    json.EndArray();
     json.Key("says").Text(PhraseOf(named.data, station));
     json.Key("offset");
     if (station.offset)

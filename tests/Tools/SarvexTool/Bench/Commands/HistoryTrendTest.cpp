@@ -75,6 +75,17 @@ TEST_F(HistoryTrendTest, ValueThatNoKeptMeasurementHasIsTold) {
               nlohmann::json({"no kept measurement has Channel 37"}));
 }
 
+TEST_F(HistoryTrendTest, FilterThatLeavesNoRunIsTold) {
+    Keep("A", std::vector<std::string>(9, "10"));
+    for (const std::vector<std::string>& filter :
+         {std::vector<std::string>{"--bench", "B9"}, {"--since", "2027-01-01"}}) {
+        std::vector<std::string> arguments{"trend"};
+        arguments.insert(arguments.end(), filter.begin(), filter.end());
+        EXPECT_EQ(History(arguments), 1);
+        EXPECT_EQ(out.str(), "NO POWER: no run is kept, or the filter leaves none\n");
+    }
+}
+
 TEST_F(HistoryTrendTest, BenchThatWasAskedForNothingOfWhatIsChosenTakesNoPart) {
     Keep("A", std::vector<std::string>(9, "10"));
     Keep("B", std::vector<std::string>(9, "10"), "6");
@@ -147,7 +158,10 @@ TEST_F(HistoryTrendTest, PowersOutOfLimitsAreFound) {
     const std::string limits = directory.Create("limits.csv", "Band,Chain,Min,Max\n5,*,*,9\n");
     EXPECT_EQ(History({"trend", "Band=5"}), 0);
     EXPECT_EQ(History({"trend", "Band=5", "--limits", limits}), 1);
-    EXPECT_THAT(out.str(), StartsWith("OUT OF LIMITS: 8 of 8 powers are out of their limits\n"));
+    EXPECT_THAT(
+        out.str(),
+        StartsWith(
+            "OUT OF LIMITS: 8 of 8 powers are out of their limits, the last on 2026-03-17\n"));
 }
 
 TEST_F(HistoryTrendTest, LimitsThatFitNoPowerAreFound) {

@@ -558,6 +558,7 @@ TEST_F(TrendTest, PowersOutOfLimitsAreCountedByStation) {
     for (const StationTrend& station : trend.stations) {
         const bool isSecond = station.station == 1;
         EXPECT_EQ(station.outOfLimits, isSecond ? 1U : 0U);
+        EXPECT_EQ(station.lastOut, isSecond ? 16U : 0U);
         EXPECT_EQ(station.withoutLimit, isSecond ? 1U : 0U);
         EXPECT_EQ(station.powers, isSecond ? 10U : 8U);
     }

@@ -312,6 +312,8 @@ TEST_F(TrendConclusionTest, StationsThatShareNothingAreNotHeldAgainstEachOther) 
 
 TEST_F(TrendConclusionTest, NoPowerAtAllIsSaid) {
     EXPECT_EQ(FirstLine(), "NO POWER: no kept run that the filter leaves has a power");
+    data.hasNoRun = true;
+    EXPECT_EQ(FirstLine(), "NO POWER: no run is kept, or the filter leaves none");
     AddSteadyAB();
     AddStation("C");
     AddRun(2, {None});
@@ -325,11 +327,11 @@ TEST_F(TrendConclusionTest, PowersOutOfLimitsAreCounted) {
     const std::vector<const Limit*> limits{&limit};
     EXPECT_EQ(Conclusion(&limits).word, "OUT OF LIMITS");
     EXPECT_EQ(Conclusion(&limits).sentences.front(),
-              "8 of 16 powers are out of their limits: B (8)");
+              "8 of 16 powers are out of their limits, the last on 2026-03-17: B (8)");
     AddRuns(0, {10, 14});
     EXPECT_EQ(Conclusion(&limits).word, "DRIFT");
     EXPECT_EQ(Conclusion(&limits).sentences.at(1),
-              "9 of 18 powers are out of their limits: A (1), B (8)");
+              "9 of 18 powers are out of their limits, the last on 2026-03-19: A (1), B (8)");
 }
 
 TEST_F(TrendConclusionTest, PowersWithoutALimitAreCounted) {

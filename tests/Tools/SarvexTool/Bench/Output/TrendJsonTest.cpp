@@ -27,16 +27,17 @@ protected:
 
 TEST_F(TrendJsonTest, WholeTextOfARunOfOneStation) {
     AddRuns(AddStation("A"), {10, 10.5});
+    data.stations[0].firmwares = {"1.4"};
     data.visits[1].device.clear();
     Limit limit;
     limit.maximum = "10.2"_dB;
     const std::vector<const Limit*> limits{&limit};
     EXPECT_EQ(Written(&limits), R"=({"form": "trend", "version": 1,
 "fine": false, "conclusion": "OUT OF LIMITS",
-"says": ["1 of 2 powers is out of its limits", "too few runs for control limits, which need 8: A (2)", "with one station it cannot be told whether it or what it measures has changed"],
+"says": ["1 of 2 powers is out of its limits, on 2026-03-03", "too few runs for control limits, which need 8: A (2)", "with one station it cannot be told whether it or what it measures has changed"],
 "heldAgainst": "own mean", "sharedMeasurements": 1, "groups": 1, "withoutReference": 0, "limits": "limits.csv",
 "stations": [
-{"station": "A", "devices": ["DUT A"], "says": "has 2 runs, too few for control limits, which need 8", "offset": null, "apart": false, "behind": false, "hasRunSince": false, "lost": 0, "timesAsErratic": 0.0, "controlLimits": null, "runsBeyond": 0, "drift": null, "powers": 2, "outOfLimits": 1, "withoutLimit": 0,
+{"station": "A", "devices": ["DUT A"], "firmwares": ["1.4"], "says": "has 2 runs, too few for control limits, which need 8", "offset": null, "apart": false, "behind": false, "hasRunSince": false, "lost": 0, "timesAsErratic": 0.0, "controlLimits": null, "runsBeyond": 0, "drift": null, "powers": 2, "outOfLimits": 1, "withoutLimit": 0,
 "runs": [
 {"run": "run0", "measuredAt": "2026-03-02T06:00:00Z", "device": "DUT A", "median": -0.25, "differences": 1, "beyond": false},
 {"run": "run1", "measuredAt": "2026-03-03T06:00:00Z", "device": null, "median": 0.25, "differences": 1, "beyond": false}]}

@@ -41,7 +41,7 @@ TEST_F(TrendTextTest, PowersOfOneConfigurationAndChainAreToldWithTheirTimes) {
     Limit limit;
     limit.maximum = "10.2"_dB;
     const std::vector<const Limit*> limits{&limit};
-    EXPECT_EQ(Printed(&limits), R"(OUT OF LIMITS: 1 of 2 powers is out of its limits
+    EXPECT_EQ(Printed(&limits), R"(OUT OF LIMITS: 1 of 2 powers is out of its limits, on 2026-03-03
 too few runs for control limits, which need 8: A (2)
 with one station it cannot be told whether it or what it measures has changed
 
