@@ -165,8 +165,8 @@ struct StationTrend {
     /// The offset is farther from the mean of the others' than one is by chance in 370; told only
     /// of a station that does not drift, and with three such others in its group.
     bool isApart = false;
-    /// How many times as much as those of the others of its group its neighbouring runs differ,
-    /// where that is so much that a drift would not show; else 0.
+    /// How many times as much as those of others of its group its neighbouring runs differ, where
+    /// that is so much that a small drift would not show; else 0.
     double timesAsErratic = 0;
     /// How many measurements the last of its visits that was asked for them has not made, though it
     /// or another station has made them at another time.

@@ -53,20 +53,28 @@ double UsualRange(const StationTrend& station) {
     return std::max(*place, ControlLimits::Least);
 }
 
-/// How many times as much as those of the others its runs differ; 0 where that is not much.
+/// How many times as much as those of the quieter others its runs differ; 0 where that is not much.
+/// The lower median counts as well, because the median of two is large where one of them is
+/// erratic.
 double TimesAsErratic(const std::vector<StationTrend>& stations, const StationTrend& station) {
-    constexpr std::size_t fewestOthers = 2;
-    constexpr double muchTimes = 4;
     constexpr double muchDecibels = 0.2;
+    constexpr double muchTimesTheMedian = 4;
+    // Of two, one is quiet by chance more easily.
+    constexpr double muchTimesTheLower = 5;
     if (!station.limits || UsualRange(station) <= muchDecibels)
         return 0;
     std::vector<double> others = OfOthers(
         stations, station, [](const StationTrend& other) { return other.limits.has_value(); },
         UsualRange);
-    if (others.size() < fewestOthers)
+    if (others.empty())
         return 0;
-    const double times = UsualRange(station) / MedianOf(others);
-    return times > muchTimes ? times : 0;
+    const double median = MedianOf(others);
+    const auto lower = others.begin() + static_cast<std::ptrdiff_t>((others.size() - 1) / 2);
+    std::nth_element(others.begin(), lower, others.end());
+    const double range = UsualRange(station);
+    return range > std::min(muchTimesTheMedian * median, muchTimesTheLower * *lower)
+               ? range / *lower
+               : 0;
 }
 
 } // namespace

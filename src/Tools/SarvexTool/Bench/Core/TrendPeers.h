@@ -14,7 +14,8 @@ bool IsFarFrom(double value, std::span<const double> others);
 
 /// Tells which stations are apart, and which are erratic: a third of the differences of
 /// neighbouring runs are more than 0.2 dB, and more than four times what a third of those of the
-/// others exceed, of which there are at least two in the group, and the median counts.
+/// others of the group exceed, of which the median counts, or more than five times the lower
+/// median.
 void CompareWithPeers(std::vector<StationTrend>& stations);
 
 } // namespace Bench

@@ -82,7 +82,7 @@ std::string PhraseOfErratic(const StationTrend& station) {
     if (station.timesAsErratic == 0)
         return "";
     return "differs from run to run " + std::to_string(std::llround(station.timesAsErratic)) +
-           " times as much as the others usually do, so that a drift does not show";
+           " times as much as a quieter station, so that a small drift does not show";
 }
 
 std::string PhraseOfPowers(const TrendData& data, const StationTrend& station) {

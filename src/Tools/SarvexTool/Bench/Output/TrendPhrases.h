@@ -28,7 +28,7 @@ std::string PhraseOfPowers(const TrendData& data, const StationTrend& station);
 /// where there are none.
 std::string PhraseOfLost(const TrendData& data, const StationTrend& station);
 
-/// The part on runs that differ far more than the others'; "" where they do not.
+/// The part on runs that differ far more than others'; "" where they do not.
 std::string PhraseOfErratic(const StationTrend& station);
 
 /// "DUT-7", "3 devices", or "" where nothing tells any.

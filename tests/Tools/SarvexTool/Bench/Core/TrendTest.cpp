@@ -431,6 +431,17 @@ TEST_F(TrendTest, StationWhoseRunsDifferFarMoreThanTheOthersIsErratic) {
     EXPECT_NEAR(trend.stations[0].timesAsErratic, 5, exactly);
 }
 
+TEST_F(TrendTest, OneErraticStationDoesNotHideAnother) {
+    AddRuns(AddStation("A"), {10, 10.1, 10, 10.1, 10, 10.1, 10, 10.1, 10, 10.1});
+    AddRuns(AddStation("B"), {10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6});
+    EXPECT_EQ(TrendOf(data).CountErratic(), 1U) << "one of two";
+    AddRuns(AddStation("C"), {10, 10.4, 10, 10.4, 10, 10.4, 10, 10.4, 10, 10.4});
+    EXPECT_EQ(TrendOf(data).CountErratic(), 1U) << "four times the quieter of two is not enough";
+    AddRuns(2, {10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6});
+    AddRuns(2, {10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6});
+    EXPECT_EQ(TrendOf(data).CountErratic(), 2U);
+}
+
 TEST_F(TrendTest, ErraticIsWhereAThirdOfTheNeighboursDiffer) {
     AddSteady("A", 10);
     AddSteady("B", 10);

@@ -402,8 +402,8 @@ TEST_F(TrendConclusionTest, StationWhoseRunsDifferTooMuchIsNotCalledSteady) {
     AddSteady("A", 10);
     AddSteady("B", 10);
     AddRuns(AddStation("C"), {10, 10.5, 10, 10.5, 10, 10.5, 10, 10.5, 10, 10.5});
-    const std::string erratic = "C differs from run to run 50 times as much as the others usually "
-                                "do, so that a drift does not show";
+    const std::string erratic = "C differs from run to run 50 times as much as a quieter station, "
+                                "so that a small drift does not show";
     EXPECT_EQ(FirstLine(), "ERRATIC: " + erratic);
     AddRun(AddStation("D"), {10});
     EXPECT_EQ(Conclusion().word, "TOO FEW RUNS");
