@@ -1,6 +1,6 @@
 #include "Tools/SarvexTool/Bench/Core/Trend.h"
 
-#include "Tools/SarvexTool/Bench/Core/TrendDrift.h"
+#include "Tools/SarvexTool/Bench/Core/TrendLimits.h"
 #include "Tools/SarvexTool/Bench/Core/TrendLost.h"
 #include "Tools/SarvexTool/Bench/Core/TrendPeers.h"
 #include "Tools/SarvexTool/Bench/Core/TrendReferences.h"
@@ -77,33 +77,6 @@ std::vector<double> MediansOf(std::span<const TrendPoint> points) {
     for (const TrendPoint& point : points)
         medians.push_back(point.median);
     return medians;
-}
-
-/// The median of how many differences the points are made of.
-double UsualCount(std::span<const TrendPoint> points) {
-    std::vector<double> counts;
-    counts.reserve(points.size());
-    for (const TrendPoint& point : points)
-        counts.push_back(point.count);
-    return MedianOf(counts);
-}
-
-void HoldAgainstOwnLimits(StationTrend& station) {
-    station.limits = ControlLimitsOf(MediansOf(station.points));
-    if (!station.limits)
-        return;
-    const double usual = UsualCount(station.points);
-    for (TrendPoint& point : station.points) {
-        const double share = std::min(point.count / usual, 1.0);
-        point.isBeyond = !station.limits->AreKeptBy(point.median, share);
-        if (!point.isBeyond)
-            continue;
-        ++station.beyond;
-        station.farthest =
-            std::max(station.farthest, station.limits->DistanceOf(point.median, share));
-    }
-    if (station.beyond > 0)
-        station.drift = DriftOf(station.points, *station.limits);
 }
 
 bool IsOut(double power, const Limit& limit) {
@@ -225,6 +198,15 @@ std::size_t Trend::CountDrifting() const {
     return CountThose(stations, [](const StationTrend& station) {
         return station.drift && station.drift->IsNow();
     });
+}
+
+bool Trend::HasCommonDrift() const {
+    constexpr std::size_t fewest = 3;
+    return stations.size() >= fewest && CountDrifting() == stations.size() &&
+           std::all_of(stations.begin(), stations.end(), [this](const StationTrend& station) {
+               return std::signbit(station.drift->change) ==
+                      std::signbit(stations.front().drift->change);
+           });
 }
 
 std::size_t Trend::CountTooFew() const {

@@ -91,8 +91,9 @@ double MedianOf(std::span<double> numbers);
 /// The limits of an individuals control chart, from its moving ranges.
 struct ControlLimits {
     double mean = 0;
-    /// The standard deviation of a run, estimated from the mean moving range: a change of one run
-    /// widens the limits little, where the usual estimate would hide it in its own spread.
+    /// The standard deviation of a run, estimated from the mean moving range: a step, which is one
+    /// of many ranges, widens it little. An outlier is in two of them, and a large one among few
+    /// runs widens it much.
     double sigma = 0;
 
     double Lower() const { return mean - Distance(); }
@@ -143,8 +144,12 @@ struct Drift {
     bool isLasting = false;
     /// Whether the last run of all is one of these: else it is over.
     bool goesOn = false;
+    /// Each run beyond is alone, with none displaced beside it, and none is the last run of all.
+    bool isOfLoneRuns = false;
 
     bool IsNow() const { return isLasting && goesOn; }
+    /// Whether a place is one of these, or between them.
+    bool Has(std::size_t place) const { return first <= place && place <= last; }
 };
 
 /// What a station's runs tell of it.
@@ -178,9 +183,11 @@ struct StationTrend {
     std::uint32_t lastLoss = 0;
     /// Nothing with too few points.
     std::optional<ControlLimits> limits;
+    /// How many points the limits leave out, because each of them was alone beyond those of all.
+    std::size_t leftOut = 0;
     std::size_t beyond = 0;
-    /// The largest distance of a point from the mean, in standard deviations; 0 where none is
-    /// beyond.
+    /// The largest distance from the mean of a point beyond that is told with the drift, in
+    /// standard deviations; 0 where none is.
     double farthest = 0;
     /// There is one where a point is beyond.
     std::optional<Drift> drift;
@@ -226,6 +233,8 @@ struct Trend {
 
     /// Those that drift now.
     std::size_t CountDrifting() const;
+    /// Whether all stations, at least three, drift now, and to one side.
+    bool HasCommonDrift() const;
     /// Those without control limits.
     std::size_t CountTooFew() const;
     std::size_t CountPowers() const;

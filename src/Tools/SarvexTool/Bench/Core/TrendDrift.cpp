@@ -81,9 +81,11 @@ private:
     /// The runs that are displaced as those after the only one beyond are: from it on, or after it
     /// where they are displaced to the other side.
     std::optional<Drift> FindDisplaced() const {
-        if (m_last == 0)
-            return std::nullopt;
+        // With fewer before it, it is not known where these are.
+        constexpr std::size_t fewestBefore = 3;
         constexpr double enough = 0.5;
+        if (m_last < fewestBefore)
+            return std::nullopt;
         const double before = MedianOfPoints(m_points.first(m_last));
         const double after = MedianOfPoints(m_points.subspan(m_last + 1)) - before;
         // The run is not where those before it are, else one of them would be beyond, too.
@@ -133,6 +135,7 @@ Drift DriftOf(Points points, const ControlLimits& limits) {
     Drift drift = found ? *found : DriftFrom(points, told.Last(), told.Last());
     drift.isLasting = found || told.CountBeyond() > 1;
     drift.goesOn = drift.last + 1 == points.size();
+    drift.isOfLoneRuns = !found;
     return drift;
 }
 

@@ -11,9 +11,9 @@ namespace Bench {
 ///
 /// It is a drift where on one side of the mean two runs are beyond, or the last run of all is, or
 /// the runs after the one that is have not come back: their median is displaced from that of the
-/// runs before it by at least half as much as it is. All else is an outlier, among it a first run
-/// that differs from all others. Told is the last time that several runs were displaced, or the
-/// last run is; where there is none, the last run beyond.
+/// runs before it, of which there are at least three, by at least half as much as it is. All else
+/// is an outlier, among it a first run that differs from all others. Told is the last time that
+/// several runs were displaced, or the last run is; where there is none, the last run beyond.
 Drift DriftOf(std::span<const TrendPoint> points, const ControlLimits& limits);
 
 } // namespace Bench

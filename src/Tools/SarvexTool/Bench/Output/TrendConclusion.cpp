@@ -87,6 +87,33 @@ std::string TooFewRuns(const TrendData& data, const Trend& trend) {
     return all;
 }
 
+/// Of the stations that are not called erratic; "" where there are none.
+std::string WideLimits(const TrendData& data, const Trend& trend) {
+    constexpr double wide = 1;
+    std::string list;
+    for (const StationTrend& station : trend.stations) {
+        if (station.limits && station.timesAsErratic == 0 && station.limits->Distance() > wide)
+            AddName(list, "a drift of less than its wide limits does not show: ",
+                    NameOf(data, station) + " (" + Hundredths(station.limits->Distance()) + " dB)");
+    }
+    return list;
+}
+
+/// ", offsets from -0.32 dB (B1) to +2.89 dB (B3)", where they compare; else "".
+std::string Offsets(const TrendData& data, const Trend& trend) {
+    if (trend.groups != 1)
+        return "";
+    const auto [lowest, highest] =
+        std::minmax_element(trend.stations.begin(), trend.stations.end(),
+                            [](const StationTrend& left, const StationTrend& right) {
+                                return *left.offset < *right.offset;
+                            });
+    const auto tell = [&data](const StationTrend& station) {
+        return SignedHundredths(*station.offset) + " dB (" + NameOf(data, station) + ")";
+    };
+    return ", offsets from " + tell(*lowest) + " to " + tell(*highest);
+}
+
 /// With the widest limits, within which a drift does not show.
 std::string Steady(const TrendData& data, const Trend& trend) {
     std::size_t runs = 0;
@@ -105,7 +132,7 @@ std::string Steady(const TrendData& data, const Trend& trend) {
                " from the mean";
     return "none of the " + std::to_string(count) + " stations drifts: " + measured +
            " that stations share, limits at most " + distance + " from the mean (" +
-           NameOf(data, *widest) + ")";
+           NameOf(data, *widest) + ")" + Offsets(data, trend);
 }
 
 /// Of the stations with several of the kind.
@@ -208,6 +235,11 @@ TrendConclusion WithDrift(const TrendData& data, const Trend& trend) {
         if (station.drift && station.drift->IsNow())
             conclusion.sentences.push_back(SentenceOf(data, station));
     }
+    if (trend.HasCommonDrift())
+        conclusion.sentences.push_back(
+            "all " + std::to_string(trend.stations.size()) + " stations read " +
+            (trend.stations.front().drift->change < 0 ? "lower" : "higher") +
+            ": what they measure may have changed");
     if (trend.CountOutOfLimits() != 0)
         conclusion.sentences.push_back(OutOfLimits(data, trend));
     return conclusion;
@@ -219,6 +251,14 @@ std::size_t CountWithPowers(const Trend& trend) {
                       [](const StationTrend& station) { return station.powers != 0; }));
 }
 
+/// Whether the run that is told is alone, and not farther away than chance reaches: as limits of
+/// few runs are known badly, that is more than their three standard deviations.
+bool MayBeChance(const StationTrend& station) {
+    constexpr double farthestByChance = 5;
+    return station.drift && station.drift->first == station.drift->last &&
+           station.farthest < farthestByChance;
+}
+
 /// Drifts that are over, and runs alone.
 void AddRunsBeyond(const TrendData& data, const Trend& trend, TrendConclusion& conclusion) {
     for (const StationTrend& station : trend.stations) {
@@ -226,11 +266,7 @@ void AddRunsBeyond(const TrendData& data, const Trend& trend, TrendConclusion& c
             continue;
         conclusion.sentences.push_back(SentenceOf(data, station));
     }
-    const bool isAnyAlone =
-        std::any_of(trend.stations.begin(), trend.stations.end(), [](const StationTrend& station) {
-            return station.drift && station.drift->first == station.drift->last;
-        });
-    if (isAnyAlone)
+    if (std::any_of(trend.stations.begin(), trend.stations.end(), MayBeChance))
         conclusion.sentences.emplace_back("of 1000 runs of a steady station, about 3 are beyond "
                                           "its control limits by chance");
 }
@@ -283,6 +319,7 @@ TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
                    [&data](const StationTrend& station) { return PhraseOfLost(data, station); }));
     if (conclusion.word != "ERRATIC")
         add(OfEach(data, trend, PhraseOfErratic));
+    add({WideLimits(data, trend)});
     if (conclusion.word != "NOT FOLLOWED")
         add(StationsBehind(data, trend, true));
     add(StationsBehind(data, trend, false));

@@ -35,7 +35,8 @@ void WritePoint(JsonWriter& json, const TrendData& data, const TrendPoint& point
     json.EndObject();
 }
 
-void WriteControlLimits(JsonWriter& json, const std::optional<ControlLimits>& limits) {
+void WriteControlLimits(JsonWriter& json, const StationTrend& station) {
+    const std::optional<ControlLimits>& limits = station.limits;
     json.Key("controlLimits");
     if (!limits) {
         json.Null();
@@ -46,6 +47,7 @@ void WriteControlLimits(JsonWriter& json, const std::optional<ControlLimits>& li
     json.Key("sigma").Number(limits->sigma);
     json.Key("lower").Number(limits->Lower());
     json.Key("upper").Number(limits->Upper());
+    json.Key("leftOut").Count(station.leftOut);
     json.EndObject();
 }
 
@@ -91,7 +93,7 @@ void WriteStation(JsonWriter& json, const NamedTrend& named, const StationTrend&
     json.Key("hasRunSince").Bool(station.hasRunSince);
     json.Key("lost").Count(station.lost);
     json.Key("timesAsErratic").Number(station.timesAsErratic);
-    WriteControlLimits(json, station.limits);
+    WriteControlLimits(json, station);
     json.Key("runsBeyond").Count(station.beyond);
     WriteDrift(json, named.data, station);
     json.Key("powers").Count(station.powers);

@@ -45,6 +45,12 @@ std::string OtherTimes(const StationTrend& station, const Drift& drift) {
            (after.empty() ? "" : (before.empty() ? ", " : " and ") + after);
 }
 
+/// "; the limits leave out 1 lone run", or "".
+std::string LeftOut(const StationTrend& station) {
+    return station.leftOut == 0 ? ""
+                                : "; the limits leave out " + Counted(station.leftOut, "lone run");
+}
+
 std::string PhraseOf(const TrendData& data, const StationTrend& station, const Drift& drift) {
     const std::string first = DayOf(data, station.points[drift.first]);
     const std::string last = DayOf(data, station.points[drift.last]);
@@ -55,7 +61,7 @@ std::string PhraseOf(const TrendData& data, const StationTrend& station, const D
         when = " from " + first + " to " + last;
     return (drift.goesOn ? "reads " : "read ") + Moved(drift.change) + when + "; " +
            CountOfRuns(station.beyond, station) + " beyond its control limits" +
-           OtherTimes(station, drift);
+           OtherTimes(station, drift) + LeftOut(station);
 }
 
 /// "reads 0.55 dB high, farther from ..."

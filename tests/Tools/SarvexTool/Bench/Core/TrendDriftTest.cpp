@@ -49,6 +49,7 @@ TEST(TrendDriftTest, OneRunBeyondWithThoseAfterBackIsAnOutlier) {
         {"with those after displaced by less than half", {0, 0, 0, 3, 1.4, 1.4}, false, 3, 3, 3},
         {"and by less than half to the other side", {0, 0, 3, -1.4, -1.4}, false, 2, 2, 3},
         {"and with some after that are beside it", {0, 0, 3, 2, 0, 2, 0, 0}, false, 2, 2, 3},
+        {"with two before, which tell little", {0, 0, 3, 1.5, 1.5, 1.5}, false, 2, 2, 3},
     });
 }
 
@@ -65,10 +66,10 @@ TEST(TrendDriftTest, OneRunBeyondWithThoseAfterDisplacedIsADrift) {
         {"by just half", {0, 0, 0, 3, 1.5, 1.5}, true, 3, 5, 1.5},
         {"to the low side", {1, 1, 1, -3, -2.5, -2.6}, true, 3, 5, -3.6},
         {"more than half of them, up to the last that is",
-         {0, 0, 3, 2, -1, 2, 2, 0},
+         {0, 0, 0, 3, 2, -1, 2, 2, 0},
          true,
-         2,
-         6,
+         3,
+         7,
          2},
     });
 }
@@ -78,6 +79,19 @@ TEST(TrendDriftTest, RunsDisplacedToTheOtherSideOfOneBeyondAreTheDrift) {
         {"high, and then repaired", {2, 2, 2, 3, 2, -1, -1, -1, -1}, true, 5, 8, -3},
         {"low, and then repaired", {-2, -2, -2, -3, 1, 1, 1, 1}, true, 4, 7, 3},
     });
+}
+
+TEST(TrendDriftTest, RunsThatAreAllAloneAreToldFromThoseThatAreNot) {
+    struct Alone {
+        std::vector<double> medians;
+        bool areAlone;
+    };
+    for (const Alone& each : {Alone{{0, 0, 0, 3, 0}, true}, Alone{{0, 3, 1, 3, -1, 0}, false},
+                              Alone{{0, 3, -1, 3, 0, -1, 0}, true}, Alone{{0, 3, 0, -3, 0}, true},
+                              Alone{{0, 0, 0, 0, 3}, false}, Alone{{0, 0, 0, 3, 2, 2}, false}}) {
+        SCOPED_TRACE(testing::PrintToString(each.medians));
+        EXPECT_EQ(DriftOfMedians(each.medians).isOfLoneRuns, each.areAlone);
+    }
 }
 
 TEST(TrendDriftTest, LastRunBeyondIsADrift) {
@@ -107,7 +121,7 @@ TEST(TrendDriftTest, DriftBeforeAnOutlierOnTheOtherSideIsTold) {
         {"three runs", {4, 4, 3, -2, -2, -2, -2, -3, -2, -2, -2}, true, 0, 2, 6},
         {"in the middle", {-2, -2, 4, 4, -2, -2, -3, -2, -2}, true, 2, 3, 6},
         {"of two, each alone", {0, -3, 0, 4, 4, 4, 0, 0, -3, 0, 0}, true, 3, 5, 4},
-        {"one, with those after displaced", {-1, -1, 3, 2, 2, 2, -3, 2, 2, 2}, true, 2, 9, 3},
+        {"one, with those after displaced", {-1, -1, -1, 3, 2, 2, 2, -3, 2, 2, 2}, true, 3, 10, 3},
     });
 }
 

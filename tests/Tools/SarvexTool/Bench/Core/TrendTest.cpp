@@ -173,6 +173,38 @@ TEST_F(TrendTest, RunsWithinTheLimitsAfterOneBeyondMakeNoDriftOnItsSideEither) {
     EXPECT_NEAR(station.drift->change, 9.5 - 10.5, exactly);
 }
 
+TEST_F(TrendTest, LoneRunDoesNotWidenTheLimitsOfTheOthers) {
+    const std::vector<double> usual{10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6};
+    std::vector<double> withLone = usual;
+    withLone.insert(withLone.begin() + 4, 15.5);
+    const StationTrend station = ThirdOf(withLone);
+    EXPECT_EQ(Beyond(station), " 4");
+    EXPECT_EQ(station.leftOut, 1U);
+    const ControlLimits expected = ControlLimitsOf(usual).value();
+    EXPECT_NEAR(station.limits->sigma, expected.sigma, exactly);
+    EXPECT_NEAR(station.limits->Upper() - station.limits->Lower(),
+                expected.Upper() - expected.Lower(), exactly);
+    EXPECT_FALSE(station.drift->isLasting);
+    EXPECT_EQ(station.drift->last, 4U);
+    EXPECT_NEAR(station.farthest, 4.95 / expected.sigma, exactly);
+}
+
+TEST_F(TrendTest, DriftAfterALoneRunIsFound) {
+    const StationTrend station = ThirdOf(
+        {10.5, 10.6, 10.5, 15.5, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 11.5, 11.6, 11.5, 11.6, 11.5});
+    EXPECT_EQ(Beyond(station), " 3 10 11 12 13 14");
+    EXPECT_EQ(station.leftOut, 1U);
+    ASSERT_TRUE(station.drift->IsNow());
+    EXPECT_EQ(station.drift->first, 10U) << "a place among all runs";
+    EXPECT_EQ(station.drift->last, 14U);
+    EXPECT_NEAR(station.drift->change, 1, exactly);
+    EXPECT_LT(station.farthest, 10) << "that of the drift, not that of the lone run";
+}
+
+TEST_F(TrendTest, LoneRunIsLeftOutOnlyWhereEnoughOthersAreLeft) {
+    EXPECT_EQ(ThirdOf({10.5, 10.5, 10.5, 15.5, 10.5, 10.5, 10.5, 10.5}).leftOut, 0U);
+}
+
 TEST_F(TrendTest, LastRunAloneBeyondIsALastingDrift) {
     const StationTrend station =
         ThirdOf({10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 10.6, 10.5, 15});
@@ -440,6 +472,20 @@ TEST_F(TrendTest, OneErraticStationDoesNotHideAnother) {
     AddRuns(2, {10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6});
     AddRuns(2, {10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6, 10, 10.6});
     EXPECT_EQ(TrendOf(data).CountErratic(), 2U);
+}
+
+TEST_F(TrendTest, StationsThatAllDriftToOneSideHaveACommonDrift) {
+    for (const char* const name : {"A", "B"})
+        AddRuns(AddStation(name), {10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 14});
+    EXPECT_EQ(TrendOf(data).CountDrifting(), 2U);
+    EXPECT_FALSE(TrendOf(data).HasCommonDrift()) << "of two, one may be a large part";
+    AddSteady("C", 10);
+    EXPECT_FALSE(TrendOf(data).HasCommonDrift());
+    AddRuns(2, {10, 10, 14});
+    EXPECT_TRUE(TrendOf(data).HasCommonDrift());
+    AddRuns(AddStation("D"), {10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 10, 6});
+    EXPECT_EQ(TrendOf(data).CountDrifting(), 4U);
+    EXPECT_FALSE(TrendOf(data).HasCommonDrift());
 }
 
 TEST_F(TrendTest, ErraticIsWhereAThirdOfTheNeighboursDiffer) {

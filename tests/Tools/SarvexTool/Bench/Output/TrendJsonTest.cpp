@@ -74,6 +74,14 @@ TEST_F(TrendJsonTest, DriftHasItsTimesItsChangeAndItsLimits) {
     EXPECT_EQ(trend["stations"][1]["drift"], nullptr);
 }
 
+TEST_F(TrendJsonTest, LoneRunsThatTheLimitsLeaveOutAreCounted) {
+    AddSteady("A", 10);
+    AddRuns(0, {15, 10});
+    EXPECT_EQ(Read()["stations"][0]["controlLimits"]["leftOut"], 1);
+    AddRuns(0, {15});
+    EXPECT_EQ(Read()["stations"][0]["controlLimits"]["leftOut"], 0) << "a drift is no lone run";
+}
+
 TEST_F(TrendJsonTest, RunsThatShareNothingAreTold) {
     AddItems(2);
     AddStation("A");
