@@ -1,5 +1,7 @@
 #include "Tools/SarvexTool/Bench/Supervision/IdleWatch.h"
 
+#include <utility>
+
 namespace Bench {
 
 void IdleWatch::Connected() {
@@ -17,8 +19,17 @@ bool IdleWatch::Lost() {
     m_state = State::None;
     m_isDoubtful = true;
     m_hasLasted = false;
-    m_closesIdle = m_closesIdle || ++m_losses == lossesOfAnIdleCloser;
-    return !m_closesIdle;
+    // A daemon that is away behind a port forward loses each connection at once.
+    const bool wasThere = std::exchange(m_isAnswered, false);
+    if (wasThere)
+        ++m_losses;
+    m_closesIdle = m_closesIdle || m_losses == lossesOfAnIdleCloser;
+    return wasThere && !m_closesIdle;
+}
+
+void IdleWatch::DaemonGone() {
+    m_losses = 0;
+    m_isAnswered = false;
 }
 
 void IdleWatch::EndLine() {

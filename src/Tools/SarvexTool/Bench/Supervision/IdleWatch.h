@@ -12,13 +12,16 @@ public:
     void Connected();
     /// There was no connection: the daemon is away, and does not just close what is not used.
     void Failed();
-    /// Returns whether it is worth another connection. After several lost ones, none of which
-    /// lasted for a line, with a daemon that was there whenever it was asked, the daemon is taken
-    /// for one that closes those which are not used.
+    /// Returns whether it is worth another connection now, before the next start. After several
+    /// lost ones, none of which lasted for a line, with a daemon that answered before each and was
+    /// there whenever it was asked, the daemon is taken for one that closes those which are not
+    /// used.
     bool Lost();
     void Dropped() { m_state = State::None; }
-    /// An exchange found the daemon gone.
-    void DaemonGone() { m_losses = 0; }
+    /// An exchange was answered: the daemon is there.
+    void Answered() { m_isAnswered = true; }
+    /// An exchange found the daemon gone, or lost its connection.
+    void DaemonGone();
 
     /// Whether restarts would show with a connection that there is not yet.
     bool IsNeeded() const { return m_state != State::Connected && !m_closesIdle; }
@@ -48,6 +51,8 @@ private:
     bool m_closesIdle = false;
     /// Since the line began.
     bool m_hasLasted = false;
+    /// Whether an exchange was answered since the last one was lost, or a connection.
+    bool m_isAnswered = false;
     unsigned m_losses = 0;
 };
 

@@ -185,6 +185,10 @@ void Supervisor::SendStop(Doing doing) {
 // What comes of an exchange.
 
 void Supervisor::ExchangeEnded(const ExchangeEnd& end) {
+    if (end.kind == ExchangeEnd::Kind::Answered)
+        m_idle.Answered();
+    else if (end.kind != ExchangeEnd::Kind::TimedOut)
+        m_idle.DaemonGone();
     switch (m_doing) {
     case Doing::PassingOn:
         return RequestEnded(end);

@@ -5,6 +5,11 @@
 namespace Bench {
 namespace {
 
+bool LostAfterAnAnswer(IdleWatch& watch) {
+    watch.Answered();
+    return watch.Lost();
+}
+
 TEST(IdleWatchTest, SettingsAreDoubtfulUntilTheyAreSentOverAConnectionThatLasts) {
     IdleWatch watch;
     EXPECT_TRUE(watch.IsMissing());
@@ -22,10 +27,10 @@ TEST(IdleWatchTest, SettingsAreDoubtfulUntilTheyAreSentOverAConnectionThatLasts)
 
 TEST(IdleWatchTest, DaemonThatWasThereAllTheTimeClosesWhatIsNotUsed) {
     IdleWatch watch;
-    EXPECT_TRUE(watch.Lost());
-    EXPECT_TRUE(watch.Lost());
+    EXPECT_TRUE(LostAfterAnAnswer(watch));
+    EXPECT_TRUE(LostAfterAnAnswer(watch));
     EXPECT_FALSE(watch.ClosesIdle());
-    EXPECT_FALSE(watch.Lost());
+    EXPECT_FALSE(LostAfterAnAnswer(watch));
     EXPECT_TRUE(watch.ClosesIdle());
     EXPECT_FALSE(watch.IsMissing());
     EXPECT_TRUE(watch.IsDoubtful());
@@ -38,12 +43,38 @@ TEST(IdleWatchTest, DaemonThatWasThereAllTheTimeClosesWhatIsNotUsed) {
 TEST(IdleWatchTest, DaemonThatWasAwayInBetweenHasStartedAnew) {
     IdleWatch watch;
     for (int time = 0; time < 5; ++time) {
-        EXPECT_TRUE(watch.Lost());
-        EXPECT_TRUE(watch.Lost());
+        EXPECT_TRUE(LostAfterAnAnswer(watch));
+        EXPECT_TRUE(LostAfterAnAnswer(watch));
         if (time % 2 == 0)
             watch.Failed();
         else
             watch.DaemonGone();
+    }
+    EXPECT_FALSE(watch.ClosesIdle());
+}
+
+// As where a port forward takes connections while the daemon is away.
+TEST(IdleWatchTest, LossesWithoutAnAnswerInBetweenAreOneOutage) {
+    IdleWatch watch;
+    EXPECT_TRUE(LostAfterAnAnswer(watch));
+    for (int time = 0; time < 5; ++time) {
+        watch.Connected();
+        EXPECT_FALSE(watch.Lost());
+        EXPECT_TRUE(watch.IsMissing());
+        EXPECT_TRUE(watch.IsDoubtful());
+    }
+    EXPECT_TRUE(LostAfterAnAnswer(watch));
+    EXPECT_FALSE(watch.ClosesIdle());
+    EXPECT_FALSE(LostAfterAnAnswer(watch));
+    EXPECT_TRUE(watch.ClosesIdle());
+}
+
+TEST(IdleWatchTest, ConnectionThatIsLostWithAnExchangeWasNotClosedForBeingUnused) {
+    IdleWatch watch;
+    for (int time = 0; time < 5; ++time) {
+        watch.Answered();
+        watch.DaemonGone();
+        EXPECT_FALSE(watch.Lost());
     }
     EXPECT_FALSE(watch.ClosesIdle());
 }
@@ -55,7 +86,7 @@ TEST(IdleWatchTest, ConnectionThatLastedForALineWasNotClosedForBeingUnused) {
         watch.BeginLine();
         watch.EndLine();
         watch.BeginLine();
-        EXPECT_TRUE(watch.Lost());
+        EXPECT_TRUE(LostAfterAnAnswer(watch));
         watch.EndLine();
     }
     EXPECT_FALSE(watch.ClosesIdle());

@@ -400,11 +400,14 @@ TEST_F(SupervisorTest, SettingsThatTheDaemonNoLongerTakesEndTheRun) {
 
 TEST_F(SupervisorTest, DaemonThatClosesUnusedConnectionsGetsTheSettingsForEachSegment) {
     hands.segments = {{2, 1}, {3, 1}};
-    Supervisor& supervisor = StartLines();
-    for (int time = 0; time < 2; ++time) {
+    Supervisor& supervisor = Start();
+    supervisor.IdleConnected();
+    for (const char* request : {"first", "mac"}) {
+        Exchange(request);
         supervisor.IdleLost();
         supervisor.IdleConnected();
     }
+    Exchange("mcc");
     EXPECT_FALSE(supervisor.ClosesIdleConnections());
     supervisor.IdleLost();
     EXPECT_TRUE(supervisor.ClosesIdleConnections());
@@ -418,6 +421,47 @@ TEST_F(SupervisorTest, DaemonThatClosesUnusedConnectionsGetsTheSettingsForEachSe
     hands.Taken();
     supervisor.ClientRequested("start");
     EXPECT_THAT(hands.Taken(), ElementsAre("send -wifi-channel 2"));
+}
+
+TEST_F(SupervisorTest, ConnectionThatIsLostAtOnceIsMadeAnewForTheNextStart) {
+    Supervisor& supervisor = StartLines();
+    Exchange("start");
+    Exchange("stop");
+    hands.Taken();
+    supervisor.IdleLost();
+    for (int time = 0; time < 5; ++time) {
+        supervisor.IdleConnected();
+        supervisor.IdleLost();
+    }
+    EXPECT_THAT(hands.Taken(), ElementsAre("connect idle"));
+    EXPECT_FALSE(supervisor.ClosesIdleConnections());
+    hands.row = "5,12,12\n";
+    supervisor.ClientRequested("start");
+    supervisor.IdleConnected();
+    EXPECT_THAT(hands.Taken(),
+                ElementsAre("keep 2 measured ", "connect idle", "send -wifi-channel 2"));
+}
+
+// Else a start that takes longer than such a connection would be repeated for ever.
+TEST_F(SupervisorTest, StartsThatOutlastUnusedConnectionsAreRepeatedAFewTimesOnly) {
+    Supervisor& supervisor = StartLines();
+    supervisor.ClientRequested("start");
+    for (int time = 0; time < 2; ++time) {
+        supervisor.IdleLost();
+        supervisor.IdleConnected();
+        supervisor.IdleLost();
+        Answer();
+        EXPECT_EQ(hands.Taken().back(), "send -wifi-stop");
+        Answer();
+        supervisor.IdleConnected();
+    }
+    supervisor.IdleLost();
+    EXPECT_TRUE(supervisor.ClosesIdleConnections());
+    Answer();
+    Answer();
+    hands.Taken();
+    Answer();
+    EXPECT_THAT(hands.Taken(), ElementsAre("reply"));
 }
 
 TEST_F(SupervisorTest, FirstCommandOfTheUserCountsWithItsSettingsAndItsStart) {

@@ -36,7 +36,8 @@ SupervisorOptions OptionsFrom(const SimulatedRun::Choice& choice) {
 SimulatedRun::SimulatedRun(Choice choice)
     : m_choice(std::move(choice)),
       m_supervisor(OptionsFrom(m_choice), *this),
-      m_isUp(m_choice(4) != 0) {}
+      m_isUp(m_choice(4) != 0),
+      m_isForwarded(m_choice(2) == 0) {}
 
 void SimulatedRun::Require(bool promise, const char* what) const {
     if (!promise)
@@ -105,7 +106,8 @@ void SimulatedRun::AddDaemonEvents(std::vector<Possible>& events) {
         events.push_back({8, [this] {
                               m_isConnectingIdle = false;
                               m_isIdle = m_isUp;
-                              if (m_isUp)
+                              m_isIdleBroken = m_isForwarded && !m_isUp;
+                              if (m_isUp || m_isForwarded)
                                   m_supervisor.IdleConnected();
                               else
                                   m_supervisor.IdleFailed("cannot be reached");
@@ -124,7 +126,11 @@ void SimulatedRun::AddDaemonEvents(std::vector<Possible>& events) {
         }
     }
     if (m_exchange && !m_isUp && !m_isExchangeBroken)
-        events.push_back({8, [this] { EndExchange(ExchangeEnd::Kind::Unreachable, ""); }});
+        events.push_back({8, [this] {
+                              EndExchange(m_isForwarded ? ExchangeEnd::Kind::Lost
+                                                        : ExchangeEnd::Kind::Unreachable,
+                                          "");
+                          }});
     if (m_steps >= stepsOfTrouble && m_isUp)
         return;
     events.push_back({1, [this] {
@@ -168,8 +174,8 @@ void SimulatedRun::EndExchange(ExchangeEnd::Kind kind, const std::string& body) 
     const bool isBroken = std::exchange(m_isExchangeBroken, false);
     const bool isTaken = body == accepted || body == withoutCode;
     // What is not answered may have been carried out all the same.
-    if (isTaken ||
-        (kind != ExchangeEnd::Kind::Unreachable && body.empty() && !isBroken && m_choice(2) == 0))
+    if (isTaken || (kind != ExchangeEnd::Kind::Unreachable && m_isUp && body.empty() && !isBroken &&
+                    m_choice(2) == 0))
         CarryOut(command);
     const std::string rate = m_rate;
     m_isReplied = false;

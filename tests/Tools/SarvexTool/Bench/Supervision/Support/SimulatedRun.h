@@ -87,6 +87,8 @@ private:
 
     // The daemon and its device.
     bool m_isUp = true;
+    /// Something before the daemon takes connections while it is away, and closes them at once.
+    bool m_isForwarded = false;
     bool m_isConnectingIdle = false;
     bool m_isIdle = false;
     /// The idle connection ended with the daemon, which is about to show.
