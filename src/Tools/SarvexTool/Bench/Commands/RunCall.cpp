@@ -122,7 +122,7 @@ private:
             return ExitCode::StopNotConfirmed;
         if (end.kind == RunEnd::Kind::Complete)
             return HasPassed() ? ExitCode::Fine : ExitCode::Found;
-        return m_watch->HasFailedFast() ? ExitCode::Found : ExitCode::EndedEarly;
+        return m_watch->HasFailedFast(end.reason) ? ExitCode::Found : ExitCode::EndedEarly;
     }
 
     /// As judge has it, of the files as they are.

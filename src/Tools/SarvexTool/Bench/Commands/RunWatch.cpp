@@ -52,8 +52,8 @@ std::string RunWatch::FinishLine(const FinishedLine& line, const OwnSettings& ow
     const bool isLast = m_progress.linesDone == m_progress.linesTotal;
     if (hasPassed || !m_judging.failFast || isLast)
         return "";
-    m_hasFailedFast = true;
-    return "line " + std::to_string(line.line) + " did not pass";
+    m_whyFailedFast = "line " + std::to_string(line.line) + " did not pass";
+    return m_whyFailedFast;
 }
 
 void RunWatch::ShowState(RunState::Kind state, const std::string& detail) {

@@ -39,8 +39,10 @@ public:
     void ShowState(RunState::Kind state, const std::string& detail) override;
     void Tick() override;
 
-    /// Whether a line has ended the run because it did not pass.
-    bool HasFailedFast() const { return m_hasFailedFast; }
+    /// Whether a run that ended early for this reason did so because a line did not pass.
+    bool HasFailedFast(const std::string& reason) const {
+        return !reason.empty() && reason == m_whyFailedFast;
+    }
     const RunProgress& Progress() const { return m_progress; }
     /// The first measurements without a power, as many as a summary shows.
     const std::vector<MissingMeasurement>& Missing() const { return m_missing; }
@@ -61,7 +63,7 @@ private:
     RunProgress m_progress;
     RunResultBuilder m_builder;
     std::vector<MissingMeasurement> m_missing;
-    bool m_hasFailedFast = false;
+    std::string m_whyFailedFast;
     RunPace m_pace;
     Clock::time_point m_start;
     Clock::time_point m_stateStart;

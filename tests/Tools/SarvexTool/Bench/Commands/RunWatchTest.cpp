@@ -80,7 +80,8 @@ TEST_F(RunWatchTest, LineIsHeldAgainstTheLimitsAsItComes) {
                                Own("5", "B")),
               "line 3 did not pass");
     EXPECT_EQ(shown.last.last.b.verdict, Verdict::TooHigh);
-    EXPECT_TRUE(watch.HasFailedFast());
+    EXPECT_TRUE(watch.HasFailedFast("line 3 did not pass"));
+    EXPECT_FALSE(watch.HasFailedFast("it was interrupted"));
     EXPECT_THAT(*shown.last.verdicts, ElementsAre(1, 0, 1, 0, 0));
 }
 
@@ -102,7 +103,7 @@ TEST_F(RunWatchTest, LastLineHasNothingToEndFast) {
     EXPECT_EQ(watch.FinishLine(Line(2, "5,A,NA,NA\n", Outcome::Refused, Outcome::Refused, false),
                                Own("5", "A")),
               "");
-    EXPECT_FALSE(watch.HasFailedFast());
+    EXPECT_FALSE(watch.HasFailedFast(""));
 }
 
 TEST_F(RunWatchTest, StateIsShownWhenItChanges) {
