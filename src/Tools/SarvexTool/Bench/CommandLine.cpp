@@ -6,6 +6,7 @@
 #include "Tools/SarvexTool/Bench/Core/Nearest.h"
 #include "Tools/SarvexTool/Bench/Core/Passwords.h"
 #include "Tools/SarvexTool/Bench/Files/BadFile.h"
+#include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 
@@ -171,7 +172,9 @@ public:
             HandOn(arguments, surroundings);
             RequireKnownSubcommand(arguments);
             m_options.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-            return Chosen().run(surroundings);
+            const int exitCode = Chosen().run(surroundings);
+            m_standsWithoutOutput = Chosen().standsWithoutOutput;
+            return exitCode;
         } catch (const CLI::CallForHelp&) {
             surroundings.out.stream << m_options.help();
             return ExitCode::Fine;
@@ -183,6 +186,11 @@ public:
         } catch (const WrongUsage& error) {
             return Complain(error.what(), surroundings);
         }
+    }
+
+    /// The exit code where standard output has not taken all.
+    int WithoutOutput(int exitCode) const {
+        return m_standsWithoutOutput ? exitCode : std::max<int>(exitCode, ExitCode::Failed);
     }
 
 private:
@@ -239,6 +247,7 @@ private:
     CLI::App m_options;
     std::vector<Command> m_commands;
     const CLI::App* m_help = nullptr;
+    bool m_standsWithoutOutput = false;
 };
 
 bool WantsNoColours() {
@@ -253,20 +262,22 @@ Console ConsoleOf(std::ostream& stream, OSAL::StandardStream number) {
 } // namespace
 
 int RunProgram(const std::vector<std::string>& arguments, Surroundings& surroundings) {
-    int exitCode = ExitCode::Fine;
     try {
-        exitCode = Parser().Run(arguments, surroundings);
-        if (surroundings.out.stream.flush())
+        Parser parser;
+        const int exitCode = parser.Run(arguments, surroundings);
+        // That a transmitter may be on are the last words.
+        if (surroundings.out.stream.flush() || exitCode == ExitCode::StopNotConfirmed)
             return exitCode;
-        throw BadOutput("-", "cannot be written");
+        const BadOutput bad(StandardStreamName, "cannot be written");
+        PrintProblems(surroundings.err, bad.File(), bad.Problems());
+        return parser.WithoutOutput(exitCode);
     } catch (const BadFile& bad) {
         PrintProblems(surroundings.err, bad.File(), bad.Problems());
     } catch (const std::exception& error) {
         surroundings.err.stream << programName << ": "
                                 << MakeHarmless(WithoutPasswords(error.what())) << "\n";
     }
-    // Output that nobody reads does not hide a transmitter that may be on.
-    return std::max<int>(exitCode, ExitCode::Failed);
+    return ExitCode::Failed;
 }
 
 int RunProgram(const std::vector<std::string>& arguments) {

@@ -168,6 +168,22 @@ TEST_F(CommandLineTest, AStandardOutputThatTakesNothingEndsWithTwo) {
     EXPECT_EQ(err.str(), "-: error: cannot be written\n");
 }
 
+TEST_F(CommandLineTest, WhatIsDoneStandsThoughStandardOutputTakesNothing) {
+    TestSupport::WriteBytes(
+        directory.Path("plan.csv"),
+        "Band,Chains,Bandwidth,Channel,Bandwidth Mode,Rate,Mode,Resource Unit,Specific Resource "
+        "unit,Large RU Size\n2.4,A,20,1,legacy,11,SISO,242,0,none\n");
+    out.setstate(std::ios::badbit);
+    Surroundings surroundings{in, {out}, {err}};
+    EXPECT_EQ(RunProgram({"split", directory.Path("plan.csv"), "--lines", "1", "-o",
+                          directory.Path("chunks")},
+                         surroundings),
+              0);
+    EXPECT_EQ(err.str(), "-: error: cannot be written\n");
+    // What this one prints is all that it does.
+    EXPECT_EQ(RunProgram({"check", directory.Path("plan.csv")}, surroundings), 2);
+}
+
 class ColoursTest : public CommandLineTest {
 protected:
     ~ColoursTest() override { SetNoColor(""); }

@@ -40,6 +40,9 @@ struct Command {
     /// Does what the options ask for, after they were parsed; returns an ExitCode. Throws BadFile,
     /// WrongUsage and other exceptions of the standard library.
     std::function<int(Surroundings&)> run;
+    /// Whether it has done its work whatever becomes of standard output: its exit code then stands
+    /// though nobody reads.
+    bool standsWithoutOutput = false;
 };
 
 /// The arguments cannot be meant as they are. The text says why, without an end mark.

@@ -287,7 +287,8 @@ Command AddMerge(Options program) {
     app.Footer("Exit code: 0 all measured, 1 something was not, 2 wrong usage, a chunk whose "
                "complete run is missing or not the only one, a run of something else, or a file "
                "that is wrong or cannot be read or written.");
-    return {app, [options](Surroundings& surroundings) { return Merge(*options, surroundings); }};
+    return {app, [options](Surroundings& surroundings) { return Merge(*options, surroundings); },
+            true};
 }
 
 } // namespace Bench

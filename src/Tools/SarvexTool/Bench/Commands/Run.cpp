@@ -393,9 +393,10 @@ Command AddRun(Options program) {
         "wrong usage, a file that is wrong or cannot be read or written, or a daemon or folder in "
         "use; 3 ended early, to be resumed; 4 the last stop was not confirmed: the transmitter may "
         "be on.");
-    return {app, [app, arguments](Surroundings& surroundings) {
-                return Run(app, *arguments, surroundings);
-            }};
+    return {
+        app,
+        [app, arguments](Surroundings& surroundings) { return Run(app, *arguments, surroundings); },
+        true};
 }
 
 } // namespace Bench

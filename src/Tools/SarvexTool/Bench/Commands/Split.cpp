@@ -121,7 +121,8 @@ Command AddSplit(Options program) {
     app.Footer("In the chunks each line writes all settings out, so that it needs no line before "
                "it. Exit code: 0 the chunks are written, 2 wrong usage, a file that has errors "
                "or cannot be read or written, or a folder that is not free.");
-    return {app, [options](Surroundings& surroundings) { return Split(*options, surroundings); }};
+    return {app, [options](Surroundings& surroundings) { return Split(*options, surroundings); },
+            true};
 }
 
 } // namespace Bench

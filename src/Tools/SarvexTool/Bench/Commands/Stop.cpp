@@ -103,7 +103,8 @@ Command AddStop(Options program) {
         .TypeName("SECONDS")
         .ShowDefault();
     app.Footer("Exit code: 0 the daemon has confirmed the stop, 2 wrong usage, 4 it has not.");
-    return {app, [options](Surroundings& surroundings) { return Stop(*options, surroundings); }};
+    return {app, [options](Surroundings& surroundings) { return Stop(*options, surroundings); },
+            true};
 }
 
 } // namespace Bench

@@ -78,8 +78,8 @@ TEST_F(EndingTest, OutputThatNobodyReadsDisturbsNoRunAndHidesNoMissedStop) {
         const char* fault;
         int exitCode;
     };
-    for (const Case& one :
-         {Case{"1000:close-before", 2}, Case{"text=-wifi-stop:return-code=5", 4}}) {
+    for (const Case& one : {Case{"1000:close-before", 0}, Case{"text=-wifi-start:return-code=5", 1},
+                            Case{"text=-wifi-stop:return-code=5", 4}}) {
         SCOPED_TRACE(one.fault);
         const RunProbe own;
         RestartableDaemon daemonOfOne;
@@ -91,9 +91,40 @@ TEST_F(EndingTest, OutputThatNobodyReadsDisturbsNoRunAndHidesNoMissedStop) {
             {.output = EndToEnd::Process::Output::BrokenPipe,
              .inputFile = "",
              .areArgumentsUtf8 = false});
-        EXPECT_EQ(run.Wait().exitCode, one.exitCode);
-        EXPECT_EQ(own.Outcomes(), "2 measured, measured; 3 measured, measured");
+        const EndToEnd::ProcessResult result = run.Wait();
+        EXPECT_EQ(result.exitCode, one.exitCode);
+        EXPECT_EQ(own.Facts().Integer("exitCode"), one.exitCode);
+        EXPECT_EQ(own.Lines("journal.jsonl").size(), 2u);
+        const std::string last = one.exitCode == 4 ? "stop --daemon " + daemonOfOne.Address() + "\n"
+                                                   : "-: error: cannot be written\n";
+        EXPECT_TRUE(result.err.ends_with(last)) << result.err;
     }
+}
+
+TEST_F(EndingTest, StopThatIsConfirmedIsSoThoughNobodyReads) {
+    daemon.Start();
+    EndToEnd::Process stop(BenchPath(), {"stop", "--daemon", daemon.Address()}, probe.Path(""),
+                           {.output = EndToEnd::Process::Output::BrokenPipe,
+                            .inputFile = "",
+                            .areArgumentsUtf8 = false});
+    const EndToEnd::ProcessResult result = stop.Wait();
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_NE(result.err.find("-: error: cannot be written"), std::string::npos) << result.err;
+}
+
+TEST_F(EndingTest, RefusedResumingKeepsStandardOutputForJson) {
+    daemon.Start({"--fault", "text=-wifi-stop:return-code=5"});
+    EXPECT_EQ(probe.Run(daemon.Address(), {"--stop-timeout", "1"}).exitCode, 4);
+    daemon.Kill();
+    daemon.Start();
+    probe.Write("test.csv", "Band\n6\n");
+    const EndToEnd::ProcessResult refused =
+        probe.RunBench({"run", "--resume", "run", "--progress", "json"});
+    EXPECT_EQ(refused.exitCode, 2);
+    EXPECT_EQ(refused.out, "");
+    EXPECT_TRUE(
+        refused.err.ends_with("The daemon at " + daemon.Address() + " has confirmed the stop.\n"))
+        << refused.err;
 }
 
 using LateReaderTest = LateReader;
