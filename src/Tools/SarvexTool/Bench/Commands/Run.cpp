@@ -194,8 +194,9 @@ void RequireOrdinaryFile(const std::string& name) {
                        "is no ordinary file; a run reads it more than once, so save it in one");
 }
 
-int RunAndKeep(RunDirectory& directory, const std::string& progress, Surroundings& surroundings) {
-    RunConsole console(surroundings, progress == "json");
+int RunAndKeep(RunDirectory& directory, const std::string& progress,
+               std::unique_ptr<EndRequests> pRequests, Surroundings& surroundings) {
+    RunConsole console(surroundings, progress == "json", std::move(pRequests));
     int exitCode = RunTest(directory, progress, console);
     if (directory.Facts().options.keep)
         exitCode = KeepRun(directory, exitCode, console);
@@ -229,10 +230,11 @@ int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
     RunDirectory directory = RunDirectory::Create(name, *arguments.file, facts, Holder(name));
     if (!arguments.out)
         surroundings.err.stream << "The run is in " << MakeHarmless(name) << "\n";
-    return RunAndKeep(directory, arguments.progress, surroundings);
+    return RunAndKeep(directory, arguments.progress, std::make_unique<EndRequests>(), surroundings);
 }
 
-int GoOn(RunDirectory& directory, const std::string& progress, Surroundings& surroundings) {
+int GoOn(RunDirectory& directory, const std::string& progress,
+         std::unique_ptr<EndRequests> pRequests, Surroundings& surroundings) {
     RunFacts& facts = directory.Facts();
     if (facts.outcome == "complete" && (facts.stopConfirmed || !facts.startPassedOn))
         throw BadInput(directory.Files().directory, "is complete; there is nothing to go on with");
@@ -242,7 +244,7 @@ int GoOn(RunDirectory& directory, const std::string& progress, Surroundings& sur
     facts.options.segment = std::min(facts.options.segment, MostSegmentLines());
     if (HashOfFile(facts.options.client) != facts.clientSha256)
         facts.AddNote("the client is not the one that the run began with");
-    return RunAndKeep(directory, progress, surroundings);
+    return RunAndKeep(directory, progress, std::move(pRequests), surroundings);
 }
 
 /// The facts of a run that may have left the transmitter on; nothing for any other folder, nor for
@@ -258,14 +260,20 @@ std::optional<RunFacts> FactsOfUnstopped(const std::string& directory) {
 }
 
 /// Stops what a run may have left on when it was killed, before its files are read, which takes
-/// seconds for a long one: a request to end would end the program in that time. The run itself
-/// stops the transmission once more, and keeps that in its files.
-void StopBeforeReading(const std::string& directory, const RunFacts& facts,
-                       Surroundings& surroundings) {
+/// seconds for a long one. The run itself stops the transmission once more, and keeps that in its
+/// files. Returns as StopAhead.
+std::optional<int> StopBeforeReading(const std::string& directory, const RunFacts& facts,
+                                     EndRequests& requests, Surroundings& surroundings) {
     const OSAL::FileLock lock =
         TakeLock(RunFiles(directory).lock, directory, "the run", Holder(directory));
     const OSAL::FileLock daemonLock = LockDaemonAt(DaemonIn(facts), Absolute(directory));
-    StopAhead(DaemonIn(facts), facts.options.stopTimeout, surroundings);
+    return StopAhead(DaemonIn(facts), facts.options.stopTimeout, requests, surroundings);
+}
+
+/// Where plain words go beside a run's: standard output may be for JSON.
+Surroundings WordsBeside(const std::string& progress, Surroundings& surroundings) {
+    return {surroundings.in, progress == "json" ? surroundings.err : surroundings.out,
+            surroundings.err};
 }
 
 int Resume(const RunArguments& arguments, Surroundings& surroundings) {
@@ -273,11 +281,17 @@ int Resume(const RunArguments& arguments, Surroundings& surroundings) {
     if (arguments.resume == "")
         throw WrongUsage("--resume needs the name of a folder");
     const std::optional<RunFacts> unstopped = FactsOfUnstopped(*arguments.resume);
+    Surroundings beside = WordsBeside(arguments.progress, surroundings);
+    auto pRequests = std::make_unique<EndRequests>();
     try {
-        if (unstopped)
-            StopBeforeReading(*arguments.resume, *unstopped, surroundings);
+        if (unstopped) {
+            HoldUntilStopped(*pRequests, DaemonIn(*unstopped), beside);
+            if (const auto ended =
+                    StopBeforeReading(*arguments.resume, *unstopped, *pRequests, beside))
+                return *ended;
+        }
         RunDirectory directory = RunDirectory::Resume(*arguments.resume, Holder(*arguments.resume));
-        return GoOn(directory, arguments.progress, surroundings);
+        return GoOn(directory, arguments.progress, std::move(pRequests), surroundings);
     } catch (const InUse&) {
         throw;
     } catch (const BadFile& bad) {
@@ -290,8 +304,10 @@ int Resume(const RunArguments& arguments, Surroundings& surroundings) {
         surroundings.err.stream << MakeHarmless(error.what()) << "\n";
     }
     // It cannot go on, but the transmitter is not to stay on for that.
-    const int exitCode =
-        StopByHand(DaemonIn(*unstopped), unstopped->options.stopTimeout, surroundings);
+    if (!pRequests)
+        pRequests = std::make_unique<EndRequests>();
+    HoldUntilStopped(*pRequests, DaemonIn(*unstopped), beside);
+    const int exitCode = StopByHand(DaemonIn(*unstopped), unstopped->options.stopTimeout, beside);
     return exitCode == ExitCode::Fine ? ExitCode::Failed : exitCode;
 }
 

@@ -23,7 +23,8 @@ std::function<void(std::string)> Into(OutputQueue& queue, std::ostream& stream) 
 
 } // namespace
 
-RunConsole::RunConsole(Surroundings& surroundings, bool isJson)
+RunConsole::RunConsole(Surroundings& surroundings, bool isJson,
+                       std::unique_ptr<EndRequests> pRequests)
     : m_isOutTerminal(OSAL::IsTerminal(OSAL::StandardStream::Output)),
       m_isErrTerminal(OSAL::IsTerminal(OSAL::StandardStream::Error)),
       m_errTarget(surroundings.err.stream),
@@ -33,7 +34,8 @@ RunConsole::RunConsole(Surroundings& surroundings, bool isJson)
       m_err(m_errQueue, m_errTarget),
       m_streams{surroundings.in,
                 {m_out, surroundings.out.hasColours},
-                {m_err, surroundings.err.hasColours}} {
+                {m_err, surroundings.err.hasColours}},
+      m_pRequests(std::move(pRequests)) {
     m_err.tie(&m_out);
     m_err.setf(std::ios_base::unitbuf);
 }
@@ -47,7 +49,7 @@ void RunConsole::Finish(int exitCode) {
     m_out.flush();
     m_err.flush();
     while (!IsWrittenWithin(pause)) {
-        if (m_requests.AreUrgent() && !IsWrittenWithin(patience))
+        if (m_pRequests->AreUrgent() && !IsWrittenWithin(patience))
             GiveUp(exitCode);
     }
 }

@@ -5,6 +5,7 @@
 #include "Tools/SarvexTool/Bench/Run/OutputQueue.h"
 
 #include <chrono>
+#include <memory>
 #include <optional>
 #include <ostream>
 
@@ -17,15 +18,15 @@ namespace Bench {
 class RunConsole {
 public:
     /// While it lives, nothing else writes to the surroundings' streams. What standard output does
-    /// not take goes to standard error, but not JSON.
-    RunConsole(Surroundings& surroundings, bool isJson);
+    /// not take goes to standard error, but not JSON. The requests may be held already.
+    RunConsole(Surroundings& surroundings, bool isJson, std::unique_ptr<EndRequests> pRequests);
     /// Waits until all is written, as long as that may take.
     ~RunConsole();
     RunConsole(const RunConsole&) = delete;
     RunConsole& operator=(const RunConsole&) = delete;
 
     Surroundings& Streams() { return m_streams; }
-    EndRequests& Requests() { return m_requests; }
+    EndRequests& Requests() { return *m_pRequests; }
 
     /// Whether somebody sits at the other end, known without asking it again.
     bool IsOutTerminal() const { return m_isOutTerminal; }
@@ -66,7 +67,7 @@ private:
     QueuedStream m_err;
     Surroundings m_streams;
     /// The last member: while the others wait for a reader, a request is to end the program.
-    EndRequests m_requests;
+    std::unique_ptr<EndRequests> m_pRequests;
 };
 
 } // namespace Bench

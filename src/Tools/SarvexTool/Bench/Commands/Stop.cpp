@@ -1,6 +1,5 @@
 #include "Tools/SarvexTool/Bench/Commands/Stop.h"
 
-#include "Modules/xFramework/OSAL/Interruption.h"
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
 #include "Tools/SarvexTool/Bench/Daemon/Connection.h"
 #include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
@@ -9,8 +8,10 @@
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
 #include "Tools/SarvexTool/Bench/Supervision/Answer.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <cstdlib>
 #include <exception>
 #include <memory>
 #include <string>
@@ -82,14 +83,23 @@ int StopByHand(const DaemonAddress& address, double seconds, Surroundings& surro
     return Conclude(address, TryToStop(address, seconds), surroundings);
 }
 
-void StopAhead(const DaemonAddress& address, double seconds, Surroundings& surroundings) {
-    const OSAL::HeldInterruption held;
+void HoldUntilStopped(EndRequests& requests, const DaemonAddress& address,
+                      Surroundings& surroundings) {
+    requests.Hold([address, &surroundings](OSAL::InterruptionKind kind) {
+        // The system ends the program some seconds later; the stop may be confirmed by then.
+        if (kind != OSAL::InterruptionKind::ConsoleClosing)
+            std::_Exit(Conclude(address, "was not waited for", surroundings));
+    });
+}
+
+std::optional<int> StopAhead(const DaemonAddress& address, double seconds, EndRequests& requests,
+                             Surroundings& surroundings) {
     const std::string failure = TryToStop(address, seconds);
-    if (!OSAL::HeldInterruption::IsWanted())
-        return;
-    // The program ends here, with what is held.
-    Conclude(address, failure, surroundings);
-    surroundings.out.stream.flush();
+    if (requests.IsWanted())
+        return std::max<int>(Conclude(address, failure, surroundings), ExitCode::EndedEarly);
+    if (failure.empty())
+        requests.Release();
+    return std::nullopt;
 }
 
 Command AddStop(Options program) {

@@ -2,15 +2,26 @@
 
 #include "Tools/SarvexTool/Bench/Commands/Command.h"
 #include "Tools/SarvexTool/Bench/Daemon/DaemonAddress.h"
+#include "Tools/SarvexTool/Bench/Run/EndRequests.h"
+
+#include <optional>
 
 namespace Bench {
+
+/// Holds the requests to end the program while a transmitter may be on. A second one ends it with
+/// StopNotConfirmed and says so. The surroundings live longer than the requests.
+void HoldUntilStopped(EndRequests& requests, const DaemonAddress& address,
+                      Surroundings& surroundings);
 
 /// Sends the stop to a daemon, once, and prints what comes of it. Returns Fine or StopNotConfirmed.
 int StopByHand(const DaemonAddress& address, double seconds, Surroundings& surroundings);
 
-/// Sends the stop to a daemon, once and without a word, before something that takes long. A request
-/// to end the program waits for it, and then prints what has come of it.
-void StopAhead(const DaemonAddress& address, double seconds, Surroundings& surroundings);
+/// Sends the stop to a daemon, once and without a word, before something that takes long. The
+/// requests are held; when one has come by then, prints what has become of the stop and returns the
+/// exit code of a program that ends for it. Without one, those that come later are held on only
+/// where the stop was not confirmed.
+std::optional<int> StopAhead(const DaemonAddress& address, double seconds, EndRequests& requests,
+                             Surroundings& surroundings);
 
 /// Stops a device's transmission by hand.
 Command AddStop(Options program);

@@ -5,10 +5,29 @@
 
 namespace Bench {
 
+void EndRequests::Hold(Function urgent) {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_function = std::move(urgent);
+        m_isHeld = true;
+    }
+    Listen();
+}
+
+void EndRequests::Release() {
+    if (IsWanted())
+        return;
+    m_listener.reset();
+    EndRun();
+}
+
 void EndRequests::BeginRun(Function function) {
     {
         const std::lock_guard lock(m_mutex);
         m_function = std::move(function);
+        m_isHeld = false;
+        if (m_last)
+            m_function(m_lastKind);
     }
     Listen();
 }
@@ -16,6 +35,12 @@ void EndRequests::BeginRun(Function function) {
 void EndRequests::EndRun() {
     const std::lock_guard lock(m_mutex);
     m_function = nullptr;
+    m_isHeld = false;
+}
+
+bool EndRequests::IsWanted() const {
+    const std::lock_guard lock(m_mutex);
+    return m_last.has_value();
 }
 
 bool EndRequests::AreUrgent() const {
@@ -24,7 +49,8 @@ bool EndRequests::AreUrgent() const {
 }
 
 void EndRequests::Listen() {
-    m_listener.emplace([this](OSAL::InterruptionKind kind) { Hear(kind); });
+    if (!m_listener)
+        m_listener.emplace([this](OSAL::InterruptionKind kind) { Hear(kind); });
 }
 
 void EndRequests::Hear(OSAL::InterruptionKind kind) {
@@ -36,7 +62,8 @@ void EndRequests::Hear(OSAL::InterruptionKind kind) {
         return;
     m_areUrgent = m_areUrgent || isClosing || m_last.has_value() || !m_function;
     m_last = now;
-    if (m_function)
+    m_lastKind = kind;
+    if (m_function && (m_areUrgent || !m_isHeld))
         m_function(kind);
 }
 

@@ -98,10 +98,11 @@ public:
           m_supervisor(OptionsOf(directory), *this) {}
 
     RunEnd Run(EndRequests& requests) {
+        m_loop.Post([this] { Tell([](Supervisor& supervisor) { supervisor.Begin(); }); });
+        // After that one, for a request may be waiting.
         requests.BeginRun([this](OSAL::InterruptionKind kind) {
             m_loop.Post([this, kind] { Interrupt(kind); });
         });
-        m_loop.Post([this] { Tell([](Supervisor& supervisor) { supervisor.Begin(); }); });
         m_timers.Set(tick, tickTime);
         while (!m_supervisor.HasEnded())
             RunLoop();
