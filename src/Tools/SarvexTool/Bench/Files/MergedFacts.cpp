@@ -15,6 +15,22 @@ RunSource SourceOf(const ManifestChunk& chunk, const RunFolder& run) {
             facts.macType, facts.countryCode, facts.started, facts.ended};
 }
 
+/// Runs of which the same is to be told.
+struct Runs {
+    std::string first;
+    std::size_t count = 0;
+
+    void AddIf(bool isOne, const RunFolder& run) {
+        if (isOne && count++ == 0)
+            first = run.name;
+    }
+
+    std::string Named() const {
+        return " (" + first + (count == 1 ? "" : " and " + std::to_string(count - 1) + " more") +
+               ")";
+    }
+};
+
 /// Puts the facts of the chunks' runs together.
 class FactsMerger {
 public:
@@ -55,7 +71,7 @@ private:
         AddTimes(run.facts);
         AddState(run.facts);
         CountNotes(run);
-        CountDifferences(run.facts);
+        CountDifferences(run);
     }
 
     static RunFacts WithoutNotes(RunFacts facts) {
@@ -80,43 +96,45 @@ private:
     }
 
     void CountNotes(const RunFolder& run) {
+        CountMissedStop(run);
+        for (const std::string& note : run.facts.notes)
+            CountNote(run, note);
+    }
+
+    void CountMissedStop(const RunFolder& run) {
         if (run.facts.startPassedOn && !run.facts.stopConfirmed)
             CountNote(run, "the last stop was not confirmed, so that the transmitter may have "
                            "stayed on");
-        for (const std::string& note : run.facts.notes)
-            CountNote(run, note);
     }
 
     void CountNote(const RunFolder& run, const std::string& note) {
         const auto known = std::find_if(m_notes.begin(), m_notes.end(),
                                         [&](const Note& other) { return other.text == note; });
         if (known == m_notes.end())
-            m_notes.push_back({note, run.name, 1});
+            m_notes.push_back({note, {run.name, 1}});
         else
-            ++known->runs;
+            ++known->runs.count;
     }
 
-    void CountDifferences(const RunFacts& facts) {
-        m_otherMacTypes += std::size_t{facts.macType != m_merged.macType};
-        m_otherCountryCodes += std::size_t{facts.countryCode != m_merged.countryCode};
+    void CountDifferences(const RunFolder& run) {
+        const RunFacts& facts = run.facts;
+        m_otherMacTypes.AddIf(facts.macType != m_merged.macType, run);
+        m_otherCountryCodes.AddIf(facts.countryCode != m_merged.countryCode, run);
         m_hasOtherFirmware = m_hasOtherFirmware || facts.firmware != m_merged.firmware;
-        m_otherClients += std::size_t{facts.clientSha256 != m_merged.clientSha256};
+        m_otherClients.AddIf(facts.clientSha256 != m_merged.clientSha256, run);
         const RunOptions& options = facts.options;
-        m_otherFirstCommands += std::size_t{options.firstCommand != m_firstCommand};
+        m_otherFirstCommands.AddIf(options.firstCommand != m_firstCommand, run);
         if (options.firstCommand.empty() || options.firstCommandAccepted)
             return;
-        ++m_refusedCommands;
+        m_refusedCommands.AddIf(true, run);
         m_merged.options.firstCommand = options.firstCommand;
         m_merged.options.firstCommandAccepted = false;
     }
 
     /// Many runs may say the same.
     void AddNotes() {
-        for (const Note& note : m_notes) {
-            const std::size_t others = note.runs - 1;
-            m_merged.AddNote(note.text + " (" + note.firstRun +
-                             (others == 0 ? "" : " and " + std::to_string(others) + " more") + ")");
-        }
+        for (const Note& note : m_notes)
+            m_merged.AddNote(note.text + note.runs.Named());
     }
 
     void NoteDifferences() {
@@ -128,11 +146,11 @@ private:
         AddDifference(m_refusedCommands, "had a first command that the daemon did not accept");
     }
 
-    void AddDifference(std::size_t count, const std::string& what) {
-        if (count != 0)
-            m_merged.AddNote(std::to_string(count) + " of the " +
+    void AddDifference(const Runs& runs, const std::string& what) {
+        if (runs.count != 0)
+            m_merged.AddNote(std::to_string(runs.count) + " of the " +
                              std::to_string(m_merged.sources.size()) + " runs " + what +
-                             "; sources tells of each run");
+                             runs.Named());
     }
 
     void NoteFirmware() {
@@ -144,6 +162,7 @@ private:
 
     void AddUnused(const ChunkChoice::Unused& unused) {
         const RunFolder& run = m_runs[unused.run];
+        CountMissedStop(run);
         m_merged.otherAttempts.push_back(
             {SourceOf(m_chunks[unused.chunk], run), unused.lines, run.facts.outcome});
     }
@@ -155,18 +174,17 @@ private:
     /// What runs note, in the order in which it was first met.
     struct Note {
         std::string text;
-        std::string firstRun;
-        std::size_t runs = 0;
+        Runs runs;
     };
     std::vector<Note> m_notes;
-    std::size_t m_otherMacTypes = 0;
-    std::size_t m_otherCountryCodes = 0;
-    std::size_t m_otherClients = 0;
+    Runs m_otherMacTypes;
+    Runs m_otherCountryCodes;
+    Runs m_otherClients;
     bool m_hasOtherFirmware = false;
     /// That of the first lines; the whole may have a refused one.
     std::vector<std::string> m_firstCommand;
-    std::size_t m_otherFirstCommands = 0;
-    std::size_t m_refusedCommands = 0;
+    Runs m_otherFirstCommands;
+    Runs m_refusedCommands;
 };
 
 } // namespace

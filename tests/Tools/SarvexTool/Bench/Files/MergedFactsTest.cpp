@@ -85,7 +85,7 @@ TEST_F(MergedFactsTest, WhatDiffersFromTheFirstLinesIsNoted) {
     const RunFacts facts = Merged();
     EXPECT_EQ(facts.macType, 4);
     EXPECT_EQ(facts.countryCode, "DE");
-    const std::string tells = "; sources tells of each run";
+    const std::string tells = " (two)";
     EXPECT_THAT(
         facts.notes,
         ElementsAre(
@@ -113,7 +113,7 @@ TEST_F(MergedFactsTest, AnotherFirstCommandThanThatOfTheFirstLinesIsNoted) {
     EXPECT_THAT(Merged().notes, IsEmpty());
     runs[1].facts.options.firstCommand.back() = "40";
     EXPECT_THAT(Merged().notes, ElementsAre("1 of the 2 runs had another first command than that "
-                                            "of the first lines; sources tells of each run"));
+                                            "of the first lines (two)"));
     EXPECT_THAT(Merged().options.firstCommand, ElementsAre("-wifi-bandwidth", "20"));
     runs[1].facts.options.firstCommand.clear();
     EXPECT_EQ(Merged().notes.size(), 1u);
@@ -128,6 +128,13 @@ TEST_F(MergedFactsTest, AStopThatWasNotConfirmedIsNoted) {
                                             "transmitter may have stayed on (one and 1 more)"));
     runs[0].facts.startPassedOn = runs[1].facts.startPassedOn = false;
     EXPECT_THAT(Merged().notes, IsEmpty()) << "nothing was ever on";
+}
+
+TEST_F(MergedFactsTest, AStopOfAnAttemptThatIsNotUsedIsNotedToo) {
+    runs[1].facts.stopConfirmed = false;
+    choice = {{{{0, 3}}, std::nullopt}, {{1, 1, 0}}, 1};
+    EXPECT_THAT(Merged().notes, ElementsAre("the last stop was not confirmed, so that the "
+                                            "transmitter may have stayed on (two)"));
 }
 
 TEST_F(MergedFactsTest, TheFirmwareOfAllRunsIsThatOfTheWhole) {
