@@ -38,11 +38,13 @@ public:
         m_pExchange->Start();
     }
 
-    void Abandon() {
+    std::optional<std::string> Abandon() {
+        const bool isUnderWay = m_ended != nullptr;
         boost::system::error_code ignored;
         m_timer.cancel(ignored);
         m_ended = nullptr;
         m_pExchange->Abandon();
+        return isUnderWay ? std::optional(std::move(m_bytes)) : std::nullopt;
     }
 
 private:
@@ -128,8 +130,8 @@ DaemonExchange::~DaemonExchange() {
     Abandon();
 }
 
-void DaemonExchange::Abandon() {
-    m_pState->Abandon();
+std::optional<std::string> DaemonExchange::Abandon() {
+    return m_pState->Abandon();
 }
 
 } // namespace Bench

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Bench {
@@ -39,8 +40,9 @@ public:
     DaemonExchange(const DaemonExchange&) = delete;
     DaemonExchange& operator=(const DaemonExchange&) = delete;
 
-    /// Closes the connection; nothing is called back any more.
-    void Abandon();
+    /// Closes the connection; nothing is called back any more. Returns what has come so far;
+    /// nothing when the exchange has ended.
+    std::optional<std::string> Abandon();
 
 private:
     class State;

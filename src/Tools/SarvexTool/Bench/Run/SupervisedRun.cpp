@@ -2,15 +2,14 @@
 
 #include "Modules/xFramework/Utilities/StringToInt.h"
 #include "Tools/SarvexTool/Bench/Daemon/Daemon.h"
-#include "Tools/SarvexTool/Bench/Files/ExchangeLog.h"
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Files/ResultTreeWriter.h"
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"
 #include "Tools/SarvexTool/Bench/Run/ClientFeed.h"
 #include "Tools/SarvexTool/Bench/Run/ClientLog.h"
 #include "Tools/SarvexTool/Bench/Run/ClientProcess.h"
-#include "Tools/SarvexTool/Bench/Run/DaemonExchange.h"
 #include "Tools/SarvexTool/Bench/Run/IdleConnection.h"
+#include "Tools/SarvexTool/Bench/Run/LoggedExchanges.h"
 #include "Tools/SarvexTool/Bench/Run/Relay.h"
 #include "Tools/SarvexTool/Bench/Run/RunSetup.h"
 #include "Tools/SarvexTool/Bench/Run/Timers.h"
@@ -50,26 +49,6 @@ std::string WordsOf(const std::exception& error) {
            (first.line == 0 ? " " : ", line " + std::to_string(first.line) + ": ") + first.text;
 }
 
-std::string BodyOf(const std::string& request) {
-    constexpr std::string_view headEnd = "\r\n\r\n";
-    const std::size_t end = request.find(headEnd);
-    return end == std::string::npos ? request : request.substr(end + headEnd.size());
-}
-
-ExchangeResult ResultOf(ExchangeEnd::Kind kind) {
-    switch (kind) {
-    case ExchangeEnd::Kind::Answered:
-        return ExchangeResult::Answered;
-    case ExchangeEnd::Kind::TimedOut:
-        return ExchangeResult::TimedOut;
-    case ExchangeEnd::Kind::Lost:
-        return ExchangeResult::ConnectionLost;
-    case ExchangeEnd::Kind::Unreachable:
-        break;
-    }
-    return ExchangeResult::Unreachable;
-}
-
 std::optional<std::int32_t> MacTypeIn(const Answer& answer) {
     try {
         const auto digits = PowerTest::FindInReply(answer.lines, PowerTest::macTypePattern);
@@ -86,7 +65,6 @@ public:
         : m_directory(directory),
           m_watcher(watcher),
           m_address(DaemonIn(directory.Facts())),
-          m_log(directory.Files().exchanges),
           m_peer(m_loop, m_address),
           m_relay(
               m_loop,
@@ -95,7 +73,12 @@ public:
               }),
           m_timers(m_loop, [this](int timer) { TimerExpired(timer); }),
           m_feed(directory.Files().testFile, directory.LastLine()),
-          m_supervisor(OptionsOf(directory), *this) {}
+          m_supervisor(OptionsOf(directory), *this),
+          m_exchanges(m_loop, m_peer, directory.Files().exchanges,
+                      Milliseconds(directory.Facts().options.answerTimeout),
+                      [this](const ExchangeEnd& end, const std::string& failure) {
+                          EndExchange(end, failure);
+                      }) {}
 
     RunEnd Run(EndRequests& requests) {
         m_loop.Post([this] { Tell([](Supervisor& supervisor) { supervisor.Begin(); }); });
@@ -193,29 +176,11 @@ private:
     }
 
     void Exchange(const std::string& request, Sender sender) {
-        LoggedExchange logged;
-        logged.line = m_line;
-        logged.by = sender;
-        logged.command = BodyOf(request);
-        logged.time = Now();
-        m_exchange.emplace(
-            m_loop, m_peer, request, Milliseconds(m_directory.Facts().options.answerTimeout),
-            [this, logged, start = Clock::now()](ExchangeEnd end) mutable {
-                logged.seconds = std::chrono::duration<double>(Clock::now() - start).count();
-                EndExchange(std::move(logged), std::move(end));
-            });
+        m_exchanges.Begin(m_line, sender, request);
     }
 
     /// The supervisor hears of the end even if it cannot be logged.
-    void EndExchange(LoggedExchange logged, ExchangeEnd end) {
-        logged.result = ResultOf(end.kind);
-        logged.answer = end.bytes;
-        std::string failure;
-        try {
-            m_log.Append(std::move(logged));
-        } catch (const std::exception& error) {
-            failure = WordsOf(error);
-        }
+    void EndExchange(const ExchangeEnd& end, const std::string& failure) {
         Tell([&](Supervisor& supervisor) {
             supervisor.ExchangeEnded(end);
             if (!failure.empty())
@@ -223,7 +188,12 @@ private:
         });
     }
 
-    void AbandonExchange() override { m_exchange.reset(); }
+    /// The run is ending: a log that takes no more is only told.
+    void AbandonExchange() override {
+        const std::string failure = m_exchanges.Abandon();
+        if (!failure.empty())
+            Note(failure);
+    }
 
     // The client.
 
@@ -365,7 +335,6 @@ private:
     RunDirectory& m_directory;
     IRunWatcher& m_watcher;
     DaemonAddress m_address;
-    ExchangeLog m_log;
     DaemonPeer m_peer;
     Relay m_relay;
     Timers m_timers;
@@ -373,7 +342,7 @@ private:
     ClientFeed m_feed;
     Supervisor m_supervisor;
     std::optional<IdleConnection> m_idle;
-    std::optional<DaemonExchange> m_exchange;
+    LoggedExchanges m_exchanges;
     std::optional<ClientProcess> m_client;
     ClientLog m_clientLog;
     /// The line that is under way.

@@ -108,6 +108,13 @@ TEST_F(SignalTest, StartThatIsNeverAnsweredIsAwaitedForTheStopTimeout) {
     run->Interrupt(interrupt);
     ExpectInterrupted(run->Wait());
     EXPECT_EQ(daemon.Exchanges(), "fmcSx");
+    const std::vector<JsonFields> exchanges = probe.Lines("exchanges.jsonl");
+    ASSERT_EQ(exchanges.size(), 5u);
+    EXPECT_EQ(exchanges[3].Text("by"), "client");
+    EXPECT_EQ(LetterOf(exchanges[3].Text("command")), 'S');
+    EXPECT_EQ(exchanges[3].Text("end"), "time-out");
+    EXPECT_EQ(exchanges[3].Text("answer"), "");
+    EXPECT_EQ(exchanges[4].Text("end"), "answered");
 }
 
 TEST_F(SignalTest, BetweenLinesTheStopOfTheLineBeforeIsEnough) {
@@ -168,6 +175,10 @@ TEST_F(SignalTest, SecondOneEndsTheRunAtOnce) {
     EXPECT_EQ(result.exitCode, 4) << result.err;
     EXPECT_NE(result.out.find("The transmitter may still be ON"), std::string::npos) << result.out;
     EXPECT_FALSE(probe.Facts().Flag("stopConfirmed"));
+    const JsonFields last = probe.Lines("exchanges.jsonl").back();
+    EXPECT_EQ(last.Text("by"), "supervisor");
+    EXPECT_EQ(LetterOf(last.Text("command")), 'x');
+    EXPECT_EQ(last.Text("end"), "time-out");
 }
 
 TEST_F(SignalTest, SignalThatComesTwiceIsOneRequest) {
