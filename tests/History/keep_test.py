@@ -138,7 +138,10 @@ class KeepTest(support.HistoryTest):
             time.sleep(0.5)
             self.assertIsNone(program.poll())
             program.send_signal(signal.SIGINT)
-            self.assertEqual(-signal.SIGINT, self.ended(program)[0])
+            code, _, err = self.ended(program)
+            self.assertEqual(1, code, err)
+            self.assertIn("The run is not kept in the history. To keep it later:\n"
+                          "  SarvexToolBench history add run --store ", err)
         self.assertEqual([], self.runs(self.store))
 
     def test_a_run_that_ended_early_is_kept_when_it_has_been_gone_on_with(self):

@@ -9,21 +9,48 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <exception>
+#include <future>
 #include <optional>
 #include <ostream>
 #include <string>
+#include <thread>
+#include <utility>
 
 namespace Bench {
 
 namespace {
 
-void Keep(RunDirectory& directory, std::ostream& stream) {
+struct Added {
+    KeptFacts run;
+    bool isNew = false;
+};
+
+Added Keep(const std::string& directory, const std::optional<std::string>& storeName) {
     TextPool texts;
-    const RunToKeep run = ReadRunToKeep(directory.Files().directory, {}, texts);
+    const RunToKeep run = ReadRunToKeep(directory, {}, texts);
     const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
-    Store store = OpenToWrite(directory.Facts().options.store);
-    PrintAdded(stream, run.facts, store.Add(run, now.time_since_epoch().count()));
+    Store store = OpenToWrite(storeName);
+    const bool isNew = store.Add(run, now.time_since_epoch().count());
+    return {run.facts, isNew};
+}
+
+/// Nothing where the program is to end before the run is kept. It is being kept all the same then,
+/// on a thread that ends with the program: a server, or a file in use, may keep it waiting.
+std::optional<Added> KeepUntilUrgent(RunDirectory& directory, const EndRequests& requests) {
+    constexpr std::chrono::milliseconds pause(20);
+    std::packaged_task<Added()> task(
+        [name = directory.Files().directory, store = directory.Facts().options.store] {
+            return Keep(name, store);
+        });
+    std::future<Added> added = task.get_future();
+    std::thread(std::move(task)).detach();
+    while (added.wait_for(pause) != std::future_status::ready) {
+        if (requests.AreUrgent())
+            return std::nullopt;
+    }
+    return added.get();
 }
 
 std::string CommandToKeep(RunDirectory& directory) {
@@ -53,11 +80,13 @@ int KeepRun(RunDirectory& directory, int exitCode, RunConsole& console) {
         stream << "The run is kept in the history when it is complete.\n";
         return exitCode;
     }
+    bool isLeft = false;
     try {
-        // A server may keep it waiting.
-        const EndRequests::Pause pause(console.Requests());
-        Keep(directory, stream);
-        return exitCode;
+        if (const std::optional<Added> added = KeepUntilUrgent(directory, console.Requests())) {
+            PrintAdded(stream, added->run, added->isNew);
+            return exitCode;
+        }
+        isLeft = true;
     } catch (const BadFile& bad) {
         PrintProblems(err, bad.File(), bad.Problems());
     } catch (const std::exception& error) {
@@ -65,7 +94,13 @@ int KeepRun(RunDirectory& directory, int exitCode, RunConsole& console) {
     }
     stream << "The run is not kept in the history. To keep it later:\n  "
            << MakeHarmless(CommandToKeep(directory)) << "\n";
-    return std::max<int>(exitCode, ExitCode::Found);
+    exitCode = std::max<int>(exitCode, ExitCode::Found);
+    if (isLeft) {
+        console.Finish(exitCode);
+        // The thread that waits cannot be ended otherwise.
+        std::_Exit(exitCode);
+    }
+    return exitCode;
 }
 
 } // namespace Bench

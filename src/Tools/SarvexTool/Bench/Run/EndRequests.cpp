@@ -1,6 +1,5 @@
 #include "Tools/SarvexTool/Bench/Run/EndRequests.h"
 
-#include <system_error>
 #include <utility>
 
 namespace Bench {
@@ -65,19 +64,6 @@ void EndRequests::Hear(OSAL::InterruptionKind kind) {
     m_lastKind = kind;
     if (m_function && (m_areUrgent || !m_isHeld))
         m_function(kind);
-}
-
-EndRequests::Pause::Pause(EndRequests& requests) : m_requests(requests) {
-    m_requests.m_listener.reset();
-}
-
-EndRequests::Pause::~Pause() {
-    try {
-        m_requests.Listen();
-    } catch (const std::system_error&) {
-        // A request then goes on to end the program.
-        m_requests.m_listener.reset();
-    }
 }
 
 } // namespace Bench

@@ -39,18 +39,6 @@ public:
     /// or the console closes.
     bool AreUrgent() const;
 
-    /// While one lives, a request ends the program, as it would without a run.
-    class Pause {
-    public:
-        explicit Pause(EndRequests& requests);
-        ~Pause();
-        Pause(const Pause&) = delete;
-        Pause& operator=(const Pause&) = delete;
-
-    private:
-        EndRequests& m_requests;
-    };
-
 private:
     using Clock = std::chrono::steady_clock;
 
