@@ -5,6 +5,7 @@
 #include "Tools/SarvexTool/Bench/Commands/HistoryOptions.h"
 #include "Tools/SarvexTool/Bench/Commands/KeepRun.h"
 #include "Tools/SarvexTool/Bench/Commands/OptionValues.h"
+#include "Tools/SarvexTool/Bench/Commands/RunArguments.h"
 #include "Tools/SarvexTool/Bench/Commands/RunCall.h"
 #include "Tools/SarvexTool/Bench/Commands/RunChecks.h"
 #include "Tools/SarvexTool/Bench/Commands/RunConsole.h"
@@ -34,30 +35,6 @@
 namespace Bench {
 
 namespace {
-
-struct RunArguments {
-    std::optional<std::string> file;
-    std::optional<std::string> resume;
-    std::optional<std::string> out;
-    std::string daemon = "127.0.0.1";
-    std::optional<std::string> client;
-    std::optional<std::string> limits;
-    std::optional<std::string> segment;
-    std::string answerTimeout = "60";
-    std::string retries = "2";
-    std::string wait = "300";
-    std::string stopTimeout = "10";
-    std::string progress = "text";
-    std::optional<std::string> bench;
-    std::optional<std::string> device;
-    std::optional<std::string> attempt;
-    std::optional<std::string> firmware;
-    std::optional<std::string> note;
-    std::optional<std::string> store;
-    bool keep = false;
-    bool failFast = false;
-    bool force = false;
-};
 
 std::string Now() {
     return UtcTime(std::chrono::system_clock::now());
@@ -329,79 +306,12 @@ int Run(const Options app, const RunArguments& arguments, Surroundings& surround
     return Resume(arguments, surroundings);
 }
 
-void AddFileOptions(Options app, RunArguments& arguments) {
-    app.Add("TEST_FILE", arguments.file, "Test file").TypeName("");
-    app.Add("--resume", arguments.resume,
-            "Go on with the run in DIR, with its options, after its last finished line")
-        .TypeName("DIR");
-    app.Add("--out", arguments.out,
-            "Folder for the run, one that holds no results; runs/NAME-DATE-TIME without it")
-        .TypeName("DIR");
-    app.Add("--client", arguments.client, "Another client than the one beside this program")
-        .TypeName("PATH");
-    app.Add("--limits", arguments.limits, "Hold each measurement against limits as it comes")
-        .TypeName("FILE");
-    app.AddFlag("--fail-fast", arguments.failFast,
-                "End the run after the first line that does not pass or has no power");
-    app.AddFlag("--force", arguments.force, "Go on though the test file has errors");
-    app.Add("--progress", arguments.progress,
-            "text, or json: one JSON object a line on standard output")
-        .TypeName("KIND")
-        .ShowDefault();
-}
-
-void AddPlaceOptions(Options app, RunArguments& arguments) {
-    app.Add("--bench", arguments.bench, "The bench's name, kept with the results").TypeName("NAME");
-    app.Add("--device", arguments.device, "The device's name, kept with the results")
-        .TypeName("NAME");
-    app.Add("--attempt", arguments.attempt,
-            "Which attempt this is at the same lines, kept with the results")
-        .TypeName("N");
-    app.Add("--firmware", arguments.firmware, "The device's firmware, kept with the results")
-        .TypeName("TEXT");
-    app.Add("--note", arguments.note, "What else there is to say, kept with the results")
-        .TypeName("TEXT");
-}
-
-void AddKeepOptions(Options app, RunArguments& arguments) {
-    app.AddFlag("--keep", arguments.keep, "Keep the run in the history when it is complete");
-    AddStoreOption(app, arguments.store);
-}
-
-void AddDaemonOptions(Options app, RunArguments& arguments) {
-    app.Add("--daemon", arguments.daemon,
-            "The device's daemon. Without PORT the one in Socket.cfg beside this program")
-        .TypeName("HOST[:PORT]")
-        .ShowDefault();
-    app.Add("--answer-timeout", arguments.answerTimeout,
-            "How long the daemon may be silent before an exchange is repeated")
-        .TypeName("SECONDS")
-        .ShowDefault();
-    app.Add("--retries", arguments.retries, "How often an exchange is repeated")
-        .TypeName("N")
-        .ShowDefault();
-    app.Add("--wait", arguments.wait, "How long to wait for a daemon that is gone")
-        .TypeName("SECONDS")
-        .ShowDefault();
-    app.Add("--stop-timeout", arguments.stopTimeout,
-            "At the end, how long to wait for the last answer, and then for the stop")
-        .TypeName("SECONDS")
-        .ShowDefault();
-    app.Add("--segment", arguments.segment,
-            "How many lines one start of the client runs; 500 without it, fewer where the "
-            "system allows few open files")
-        .TypeName("LINES");
-}
-
 } // namespace
 
 Command AddRun(Options program) {
     const Options app = program.AddSubcommand("run", "Run a power test under supervision");
     const auto arguments = std::make_shared<RunArguments>();
-    AddFileOptions(app, *arguments);
-    AddDaemonOptions(app, *arguments);
-    AddPlaceOptions(app, *arguments);
-    AddKeepOptions(app, *arguments);
+    AddRunOptions(app, *arguments);
     app.Footer(
         "What follows -- is the client's own first command. Exit code: 0 complete and all measured "
         "or, with limits, passed; 1 complete, but something was not, or --keep could not keep "
