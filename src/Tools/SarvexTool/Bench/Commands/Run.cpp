@@ -253,6 +253,17 @@ Surroundings WordsBeside(const std::string& progress, Surroundings& surroundings
             surroundings.err};
 }
 
+/// Stops the transmission of a run that cannot go on: the transmitter is not to stay on for that.
+int StopUnfinished(const RunFacts& facts, std::unique_ptr<EndRequests> pRequests,
+                   Surroundings& surroundings) {
+    // A run that began has taken those that were held.
+    if (!pRequests)
+        pRequests = std::make_unique<EndRequests>();
+    HoldUntilStopped(*pRequests, DaemonIn(facts), surroundings);
+    const int exitCode = StopByHand(DaemonIn(facts), facts.options.stopTimeout, surroundings);
+    return exitCode == ExitCode::Fine ? ExitCode::Failed : exitCode;
+}
+
 int Resume(const RunArguments& arguments, Surroundings& surroundings) {
     // As with a variable of a script that is not set.
     if (arguments.resume == "")
@@ -280,12 +291,7 @@ int Resume(const RunArguments& arguments, Surroundings& surroundings) {
             throw;
         surroundings.err.stream << MakeHarmless(error.what()) << "\n";
     }
-    // It cannot go on, but the transmitter is not to stay on for that.
-    if (!pRequests)
-        pRequests = std::make_unique<EndRequests>();
-    HoldUntilStopped(*pRequests, DaemonIn(*unstopped), beside);
-    const int exitCode = StopByHand(DaemonIn(*unstopped), unstopped->options.stopTimeout, beside);
-    return exitCode == ExitCode::Fine ? ExitCode::Failed : exitCode;
+    return StopUnfinished(*unstopped, std::move(pRequests), beside);
 }
 
 int Run(const Options app, const RunArguments& arguments, Surroundings& surroundings) {
