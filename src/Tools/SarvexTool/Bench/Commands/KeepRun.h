@@ -11,8 +11,8 @@ void RequireStore(const RunFacts& facts, const RunFiles& files);
 
 /// Keeps a run that is over in the store that its facts name, and tells on standard error what has
 /// become of it. One that ended early, or whose last stop was not confirmed, is kept when it has
-/// been gone on with. Returns the run's exit code, or Found for Fine where it is complete and cannot
-/// be kept. A request to end the program ends it with that code while the run is being kept.
+/// been gone on with. Returns the run's exit code, or Found for Fine where it is complete and
+/// cannot be kept. A request to end the program ends it with that code while the run is being kept.
 int KeepRun(RunDirectory& directory, int exitCode, RunConsole& console);
 
 } // namespace Bench
