@@ -140,7 +140,7 @@ class KeepTest(support.HistoryTest):
             program.send_signal(signal.SIGINT)
             code, _, err = self.ended(program)
             self.assertEqual(1, code, err)
-            self.assertIn("The run is not kept in the history. To keep it later:\n"
+            self.assertIn("The run may not be kept in the history. To keep it for certain:\n"
                           "  SarvexToolBench history add run --store ", err)
         self.assertEqual([], self.runs(self.store))
 

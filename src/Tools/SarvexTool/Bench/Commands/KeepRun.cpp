@@ -92,7 +92,8 @@ int KeepRun(RunDirectory& directory, int exitCode, RunConsole& console) {
     } catch (const std::exception& error) {
         stream << MakeHarmless(error.what()) << "\n";
     }
-    stream << "The run is not kept in the history. To keep it later:\n  "
+    stream << (isLeft ? "The run may not be kept in the history. To keep it for certain:\n  "
+                      : "The run is not kept in the history. To keep it later:\n  ")
            << MakeHarmless(CommandToKeep(directory)) << "\n";
     exitCode = std::max<int>(exitCode, ExitCode::Found);
     if (isLeft) {

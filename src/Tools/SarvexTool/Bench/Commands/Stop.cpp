@@ -6,6 +6,7 @@
 #include "Tools/SarvexTool/Bench/Files/Locks.h"
 #include "Tools/SarvexTool/Bench/Output/Problems.h"
 #include "Tools/SarvexTool/Bench/Output/ShownText.h"
+#include "Tools/SarvexTool/Bench/Run/OutputQueue.h"
 #include "Tools/SarvexTool/Bench/Supervision/Answer.h"
 
 #include <algorithm>
@@ -14,6 +15,7 @@
 #include <cstdlib>
 #include <exception>
 #include <memory>
+#include <sstream>
 #include <string>
 
 namespace Bench {
@@ -67,6 +69,18 @@ int Conclude(const DaemonAddress& address, const std::string& failure, Surroundi
     return ExitCode::StopNotConfirmed;
 }
 
+/// Ends the program at once, and does not wait for ever for somebody who reads its last words.
+[[noreturn]] void EndUnwaited(const DaemonAddress& address, Surroundings& surroundings) {
+    constexpr std::chrono::milliseconds patience(1000);
+    std::ostringstream words;
+    Surroundings told{surroundings.in, {words}, {words}};
+    const int exitCode = Conclude(address, "was not waited for", told);
+    OutputQueue queue;
+    queue.Put({&surroundings.err.stream, words.str(), {}});
+    queue.WaitUntilEmpty(patience);
+    std::_Exit(exitCode);
+}
+
 int Stop(const StopOptions& options, Surroundings& surroundings) {
     const DaemonAddress address = DaemonOf(options.daemon);
     const double seconds = SecondsOf("--stop-timeout", options.timeout).ToDouble();
@@ -88,7 +102,7 @@ void HoldUntilStopped(EndRequests& requests, const DaemonAddress& address,
     requests.Hold([address, &surroundings](OSAL::InterruptionKind kind) {
         // The system ends the program some seconds later; the stop may be confirmed by then.
         if (kind != OSAL::InterruptionKind::ConsoleClosing)
-            std::_Exit(Conclude(address, "was not waited for", surroundings));
+            EndUnwaited(address, surroundings);
     });
 }
 

@@ -162,7 +162,12 @@ private:
 
     void AddUnused(const ChunkChoice::Unused& unused) {
         const RunFolder& run = m_runs[unused.run];
-        CountMissedStop(run);
+        if (run.facts.ended)
+            CountMissedStop(run);
+        else if (run.facts.startPassedOn && !run.facts.stopConfirmed)
+            CountNote(run,
+                      "an attempt that is not used went on at the merge, or was killed; its last "
+                      "stop was not confirmed by then");
         m_merged.otherAttempts.push_back(
             {SourceOf(m_chunks[unused.chunk], run), unused.lines, run.facts.outcome});
     }

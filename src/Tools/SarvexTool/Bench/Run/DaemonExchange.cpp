@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <string_view>
+#include <utility>
 
 namespace Bench {
 
@@ -102,7 +103,7 @@ private:
     }
 
     void End(ExchangeEnd::Kind kind, const std::string& words) {
-        const Callback ended = std::move(m_ended);
+        const Callback ended = std::exchange(m_ended, nullptr);
         Abandon();
         ended({kind, std::move(m_bytes), words});
     }

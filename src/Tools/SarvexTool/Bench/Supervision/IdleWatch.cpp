@@ -37,6 +37,11 @@ void IdleWatch::EndLine() {
         m_losses = 0;
 }
 
+void IdleWatch::Settle() {
+    m_isDoubtful = false;
+    m_hasLasted = m_state == State::Connected;
+}
+
 bool IdleWatch::IsDoubtful() const {
     return m_isDoubtful || IsNeeded();
 }

@@ -13,9 +13,9 @@ public:
     /// There was no connection: the daemon is away, and does not just close what is not used.
     void Failed();
     /// Returns whether it is worth another connection now, before the next start. After several
-    /// lost ones, none of which lasted for a line, with a daemon that answered before each and was
-    /// there whenever it was asked, the daemon is taken for one that closes those which are not
-    /// used.
+    /// lost ones, none of which lasted from a start to its stop, with a daemon that answered before
+    /// each and was there whenever it was asked, the daemon is taken for one that closes those
+    /// which are not used.
     bool Lost();
     void Dropped() { m_state = State::None; }
     /// An exchange was answered: the daemon is there.
@@ -30,12 +30,12 @@ public:
 
     /// A client starts on its lines. Where restarts cannot show, this is when settings are sent.
     void BeginSegment() { m_isDoubtful = m_isDoubtful || m_closesIdle; }
-    void BeginLine() { m_hasLasted = m_state == State::Connected; }
+    /// A start was stopped.
     void EndLine();
     /// Something else has happened after which the device may have other settings.
     void Doubt() { m_isDoubtful = true; }
-    /// The device has been given its settings.
-    void Settle() { m_isDoubtful = false; }
+    /// The device has been given its settings, and a start goes out.
+    void Settle();
     /// Whether the device may have lost its settings; also after Settle, when the connection has
     /// ended since.
     bool IsDoubtful() const;
@@ -49,7 +49,7 @@ private:
     State m_state = State::None;
     bool m_isDoubtful = false;
     bool m_closesIdle = false;
-    /// Since the line began.
+    /// Since the start went out.
     bool m_hasLasted = false;
     /// Whether an exchange was answered since the last one was lost, or a connection.
     bool m_isAnswered = false;

@@ -136,7 +136,6 @@ void Supervisor::BeginLine() {
     m_line = RunningLine();
     m_line->line = m_exchanges.NextLine();
     m_line->own = m_hands.SettingsOf(m_line->line);
-    m_idle.BeginLine();
     m_line->expected = m_options.settings.With(m_line->own);
     m_hands.ShowLine(m_line->line);
 }

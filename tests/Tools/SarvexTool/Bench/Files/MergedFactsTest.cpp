@@ -132,9 +132,14 @@ TEST_F(MergedFactsTest, AStopThatWasNotConfirmedIsNoted) {
 
 TEST_F(MergedFactsTest, AStopOfAnAttemptThatIsNotUsedIsNotedToo) {
     runs[1].facts.stopConfirmed = false;
+    runs[1].facts.ended = "2026-03-09T08:05:00Z";
     choice = {{{{0, 3}}, std::nullopt}, {{1, 1, 0}}, 1};
     EXPECT_THAT(Merged().notes, ElementsAre("the last stop was not confirmed, so that the "
                                             "transmitter may have stayed on (two)"));
+    runs[1].facts.ended.reset();
+    EXPECT_THAT(Merged().notes,
+                ElementsAre("an attempt that is not used went on at the merge, or was killed; its "
+                            "last stop was not confirmed by then (two)"));
 }
 
 TEST_F(MergedFactsTest, TheFirmwareOfAllRunsIsThatOfTheWhole) {

@@ -83,10 +83,23 @@ TEST(IdleWatchTest, ConnectionThatLastedForALineWasNotClosedForBeingUnused) {
     IdleWatch watch;
     for (int time = 0; time < 5; ++time) {
         watch.Connected();
-        watch.BeginLine();
+        watch.Settle();
         watch.EndLine();
-        watch.BeginLine();
         EXPECT_TRUE(LostAfterAnAnswer(watch));
+    }
+    EXPECT_FALSE(watch.ClosesIdle());
+}
+
+TEST(IdleWatchTest, DaemonThatIsAwayBetweenLinesClosesNothing) {
+    IdleWatch watch;
+    for (int time = 0; time < 5; ++time) {
+        EXPECT_TRUE(LostAfterAnAnswer(watch));
+        // Behind a port forward, which takes the next connection and closes it while the daemon is
+        // away; the connection of the next start lasts.
+        watch.Connected();
+        EXPECT_FALSE(watch.Lost());
+        watch.Connected();
+        watch.Settle();
         watch.EndLine();
     }
     EXPECT_FALSE(watch.ClosesIdle());

@@ -356,6 +356,42 @@ TEST_F(SignalTest, StopThatAKilledRunOwesIsNotAwaitedAfterASecondOne) {
                               " was not waited for.\n");
 }
 
+/// A pipe with a name that takes nothing more, and that nobody reads.
+class FullPipe {
+public:
+    explicit FullPipe(const std::string& name) {
+        ::mkfifo(name.c_str(), S_IRUSR | S_IWUSR);
+        m_end = ::open(name.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+        const std::array<char, 4096> bytes{};
+        while (::write(m_end, bytes.data(), bytes.size()) > 0)
+            continue;
+    }
+    ~FullPipe() { ::close(m_end); }
+    FullPipe(const FullPipe&) = delete;
+    FullPipe& operator=(const FullPipe&) = delete;
+
+private:
+    int m_end = -1;
+};
+
+TEST_F(SignalTest, StopThatAKilledRunOwesIsNotAwaitedForTheReaderOfTheLastWordsEither) {
+    daemon.Start({"--fault", "4:no-answer", "--fault", "5:no-answer"});
+    // As long as no test takes.
+    auto run = probe.Start(daemon.Address(), {"--stop-timeout", "5000"});
+    daemon.WaitForExchanges("fmcS");
+    run.reset();
+    const FullPipe errors(probe.Path("errors"));
+    Process resuming("/bin/sh",
+                     {"-c", "exec \"$0\" \"$@\" 2> errors", BenchPath(), "run", "--resume", "run"},
+                     probe.Path(""));
+    daemon.WaitForExchanges("fmcSx");
+    WaitUntil("the second one ends it", [&] {
+        resuming.Interrupt(interrupt);
+        return resuming.HasEnded();
+    });
+    EXPECT_EQ(resuming.Wait().exitCode, 4);
+}
+
 TEST_F(SignalTest, AfterAStopThatAKilledRunOwesIsMissedARequestWaitsForTheRunsOwn) {
     daemon.Start({"--fault", "4:no-answer", "--fault", "5:close-before"});
     auto run = probe.Start(daemon.Address());
