@@ -243,7 +243,8 @@ class SigningTest(unittest.TestCase):
                 ({**self.pfx, "SARVEX_SIGN_KEY": self.pem["SARVEX_SIGN_KEY"]},
                  f"SARVEX_SIGN_KEY or SARVEX_SIGN_PKCS11_MODULE is set, but {self.folder}/signer.pfx holds a key"),
                 ({**self.token, "SARVEX_SIGN_PKCS11_MODULE": "/nonexistent.so"}, "/nonexistent.so cannot be read"),
-                ({**self.pem, "SARVEX_SIGN_PASSWORD_FILE": "/nonexistent"}, "/nonexistent cannot be read"),
+                ({**self.pem, "SARVEX_SIGN_PASSWORD_FILE": f"{self.folder}/none"}, f"{self.folder}/none cannot be read"),
+                ({**self.pem, "SARVEX_SIGN_PASSWORD_FILE": self.folder}, f"{self.folder} cannot be read"),
                 ({**self.pem, "SARVEX_SIGN_PASSWORD_FILE": str(self.folder / "serial")},
                  "client.exe could not be signed"),
         ]:
