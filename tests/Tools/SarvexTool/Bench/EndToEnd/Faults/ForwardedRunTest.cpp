@@ -1,17 +1,9 @@
-#include "tests/Tools/SarvexTool/Bench/EndToEnd/Faults/RunProbe.h"
+#include "tests/Tools/SarvexTool/Bench/EndToEnd/Faults/Gate.h"
 
 #include <gtest/gtest.h>
 
-// The library's coroutine header lacks this one.
-#include <utility>
-
-#include <boost/asio.hpp>
-
 #include <array>
-#include <atomic>
 #include <list>
-#include <mutex>
-#include <thread>
 
 // A port forward before the daemon: it takes connections while the daemon is away, and closes them
 // at once.
@@ -19,79 +11,55 @@
 namespace Bench {
 namespace {
 
-namespace asio = boost::asio;
-using asio::ip::tcp;
-using Error = boost::system::error_code;
-
 class Forwarder {
 public:
-    explicit Forwarder(std::uint16_t daemonPort) : m_daemonPort(daemonPort) {
-        EndToEnd::KeepFromChildren(static_cast<std::uint64_t>(m_acceptor.native_handle()));
-        m_thread = std::thread([this] { Accept(); });
-    }
+    explicit Forwarder(std::uint16_t daemonPort) : m_daemonPort(daemonPort) {}
     ~Forwarder() {
-        m_isOver = true;
-        // Wakes the accept.
-        Error ignored;
-        tcp::socket(m_context).connect(m_acceptor.local_endpoint(), ignored);
-        m_thread.join();
-        for (tcp::socket& socket : m_sockets)
-            socket.shutdown(tcp::socket::shutdown_both, ignored);
+        m_gate.Close();
+        Gate::Error ignored;
+        for (Gate::Socket& socket : m_sockets)
+            socket.shutdown(Gate::Socket::shutdown_both, ignored);
     }
     Forwarder(const Forwarder&) = delete;
     Forwarder& operator=(const Forwarder&) = delete;
 
-    std::string Address() const { return "127.0.0.1:" + std::to_string(m_reserved.Number()); }
+    std::string Address() const { return m_gate.Address(); }
     /// How many connections found no daemon.
     int TurnedAway() const { return m_turnedAway; }
 
 private:
-    void Accept() {
-        for (;;) {
-            tcp::socket guest(m_context);
-            Error error;
-            m_acceptor.accept(guest, error);
-            if (error || m_isOver)
-                return;
-            EndToEnd::KeepFromChildren(static_cast<std::uint64_t>(guest.native_handle()));
-            tcp::socket daemon(m_context);
-            daemon.connect({asio::ip::address_v4::loopback(), m_daemonPort}, error);
-            if (error) {
-                guest.close(error);
-                ++m_turnedAway;
-                continue;
-            }
-            EndToEnd::KeepFromChildren(static_cast<std::uint64_t>(daemon.native_handle()));
-            tcp::socket& one = m_sockets.emplace_back(std::move(guest));
-            tcp::socket& other = m_sockets.emplace_back(std::move(daemon));
-            m_pumps.emplace_back([&one, &other] { Pump(one, other); });
-            m_pumps.emplace_back([&one, &other] { Pump(other, one); });
+    void Forward(Gate::Socket guest) {
+        std::optional<Gate::Socket> daemon = m_gate.Connect(m_daemonPort);
+        if (!daemon) {
+            guest.close();
+            ++m_turnedAway;
+            return;
         }
+        Gate::Socket& one = m_sockets.emplace_back(std::move(guest));
+        Gate::Socket& other = m_sockets.emplace_back(std::move(*daemon));
+        m_pumps.emplace_back([&one, &other] { Pump(one, other); });
+        m_pumps.emplace_back([&one, &other] { Pump(other, one); });
     }
 
-    static void Pump(tcp::socket& from, tcp::socket& to) {
+    static void Pump(Gate::Socket& from, Gate::Socket& to) {
         std::array<char, 4096> piece{};
-        Error error;
+        Gate::Error error;
         for (;;) {
-            const std::size_t size = from.read_some(asio::buffer(piece), error);
+            const std::size_t size = from.read_some(boost::asio::buffer(piece), error);
             if (error)
                 break;
-            asio::write(to, asio::buffer(piece.data(), size), error);
+            boost::asio::write(to, boost::asio::buffer(piece.data(), size), error);
         }
         // Also when it was broken.
-        to.shutdown(tcp::socket::shutdown_both, error);
+        to.shutdown(Gate::Socket::shutdown_both, error);
     }
 
-    EndToEnd::ReservedPort m_reserved;
     std::uint16_t m_daemonPort;
-    asio::io_context m_context;
-    tcp::acceptor m_acceptor{m_context,
-                             tcp::endpoint(asio::ip::address_v4::loopback(), m_reserved.Number())};
-    std::atomic<bool> m_isOver = false;
     std::atomic<int> m_turnedAway = 0;
-    std::list<tcp::socket> m_sockets;
+    Gate m_gate{[this](Gate::Socket guest) { Forward(std::move(guest)); }};
+    // They end before the gate does.
+    std::list<Gate::Socket> m_sockets;
     std::list<std::jthread> m_pumps;
-    std::thread m_thread;
 };
 
 class ForwardedRunTest : public testing::Test {

@@ -1,16 +1,9 @@
-#include "tests/Tools/SarvexTool/Bench/EndToEnd/Faults/RunProbe.h"
+#include "tests/Tools/SarvexTool/Bench/EndToEnd/Faults/Gate.h"
 
 #include <gtest/gtest.h>
 
-// The library's coroutine header lacks this one.
-#include <utility>
-
-#include <boost/asio.hpp>
-
-#include <atomic>
 #include <list>
 #include <mutex>
-#include <thread>
 
 // A daemon that closes connections which are not used: its restart cannot be seen.
 
@@ -25,24 +18,18 @@ using Error = boost::system::error_code;
 /// one, as those do that wait too long.
 class IdleCloser {
 public:
-    explicit IdleCloser(std::uint16_t daemonPort) : m_daemonPort(daemonPort) {
-        EndToEnd::KeepFromChildren(static_cast<std::uint64_t>(m_acceptor.native_handle()));
-        m_thread = std::thread([this] { Accept(); });
-    }
+    explicit IdleCloser(std::uint16_t daemonPort) : m_daemonPort(daemonPort) {}
     ~IdleCloser() {
-        m_isOver = true;
-        // Wakes the accept.
-        Error ignored;
-        tcp::socket(m_context).connect(m_acceptor.local_endpoint(), ignored);
-        m_thread.join();
+        m_gate.Close();
         const std::lock_guard lock(m_mutex);
+        Error ignored;
         for (Guest& guest : m_guests)
             guest.socket.shutdown(tcp::socket::shutdown_both, ignored);
     }
     IdleCloser(const IdleCloser&) = delete;
     IdleCloser& operator=(const IdleCloser&) = delete;
 
-    std::string Address() const { return "127.0.0.1:" + std::to_string(m_reserved.Number()); }
+    std::string Address() const { return m_gate.Address(); }
 
 private:
     struct Guest {
@@ -51,18 +38,10 @@ private:
         bool hasSpoken = false;
     };
 
-    void Accept() {
-        for (;;) {
-            tcp::socket socket(m_context);
-            Error error;
-            m_acceptor.accept(socket, error);
-            if (error || m_isOver)
-                return;
-            EndToEnd::KeepFromChildren(static_cast<std::uint64_t>(socket.native_handle()));
-            const std::lock_guard lock(m_mutex);
-            Guest& guest = m_guests.emplace_back(std::move(socket));
-            m_servers.emplace_back([this, &guest] { Serve(guest); });
-        }
+    void Take(tcp::socket socket) {
+        const std::lock_guard lock(m_mutex);
+        Guest& guest = m_guests.emplace_back(std::move(socket));
+        m_servers.emplace_back([this, &guest] { Serve(guest); });
     }
 
     void Serve(Guest& guest) {
@@ -71,11 +50,11 @@ private:
             return;
         CloseSilent(guest);
         Error ignored;
-        tcp::socket daemon(m_context);
-        daemon.connect({asio::ip::address_v4::loopback(), m_daemonPort}, ignored);
-        asio::write(daemon, asio::buffer(request), ignored);
         std::string answer;
-        asio::read(daemon, asio::dynamic_buffer(answer), ignored);
+        if (std::optional<tcp::socket> daemon = m_gate.Connect(m_daemonPort)) {
+            asio::write(*daemon, asio::buffer(request), ignored);
+            asio::read(*daemon, asio::dynamic_buffer(answer), ignored);
+        }
         asio::write(guest.socket, asio::buffer(answer), ignored);
         guest.socket.shutdown(tcp::socket::shutdown_send, ignored);
     }
@@ -107,16 +86,12 @@ private:
         }
     }
 
-    EndToEnd::ReservedPort m_reserved;
     std::uint16_t m_daemonPort;
-    asio::io_context m_context;
-    tcp::acceptor m_acceptor{m_context,
-                             tcp::endpoint(asio::ip::address_v4::loopback(), m_reserved.Number())};
-    std::atomic<bool> m_isOver = false;
+    Gate m_gate{[this](tcp::socket socket) { Take(std::move(socket)); }};
+    // They end before the gate does.
     std::mutex m_mutex;
     std::list<Guest> m_guests;
     std::list<std::jthread> m_servers;
-    std::thread m_thread;
 };
 
 TEST(IdleClosingTest, SettingsGoOutWithEachSegmentAndTheSummarySaysSo) {
