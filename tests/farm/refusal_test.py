@@ -189,11 +189,12 @@ class Going(support.FarmTest):
         self.assertNotEqual(before, [len(device.commands()) for device in self.devices])
 
     def test_a_sweep_that_is_under_way_is_not_started_again(self):
-        self.start_devices(2, latency=50)
+        self.start_devices(2)
         plan = self.write_plan(60)
         sweep = self.start_sweep(plan)
-        self.wait_for_rows(1)
+        support.wait_until(self.devices[0].halt_in_a_transmission, "bench1 transmits", 120)
         done = self.expect(2, self.sweep(plan))
+        self.devices[0].go_on()
         self.assertRegex(done.stderr, rf"the sweep in {self.sweep_folder()} is under way: "
                                       rf"process {sweep.pid} on \S+ has it")
         self.expect(0, self.finish(sweep))
