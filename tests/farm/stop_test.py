@@ -1,5 +1,6 @@
 """What becomes of a bench that an earlier call could not stop: its note is kept until its own daemon has confirmed
 a stop, and each call that ends with one open has the code 4 and names the bench last."""
+import fcntl
 import os
 import shutil
 import signal
@@ -295,6 +296,20 @@ class Chunk(support.FarmTest):
         done = self.run_chunk("--client", support.CLIENT)
         self.assertEqual((3, "run-chunk: the sweep was stopped: it was interrupted\n"), (done.returncode, done.stderr))
         self.assertFalse((self.sweep_dir / "benches/bench1/running").exists())
+        self.assertEqual([], self.devices[0].commands())
+
+    def test_a_stop_that_waits_in_vain_for_another_sweeps_run_is_not_sent_into_it(self):
+        daemon = self.devices[0].daemon
+        note = self.sweep_dir / "benches/bench1/running"
+        note.parent.mkdir(parents=True)
+        note.write_text(f"{os.uname().nodename} 0 0 chunk-0001/1 {daemon}\n")
+        lock = self.folder / f"locks/sarvextool-{daemon.replace(':', '%')}.lock"
+        with open(lock, "w", encoding="ascii") as run:
+            fcntl.flock(run, fcntl.LOCK_EX)
+            done = subprocess.run(["timeout", "2", ROOT / "farm/run-chunk", "--stop", self.sweep_dir, "bench1"],
+                                  env=self.environment, cwd=self.folder, stdin=subprocess.DEVNULL, check=False)
+        self.assertEqual(124, done.returncode)
+        self.assertTrue(note.exists())
         self.assertEqual([], self.devices[0].commands())
 
 
