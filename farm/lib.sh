@@ -28,6 +28,12 @@ fail() {
     exit "$1"
 }
 
+# In a subshell: what begins here ends by itself. Ctrl-C reaches all that a terminal has in the foreground, and Slurm
+# sends SIGTERM to all processes of a job: what a command was about to tell would be lost.
+undisturbed() {
+    trap '' HUP INT TERM
+}
+
 # Sets program: SarvexToolBench beside this folder, as an unpacked archive has it, else the one on the PATH.
 find_program() {
     program=${farm%/*}/SarvexToolBench
@@ -61,10 +67,10 @@ settle() {
         number=${attempt##*/}
         is_complete "$attempt" || continue
         # As the name of a link it is made by one process alone, also over a network.
-        ln -sT "$number" "$runs/claimed" 2>/dev/null || true
-        [ "$(readlink "$runs/claimed")" != "$number" ] || continue
+        (undisturbed; ln -sT "$number" "$runs/claimed" 2>/dev/null) || true
+        [ ! "$attempt" -ef "$runs/claimed" ] || continue
         [ -L "$runs/claimed" ] || { say "the link $runs/claimed cannot be made"; return 1; }
-        mkdir -p "$1/surplus" && mv -T "$attempt" "$1/surplus/$2-$number" || return 1
+        (undisturbed; mkdir -p "$1/surplus" && mv -T "$attempt" "$1/surplus/$2-$number") || return 1
     done
 }
 

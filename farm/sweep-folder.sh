@@ -24,6 +24,7 @@ open_folder() {
         fail 2 "$dir is not empty, and not the folder of a sweep; choose another one by --out"
     fi
     words=$(LC_ALL=C mkdir -p "$dir" 2>&1) || {
+        end_if_interrupted
         [[ ! ${words##*: } =~ $cannot_write ]] || end_without_room
         fail 2 "$dir cannot be made"
     }
@@ -31,16 +32,22 @@ open_folder() {
     { exec 8<>"$dir/sweep.lock"; } 2>/dev/null || end_without_room
     { read -r holder; read -r jobs; } <&8 || true
     # A command of a call that was killed may outlive it for a moment.
-    flock -w 2 8 || refuse_second_call "$holder" "$jobs"
+    flock -w 2 8 || {
+        end_if_interrupted
+        refuse_second_call "$holder" "$jobs"
+    }
     is_ours=1
     printf 'process %s on %s\n' $$ "$(uname -n)" 2>/dev/null >"$dir/sweep.lock" || end_without_room
     [ ! -e "$dir/merged" ] || end_complete
-    [ ! -e "$dir/manifest.json" ] || cmp -s "$plan" "$dir/plan.csv" ||
+    [ ! -e "$dir/manifest.json" ] || cmp -s "$plan" "$dir/plan.csv" || {
+        end_if_interrupted
         fail 2 "$plan has changed since the sweep in $dir was begun; go on with" \
             "$(printf '%q --out %q' "$dir/plan.csv" "$dir"), or give another --out"
+    }
 }
 
 end_without_room() {
+    end_if_interrupted
     fail 3 "there is no room in $dir, or no permission to write; with room the same command goes on"
 }
 
@@ -106,8 +113,10 @@ prepare_folder() {
 
 # By a link a run counts.
 require_links() {
-    ln -sfT . "$dir/link" 2>/dev/null ||
+    ln -sfT . "$dir/link" 2>/dev/null || {
+        end_if_interrupted
         fail 3 "no symbolic link can be made in $dir, which a sweep needs; with links the same command goes on"
+    }
     rm -f "$dir/link"
 }
 
@@ -122,7 +131,7 @@ read_chunks() {
         chunks+=("$file")
         lines_of[$file]=$((count - 1))
         total_lines=$((total_lines + count - 1))
-    done < <(cd "$dir" && printf '%s\0' chunk-*.csv | xargs -0 grep -c '' /dev/null | grep '^chunk-')
+    done < <(undisturbed; cd "$dir" && printf '%s\0' chunk-*.csv | xargs -0 grep -c '' /dev/null | grep '^chunk-')
 }
 
 # Sets missing: the chunks without a run that counts.

@@ -1,6 +1,6 @@
 # What a sweep does on any engine: for bash, to be sourced after lib.sh. The engine's script defines
 #   engine_check          ends with 2 when there is no such engine; sets benches, the names that may be used
-#   engine_adopt          whether jobs of this sweep go on that an earlier call has begun
+#   engine_adopt          whether jobs of this sweep go on that an earlier call has begun, once that is known
 #   engine_start CHUNK... hands the chunks over; where it cannot, it fails, with ending set
 #   engine_look           looks how it is with the jobs; sets jobs (how many there are), note (a few words for
 #                         the progress) and over (why nothing more will come of them, or nothing)
@@ -252,6 +252,7 @@ measure() {
         settle_all
         find_missing
     fi
+    [ -n "$ending" ] || [ -z "$interrupted" ] || ending="it was interrupted"
     if [ -z "$ending" ] && [ ${#missing[@]} -gt 0 ]; then
         # What has failed may have begun some all the same.
         if engine_start "${missing[@]}"; then watch_jobs; else end_jobs; fi

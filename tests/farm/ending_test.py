@@ -5,6 +5,7 @@ import fcntl
 import os
 import pty
 import re
+import shutil
 import signal
 import struct
 import subprocess
@@ -61,7 +62,20 @@ class Progress(support.FarmTest):
         self.assertLessEqual(len(progress), 2 + (60 * minutes + seconds) // 30)
 
 
-class Endings(support.FarmTest):
+class EndingTest(support.FarmTest):
+    def wait_for_runs(self):
+        """Until each bench has one, and its note."""
+        for device in self.devices:
+            wait_until(device.commands, f"{device.name} has a run", 120)
+
+    def slow_counting(self):
+        """The file that is there as soon as a sweep counts the lines of its chunks, which then takes seconds."""
+        counting = self.folder / "counting"
+        self.put_before("grep", f'[[ "$*" != "-c  /dev/null "* ]] || {{ touch {counting}; sleep 2; }}')
+        return counting
+
+
+class Endings(EndingTest):
     def test_a_second_ctrl_c_leaves_at_once_and_the_jobs_stop_by_themselves(self):
         # No stop is answered in time.
         self.start_devices(2)
@@ -70,7 +84,7 @@ class Endings(support.FarmTest):
             device.start("--fault", "text=-wifi-stop:delay=4000")
         plan = self.write_plan(100)
         sweep = self.start_sweep(plan, "--lines", "25")
-        self.wait_for_rows(1)
+        self.wait_for_runs()
         os.killpg(sweep.pid, signal.SIGINT)
         time.sleep(2)
         os.killpg(sweep.pid, signal.SIGINT)
@@ -143,6 +157,35 @@ class Endings(support.FarmTest):
         self.assertTrue(done.stderr.startswith("sweep: stopping; "), done.stderr)
         for device in self.devices:
             self.assertEqual([], device.commands())
+
+    def test_ctrl_c_while_the_chunks_are_counted_is_an_early_end(self):
+        self.start_devices(2)
+        counting = self.slow_counting()
+        sweep = self.start_sweep(self.write_plan(20))
+        wait_until(counting.exists, "the sweep counts its chunks")
+        os.killpg(sweep.pid, signal.SIGINT)
+        done = self.expect(3, self.finish(sweep))
+        self.assertIn("The sweep ended early, after 0 of 20 lines: it was interrupted.\n", done.stdout)
+        for device in self.devices:
+            self.assertEqual([], device.commands())
+
+    def test_ctrl_c_while_runs_are_made_to_count_leaves_none_out(self):
+        self.start_devices(2)
+        plan = self.write_plan(20)
+        self.expect(0, self.sweep(plan, "--lines", "10"))
+        before = [device.commands() for device in self.devices]
+        shutil.rmtree(self.sweep_folder() / "merged")
+        for link in self.sweep_folder().glob("runs/*/claimed"):
+            link.unlink()
+        linking = self.folder / "linking"
+        self.put_before("ln", f"[[ ${{!#}} != */claimed ]] || {{ touch {linking}; sleep 2; }}")
+        sweep = self.start_sweep(plan)
+        wait_until(linking.exists, "the sweep makes a run count")
+        os.killpg(sweep.pid, signal.SIGINT)
+        done = self.expect(0, self.finish(sweep))
+        self.assertNotIn("cannot be made", done.stderr)
+        self.expect_whole_result(plan)
+        self.assertEqual(before, [device.commands() for device in self.devices])
 
     def test_a_full_disk_ends_the_sweep_and_blames_no_bench(self):
         self.start_devices(2)
@@ -332,7 +375,7 @@ class Endings(support.FarmTest):
         self.expect_all_off()
 
 
-class SlurmEndings(support.FarmTest):
+class SlurmEndings(EndingTest):
     engine = "slurm"
 
     def test_a_second_ctrl_c_before_the_jobs_are_cancelled_cancels_them(self):
@@ -341,7 +384,7 @@ class SlurmEndings(support.FarmTest):
         cancelling = self.folder / "cancelling"
         self.put_before("scancel", f"trap '' INT; touch {cancelling}; sleep 3")
         sweep = self.start_sweep(plan, "--lines", "50")
-        self.wait_for_rows(1)
+        self.wait_for_runs()
         os.killpg(sweep.pid, signal.SIGINT)
         wait_until(cancelling.exists, "the sweep begins to cancel")
         time.sleep(2)
@@ -370,6 +413,36 @@ class SlurmEndings(support.FarmTest):
                 self.assertIn("sweep: stopping; this takes until all transmitters are off", done.stderr)
                 self.assertNotIn("Slurm ", done.stdout + done.stderr)
                 self.assertEqual([], self.slurm.jobs())
+
+    def test_ctrl_c_while_the_chunks_are_counted_ends_the_jobs_of_an_earlier_call(self):
+        self.start_farm(2)
+        plan = self.write_plan(200)
+        sweep = self.start_sweep(plan, "--lines", "50")
+        for device in self.devices:
+            wait_until(device.halt_in_a_transmission, f"{device.name} transmits", 120)
+        sweep.kill()
+        sweep.wait()
+        counting = self.slow_counting()
+        next_call = self.start_sweep(plan)
+        wait_until(counting.exists, "the sweep counts its chunks")
+        os.killpg(next_call.pid, signal.SIGINT)
+        for device in self.devices:
+            device.go_on()
+        done = self.expect(3, self.finish(next_call))
+        self.assertIn(" of 200 lines: it was interrupted.\n", done.stdout)
+        self.assertEqual([], self.slurm.jobs())
+        self.expect_all_off()
+
+    def test_a_controller_that_misses_the_first_question_about_jobs_is_asked_again(self):
+        self.start_farm(2)
+        asked = self.folder / "asked"
+        self.put_before("squeue", f"[ -e {asked} ] || {{ touch {asked}; exit 1; }}")
+        plan = self.write_plan(20)
+        done = self.expect(0, self.sweep(plan))
+        self.assertIn("sweep: Slurm's controller does not answer; waiting\n", done.stderr)
+        # Which a later call is held to.
+        self.assertIn("--client ", (self.sweep_folder() / "run-options").read_text())
+        self.expect_whole_result(plan)
 
     def test_benches_that_have_never_answered_are_told(self):
         self.start_farm(2)

@@ -216,6 +216,16 @@ class SlurmNotes(StopTest):
         self.assertEqual(["-wifi-stop"], [command.split()[-1] for command in self.devices[0].commands()[before:]])
         self.assertFalse(self.note_file("bench1").exists())
         self.assertIn("has confirmed the stop", (self.sweep_folder() / "log/stop-bench1.log").read_text())
+        # A job cannot go there while its node is out of use.
+        self.slurm.ask("scontrol", "update", "NodeName=bench1", "State=DRAIN", "Reason=maintenance")
+        self.note("bench1", self.devices[0].daemon, "node")
+        done = self.fast_sweep(plan)
+        self.assertIn("sweep: bench1 is out of use in Slurm: a job can stop it after scontrol update NodeName=bench1 "
+                      "State=RESUME\n", done.stderr)
+        self.expect_open("bench1", self.devices[0].daemon, done, "node")
+        self.slurm.ask("scontrol", "update", "NodeName=bench1", "State=RESUME")
+        self.expect(0, self.fast_sweep(plan))
+        self.assertFalse(self.note_file("bench1").exists())
 
 
 class Chunk(support.FarmTest):
