@@ -85,10 +85,12 @@ protected:
 TEST_F(ForwardedRunTest, AfterAnOutageARestartIsNoticedAsBefore) {
     const auto run = Start();
     daemon.WaitForExchanges("fmcSx");
+    probe.WaitForAnswer(daemon);
     daemon.Kill();
     WaitUntil("the run has met the outage", [this] { return forwarder.TurnedAway() > 0; });
     daemon.Start();
     daemon.WaitForExchanges("Sx");
+    probe.WaitForAnswer(daemon);
     daemon.Kill();
     daemon.Start();
     const EndToEnd::ProcessResult result = run->Wait();

@@ -137,6 +137,17 @@ std::vector<JsonFields> RunProbe::Lines(const std::string& name) const {
     return JsonLines(TestSupport::ReadBytes(Path("run/" + name)));
 }
 
+void RunProbe::WaitForAnswer(const RestartableDaemon& daemon) const {
+    const std::string letters = daemon.Exchanges();
+    const auto stops = std::count(letters.begin(), letters.end(), 'x');
+    WaitUntil("the run has the answer to its stop", [&] {
+        const std::vector<JsonFields> lines = Lines("exchanges.jsonl");
+        return std::count_if(lines.begin(), lines.end(), [](const JsonFields& line) {
+                   return LetterOf(line.Text("command")) == 'x' && line.Text("end") == "answered";
+               }) >= stops;
+    });
+}
+
 std::string RunProbe::Outcomes() const {
     std::string text;
     for (const JsonFields& line : Lines("journal.jsonl")) {

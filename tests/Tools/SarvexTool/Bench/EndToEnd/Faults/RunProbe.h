@@ -71,6 +71,10 @@ public:
     std::vector<std::string> Arguments(const std::string& daemon,
                                        const std::vector<std::string>& options) const;
 
+    /// Waits until the run has the answer to the last stop that the daemon has got. The daemon's
+    /// log has a command before it is answered.
+    void WaitForAnswer(const RestartableDaemon& daemon) const;
+
     /// What the journal tells: "2 measured, measured; 3 refused, refused".
     std::string Outcomes() const;
     /// The text that the journal has for chain A of a line.

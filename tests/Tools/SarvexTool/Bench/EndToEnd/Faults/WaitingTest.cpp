@@ -66,6 +66,7 @@ TEST_F(WaitingTest, RestartThatNoExchangeMeetsIsNoticed) {
     // The client pauses after each line.
     const auto run = probe.Start(daemon.Address(), {"--client", ProgramPath("SarvexToolClient")});
     daemon.WaitForExchanges("fmcSx");
+    probe.WaitForAnswer(daemon);
     daemon.Kill();
     daemon.Start();
     EXPECT_EQ(run->Wait().exitCode, 0);
