@@ -6,7 +6,7 @@ refuse_second_call() {
     read -r _ process _ host <<<"$1"
     if [ -z "$process" ]; then
         why+="another process has it"
-    elif [ "$host" != "$(uname -n)" ] || [ -e "/proc/$process" ]; then
+    elif [ "$host" != "$this_host" ] || [ -e "/proc/$process" ]; then
         why+="$1 has it"
     elif [ -n "$2" ] && [ -e "/proc/$2" ]; then
         why+="its call was killed, and its jobs go on; after kill $2 no further one begins"
@@ -23,8 +23,8 @@ open_folder() {
     if [ ! -e "$dir/sweep.lock" ] && [ -n "$(ls -A "$dir" 2>/dev/null || true)" ]; then
         fail 2 "$dir is not empty, and not the folder of a sweep; choose another one by --out"
     fi
+    end_if_interrupted
     words=$(LC_ALL=C mkdir -p "$dir" 2>&1) || {
-        end_if_interrupted
         [[ ! ${words##*: } =~ $cannot_write ]] || end_without_room
         fail 2 "$dir cannot be made"
     }
@@ -32,22 +32,17 @@ open_folder() {
     { exec 8<>"$dir/sweep.lock"; } 2>/dev/null || end_without_room
     { read -r holder; read -r jobs; } <&8 || true
     # A command of a call that was killed may outlive it for a moment.
-    flock -w 2 8 || {
-        end_if_interrupted
-        refuse_second_call "$holder" "$jobs"
-    }
+    flock -w 2 8 || refuse_second_call "$holder" "$jobs"
     is_ours=1
-    printf 'process %s on %s\n' $$ "$(uname -n)" 2>/dev/null >"$dir/sweep.lock" || end_without_room
+    engine_open
+    printf 'process %s on %s\n' $$ "$this_host" 2>/dev/null >"$dir/sweep.lock" || end_without_room
     [ ! -e "$dir/merged" ] || end_complete
-    [ ! -e "$dir/manifest.json" ] || cmp -s "$plan" "$dir/plan.csv" || {
-        end_if_interrupted
+    [ ! -e "$dir/manifest.json" ] || cmp -s "$plan" "$dir/plan.csv" ||
         fail 2 "$plan has changed since the sweep in $dir was begun; go on with" \
             "$(printf '%q --out %q' "$dir/plan.csv" "$dir"), or give another --out"
-    }
 }
 
 end_without_room() {
-    end_if_interrupted
     fail 3 "there is no room in $dir, or no permission to write; with room the same command goes on"
 }
 
@@ -63,11 +58,11 @@ end_complete() {
     set +e
     find_open
     if [ ${#open[@]} -gt 0 ]; then
-        engine_adopt
         stop_transmissions
-        code=$(code_of_result)
+        code=$(undisturbed; code_of_result)
     fi
-    fail "${code:-2}" "this sweep is complete, its result is in $dir/merged; for a new one give another --out"
+    say "this sweep is complete, its result is in $dir/merged; for a new one give another --out"
+    exit "${code:-2}"
 }
 
 # Chunks of at most 100 lines, so that at the end no bench waits long for the last one; at least four for each
@@ -113,25 +108,27 @@ prepare_folder() {
 
 # By a link a run counts.
 require_links() {
-    ln -sfT . "$dir/link" 2>/dev/null || {
-        end_if_interrupted
+    ln -sfT . "$dir/link" 2>/dev/null ||
         fail 3 "no symbolic link can be made in $dir, which a sweep needs; with links the same command goes on"
-    }
     rm -f "$dir/link"
 }
 
 # Sets chunks, and lines_of by chunk.
 read_chunks() {
-    local file count
+    local file chunk lines
     declare -gA lines_of=()
     chunks=()
     total_lines=0
-    while IFS=: read -r file count; do
-        file=${file%.csv}
-        chunks+=("$file")
-        lines_of[$file]=$((count - 1))
-        total_lines=$((total_lines + count - 1))
-    done < <(undisturbed; cd "$dir" && printf '%s\0' chunk-*.csv | xargs -0 grep -c '' /dev/null | grep '^chunk-')
+    for file in "$dir"/chunk-*.csv; do
+        [ -e "$file" ] || continue
+        mapfile -t lines <"$file"
+        chunk=${file##*/}
+        chunk=${chunk%.csv}
+        chunks+=("$chunk")
+        # Without the header.
+        lines_of[$chunk]=$((${#lines[@]} - 1))
+        total_lines=$((total_lines + lines_of[$chunk]))
+    done
 }
 
 # Sets missing: the chunks without a run that counts.

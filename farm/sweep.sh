@@ -1,5 +1,6 @@
 # What a sweep does on any engine: for bash, to be sourced after lib.sh. The engine's script defines
 #   engine_check          ends with 2 when there is no such engine; sets benches, the names that may be used
+#   engine_open           prepares for the sweep's folder, once it is this call's
 #   engine_adopt          whether jobs of this sweep go on that an earlier call has begun, once that is known
 #   engine_start CHUNK... hands the chunks over; where it cannot, it fails, with ending set
 #   engine_look           looks how it is with the jobs; sets jobs (how many there are), note (a few words for
@@ -25,6 +26,7 @@ has_stopped=
 interrupted=
 interrupted_at=0
 shown=
+this_host=$(uname -n)
 
 interrupt() {
     if [ -z "$interrupted" ]; then
@@ -71,6 +73,13 @@ leave() {
 # Ctrl-C also ends the commands that this script has just started, which then tell nothing.
 end_if_interrupted() {
     [ -z "$interrupted" ] || exit 3
+}
+
+# As that of lib.sh, but for what such a command has seemed to tell.
+fail() {
+    end_if_interrupted
+    say "${@:2}"
+    exit "$1"
 }
 
 have_folder() {
@@ -176,6 +185,8 @@ measured_with() {
 compare_options() {
     local now before
     now=$(measured_with)
+    # Then nothing is begun, and what there is has to be ended.
+    [ -z "$interrupted" ] || return 0
     if [ -n "$adopted" ] || [ ${#missing[@]} -lt ${#chunks[@]} ]; then
         before=$(cat "$dir/run-options" 2>/dev/null) || before=$now
         [ ${#missing[@]} -eq 0 ] || [ "$now" = "$before" ] ||
@@ -247,7 +258,7 @@ measure() {
     ! engine_adopt || adopted=1
     compare_options
     if [ -n "$adopted" ]; then
-        tell "the jobs of an earlier call go on"
+        [ -n "$interrupted" ] || tell "the jobs of an earlier call go on"
         watch_jobs
         settle_all
         find_missing
@@ -292,7 +303,8 @@ run_sweep() {
     engine_check
     open_folder
     split_plan
-    prepare_folder 2>/dev/null || end_without_room
+    # In a subshell, so that what Ctrl-C has this script say is not lost too.
+    (prepare_folder 2>/dev/null) || end_without_room
     require_links
     # Ctrl-C reaches the commands that this script has just started, too: none that ends is to end the script.
     set +e

@@ -3,12 +3,14 @@ disk, beside a run by hand."""
 import contextlib
 import fcntl
 import os
+import pathlib
 import pty
 import re
 import shutil
 import signal
 import struct
 import subprocess
+import tempfile
 import termios
 import time
 import unittest
@@ -63,31 +65,41 @@ class Progress(support.FarmTest):
 
 
 class EndingTest(support.FarmTest):
-    def wait_for_runs(self):
-        """Until each bench has one, and its note."""
+    def halt_all(self):
         for device in self.devices:
-            wait_until(device.commands, f"{device.name} has a run", 120)
+            wait_until(device.halt_in_a_transmission, f"{device.name} transmits", 120)
 
-    def slow_counting(self):
-        """The file that is there as soon as a sweep counts the lines of its chunks, which then takes seconds."""
-        counting = self.folder / "counting"
-        self.put_before("grep", f'[[ "$*" != "-c  /dev/null "* ]] || {{ touch {counting}; sleep 2; }}')
-        return counting
+    def let_all_go_on(self):
+        for device in self.devices:
+            device.go_on()
+
+    def slow_down(self, command, condition):
+        """The file that is there as soon as a sweep first calls this, where it then stays until it is removed."""
+        begun = pathlib.Path(tempfile.mkdtemp(dir=self.folder)) / f"{command} has begun"
+        self.put_before(command, f'[[ ! {condition} ]] || ! mkdir "{begun}.once" 2>/dev/null || '
+                                 f'{{ touch "{begun}"; while [ -e "{begun}" ]; do sleep .1; done; }}')
+        return begun
+
+    def interrupt_at(self, sweep, begun):
+        """Ctrl-C while it waits there."""
+        wait_until(begun.exists, f"{begun.name}")
+        os.killpg(sweep.pid, signal.SIGINT)
+        time.sleep(1)
+        begun.unlink()
 
 
 class Endings(EndingTest):
     def test_a_second_ctrl_c_leaves_at_once_and_the_jobs_stop_by_themselves(self):
-        # No stop is answered in time.
         self.start_devices(2)
-        for device in self.devices:
-            device.end()
-            device.start("--fault", "text=-wifi-stop:delay=4000")
         plan = self.write_plan(100)
         sweep = self.start_sweep(plan, "--lines", "25")
-        self.wait_for_runs()
+        # Then no stop is answered.
+        self.halt_all()
         os.killpg(sweep.pid, signal.SIGINT)
         time.sleep(2)
         os.killpg(sweep.pid, signal.SIGINT)
+        sweep.wait(60)
+        self.let_all_go_on()
         done = self.expect(4, self.finish(sweep))
         self.assertIn("left at once: jobs may still be stopping their transmitters", done.stderr)
         self.assertIn(f"switch the device of bench1 off, or on {os.uname().nodename}: "
@@ -158,16 +170,37 @@ class Endings(EndingTest):
         for device in self.devices:
             self.assertEqual([], device.commands())
 
-    def test_ctrl_c_while_the_chunks_are_counted_is_an_early_end(self):
+    def test_ctrl_c_while_the_options_are_compared_is_told_as_such(self):
         self.start_devices(2)
-        counting = self.slow_counting()
-        sweep = self.start_sweep(self.write_plan(20))
-        wait_until(counting.exists, "the sweep counts its chunks")
-        os.killpg(sweep.pid, signal.SIGINT)
+        plan = self.write_plan(20)
+        self.expect(0, self.sweep(plan, "--lines", "10"))
+        before = [device.commands() for device in self.devices]
+        shutil.rmtree(self.sweep_folder() / "merged")
+        shutil.rmtree(self.sweep_folder() / "runs/chunk-0002")
+        comparing = self.slow_down("realpath", "$1 = --")
+        sweep = self.start_sweep(plan)
+        self.interrupt_at(sweep, comparing)
         done = self.expect(3, self.finish(sweep))
-        self.assertIn("The sweep ended early, after 0 of 20 lines: it was interrupted.\n", done.stdout)
-        for device in self.devices:
-            self.assertEqual([], device.commands())
+        self.assertIn("The sweep ended early, after 10 of 20 lines: it was interrupted.\n", done.stdout)
+        self.assertNotIn("options of run", done.stderr)
+        self.assertEqual(before, [device.commands() for device in self.devices])
+
+    def test_ctrl_c_before_a_refusal_is_told_as_such(self):
+        self.start_devices(2)
+        plan = self.write_plan(20)
+        self.expect(0, self.sweep(plan, "--lines", "10"))
+        shutil.rmtree(self.sweep_folder() / "merged")
+        path = self.environment["PATH"]
+        for command, condition in (("tr", "$2 = \\\\r"), ("cmp", "$1 = -s"), ("mkdir", f"$2 = {self.sweep_folder()}"),
+                                   ("ln", "$1 = -sfT"), ("cp", "$2 = */bench-table.new")):
+            with self.subTest(command):
+                self.environment["PATH"] = path
+                sweep_at = self.slow_down(command, condition)
+                sweep = self.start_sweep(plan, "--out", self.sweep_folder())
+                self.interrupt_at(sweep, sweep_at)
+                done = self.expect(3, self.finish(sweep))
+                self.assertEqual("sweep: stopping; this takes until all transmitters are off (press Ctrl-C again to "
+                                 "leave at once)\n", done.stderr)
 
     def test_ctrl_c_while_runs_are_made_to_count_leaves_none_out(self):
         self.start_devices(2)
@@ -177,11 +210,9 @@ class Endings(EndingTest):
         shutil.rmtree(self.sweep_folder() / "merged")
         for link in self.sweep_folder().glob("runs/*/claimed"):
             link.unlink()
-        linking = self.folder / "linking"
-        self.put_before("ln", f"[[ ${{!#}} != */claimed ]] || {{ touch {linking}; sleep 2; }}")
+        linking = self.slow_down("ln", "${!#} = */chunk-0001/claimed")
         sweep = self.start_sweep(plan)
-        wait_until(linking.exists, "the sweep makes a run count")
-        os.killpg(sweep.pid, signal.SIGINT)
+        self.interrupt_at(sweep, linking)
         done = self.expect(0, self.finish(sweep))
         self.assertNotIn("cannot be made", done.stderr)
         self.expect_whole_result(plan)
@@ -359,15 +390,13 @@ class Endings(EndingTest):
         self.start_devices(2, latency=20)
         plan = self.write_plan(100)
         sweep = self.start_sweep(plan, "--lines", "25")
-        for device in self.devices:
-            wait_until(device.halt_in_a_transmission, f"{device.name} transmits", 120)
+        self.halt_all()
         sweep.kill()
         sweep.wait()
         done = self.expect(2, self.sweep(plan))
         self.assertRegex(done.stderr, "is under way: its call was killed, and its jobs go on; after kill [0-9]+ no ")
         os.kill(int(re.search("kill ([0-9]+)", done.stderr)[1]), signal.SIGTERM)
-        for device in self.devices:
-            device.go_on()
+        self.let_all_go_on()
         self.wait_for_the_jobs()
         self.assertLess(len(self.runs()), 4)
         self.expect(0, self.sweep(plan))
@@ -379,16 +408,18 @@ class SlurmEndings(EndingTest):
     engine = "slurm"
 
     def test_a_second_ctrl_c_before_the_jobs_are_cancelled_cancels_them(self):
-        self.start_farm(2, latency=300)
+        self.start_farm(2)
         plan = self.write_plan(200)
         cancelling = self.folder / "cancelling"
         self.put_before("scancel", f"trap '' INT; touch {cancelling}; sleep 3")
         sweep = self.start_sweep(plan, "--lines", "50")
-        self.wait_for_runs()
+        self.halt_all()
         os.killpg(sweep.pid, signal.SIGINT)
         wait_until(cancelling.exists, "the sweep begins to cancel")
         time.sleep(2)
         os.killpg(sweep.pid, signal.SIGINT)
+        sweep.wait(60)
+        self.let_all_go_on()
         done = self.expect(4, self.finish(sweep))
         self.assertIn("left at once: jobs may still be stopping their transmitters", done.stderr)
         self.assertTrue(done.stderr.endswith("\nsweep: these benches may still be transmitting: bench1 bench2\n"),
@@ -414,24 +445,40 @@ class SlurmEndings(EndingTest):
                 self.assertNotIn("Slurm ", done.stdout + done.stderr)
                 self.assertEqual([], self.slurm.jobs())
 
-    def test_ctrl_c_while_the_chunks_are_counted_ends_the_jobs_of_an_earlier_call(self):
+    def test_ctrl_c_before_the_jobs_of_an_earlier_call_are_found_ends_them(self):
         self.start_farm(2)
-        plan = self.write_plan(200)
-        sweep = self.start_sweep(plan, "--lines", "50")
-        for device in self.devices:
-            wait_until(device.halt_in_a_transmission, f"{device.name} transmits", 120)
-        sweep.kill()
-        sweep.wait()
-        counting = self.slow_counting()
-        next_call = self.start_sweep(plan)
-        wait_until(counting.exists, "the sweep counts its chunks")
-        os.killpg(next_call.pid, signal.SIGINT)
-        for device in self.devices:
-            device.go_on()
-        done = self.expect(3, self.finish(next_call))
-        self.assertIn(" of 200 lines: it was interrupted.\n", done.stdout)
-        self.assertEqual([], self.slurm.jobs())
-        self.expect_all_off()
+        plan = self.write_plan(400)
+        path = self.environment["PATH"]
+        # While they are named, looked for, and compared with what this call would measure.
+        for command, condition in (("sha256sum", "$# = 0"), ("squeue", "$* = -h*"), ("realpath", "$1 = --")):
+            with self.subTest(command):
+                self.environment["PATH"] = path
+                sweep = self.start_sweep(plan, "--lines", "100")
+                self.halt_all()
+                sweep.kill()
+                sweep.wait()
+                begun = self.slow_down(command, condition)
+                next_call = self.start_sweep(plan)
+                self.interrupt_at(next_call, begun)
+                self.let_all_go_on()
+                done = self.expect(3, self.finish(next_call))
+                self.assertIn(" of 400 lines: it was interrupted.\n", done.stdout)
+                self.assertNotIn("an earlier call", done.stderr if command == "squeue" else "")
+                self.assertEqual([], self.slurm.jobs())
+                self.expect_all_off()
+
+    def test_ctrl_c_before_the_last_stop_on_another_host_is_begun_leaves_it_to_be_done(self):
+        self.start_farm(2)
+        plan = self.write_plan(12)
+        self.expect(0, self.sweep(plan))
+        self.put_before("uname", "[ -z \"${SLURM_JOB_ID:-}\" ] || { echo node; exit; }")
+        note = self.sweep_folder() / "benches/bench1/running"
+        note.write_text(f"node 0 0 chunk-0001/1 {self.devices[0].daemon}\n")
+        sending = self.slow_down("sbatch", "1 = 1")
+        sweep = self.start_sweep(plan)
+        self.interrupt_at(sweep, sending)
+        self.expect(0, self.finish(sweep))
+        self.assertFalse(note.exists())
 
     def test_a_controller_that_misses_the_first_question_about_jobs_is_asked_again(self):
         self.start_farm(2)

@@ -316,9 +316,15 @@ class Chunk(support.FarmTest):
         lock = self.folder / f"locks/sarvextool-{daemon.replace(':', '%')}.lock"
         with open(lock, "w", encoding="ascii") as run:
             fcntl.flock(run, fcntl.LOCK_EX)
-            done = subprocess.run(["timeout", "2", ROOT / "farm/run-chunk", "--stop", self.sweep_dir, "bench1"],
-                                  env=self.environment, cwd=self.folder, stdin=subprocess.DEVNULL, check=False)
-        self.assertEqual(124, done.returncode)
+            stop = subprocess.Popen([ROOT / "farm/run-chunk", "--stop", self.sweep_dir, "bench1"],
+                                    env=self.environment, cwd=self.folder, stdin=subprocess.DEVNULL,
+                                    stderr=subprocess.DEVNULL, start_new_session=True)
+            mark = f"SARVEX_LOCKS={self.folder}/locks"
+            support.wait_until(lambda: any(support.command_of(process) == "flock\0009\0"
+                                           for process in support.processes_with(mark)), "it waits for the lock")
+            # As timeout does it, and Slurm.
+            os.killpg(stop.pid, signal.SIGTERM)
+            self.assertEqual(4, stop.wait(60))
         self.assertTrue(note.exists())
         self.assertEqual([], self.devices[0].commands())
 
