@@ -2,6 +2,8 @@
 """Runs that keep themselves: with a simulated device, run --keep and what becomes of it."""
 import contextlib
 import json
+import os
+import pathlib
 import shlex
 import signal
 import sqlite3
@@ -56,6 +58,23 @@ class KeepTest(support.HistoryTest):
             self.assertLess(time.monotonic(), end)
             self.assertIsNone(program.poll())
             time.sleep(0.02)
+
+    def wait_until_open(self, program, file):
+        folder = pathlib.Path(f"/proc/{program.pid}/fd")
+        end = time.monotonic() + support.TIMEOUT
+        while os.path.realpath(file) not in self.open_files(folder):
+            self.assertLess(time.monotonic(), end)
+            self.assertIsNone(program.poll())
+            time.sleep(0.02)
+
+    @staticmethod
+    def open_files(folder):
+        files = set()
+        for link in folder.iterdir():
+            # It may be closed meanwhile.
+            with contextlib.suppress(FileNotFoundError):
+                files.add(os.readlink(link))
+        return files
 
     def ended(self, program):
         out, err = program.communicate(timeout=support.TIMEOUT)
@@ -134,9 +153,10 @@ class KeepTest(support.HistoryTest):
             other.execute("begin exclusive")
             said = ""
             while "confirmed the last stop" not in said:
-                said += program.stdout.readline()
-            time.sleep(0.5)
-            self.assertIsNone(program.poll())
+                line = program.stdout.readline()
+                self.assertTrue(line, said)
+                said += line
+            self.wait_until_open(program, self.store)
             program.send_signal(signal.SIGINT)
             code, _, err = self.ended(program)
             self.assertEqual(1, code, err)
