@@ -71,14 +71,6 @@ void FindStationsBehind(const TrendData& data, std::vector<StationTrend>& statio
     }
 }
 
-std::vector<double> MediansOf(std::span<const TrendPoint> points) {
-    std::vector<double> medians;
-    medians.reserve(points.size());
-    for (const TrendPoint& point : points)
-        medians.push_back(point.median);
-    return medians;
-}
-
 bool IsOut(double power, const Limit& limit) {
     constexpr double unitsPerOne = 1e9;
     const Decimal exact = Decimal::FromUnits(std::llround(power * unitsPerOne));
@@ -172,6 +164,14 @@ double MedianOf(std::span<double> numbers) {
     if (numbers.size() % 2 == 1)
         return *middle;
     return std::midpoint(*std::max_element(numbers.begin(), middle), *middle);
+}
+
+std::vector<double> MediansOf(std::span<const TrendPoint> points) {
+    std::vector<double> medians;
+    medians.reserve(points.size());
+    for (const TrendPoint& point : points)
+        medians.push_back(point.median);
+    return medians;
 }
 
 bool ControlLimits::AreKeptBy(double value, double share) const {

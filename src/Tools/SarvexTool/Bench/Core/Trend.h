@@ -131,6 +131,9 @@ struct TrendPoint {
     bool isBeyond = false;
 };
 
+/// The medians of the points, in their order.
+std::vector<double> MediansOf(std::span<const TrendPoint> points);
+
 /// The last runs that were displaced, of a station with a run beyond its limits.
 struct Drift {
     /// Places in StationTrend::points.
@@ -186,8 +189,8 @@ struct StationTrend {
     /// How many points the limits leave out, because each of them was alone beyond those of all.
     std::size_t leftOut = 0;
     std::size_t beyond = 0;
-    /// The largest distance from the mean of a point beyond that is told with the drift, in
-    /// standard deviations; 0 where none is.
+    /// The largest distance from the mean, in standard deviations, of a point beyond that is one of
+    /// the drift, without what the limits leave out between them; 0 where none is.
     double farthest = 0;
     /// There is one where a point is beyond.
     std::optional<Drift> drift;

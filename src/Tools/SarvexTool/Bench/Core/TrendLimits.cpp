@@ -10,14 +10,6 @@ namespace Bench {
 
 namespace {
 
-std::optional<ControlLimits> LimitsOfPoints(std::span<const TrendPoint> points) {
-    std::vector<double> medians;
-    medians.reserve(points.size());
-    for (const TrendPoint& point : points)
-        medians.push_back(point.median);
-    return ControlLimitsOf(medians);
-}
-
 /// The median of how many differences the points are made of.
 double UsualCount(std::span<const TrendPoint> points) {
     std::vector<double> counts;
@@ -42,6 +34,18 @@ std::optional<Drift> FindBeyond(std::span<TrendPoint> points, const ControlLimit
     return isAnyBeyond ? std::optional(DriftOf(points, limits)) : std::nullopt;
 }
 
+/// The largest distance from the mean of a run beyond that is one of the drift.
+double FarthestOf(std::span<const TrendPoint> points, const Drift& drift,
+                  const ControlLimits& limits, double usualCount) {
+    double farthest = 0;
+    for (const TrendPoint& point : points.subspan(drift.first, drift.last + 1 - drift.first)) {
+        if (point.isBeyond)
+            farthest =
+                std::max(farthest, limits.DistanceOf(point.median, ShareOf(point, usualCount)));
+    }
+    return farthest;
+}
+
 /// The limits and the drift without the lone runs that are beyond, where enough others are left.
 void LeaveOutLoneRuns(StationTrend& station, double usualCount) {
     std::vector<TrendPoint> others;
@@ -52,7 +56,7 @@ void LeaveOutLoneRuns(StationTrend& station, double usualCount) {
         others.push_back(station.points[place]);
         places.push_back(place);
     }
-    const std::optional<ControlLimits> limits = LimitsOfPoints(others);
+    const std::optional<ControlLimits> limits = ControlLimitsOf(MediansOf(others));
     if (!limits)
         return;
     station.limits = limits;
@@ -60,36 +64,34 @@ void LeaveOutLoneRuns(StationTrend& station, double usualCount) {
     std::optional<Drift> drift = FindBeyond(others, *limits, usualCount);
     for (std::size_t other = 0; other < others.size(); ++other)
         station.points[places[other]].isBeyond = others[other].isBeyond;
-    if (!drift)
+    const bool isTold = drift && (drift->isLasting || (!station.drift->isLasting &&
+                                                       places[drift->last] > station.drift->last));
+    if (!isTold) {
+        station.farthest = FarthestOf(station.points, *station.drift, *limits, usualCount);
         return;
+    }
+    station.farthest = FarthestOf(others, *drift, *limits, usualCount);
     drift->first = places[drift->first];
     drift->last = places[drift->last];
-    if (drift->isLasting || (!station.drift->isLasting && drift->last > station.drift->last))
-        station.drift = drift;
-}
-
-void CountBeyond(StationTrend& station, double usualCount) {
-    for (std::size_t place = 0; place < station.points.size(); ++place) {
-        const TrendPoint& point = station.points[place];
-        station.beyond += std::size_t{point.isBeyond};
-        if (point.isBeyond && station.drift->Has(place))
-            station.farthest =
-                std::max(station.farthest,
-                         station.limits->DistanceOf(point.median, ShareOf(point, usualCount)));
-    }
+    station.drift = drift;
 }
 
 } // namespace
 
 void HoldAgainstOwnLimits(StationTrend& station) {
-    station.limits = LimitsOfPoints(station.points);
+    station.limits = ControlLimitsOf(MediansOf(station.points));
     if (!station.limits)
         return;
     const double usualCount = UsualCount(station.points);
     station.drift = FindBeyond(station.points, *station.limits, usualCount);
-    if (station.drift && station.drift->isOfLoneRuns)
+    if (!station.drift)
+        return;
+    station.farthest = FarthestOf(station.points, *station.drift, *station.limits, usualCount);
+    if (station.drift->isOfLoneRuns)
         LeaveOutLoneRuns(station, usualCount);
-    CountBeyond(station, usualCount);
+    station.beyond = static_cast<std::size_t>(
+        std::count_if(station.points.begin(), station.points.end(),
+                      [](const TrendPoint& point) { return point.isBeyond; }));
 }
 
 } // namespace Bench

@@ -201,6 +201,31 @@ TEST_F(TrendTest, DriftAfterALoneRunIsFound) {
     EXPECT_LT(station.farthest, 10) << "that of the drift, not that of the lone run";
 }
 
+/// Runs of 10.5 and 10.6 in turn.
+std::vector<double> InTurn(std::size_t count) {
+    std::vector<double> powers;
+    while (powers.size() < count)
+        powers.push_back(powers.size() % 2 == 0 ? 10.5 : 10.6);
+    return powers;
+}
+
+TEST_F(TrendTest, LoneRunWithinADriftIsNotItsFarthest) {
+    for (const double lone : {-6, 6}) {
+        SCOPED_TRACE(lone);
+        data = {};
+        AddItems(1);
+        std::vector<double> powers = InTurn(30);
+        for (std::size_t run = 18; run < powers.size(); ++run)
+            powers[run] += 0.5;
+        powers[24] += lone;
+        const StationTrend station = ThirdOf(powers);
+        EXPECT_EQ(station.leftOut, 1U);
+        ASSERT_TRUE(station.drift->IsNow());
+        EXPECT_EQ(station.drift->first, 19U);
+        EXPECT_NEAR(station.farthest, 3.7756, 0.0001);
+    }
+}
+
 TEST_F(TrendTest, LoneRunIsLeftOutOnlyWhereEnoughOthersAreLeft) {
     EXPECT_EQ(ThirdOf({10.5, 10.5, 10.5, 15.5, 10.5, 10.5, 10.5, 10.5}).leftOut, 0U);
 }
