@@ -147,7 +147,8 @@ struct Drift {
     bool isLasting = false;
     /// Whether the last run of all is one of these: else it is over.
     bool goesOn = false;
-    /// Each run beyond is alone, with none displaced beside it, and none is the last run of all.
+    /// No two runs beyond are together on one side of the mean, none is the last run of all, and
+    /// those after the only one of a side have come back.
     bool isOfLoneRuns = false;
 
     bool IsNow() const { return isLasting && goesOn; }

@@ -12,33 +12,44 @@ namespace {
 using Points = std::span<const TrendPoint>;
 
 double MedianOfPoints(Points points) {
-    std::vector<double> medians;
-    medians.reserve(points.size());
-    for (const TrendPoint& point : points)
-        medians.push_back(point.median);
+    std::vector<double> medians = MediansOf(points);
     return MedianOf(medians);
 }
 
+/// Places among the points: not all of them.
+struct Places {
+    std::size_t first = 0;
+    std::size_t last = 0;
+};
+
+/// The median of the runs before these places, or of those after where there are none before.
+double MedianOfOthers(Points points, const Places& places) {
+    return MedianOfPoints(places.first > 0 ? points.first(places.first)
+                                           : points.subspan(places.last + 1));
+}
+
+double MedianOfThose(Points points, const Places& places) {
+    return MedianOfPoints(points.subspan(places.first, places.last + 1 - places.first));
+}
+
 /// Those of these places, with the change that they make.
-Drift DriftFrom(Points points, std::size_t first, std::size_t last) {
-    const Points others = first > 0 ? points.first(first) : points.subspan(last + 1);
-    const double change =
-        MedianOfPoints(points.subspan(first, last + 1 - first)) - MedianOfPoints(others);
-    return {first, last, change};
+Drift DriftFrom(Points points, const Places& places) {
+    return {places.first, places.last,
+            MedianOfThose(points, places) - MedianOfOthers(points, places)};
 }
 
 /// The runs on one side of the mean.
 class Side {
 public:
-    Side(Points points, double mean, bool isHigh)
-        : m_points(points), m_mean(mean), m_isHigh(isHigh) {
+    Side(Points points, double mean, bool isHigh) : m_points(points) {
         bool isNewGroup = true;
         for (std::size_t place = 0; place < points.size(); ++place) {
-            if (!IsHere(place)) {
+            if ((points[place].median > mean) != isHigh) {
                 isNewGroup = true;
             } else if (points[place].isBeyond) {
-                m_first = isNewGroup ? place : m_first;
-                m_last = place;
+                if (isNewGroup)
+                    m_groups.push_back({place, place});
+                m_groups.back().last = place;
                 isNewGroup = false;
                 ++m_beyond;
             }
@@ -47,30 +58,33 @@ public:
 
     std::size_t CountBeyond() const { return m_beyond; }
     /// The last run beyond, where there is one.
-    std::size_t Last() const { return m_last; }
+    std::size_t Last() const { return m_groups.back().last; }
 
     /// The last time that several runs were displaced, or the last one is.
     std::optional<Drift> FindDrift() const {
-        if (m_beyond == 0)
-            return std::nullopt;
-        if (m_first == m_last && m_last + 1 < m_points.size())
-            return m_beyond == 1 ? FindDisplaced() : std::nullopt;
-        return DriftFrom(m_points, m_first, LastDisplaced());
+        if (m_beyond == 1 && Last() + 1 < m_points.size())
+            return FindDisplaced(Last());
+        std::optional<Drift> found;
+        for (const Places& group : m_groups) {
+            const bool isAlone = group.first == group.last && group.last + 1 < m_points.size();
+            // One good run does not end a drift: a group can be a part of the drift before it.
+            if (!isAlone && (!found || group.first > found->last))
+                found = DriftFrom(m_points, {group.first, LastDisplaced(group)});
+        }
+        return found;
     }
 
 private:
-    bool IsHere(std::size_t place) const { return (m_points[place].median > m_mean) == m_isHigh; }
-
-    /// The last one after the last beyond that is nearer to those beyond than to those before them,
-    /// as most are that are between. One good run does not end a drift.
-    std::size_t LastDisplaced() const {
-        const double there = MedianOfPoints(m_points.subspan(m_first, m_last + 1 - m_first));
-        const double before = m_first > 0 ? MedianOfPoints(m_points.first(m_first)) : m_mean;
-        std::size_t last = m_last;
+    /// The last one after the group that is nearer to it than to the other runs, as most are that
+    /// are between. Where the others are those after, most of them are not: some are left.
+    std::size_t LastDisplaced(const Places& group) const {
+        const double there = MedianOfThose(m_points, group);
+        const double others = MedianOfOthers(m_points, group);
+        std::size_t last = group.last;
         std::ptrdiff_t nearerLessOthers = 0;
-        for (std::size_t place = m_last + 1; place < m_points.size(); ++place) {
+        for (std::size_t place = group.last + 1; place < m_points.size(); ++place) {
             const double median = m_points[place].median;
-            const bool isNearer = std::abs(median - there) < std::abs(median - before);
+            const bool isNearer = std::abs(median - there) < std::abs(median - others);
             nearerLessOthers += isNearer ? 1 : -1;
             if (isNearer && nearerLessOthers > 0)
                 last = place;
@@ -80,36 +94,33 @@ private:
 
     /// The runs that are displaced as those after the only one beyond are: from it on, or after it
     /// where they are displaced to the other side.
-    std::optional<Drift> FindDisplaced() const {
+    std::optional<Drift> FindDisplaced(std::size_t beyond) const {
         // With fewer before it, it is not known where these are.
         constexpr std::size_t fewestBefore = 3;
         constexpr double enough = 0.5;
-        if (m_last < fewestBefore)
+        if (beyond < fewestBefore)
             return std::nullopt;
-        const double before = MedianOfPoints(m_points.first(m_last));
-        const double after = MedianOfPoints(m_points.subspan(m_last + 1)) - before;
-        // The run is not where those before it are, else one of them would be beyond, too.
-        if (std::abs(after) < enough * std::abs(m_points[m_last].median - before))
+        const double before = MedianOfPoints(m_points.first(beyond));
+        const double after = MedianOfPoints(m_points.subspan(beyond + 1)) - before;
+        // The run itself may be where those before it are, which have fewer measurements then.
+        if (after == 0 || std::abs(after) < enough * std::abs(m_points[beyond].median - before))
             return std::nullopt;
         const auto isDisplaced = [&](const TrendPoint& point) {
             return (point.median - before) / after >= enough;
         };
-        std::size_t first = m_last;
+        std::size_t first = beyond;
         while (!isDisplaced(m_points[first]))
             ++first;
         std::size_t last = m_points.size() - 1;
         while (!isDisplaced(m_points[last]))
             --last;
-        return DriftFrom(m_points, first, last);
+        return DriftFrom(m_points, {first, last});
     }
 
     Points m_points;
-    double m_mean;
-    bool m_isHigh;
     std::size_t m_beyond = 0;
-    /// Those beyond that end the side's runs beyond, without a run of the other side between.
-    std::size_t m_first = 0;
-    std::size_t m_last = 0;
+    /// From the first to the last run beyond that no run of the other side is between.
+    std::vector<Places> m_groups;
 };
 
 /// The last one, but where the other one is more than twice as large: after a large change the mean
@@ -132,7 +143,7 @@ Drift DriftOf(Points points, const ControlLimits& limits) {
     const std::optional<Drift> found = Clearer(side.FindDrift(), other.FindDrift());
     // Two runs beyond on one side are a drift even where each of them is alone.
     const Side& told = side.CountBeyond() > 1 || other.CountBeyond() < 2 ? side : other;
-    Drift drift = found ? *found : DriftFrom(points, told.Last(), told.Last());
+    Drift drift = found ? *found : DriftFrom(points, {told.Last(), told.Last()});
     drift.isLasting = found || told.CountBeyond() > 1;
     drift.goesOn = drift.last + 1 == points.size();
     drift.isOfLoneRuns = !found;

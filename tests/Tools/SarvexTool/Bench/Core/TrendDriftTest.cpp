@@ -88,7 +88,8 @@ TEST(TrendDriftTest, RunsThatAreAllAloneAreToldFromThoseThatAreNot) {
     };
     for (const Alone& each : {Alone{{0, 0, 0, 3, 0}, true}, Alone{{0, 3, 1, 3, -1, 0}, false},
                               Alone{{0, 3, -1, 3, 0, -1, 0}, true}, Alone{{0, 3, 0, -3, 0}, true},
-                              Alone{{0, 0, 0, 0, 3}, false}, Alone{{0, 0, 0, 3, 2, 2}, false}}) {
+                              Alone{{0, 0, 0, 0, 3}, false}, Alone{{0, 0, 0, 3, 2, 2}, false},
+                              Alone{{0, 3, 3, 0, 0, 0, 3, 0}, false}}) {
         SCOPED_TRACE(testing::PrintToString(each.medians));
         EXPECT_EQ(DriftOfMedians(each.medians).isOfLoneRuns, each.areAlone);
     }
@@ -110,8 +111,38 @@ TEST(TrendDriftTest, TwoRunsBeyondOnOneSideAreADrift) {
         {"with one within between them", {0, 0, 0, 3, 1, 4, -1}, true, 3, 5, 3},
         {"from the first ones on", {3, 4, -1, -1, -1}, true, 0, 1, 4.5},
         {"apart from each other: the last", {0, -1, 4, -1, 0, 3, 1, -1}, true, 5, 5, 3},
+        {"together, before one that is alone", {0, 0, 0, 3, 3, 0, 0, 0, 3, 0}, true, 3, 4, 3},
         {"apart, before one on the other", {0, 3, -1, 4, -1, -3, -1, -1}, true, 3, 3, 4},
     });
+}
+
+TEST(TrendDriftTest, OneGoodRunDoesNotEndADrift) {
+    ExpectEach({
+        {"before one beyond that is alone", {0, 0, 0, 3, 3, 0, 3, 2, 2}, true, 3, 8, 2.5},
+        {"before several", {0, 0, 0, 3, 3, 0, 3, 3, 2}, true, 3, 8, 3},
+        {"before the last run", {0, 0, 0, 3, 3, 0, 2, 2, 3}, true, 3, 8, 2.5},
+    });
+}
+
+TEST(TrendDriftTest, FirstRunsAreADriftUpToTheLastThatIsNearerToThemThanToThoseAfter) {
+    ExpectEach({
+        {"with all others nearer to them than to the mean",
+         {3, 3, 1.6, 1.6, 1.6, 1.6},
+         true,
+         0,
+         1,
+         1.4},
+        {"with some nearer to them", {3, 3, 2.6, 1.6, 1.6, 1.6, 1.6}, true, 0, 2, 1.4},
+    });
+}
+
+// Those before it have the same median and fewer measurements, with which they are not beyond.
+TEST(TrendDriftTest, RunBeyondWhereThoseBeforeAndAfterAreIsAnOutlier) {
+    const std::vector<TrendPoint> points{{0, 3, 1}, {1, 3, 1}, {2, 3, 1}, {3, 3, 4, true},
+                                         {4, 0, 4}, {5, 3, 1}, {6, 3, 1}};
+    const Drift drift = DriftOf(points, {0, 2.9 / ControlLimits::Sigmas});
+    EXPECT_FALSE(drift.isLasting);
+    EXPECT_EQ(drift.first, 3U);
 }
 
 // A station that was displaced and repaired: the mean of all its runs is between the two, and one

@@ -226,6 +226,31 @@ TEST_F(TrendTest, LoneRunWithinADriftIsNotItsFarthest) {
     }
 }
 
+TEST_F(TrendTest, RunsTogetherAreADriftThoughALaterOneIsAlone) {
+    std::vector<double> powers = InTurn(24);
+    for (const std::size_t run : {6U, 7U, 8U, 16U})
+        powers[run] += 2;
+    const StationTrend station = ThirdOf(powers);
+    EXPECT_EQ(Beyond(station), " 6 7 8 16");
+    EXPECT_EQ(station.leftOut, 0U);
+    EXPECT_EQ(station.drift->first, 6U);
+    EXPECT_EQ(station.drift->last, 8U);
+    EXPECT_TRUE(station.drift->isLasting);
+}
+
+TEST_F(TrendTest, FirstRunsBeyondAndAFewFarOnTheOtherSideAreTold) {
+    std::vector<double> powers(30, 10);
+    powers[0] = powers[1] = 10.07;
+    for (std::size_t run = 15; run < 19; ++run)
+        powers[run] = 9;
+    AddRuns(AddStation("A"), powers);
+    const StationTrend station = TrendOf(data).stations[0];
+    EXPECT_EQ(Beyond(station), " 0 1 15 16 17 18");
+    EXPECT_EQ(station.drift->first, 15U);
+    EXPECT_EQ(station.drift->last, 18U);
+    EXPECT_NEAR(station.drift->change, -1, exactly);
+}
+
 TEST_F(TrendTest, LoneRunIsLeftOutOnlyWhereEnoughOthersAreLeft) {
     EXPECT_EQ(ThirdOf({10.5, 10.5, 10.5, 15.5, 10.5, 10.5, 10.5, 10.5}).leftOut, 0U);
 }
