@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -307,116 +306,6 @@ TEST_F(SignalTest, KilledRunLeavesNoClientAndIsStoppedWhenItIsResumed) {
               [&] { return !std::filesystem::exists("/proc/" + std::to_string(clients.front())); });
     EXPECT_EQ(probe.RunBench({"run", "--resume", "run"}).exitCode, 0);
     EXPECT_EQ(daemon.Exchanges(), "fmcSxxfmcSxSx");
-}
-
-TEST_F(SignalTest, StopThatAKilledRunOwesIsAwaitedWhenResumingIsInterrupted) {
-    daemon.Start({"--fault", "4:no-answer", "--fault", "5:delay=2000"});
-    auto run = probe.Start(daemon.Address());
-    daemon.WaitForExchanges("fmcS");
-    run.reset();
-    Process resuming(BenchPath(), {"run", "--resume", "run"}, probe.Path(""));
-    daemon.WaitForExchanges("fmcSx");
-    resuming.Interrupt(terminate);
-    const ProcessResult result = resuming.Wait();
-    EXPECT_EQ(result.exitCode, 3) << result.err;
-    EXPECT_EQ(result.out, "The daemon at " + daemon.Address() + " has confirmed the stop.\n");
-    EXPECT_EQ(daemon.Exchanges(), "fmcSx");
-}
-
-TEST_F(SignalTest, StopThatAKilledRunOwesIsMissedWhenResumingIsInterrupted) {
-    daemon.Start({"--fault", "4:no-answer", "--fault", "5:no-answer"});
-    auto run = probe.Start(daemon.Address(), {"--stop-timeout", "2"});
-    daemon.WaitForExchanges("fmcS");
-    run.reset();
-    Process resuming(BenchPath(), {"run", "--resume", "run"}, probe.Path(""));
-    daemon.WaitForExchanges("fmcSx");
-    resuming.Interrupt(interrupt);
-    const ProcessResult result = resuming.Wait();
-    EXPECT_EQ(result.exitCode, 4) << result.out;
-    EXPECT_EQ(result.err, "The transmitter may still be ON: the daemon at " + daemon.Address() +
-                              " gives no whole answer within 2 s.\n");
-    EXPECT_EQ(daemon.Exchanges(), "fmcSx");
-}
-
-TEST_F(SignalTest, StopThatAKilledRunOwesIsNotAwaitedAfterASecondOne) {
-    daemon.Start({"--fault", "4:no-answer", "--fault", "5:no-answer"});
-    // As long as no test takes.
-    auto run = probe.Start(daemon.Address(), {"--stop-timeout", "5000"});
-    daemon.WaitForExchanges("fmcS");
-    run.reset();
-    Process resuming(BenchPath(), {"run", "--resume", "run"}, probe.Path(""));
-    daemon.WaitForExchanges("fmcSx");
-    WaitUntil("the second one ends it", [&] {
-        resuming.Interrupt(interrupt);
-        return resuming.HasEnded();
-    });
-    const ProcessResult result = resuming.Wait();
-    EXPECT_EQ(result.exitCode, 4) << result.out;
-    EXPECT_EQ(result.err, "The transmitter may still be ON: the daemon at " + daemon.Address() +
-                              " was not waited for.\n");
-}
-
-/// A pipe with a name that takes nothing more, and that nobody reads.
-class FullPipe {
-public:
-    explicit FullPipe(const std::string& name) {
-        ::mkfifo(name.c_str(), S_IRUSR | S_IWUSR);
-        m_end = ::open(name.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
-        const std::array<char, 4096> bytes{};
-        while (::write(m_end, bytes.data(), bytes.size()) > 0)
-            continue;
-    }
-    ~FullPipe() { ::close(m_end); }
-    FullPipe(const FullPipe&) = delete;
-    FullPipe& operator=(const FullPipe&) = delete;
-
-private:
-    int m_end = -1;
-};
-
-TEST_F(SignalTest, StopThatAKilledRunOwesIsNotAwaitedForTheReaderOfTheLastWordsEither) {
-    daemon.Start({"--fault", "4:no-answer", "--fault", "5:no-answer"});
-    // As long as no test takes.
-    auto run = probe.Start(daemon.Address(), {"--stop-timeout", "5000"});
-    daemon.WaitForExchanges("fmcS");
-    run.reset();
-    const FullPipe errors(probe.Path("errors"));
-    Process resuming("/bin/sh",
-                     {"-c", "exec \"$0\" \"$@\" 2> errors", BenchPath(), "run", "--resume", "run"},
-                     probe.Path(""));
-    daemon.WaitForExchanges("fmcSx");
-    WaitUntil("the second one ends it", [&] {
-        resuming.Interrupt(interrupt);
-        return resuming.HasEnded();
-    });
-    EXPECT_EQ(resuming.Wait().exitCode, 4);
-}
-
-TEST_F(SignalTest, AfterAStopThatAKilledRunOwesIsMissedARequestWaitsForTheRunsOwn) {
-    daemon.Start({"--fault", "4:no-answer", "--fault", "5:close-before"});
-    auto run = probe.Start(daemon.Address());
-    daemon.WaitForExchanges("fmcS");
-    run.reset();
-    // Its reader waits for the writer.
-    const std::string testFile = TestSupport::ReadBytes(probe.Path("test.csv"));
-    std::filesystem::remove(probe.Path("test.csv"));
-    ASSERT_EQ(::mkfifo(probe.Path("test.csv").c_str(), S_IRUSR | S_IWUSR), 0);
-    Process resuming(BenchPath(), {"run", "--resume", "run"}, probe.Path(""));
-    int writer = -1;
-    WaitUntil("the test file is read", [&] {
-        writer = ::open(probe.Path("test.csv").c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
-        return writer >= 0;
-    });
-    EXPECT_EQ(daemon.Exchanges(), "fmcSx");
-    resuming.Interrupt(interrupt);
-    EXPECT_EQ(::write(writer, testFile.data(), testFile.size()),
-              static_cast<ssize_t>(testFile.size()));
-    ::close(writer);
-    const ProcessResult result = resuming.Wait();
-    EXPECT_EQ(result.exitCode, 3) << result.err;
-    EXPECT_NE(result.out.find(": it was interrupted."), std::string::npos) << result.out;
-    EXPECT_TRUE(probe.Facts().Flag("stopConfirmed"));
-    EXPECT_EQ(daemon.Exchanges(), "fmcSxx");
 }
 
 TEST_F(SignalTest, RowThatDoesNotPassWhileTheRunEndsChangesNoExitCode) {
