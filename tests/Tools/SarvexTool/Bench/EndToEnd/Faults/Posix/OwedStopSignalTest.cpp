@@ -31,7 +31,7 @@ protected:
 };
 
 TEST_F(OwedStopSignalTest, IsAwaitedWhenResumingIsInterrupted) {
-    daemon.Start({"--fault", "4:no-answer", "--fault", "5:delay=2000"});
+    daemon.Start({"--fault", "4:no-answer", "--fault", "5:delay=8000"});
     auto run = probe.Start(daemon.Address());
     daemon.WaitForExchanges("fmcS");
     run.reset();
@@ -46,7 +46,7 @@ TEST_F(OwedStopSignalTest, IsAwaitedWhenResumingIsInterrupted) {
 
 TEST_F(OwedStopSignalTest, IsMissedWhenResumingIsInterrupted) {
     daemon.Start({"--fault", "4:no-answer", "--fault", "5:no-answer"});
-    auto run = probe.Start(daemon.Address(), {"--stop-timeout", "2"});
+    auto run = probe.Start(daemon.Address(), {"--stop-timeout", "8"});
     daemon.WaitForExchanges("fmcS");
     run.reset();
     Process resuming(BenchPath(), {"run", "--resume", "run"}, probe.Path(""));
@@ -55,7 +55,7 @@ TEST_F(OwedStopSignalTest, IsMissedWhenResumingIsInterrupted) {
     const ProcessResult result = resuming.Wait();
     EXPECT_EQ(result.exitCode, 4) << result.out;
     EXPECT_EQ(result.err, "The transmitter may still be ON: the daemon at " + daemon.Address() +
-                              " gives no whole answer within 2 s.\n");
+                              " gives no whole answer within 8 s.\n");
     EXPECT_EQ(daemon.Exchanges(), "fmcSx");
 }
 

@@ -36,6 +36,9 @@ struct Moment {
 constexpr Moment inStart{"a start", "4:delay=3000", "fmcS"};
 constexpr Moment inStop{"a stop", "5:delay=3000", "fmcSx"};
 
+/// With this device the client pauses for five seconds after each line.
+const std::vector<std::string> longPauses{"--mac-type", "16"};
+
 class SignalTest : public testing::Test {
 protected:
     SignalTest() {
@@ -117,8 +120,7 @@ TEST_F(SignalTest, StartThatIsNeverAnsweredIsAwaitedForTheStopTimeout) {
 }
 
 TEST_F(SignalTest, BetweenLinesTheStopOfTheLineBeforeIsEnough) {
-    daemon.Start();
-    // The client pauses after each line.
+    daemon.Start(longPauses);
     const auto run = probe.Start(daemon.Address(), {"--client", ProgramPath("SarvexToolClient")});
     daemon.WaitForExchanges("fmcSx");
     run->Interrupt(interrupt);
@@ -309,8 +311,9 @@ TEST_F(SignalTest, KilledRunLeavesNoClientAndIsStoppedWhenItIsResumed) {
 }
 
 TEST_F(SignalTest, RowThatDoesNotPassWhileTheRunEndsChangesNoExitCode) {
-    daemon.Start({"--fault", "4:return-code=2"});
-    // The client pauses after each line.
+    std::vector<std::string> options = longPauses;
+    options.insert(options.end(), {"--fault", "4:return-code=2"});
+    daemon.Start(options);
     const auto run =
         probe.Start(daemon.Address(), {"--fail-fast", "--client", ProgramPath("SarvexToolClient")});
     WaitUntil("the client has written the row", [this] {
