@@ -171,9 +171,7 @@ void RequireOrdinaryFile(const std::string& name) {
                        "is no ordinary file; a run reads it more than once, so save it in one");
 }
 
-int RunAndKeep(RunDirectory& directory, const std::string& progress,
-               std::unique_ptr<EndRequests> pRequests, Surroundings& surroundings) {
-    RunConsole console(surroundings, progress == "json", std::move(pRequests));
+int RunAndKeep(RunDirectory& directory, const std::string& progress, RunConsole& console) {
     int exitCode = RunTest(directory, progress, console);
     if (directory.Facts().options.keep)
         exitCode = KeepRun(directory, exitCode, console);
@@ -205,9 +203,10 @@ int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
         RequireStore(facts, RunFiles(name));
     const OSAL::FileLock daemonLock = LockDaemonAt(DaemonIn(facts), Absolute(name));
     RunDirectory directory = RunDirectory::Create(name, *arguments.file, facts, Holder(name));
+    RunConsole console(surroundings, arguments.progress == "json", std::make_unique<EndRequests>());
     if (!arguments.out)
-        surroundings.err.stream << "The run is in " << MakeHarmless(name) << "\n";
-    return RunAndKeep(directory, arguments.progress, std::make_unique<EndRequests>(), surroundings);
+        console.Streams().err.stream << "The run is in " << MakeHarmless(name) << "\n";
+    return RunAndKeep(directory, arguments.progress, console);
 }
 
 int GoOn(RunDirectory& directory, const std::string& progress,
@@ -221,7 +220,8 @@ int GoOn(RunDirectory& directory, const std::string& progress,
     facts.options.segment = std::min(facts.options.segment, MostSegmentLines());
     if (HashOfFile(facts.options.client) != facts.clientSha256)
         facts.AddNote("the client is not the one that the run began with");
-    return RunAndKeep(directory, progress, std::move(pRequests), surroundings);
+    RunConsole console(surroundings, progress == "json", std::move(pRequests));
+    return RunAndKeep(directory, progress, console);
 }
 
 /// The facts of a run that may have left the transmitter on; nothing for any other folder, nor for

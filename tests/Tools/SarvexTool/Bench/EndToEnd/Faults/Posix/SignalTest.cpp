@@ -1,4 +1,5 @@
 #include "tests/Tools/SarvexTool/Bench/EndToEnd/Faults/LateReader.h"
+#include "tests/Tools/SarvexTool/Bench/EndToEnd/Faults/Posix/FullPipe.h"
 
 #include <gtest/gtest.h>
 
@@ -308,6 +309,28 @@ TEST_F(SignalTest, KilledRunLeavesNoClientAndIsStoppedWhenItIsResumed) {
               [&] { return !std::filesystem::exists("/proc/" + std::to_string(clients.front())); });
     EXPECT_EQ(probe.RunBench({"run", "--resume", "run"}).exitCode, 0);
     EXPECT_EQ(daemon.Exchanges(), "fmcSxxfmcSxSx");
+}
+
+TEST_F(SignalTest, RunWithoutAnOwnFolderMeasuresBeforeItsNameIsRead) {
+    daemon.Start();
+    // Nothing that is warned of, which would wait for its reader.
+    probe.Write("test.csv",
+                "Band,Chains,Bandwidth,Channel,Bandwidth Mode,Rate,Mode,Resource Unit,Specific "
+                "Resource unit,Large RU Size\n5,AB,20,36,HE,MCS9,SISO,242,0,none\n");
+    FullPipe errors(probe.Path("errors"));
+    Process run("/bin/sh",
+                {"-c", "exec \"$0\" \"$@\" 2> errors", BenchPath(), "run", "test.csv", "--daemon",
+                 daemon.Address(), "--client", ProgramPath("SarvexToolClientWithoutPauses")},
+                probe.Path(""));
+    daemon.WaitForExchanges("fmcSx");
+    std::string text;
+    WaitUntil("all is read", [&] {
+        text += errors.ReadOut();
+        return run.HasEnded();
+    });
+    text += errors.ReadOut();
+    EXPECT_EQ(run.Wait().exitCode, 0) << text;
+    EXPECT_TRUE(text.starts_with("The run is in runs/test-")) << text;
 }
 
 TEST_F(SignalTest, RowThatDoesNotPassWhileTheRunEndsChangesNoExitCode) {
