@@ -30,6 +30,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Bench {
@@ -209,13 +210,16 @@ int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
     return RunAndKeep(directory, arguments.progress, console);
 }
 
+void RequireUnfinished(RunDirectory& directory) {
+    const RunFacts& facts = directory.Facts();
+    if (facts.outcome == "complete" && (facts.stopConfirmed || !facts.startPassedOn))
+        throw BadInput(directory.Files().directory, "is complete; there is nothing to go on with");
+}
+
+/// The daemon is locked.
 int GoOn(RunDirectory& directory, const std::string& progress,
          std::unique_ptr<EndRequests> pRequests, Surroundings& surroundings) {
     RunFacts& facts = directory.Facts();
-    if (facts.outcome == "complete" && (facts.stopConfirmed || !facts.startPassedOn))
-        throw BadInput(directory.Files().directory, "is complete; there is nothing to go on with");
-    const OSAL::FileLock daemonLock =
-        LockDaemonAt(DaemonIn(facts), Absolute(directory.Files().directory));
     // The system may allow fewer open files than when the run began.
     facts.options.segment = std::min(facts.options.segment, MostSegmentLines());
     if (HashOfFile(facts.options.client) != facts.clientSha256)
@@ -236,17 +240,6 @@ std::optional<RunFacts> FactsOfUnstopped(const std::string& directory) {
     }
 }
 
-/// Stops what a run may have left on when it was killed, before its files are read, which takes
-/// seconds for a long one. The run itself stops the transmission once more, and keeps that in its
-/// files. Returns as StopAhead.
-std::optional<int> StopBeforeReading(const std::string& directory, const RunFacts& facts,
-                                     EndRequests& requests, Surroundings& surroundings) {
-    const OSAL::FileLock lock =
-        TakeLock(RunFiles(directory).lock, directory, "the run", Holder(directory));
-    const OSAL::FileLock daemonLock = LockDaemonAt(DaemonIn(facts), Absolute(directory));
-    return StopAhead(DaemonIn(facts), facts.options.stopTimeout, requests, surroundings);
-}
-
 /// Where plain words go beside a run's: standard output may be for JSON.
 Surroundings WordsBeside(const std::string& progress, Surroundings& surroundings) {
     return {surroundings.in, progress == "json" ? surroundings.err : surroundings.out,
@@ -264,34 +257,47 @@ int StopUnfinished(const RunFacts& facts, std::unique_ptr<EndRequests> pRequests
     return exitCode == ExitCode::Fine ? ExitCode::Failed : exitCode;
 }
 
-int Resume(const RunArguments& arguments, Surroundings& surroundings) {
-    // As with a variable of a script that is not set.
-    if (arguments.resume == "")
-        throw WrongUsage("--resume needs the name of a folder");
-    const std::optional<RunFacts> unstopped = FactsOfUnstopped(*arguments.resume);
+/// What a run may have left on when it was killed is stopped before its files are read, which takes
+/// seconds for a long one. The run itself stops the transmission once more, and keeps that in its
+/// files. Nobody else gets the run or its daemon in between: if the stop was missed, the one who
+/// resumes is to hear of it.
+int ResumeUnstopped(const RunFacts& facts, const RunArguments& arguments,
+                    Surroundings& surroundings) {
+    const std::string& name = *arguments.resume;
     Surroundings beside = WordsBeside(arguments.progress, surroundings);
     auto pRequests = std::make_unique<EndRequests>();
+    std::optional<OSAL::FileLock> daemonLock;
     try {
-        if (unstopped) {
-            HoldUntilStopped(*pRequests, DaemonIn(*unstopped), beside);
-            if (const auto ended =
-                    StopBeforeReading(*arguments.resume, *unstopped, *pRequests, beside))
-                return *ended;
-        }
-        RunDirectory directory = RunDirectory::Resume(*arguments.resume, Holder(*arguments.resume));
+        HoldUntilStopped(*pRequests, DaemonIn(facts), beside);
+        OSAL::FileLock lock = RunDirectory::Lock(name, Holder(name));
+        daemonLock = LockDaemonAt(DaemonIn(facts), Absolute(name));
+        if (const auto ended =
+                StopAhead(DaemonIn(facts), facts.options.stopTimeout, *pRequests, beside))
+            return *ended;
+        RunDirectory directory = RunDirectory::Resume(name, Holder(name), std::move(lock));
+        RequireUnfinished(directory);
         return GoOn(directory, arguments.progress, std::move(pRequests), surroundings);
     } catch (const InUse&) {
         throw;
     } catch (const BadFile& bad) {
-        if (!unstopped)
-            throw;
         PrintProblems(surroundings.err, bad.File(), bad.Problems());
     } catch (const std::exception& error) {
-        if (!unstopped)
-            throw;
         surroundings.err.stream << MakeHarmless(error.what()) << "\n";
     }
-    return StopUnfinished(*unstopped, std::move(pRequests), beside);
+    return StopUnfinished(facts, std::move(pRequests), beside);
+}
+
+int Resume(const RunArguments& arguments, Surroundings& surroundings) {
+    const std::string& name = *arguments.resume;
+    // As with a variable of a script that is not set.
+    if (name.empty())
+        throw WrongUsage("--resume needs the name of a folder");
+    if (const std::optional<RunFacts> unstopped = FactsOfUnstopped(name))
+        return ResumeUnstopped(*unstopped, arguments, surroundings);
+    RunDirectory directory = RunDirectory::Resume(name, Holder(name));
+    RequireUnfinished(directory);
+    const OSAL::FileLock daemonLock = LockDaemonAt(DaemonIn(directory.Facts()), Absolute(name));
+    return GoOn(directory, arguments.progress, std::make_unique<EndRequests>(), surroundings);
 }
 
 int Run(const Options app, const RunArguments& arguments, Surroundings& surroundings) {

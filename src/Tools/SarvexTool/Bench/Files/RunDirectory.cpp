@@ -192,7 +192,8 @@ RunDirectory RunDirectory::Create(const std::string& directory, const std::strin
     return {files, std::move(lock), std::move(facts), std::move(result), std::move(journal), 0};
 }
 
-RunDirectory RunDirectory::Resume(const std::string& directory, const LockHolder& holder) {
+RunDirectory RunDirectory::Resume(const std::string& directory, const LockHolder& holder,
+                                  std::optional<OSAL::FileLock> lock) {
     const RunFiles files(directory);
     if (!fs::exists(PathOf(files.facts)))
         throw BadInput(directory, "holds no run: run.json is missing");
@@ -200,14 +201,19 @@ RunDirectory RunDirectory::Resume(const std::string& directory, const LockHolder
     if (ReadRunFacts(files.facts).isMerged)
         throw BadInput(directory, "is merged from other runs; resume those of them that are not "
                                   "complete, and merge them again");
-    OSAL::FileLock lock = TakeLock(files.lock, directory, "the run", holder);
+    if (!lock)
+        lock = Lock(directory, holder);
     RunFacts facts = ReadRunFacts(files.facts);
     RequireSameTestFile(files, facts.testFile);
     const JournalEntry last = CutJournal(files.journal);
     DurableFile result = CutResult(files.result, last.csvEnd);
     DurableFile journal(files.journal, DurableFile::Opening::Existing);
-    return {files,    std::move(lock), std::move(facts), std::move(result), std::move(journal),
+    return {files,    std::move(*lock), std::move(facts), std::move(result), std::move(journal),
             last.line};
+}
+
+OSAL::FileLock RunDirectory::Lock(const std::string& directory, const LockHolder& holder) {
+    return TakeLock(RunFiles(directory).lock, directory, "the run", holder);
 }
 
 RunDirectory::RunDirectory(RunFiles files, OSAL::FileLock lock, RunFacts facts,

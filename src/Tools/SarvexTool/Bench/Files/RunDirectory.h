@@ -9,6 +9,7 @@
 #include "Tools/SarvexTool/Bench/Files/RunFiles.h"
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -28,8 +29,13 @@ public:
 
     /// Opens the folder of a run that has ended early, and cuts off what is not journalled. Throws
     /// BadInput where there is no run, where its test file is not the same any more, and for files
-    /// that a crash does not leave so; InUse when the run goes on.
-    static RunDirectory Resume(const std::string& directory, const LockHolder& holder);
+    /// that a crash does not leave so; InUse when the run goes on. A lock that the caller has is
+    /// that of Lock.
+    static RunDirectory Resume(const std::string& directory, const LockHolder& holder,
+                               std::optional<OSAL::FileLock> lock = std::nullopt);
+
+    /// The lock of the folder of a run. Throws InUse when the run goes on.
+    static OSAL::FileLock Lock(const std::string& directory, const LockHolder& holder);
 
     const RunFiles& Files() const { return m_files; }
 

@@ -144,5 +144,26 @@ TEST_F(OwedStopSignalTest, WhenItIsMissedARequestWaitsForTheRunsOwn) {
     EXPECT_EQ(daemon.Exchanges(), "fmcSxx");
 }
 
+TEST_F(OwedStopSignalTest, WhenItIsMissedNobodyElseGetsTheDaemon) {
+    daemon.Start({"--fault", "4:no-answer", "--fault", "5:close-before"});
+    auto run = probe.Start(daemon.Address());
+    daemon.WaitForExchanges("fmcS");
+    run.reset();
+    LateTestFile testFile(probe);
+    Process resuming(BenchPath(), {"run", "--resume", "run"}, probe.Path(""));
+    testFile.WaitForReader();
+    const RunProbe other;
+    const ProcessResult refused = other.Run(daemon.Address());
+    EXPECT_EQ(refused.exitCode, 2) << refused.out;
+    EXPECT_NE(refused.err.find("the daemon is in use by process " + std::to_string(resuming.Id())),
+              std::string::npos)
+        << refused.err;
+    EXPECT_EQ(daemon.Exchanges(), "fmcSx");
+    testFile.Write();
+    const ProcessResult result = resuming.Wait();
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(daemon.Exchanges(), "fmcSxxfmcSxSx");
+}
+
 } // namespace
 } // namespace Bench
