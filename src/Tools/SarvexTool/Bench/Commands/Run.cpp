@@ -29,6 +29,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -247,14 +248,14 @@ Surroundings WordsBeside(const std::string& progress, Surroundings& surroundings
 }
 
 /// Stops the transmission of a run that cannot go on: the transmitter is not to stay on for that.
-int StopUnfinished(const RunFacts& facts, std::unique_ptr<EndRequests> pRequests,
-                   Surroundings& surroundings) {
+/// Then tells why, for nobody may read it.
+int StopUnfinished(const RunFacts& facts, const std::string& why,
+                   std::unique_ptr<EndRequests> pRequests, Surroundings& surroundings) {
     // A run that began has taken those that were held.
     if (!pRequests)
         pRequests = std::make_unique<EndRequests>();
     HoldUntilStopped(*pRequests, DaemonIn(facts), surroundings);
-    const int exitCode = StopByHand(DaemonIn(facts), facts.options.stopTimeout, surroundings);
-    return exitCode == ExitCode::Fine ? ExitCode::Failed : exitCode;
+    return StopUnresumed(DaemonIn(facts), facts.options.stopTimeout, why, *pRequests, surroundings);
 }
 
 /// What a run may have left on when it was killed is stopped before its files are read, which takes
@@ -267,6 +268,7 @@ int ResumeUnstopped(const RunFacts& facts, const RunArguments& arguments,
     Surroundings beside = WordsBeside(arguments.progress, surroundings);
     auto pRequests = std::make_unique<EndRequests>();
     std::optional<OSAL::FileLock> daemonLock;
+    std::ostringstream why;
     try {
         HoldUntilStopped(*pRequests, DaemonIn(facts), beside);
         OSAL::FileLock lock = RunDirectory::Lock(name, Holder(name));
@@ -280,11 +282,11 @@ int ResumeUnstopped(const RunFacts& facts, const RunArguments& arguments,
     } catch (const InUse&) {
         throw;
     } catch (const BadFile& bad) {
-        PrintProblems(surroundings.err, bad.File(), bad.Problems());
+        PrintProblems({why, surroundings.err.hasColours}, bad.File(), bad.Problems());
     } catch (const std::exception& error) {
-        surroundings.err.stream << MakeHarmless(error.what()) << "\n";
+        why << MakeHarmless(error.what()) << "\n";
     }
-    return StopUnfinished(facts, std::move(pRequests), beside);
+    return StopUnfinished(facts, why.str(), std::move(pRequests), beside);
 }
 
 int Resume(const RunArguments& arguments, Surroundings& surroundings) {

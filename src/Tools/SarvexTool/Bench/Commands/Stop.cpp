@@ -9,7 +9,6 @@
 #include "Tools/SarvexTool/Bench/Run/OutputQueue.h"
 #include "Tools/SarvexTool/Bench/Supervision/Answer.h"
 
-#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
@@ -81,6 +80,18 @@ int Conclude(const DaemonAddress& address, const std::string& failure, Surroundi
     std::_Exit(exitCode);
 }
 
+/// What has come of the stop is known: a second request from now on ends the program with its exit
+/// code, and does not wait for the reader of its last words. Returns the code, which is the given
+/// one where the stop is confirmed.
+int Settle(const std::string& failure, int confirmed, EndRequests& requests) {
+    const int exitCode = failure.empty() ? confirmed : ExitCode::StopNotConfirmed;
+    requests.Hold([exitCode](OSAL::InterruptionKind kind) {
+        if (kind != OSAL::InterruptionKind::ConsoleClosing)
+            std::_Exit(exitCode);
+    });
+    return exitCode;
+}
+
 int Stop(const StopOptions& options, Surroundings& surroundings) {
     const DaemonAddress address = DaemonOf(options.daemon);
     const double seconds = SecondsOf("--stop-timeout", options.timeout).ToDouble();
@@ -93,8 +104,13 @@ int Stop(const StopOptions& options, Surroundings& surroundings) {
 
 } // namespace
 
-int StopByHand(const DaemonAddress& address, double seconds, Surroundings& surroundings) {
-    return Conclude(address, TryToStop(address, seconds), surroundings);
+int StopUnresumed(const DaemonAddress& address, double seconds, const std::string& why,
+                  EndRequests& requests, Surroundings& surroundings) {
+    const std::string failure = TryToStop(address, seconds);
+    const int exitCode = Settle(failure, ExitCode::Failed, requests);
+    surroundings.err.stream << why;
+    Conclude(address, failure, surroundings);
+    return exitCode;
 }
 
 void HoldUntilStopped(EndRequests& requests, const DaemonAddress& address,
@@ -109,8 +125,11 @@ void HoldUntilStopped(EndRequests& requests, const DaemonAddress& address,
 std::optional<int> StopAhead(const DaemonAddress& address, double seconds, EndRequests& requests,
                              Surroundings& surroundings) {
     const std::string failure = TryToStop(address, seconds);
-    if (requests.IsWanted())
-        return std::max<int>(Conclude(address, failure, surroundings), ExitCode::EndedEarly);
+    if (requests.IsWanted()) {
+        const int exitCode = Settle(failure, ExitCode::EndedEarly, requests);
+        Conclude(address, failure, surroundings);
+        return exitCode;
+    }
     if (failure.empty())
         requests.Release();
     return std::nullopt;

@@ -5,6 +5,7 @@
 #include "Tools/SarvexTool/Bench/Run/EndRequests.h"
 
 #include <optional>
+#include <string>
 
 namespace Bench {
 
@@ -13,8 +14,11 @@ namespace Bench {
 void HoldUntilStopped(EndRequests& requests, const DaemonAddress& address,
                       Surroundings& surroundings);
 
-/// Sends the stop to a daemon, once, and prints what comes of it. Returns Fine or StopNotConfirmed.
-int StopByHand(const DaemonAddress& address, double seconds, Surroundings& surroundings);
+/// Sends the stop to the daemon of a run that cannot be resumed, once, and then prints why it
+/// cannot, and what has come of the stop. The requests are held. Returns Failed or
+/// StopNotConfirmed.
+int StopUnresumed(const DaemonAddress& address, double seconds, const std::string& why,
+                  EndRequests& requests, Surroundings& surroundings);
 
 /// Sends the stop to a daemon, once and without a word, before something that takes long. The
 /// requests are held; when one has come by then, prints what has become of the stop and returns the

@@ -5,10 +5,12 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <utility>
 
 // Resumes a run that was killed in a start, and interrupts that: the stop that the run owes comes
@@ -77,6 +79,16 @@ TEST_F(OwedStopSignalTest, IsNotAwaitedAfterASecondOne) {
                               " was not waited for.\n");
 }
 
+/// Whether the main thread of a process waits for the reader of its standard error.
+bool WritesErrors(const Process& process) {
+    const std::string id = std::to_string(process.Id());
+    std::ifstream file("/proc/" + id + "/task/" + id + "/syscall");
+    long call = -1;
+    std::string first;
+    file >> call >> first;
+    return (call == SYS_write || call == SYS_writev) && first == "0x2";
+}
+
 TEST_F(OwedStopSignalTest, IsNotAwaitedForTheReaderOfTheLastWordsEither) {
     daemon.Start({"--fault", "4:no-answer", "--fault", "5:no-answer"});
     // As long as no test takes.
@@ -93,6 +105,26 @@ TEST_F(OwedStopSignalTest, IsNotAwaitedForTheReaderOfTheLastWordsEither) {
         return resuming.HasEnded();
     });
     EXPECT_EQ(resuming.Wait().exitCode, 4);
+}
+
+TEST_F(OwedStopSignalTest, IsConfirmedThoughNobodyReadsIt) {
+    daemon.Start({"--fault", "4:no-answer", "--fault", "5:delay=8000"});
+    auto run = probe.Start(daemon.Address());
+    daemon.WaitForExchanges("fmcS");
+    run.reset();
+    const FullPipe errors(probe.Path("errors"));
+    Process resuming("/bin/sh",
+                     {"-c", "exec \"$0\" \"$@\" 2> errors", BenchPath(), "run", "--resume", "run",
+                      "--progress", "json"},
+                     probe.Path(""));
+    daemon.WaitForExchanges("fmcSx");
+    resuming.Interrupt(interrupt);
+    WaitUntil("the last words wait for their reader", [&] { return WritesErrors(resuming); });
+    WaitUntil("the second one ends it", [&] {
+        resuming.Interrupt(interrupt);
+        return resuming.HasEnded();
+    });
+    EXPECT_EQ(resuming.Wait().exitCode, 3);
 }
 
 /// The test file of a run, whose reader waits until it is written.
