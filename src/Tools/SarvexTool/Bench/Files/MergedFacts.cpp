@@ -103,8 +103,11 @@ private:
 
     void CountMissedStop(const RunFolder& run) {
         if (run.facts.startPassedOn && !run.facts.stopConfirmed)
-            CountNote(run, "the last stop was not confirmed, so that the transmitter may have "
-                           "stayed on");
+            CountNote(run, run.facts.ended
+                               ? "the last stop was not confirmed, so that the transmitter may "
+                                 "have stayed on"
+                               : "an attempt went on at the merge, or was killed; its last stop "
+                                 "was not confirmed by then");
     }
 
     void CountNote(const RunFolder& run, const std::string& note) {
@@ -162,12 +165,7 @@ private:
 
     void AddUnused(const ChunkChoice::Unused& unused) {
         const RunFolder& run = m_runs[unused.run];
-        if (run.facts.ended)
-            CountMissedStop(run);
-        else if (run.facts.startPassedOn && !run.facts.stopConfirmed)
-            CountNote(run,
-                      "an attempt that is not used went on at the merge, or was killed; its last "
-                      "stop was not confirmed by then");
+        CountMissedStop(run);
         m_merged.otherAttempts.push_back(
             {SourceOf(m_chunks[unused.chunk], run), unused.lines, run.facts.outcome});
     }

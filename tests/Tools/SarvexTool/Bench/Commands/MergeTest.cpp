@@ -233,6 +233,7 @@ TEST_F(MergeTest, ARunWhoseStopWasNotConfirmedIsTold) {
     const std::string name = directory.Path("runs/chunk-0002/1/run.json");
     RunFacts facts = ReadRunFacts(name);
     facts.startPassedOn = true;
+    facts.ended = "2026-03-09T08:06:00.000Z";
     WriteRunFacts(name, facts);
     EXPECT_EQ(Merge(), 0) << err.str();
     EXPECT_THAT(out.str(), HasSubstr("Note: The last stop was not confirmed, so that the "

@@ -137,9 +137,16 @@ TEST_F(MergedFactsTest, AStopOfAnAttemptThatIsNotUsedIsNotedToo) {
     EXPECT_THAT(Merged().notes, ElementsAre("the last stop was not confirmed, so that the "
                                             "transmitter may have stayed on (two)"));
     runs[1].facts.ended.reset();
-    EXPECT_THAT(Merged().notes,
-                ElementsAre("an attempt that is not used went on at the merge, or was killed; its "
-                            "last stop was not confirmed by then (two)"));
+    EXPECT_THAT(Merged().notes, ElementsAre("an attempt went on at the merge, or was killed; its "
+                                            "last stop was not confirmed by then (two)"));
+}
+
+TEST_F(MergedFactsTest, ARunThatGoesOnHasNotMissedItsStop) {
+    runs[1].facts.stopConfirmed = false;
+    runs[1].facts.ended.reset();
+    choice = {{{{0, 3}}, {{1, 1}}}, {}, 1};
+    EXPECT_THAT(Merged().notes, ElementsAre("an attempt went on at the merge, or was killed; its "
+                                            "last stop was not confirmed by then (two)"));
 }
 
 TEST_F(MergedFactsTest, TheFirmwareOfAllRunsIsThatOfTheWhole) {
