@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace Bench {
@@ -64,17 +65,24 @@ public:
     std::optional<Drift> FindDrift() const {
         if (m_beyond == 1 && Last() + 1 < m_points.size())
             return FindDisplaced(Last());
-        std::optional<Drift> found;
+        std::optional<Places> found;
         for (const Places& group : m_groups) {
             const bool isAlone = group.first == group.last && group.last + 1 < m_points.size();
-            // One good run does not end a drift: a group can be a part of the drift before it.
-            if (!isAlone && (!found || group.first > found->last))
-                found = DriftFrom(m_points, {group.first, LastDisplaced(group)});
+            if (found && IsPartOf(*found, group))
+                found->last = LastDisplaced({found->first, std::max(found->last, group.last)});
+            else if (!isAlone)
+                found = {group.first, LastDisplaced(group)};
         }
-        return found;
+        return found ? std::optional(DriftFrom(m_points, *found)) : std::nullopt;
     }
 
 private:
+    /// One good run does not end a drift. Some are to be left, which it is held against.
+    bool IsPartOf(const Places& drift, const Places& group) const {
+        return group.first <= drift.last + 2 &&
+               (drift.first > 0 || group.last + 1 < m_points.size());
+    }
+
     /// The last one after the group that is nearer to it than to the other runs, as most are that
     /// are between. Where the others are those after, most of them are not: some are left.
     std::size_t LastDisplaced(const Places& group) const {
@@ -123,12 +131,18 @@ private:
     std::vector<Places> m_groups;
 };
 
-/// The last one, but where the other one is more than twice as large: after a large change the mean
-/// of all runs is between, and a few runs of a usual spread may be beyond the limits.
-std::optional<Drift> Clearer(const std::optional<Drift>& last, const std::optional<Drift>& other) {
-    if (!last || !other)
-        return last ? last : other;
-    return std::abs(other->change) > 2 * std::abs(last->change) ? other : last;
+/// The last one, but where it is smaller than the limits are wide and the other one more than twice
+/// as large: after a large change the mean of all runs is between, and a few runs of a usual spread
+/// may be beyond the limits.
+std::optional<Drift> LastOrClearer(const std::optional<Drift>& high,
+                                   const std::optional<Drift>& low, double distance) {
+    if (!high || !low)
+        return high ? high : low;
+    const auto [first, last] = std::minmax(*high, *low, [](const Drift& one, const Drift& two) {
+        return std::pair(one.last, one.first) < std::pair(two.last, two.first);
+    });
+    const double change = std::abs(last.change);
+    return change < distance && std::abs(first.change) > 2 * change ? first : last;
 }
 
 } // namespace
@@ -136,11 +150,12 @@ std::optional<Drift> Clearer(const std::optional<Drift>& last, const std::option
 Drift DriftOf(Points points, const ControlLimits& limits) {
     const Side high(points, limits.mean, true);
     const Side low(points, limits.mean, false);
+    const std::optional<Drift> found =
+        LastOrClearer(high.FindDrift(), low.FindDrift(), limits.Distance());
     const bool isHighLast =
         low.CountBeyond() == 0 || (high.CountBeyond() != 0 && high.Last() > low.Last());
     const Side& side = isHighLast ? high : low;
     const Side& other = isHighLast ? low : high;
-    const std::optional<Drift> found = Clearer(side.FindDrift(), other.FindDrift());
     // Two runs beyond on one side are a drift even where each of them is alone.
     const Side& told = side.CountBeyond() > 1 || other.CountBeyond() < 2 ? side : other;
     Drift drift = found ? *found : DriftFrom(points, {told.Last(), told.Last()});

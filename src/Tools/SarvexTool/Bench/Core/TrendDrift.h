@@ -14,7 +14,8 @@ namespace Bench {
 /// runs before it, of which there are at least three, by at least half as much as it is. All else
 /// is an outlier, among it a first run that differs from all others. Told is the last time that
 /// several runs were displaced, or the last run is, but that of the other side where it is more
-/// than twice as large; where there is none, the last run beyond.
+/// than twice as large and the last one smaller than the limits are wide; where there is none, the
+/// last run beyond.
 Drift DriftOf(std::span<const TrendPoint> points, const ControlLimits& limits);
 
 } // namespace Bench

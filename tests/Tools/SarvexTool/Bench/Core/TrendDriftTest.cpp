@@ -120,7 +120,11 @@ TEST(TrendDriftTest, OneGoodRunDoesNotEndADrift) {
     ExpectEach({
         {"before one beyond that is alone", {0, 0, 0, 3, 3, 0, 3, 2, 2}, true, 3, 8, 2.5},
         {"before several", {0, 0, 0, 3, 3, 0, 3, 3, 2}, true, 3, 8, 3},
-        {"before the last run", {0, 0, 0, 3, 3, 0, 2, 2, 3}, true, 3, 8, 2.5},
+        {"before the last runs", {0, 0, 0, 3, 3, 0, 2, 2, 3}, true, 3, 8, 2.5},
+        {"before the last run", {0, 0, 0, 3, 3, 3, 0, 3}, true, 3, 7, 3},
+        {"before the last run of a long one", {-1, -1, 3, 3, 3, 3, 3, 3, -1, 3}, true, 2, 9, 4},
+        {"of first runs, with some left", {3, 3, 0, 3, -1, -1, -1, -1, -1}, true, 0, 3, 4},
+        {"of first runs, with none left", {3, 3, 3, 3, 3, 3, 0, 3}, true, 7, 7, 0},
     });
 }
 
@@ -156,10 +160,11 @@ TEST(TrendDriftTest, DriftBeforeAnOutlierOnTheOtherSideIsTold) {
     });
 }
 
-TEST(TrendDriftTest, OfDriftsToBothSidesTheLastIsToldUnlessItIsLessThanHalfAsLarge) {
+TEST(TrendDriftTest, OfDriftsToBothSidesTheLastIsToldUnlessItIsSmall) {
     ExpectEach({
         {"half as large", {0, 0, 6, 6, 0, 0, -3, -3}, true, 6, 7, -3},
-        {"less", {0, 0, 6.1, 6.1, 0, 0, -3, -3}, true, 2, 3, 6.1},
+        {"less, and larger than the limits", {0, 0, 6.1, 6.1, 0, 0, -3, -3}, true, 6, 7, -3},
+        {"less, and smaller than them", {-1, -1, 6, 6, -1, -1, -3, -3}, true, 2, 3, 7},
         {"repaired, with two beyond after",
          {4, 4, 4, -2, -2, -2, -2, -3, -2, -3, -2},
          true,
@@ -168,6 +173,12 @@ TEST(TrendDriftTest, OfDriftsToBothSidesTheLastIsToldUnlessItIsLessThanHalfAsLar
          6},
         {"up and then down", {0, 0, 3, 3, 0, 0, -3, -4}, true, 6, 7, -3.5},
         {"down and then up", {0, 0, -3, -3, 0, 0, 3, 4}, true, 6, 7, 3.5},
+        {"up and then down, with one up alone",
+         {0, 0, 4, 4, 0, 0, -3, -3, -3, 3, -3, -3},
+         true,
+         6,
+         11,
+         -3},
     });
 }
 
