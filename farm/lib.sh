@@ -105,7 +105,7 @@ read_table() {
         daemon_of[$name]=$daemon
         device_of[$name]=$device
         bench_at[$daemon]=$name
-    done < <(tr -d '\r' <"$1" | sed -E 's/(^|[[:blank:]])#.*//')
+    done < <(tr -d '\r' <"$1" | LC_ALL=C sed -E 's/(^|[[:blank:]])#.*//')
     [ ${#bench_names[@]} -gt 0 ] || fail 2 "the table of benches $1 names none"
 }
 

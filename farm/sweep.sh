@@ -70,9 +70,13 @@ leave() {
     exit 4
 }
 
-# Ctrl-C also ends the commands that this script has just started, which then tell nothing.
+# Ctrl-C also ends the commands that this script has just started, which then tell nothing. Jobs of an earlier call
+# may go on.
 end_if_interrupted() {
-    [ -z "$interrupted" ] || exit 3
+    [ -n "$interrupted" ] || return 0
+    ending="it was interrupted"
+    [ -z "$is_ours" ] || end_jobs
+    exit 3
 }
 
 # As that of lib.sh, but for what such a command has seemed to tell.
@@ -167,7 +171,8 @@ check_files_of_options() {
 
 # What of the runs' options decides what is measured, in one line. A client is the same by any of its names.
 measured_with() {
-    local option value words=''
+    # Whatever locale it is called in.
+    local LC_ALL=C option value words=''
     for option in --client --firmware; do
         value=$(run_option "$option" ${run_options[@]+"${run_options[@]}"}) || continue
         [ "$option" != --client ] || value=$(realpath -- "$value")

@@ -449,8 +449,9 @@ class SlurmEndings(EndingTest):
         self.start_farm(2)
         plan = self.write_plan(400)
         path = self.environment["PATH"]
-        # While they are named, looked for, and compared with what this call would measure.
-        for command, condition in (("sha256sum", "$# = 0"), ("squeue", "$* = -h*"), ("realpath", "$1 = --")):
+        # While they are named, looked for, and compared with what this call would measure, and before a refusal.
+        for command, condition in (("sha256sum", "$# = 0"), ("squeue", "$* = -h*"), ("realpath", "$1 = --"),
+                                   ("cmp", "$1 = -s")):
             with self.subTest(command):
                 self.environment["PATH"] = path
                 sweep = self.start_sweep(plan, "--lines", "100")
@@ -462,8 +463,10 @@ class SlurmEndings(EndingTest):
                 self.interrupt_at(next_call, begun)
                 self.let_all_go_on()
                 done = self.expect(3, self.finish(next_call))
-                self.assertIn(" of 400 lines: it was interrupted.\n", done.stdout)
-                self.assertNotIn("an earlier call", done.stderr if command == "squeue" else "")
+                if command != "cmp":
+                    self.assertIn(" of 400 lines: it was interrupted.\n", done.stdout)
+                if command in ("cmp", "squeue"):
+                    self.assertNotIn("an earlier call", done.stderr)
                 self.assertEqual([], self.slurm.jobs())
                 self.expect_all_off()
 

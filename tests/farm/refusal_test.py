@@ -177,6 +177,17 @@ class Going(support.FarmTest):
         for run in self.runs():
             self.assertEqual(["-wifi-band", "5"], json.loads((run / "run.json").read_text())["options"]["firstCommand"])
 
+    def test_options_are_the_same_in_each_locale(self):
+        self.start_devices(2)
+        plan = self.write_plan(20)
+        options = ["--firmware", "größer"]
+        self.environment["LC_ALL"] = "C.UTF-8"
+        self.expect(0, self.sweep(plan, "--lines", "10", run_options=options))
+        shutil.rmtree(self.sweep_folder() / "merged")
+        shutil.rmtree(self.sweep_folder() / "runs/chunk-0002/1")
+        self.environment["LC_ALL"] = "C"
+        self.expect(0, self.sweep(plan, run_options=options))
+
     def test_an_attempt_that_is_taken_away_is_measured_again(self):
         self.start_devices(2)
         plan = self.write_plan(40)

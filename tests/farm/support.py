@@ -107,7 +107,8 @@ class Device:
         if self.log_file.exists():
             self.earlier += self.log_file.read_text().splitlines()
         self.process = subprocess.Popen(
-            [*WITH_TEST, PROGRAMS / "SimulatedDaemon", *self.options, *options, "--request-log", self.log_file],
+            # Also one that is halted.
+            ["setpriv", "--pdeathsig", "KILL", PROGRAMS / "SimulatedDaemon", *self.options, *options, "--request-log", self.log_file],
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
         assert "listens on" in self.process.stdout.readline()
 
