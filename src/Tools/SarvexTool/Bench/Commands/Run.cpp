@@ -247,6 +247,18 @@ Surroundings WordsBeside(const std::string& progress, Surroundings& surroundings
             surroundings.err};
 }
 
+/// Throws InUse; where locks cannot be made at all there is none.
+std::optional<OSAL::FileLock> LockDaemonIfPossible(const DaemonAddress& daemon,
+                                                   const std::string& run) {
+    try {
+        return LockDaemonAt(daemon, run);
+    } catch (const InUse&) {
+        throw;
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
 /// Stops the transmission of a run that cannot go on: the transmitter is not to stay on for that.
 /// Then tells why, for nobody may read it.
 int StopUnfinished(const RunFacts& facts, const std::string& why,
@@ -254,7 +266,7 @@ int StopUnfinished(const RunFacts& facts, const std::string& why,
     // A run that began has taken those that were held.
     if (!pRequests)
         pRequests = std::make_unique<EndRequests>();
-    HoldUntilStopped(*pRequests, DaemonIn(facts), surroundings);
+    HoldUntilStopped(*pRequests, DaemonIn(facts), surroundings, why);
     return StopUnresumed(DaemonIn(facts), facts.options.stopTimeout, why, *pRequests, surroundings);
 }
 
@@ -286,6 +298,9 @@ int ResumeUnstopped(const RunFacts& facts, const RunArguments& arguments,
     } catch (const std::exception& error) {
         why << MakeHarmless(error.what()) << "\n";
     }
+    // The stop is not to go into somebody else's run.
+    if (!daemonLock)
+        daemonLock = LockDaemonIfPossible(DaemonIn(facts), Absolute(name));
     return StopUnfinished(facts, why.str(), std::move(pRequests), beside);
 }
 

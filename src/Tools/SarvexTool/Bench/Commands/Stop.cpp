@@ -59,7 +59,8 @@ void WarnOfRun(const DaemonAddress& address, Surroundings& surroundings) {
 int Conclude(const DaemonAddress& address, const std::string& failure, Surroundings& surroundings) {
     if (failure.empty()) {
         surroundings.out.stream << "The daemon at " << MakeHarmless(address.ToText())
-                                << " has confirmed the stop.\n";
+                                << " has confirmed the stop.\n"
+                                << std::flush;
         return ExitCode::Fine;
     }
     surroundings.err.stream << "The transmitter may still be ON: the daemon at "
@@ -69,9 +70,11 @@ int Conclude(const DaemonAddress& address, const std::string& failure, Surroundi
 }
 
 /// Ends the program at once, and does not wait for ever for somebody who reads its last words.
-[[noreturn]] void EndUnwaited(const DaemonAddress& address, Surroundings& surroundings) {
+[[noreturn]] void EndUnwaited(const DaemonAddress& address, const std::string& why,
+                              Surroundings& surroundings) {
     constexpr std::chrono::milliseconds patience(1000);
     std::ostringstream words;
+    words << why;
     Surroundings told{surroundings.in, {words}, {words}};
     const int exitCode = Conclude(address, "was not waited for", told);
     OutputQueue queue;
@@ -80,15 +83,20 @@ int Conclude(const DaemonAddress& address, const std::string& failure, Surroundi
     std::_Exit(exitCode);
 }
 
-/// What has come of the stop is known: a second request from now on ends the program with its exit
-/// code, and does not wait for the reader of its last words. Returns the code, which is the given
-/// one where the stop is confirmed.
+/// What has come of the stop is known: a further request ends the program with its exit code, and
+/// does not wait for the reader of its last words. Returns the code, which is the given one where
+/// the stop is confirmed.
 int Settle(const std::string& failure, int confirmed, EndRequests& requests) {
     const int exitCode = failure.empty() ? confirmed : ExitCode::StopNotConfirmed;
-    requests.Hold([exitCode](OSAL::InterruptionKind kind) {
+    const auto end = [exitCode](OSAL::InterruptionKind kind) {
         if (kind != OSAL::InterruptionKind::ConsoleClosing)
             std::_Exit(exitCode);
-    });
+    };
+    // What was asked for by now is done when the last words are out.
+    if (requests.IsWanted())
+        requests.Hold(end);
+    else
+        requests.BeginRun(end);
     return exitCode;
 }
 
@@ -114,11 +122,11 @@ int StopUnresumed(const DaemonAddress& address, double seconds, const std::strin
 }
 
 void HoldUntilStopped(EndRequests& requests, const DaemonAddress& address,
-                      Surroundings& surroundings) {
-    requests.Hold([address, &surroundings](OSAL::InterruptionKind kind) {
+                      Surroundings& surroundings, const std::string& why) {
+    requests.Hold([address, &surroundings, why](OSAL::InterruptionKind kind) {
         // The system ends the program some seconds later; the stop may be confirmed by then.
         if (kind != OSAL::InterruptionKind::ConsoleClosing)
-            EndUnwaited(address, surroundings);
+            EndUnwaited(address, why, surroundings);
     });
 }
 

@@ -10,9 +10,10 @@
 namespace Bench {
 
 /// Holds the requests to end the program while a transmitter may be on. A second one ends it with
-/// StopNotConfirmed and says so. The surroundings live longer than the requests.
+/// StopNotConfirmed and says so, after why there is only a stop. The surroundings live longer than
+/// the requests.
 void HoldUntilStopped(EndRequests& requests, const DaemonAddress& address,
-                      Surroundings& surroundings);
+                      Surroundings& surroundings, const std::string& why = "");
 
 /// Sends the stop to the daemon of a run that cannot be resumed, once, and then prints why it
 /// cannot, and what has come of the stop. The requests are held. Returns Failed or

@@ -26,15 +26,43 @@ using EndToEnd::ProcessResult;
 constexpr Interruption interrupt{"SIGINT", SIGINT};
 constexpr Interruption terminate{"SIGTERM", SIGTERM};
 
+/// Whether the main thread of a process waits for the reader of this output: "0x1" or "0x2".
+bool WritesTo(const std::string& output, const Process& process) {
+    const std::string id = std::to_string(process.Id());
+    std::ifstream file("/proc/" + id + "/task/" + id + "/syscall");
+    long call = -1;
+    std::string first;
+    file >> call >> first;
+    return (call == SYS_write || call == SYS_writev) && first == output;
+}
+
 class OwedStopSignalTest : public testing::Test {
 protected:
+    /// The command writes to the output that nobody reads.
+    void ExpectConfirmedUnread(const std::string& command, const std::string& output) {
+        daemon.Start({"--fault", "4:no-answer", "--fault", "5:delay=8000"});
+        auto run = probe.Start(daemon.Address(), {"--stop-timeout", "60"});
+        daemon.WaitForExchanges("fmcS");
+        run.reset();
+        const FullPipe unread(probe.Path("unread"));
+        Process resuming("/bin/sh", {"-c", command, BenchPath()}, probe.Path(""));
+        daemon.WaitForExchanges("fmcSx");
+        resuming.Interrupt(interrupt);
+        WaitUntil("the last words wait", [&] { return WritesTo(output, resuming); });
+        WaitUntil("the second one ends it", [&] {
+            resuming.Interrupt(interrupt);
+            return resuming.HasEnded();
+        });
+        EXPECT_EQ(resuming.Wait().exitCode, 3);
+    }
+
     RunProbe probe;
     RestartableDaemon daemon;
 };
 
 TEST_F(OwedStopSignalTest, IsAwaitedWhenResumingIsInterrupted) {
     daemon.Start({"--fault", "4:no-answer", "--fault", "5:delay=8000"});
-    auto run = probe.Start(daemon.Address());
+    auto run = probe.Start(daemon.Address(), {"--stop-timeout", "60"});
     daemon.WaitForExchanges("fmcS");
     run.reset();
     Process resuming(BenchPath(), {"run", "--resume", "run"}, probe.Path(""));
@@ -79,16 +107,6 @@ TEST_F(OwedStopSignalTest, IsNotAwaitedAfterASecondOne) {
                               " was not waited for.\n");
 }
 
-/// Whether the main thread of a process waits for the reader of its standard error.
-bool WritesErrors(const Process& process) {
-    const std::string id = std::to_string(process.Id());
-    std::ifstream file("/proc/" + id + "/task/" + id + "/syscall");
-    long call = -1;
-    std::string first;
-    file >> call >> first;
-    return (call == SYS_write || call == SYS_writev) && first == "0x2";
-}
-
 TEST_F(OwedStopSignalTest, IsNotAwaitedForTheReaderOfTheLastWordsEither) {
     daemon.Start({"--fault", "4:no-answer", "--fault", "5:no-answer"});
     // As long as no test takes.
@@ -108,23 +126,11 @@ TEST_F(OwedStopSignalTest, IsNotAwaitedForTheReaderOfTheLastWordsEither) {
 }
 
 TEST_F(OwedStopSignalTest, IsConfirmedThoughNobodyReadsIt) {
-    daemon.Start({"--fault", "4:no-answer", "--fault", "5:delay=8000"});
-    auto run = probe.Start(daemon.Address());
-    daemon.WaitForExchanges("fmcS");
-    run.reset();
-    const FullPipe errors(probe.Path("errors"));
-    Process resuming("/bin/sh",
-                     {"-c", "exec \"$0\" \"$@\" 2> errors", BenchPath(), "run", "--resume", "run",
-                      "--progress", "json"},
-                     probe.Path(""));
-    daemon.WaitForExchanges("fmcSx");
-    resuming.Interrupt(interrupt);
-    WaitUntil("the last words wait for their reader", [&] { return WritesErrors(resuming); });
-    WaitUntil("the second one ends it", [&] {
-        resuming.Interrupt(interrupt);
-        return resuming.HasEnded();
-    });
-    EXPECT_EQ(resuming.Wait().exitCode, 3);
+    ExpectConfirmedUnread("exec \"$0\" run --resume run > unread", "0x1");
+}
+
+TEST_F(OwedStopSignalTest, IsConfirmedThoughNobodyReadsItBesideJson) {
+    ExpectConfirmedUnread("exec \"$0\" run --resume run --progress json 2> unread", "0x2");
 }
 
 /// The test file of a run, whose reader waits until it is written.
@@ -195,6 +201,59 @@ TEST_F(OwedStopSignalTest, WhenItIsMissedNobodyElseGetsTheDaemon) {
     const ProcessResult result = resuming.Wait();
     EXPECT_EQ(result.exitCode, 0) << result.err;
     EXPECT_EQ(daemon.Exchanges(), "fmcSxxfmcSxSx");
+}
+
+TEST_F(OwedStopSignalTest, OfARunThatCannotBeLockedIsNotSentIntoAnother) {
+    daemon.Start({"--fault", "4:no-answer", "--fault", "8:no-answer"});
+    auto run = probe.Start(daemon.Address());
+    daemon.WaitForExchanges("fmcS");
+    run.reset();
+    std::filesystem::remove(probe.Path("run/run.lock"));
+    std::filesystem::create_directory(probe.Path("run/run.lock"));
+    const RunProbe other;
+    const auto otherRun = other.Start(daemon.Address());
+    daemon.WaitForExchanges("fmcSfmcS");
+    const ProcessResult refused = probe.RunBench({"run", "--resume", "run"});
+    EXPECT_EQ(refused.exitCode, 2) << refused.out;
+    EXPECT_NE(refused.err.find("the daemon is in use by process"), std::string::npos)
+        << refused.err;
+    EXPECT_EQ(daemon.Exchanges(), "fmcSfmcS");
+}
+
+// Its test file has changed. Without a reader of why, one request is enough to end it.
+TEST_F(OwedStopSignalTest, OfARunThatCannotGoOnEndsAtARequestThoughNobodyReadsWhy) {
+    daemon.Start({"--fault", "4:no-answer"});
+    auto run = probe.Start(daemon.Address());
+    daemon.WaitForExchanges("fmcS");
+    run.reset();
+    probe.Write("test.csv", "");
+    const FullPipe unread(probe.Path("unread"));
+    Process resuming("/bin/sh", {"-c", "exec \"$0\" run --resume run 2> unread", BenchPath()},
+                     probe.Path(""));
+    WaitUntil("why waits for its reader", [&] { return WritesTo("0x2", resuming); });
+    resuming.Interrupt(terminate);
+    EXPECT_EQ(resuming.Wait().exitCode, 2);
+    EXPECT_EQ(daemon.Exchanges(), "fmcSxx");
+}
+
+TEST_F(OwedStopSignalTest, OfARunThatCannotGoOnIsLeftAtASecondRequestWithWhy) {
+    daemon.Start({"--fault", "4:no-answer", "--fault", "6:no-answer"});
+    auto run = probe.Start(daemon.Address(), {"--stop-timeout", "5000"});
+    daemon.WaitForExchanges("fmcS");
+    run.reset();
+    probe.Write("test.csv", "");
+    Process resuming(BenchPath(), {"run", "--resume", "run"}, probe.Path(""));
+    daemon.WaitForExchanges("fmcSxx");
+    WaitUntil("the second one ends it", [&] {
+        resuming.Interrupt(interrupt);
+        return resuming.HasEnded();
+    });
+    const ProcessResult result = resuming.Wait();
+    EXPECT_EQ(result.exitCode, 4) << result.out;
+    EXPECT_NE(result.err.find("test.csv"), std::string::npos) << result.err;
+    EXPECT_TRUE(result.err.ends_with("The transmitter may still be ON: the daemon at " +
+                                     daemon.Address() + " was not waited for.\n"))
+        << result.err;
 }
 
 } // namespace
