@@ -1,3 +1,4 @@
+#include "tests/EndToEnd/Support/ReservedPort.h"
 #include "tests/EndToEnd/Support/Simulator.h"
 #include "tests/Tools/SarvexTool/Bench/EndToEnd/BenchProgram.h"
 
@@ -149,20 +150,23 @@ TEST_F(CheckEndToEndTest, AnAnswerWithoutReturnCodeIsNoConsent) {
     }
 }
 
-// Not 127.0.0.1, whose port 1 is a dead bench in other tests, which lock it.
 TEST_F(CheckEndToEndTest, ADaemonThatIsNotThereHasTakenNothing) {
+    const EndToEnd::ReservedPort port;
     program.Write("a.csv", sound);
-    const ProcessResult result = program.Run({"check", "a.csv", "--daemon", "127.0.0.3:1"});
+    const ProcessResult result =
+        program.Run({"check", "a.csv", "--daemon", "127.0.0.1:" + std::to_string(port.Number())});
     EXPECT_EQ(result.exitCode, 2);
     EXPECT_THAT(result.out, EndsWith("a run takes about 1 s\n"));
 }
 
 TEST_F(CheckEndToEndTest, ADaemonThatIsNotThereIsToldLast) {
+    const EndToEnd::ReservedPort port;
+    const std::string address = "127.0.0.1:" + std::to_string(port.Number());
     program.Write("a.csv", sound);
     const ProcessResult result =
-        program.Run({"check", "a.csv", "--write", "-", "--daemon", "127.0.0.3:1"});
-    EXPECT_THAT(result.err, HasSubstr("a run takes about 1 s\n"
-                                      "127.0.0.3:1: error: the daemon cannot be reached ("));
+        program.Run({"check", "a.csv", "--write", "-", "--daemon", address});
+    EXPECT_THAT(result.err, HasSubstr("a run takes about 1 s\n" + address +
+                                      ": error: the daemon cannot be reached ("));
 }
 
 TEST_F(CheckEndToEndTest, TheTimeOfAnExchangeCountsForTheTimeOfARun) {
