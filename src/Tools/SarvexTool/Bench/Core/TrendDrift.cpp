@@ -131,17 +131,26 @@ private:
     std::vector<Places> m_groups;
 };
 
+/// By how much the later drift differs from the runs between the two, where there are any: those
+/// before are partly of the earlier one.
+double ChangeSince(Points points, const Drift& earlier, const Drift& later) {
+    if (later.first <= earlier.last + 1)
+        return later.change;
+    return MedianOfThose(points, {later.first, later.last}) -
+           MedianOfPoints(points.subspan(earlier.last + 1, later.first - earlier.last - 1));
+}
+
 /// The last one, but where it is smaller than the limits are wide and the other one more than twice
 /// as large: after a large change the mean of all runs is between, and a few runs of a usual spread
 /// may be beyond the limits.
-std::optional<Drift> LastOrClearer(const std::optional<Drift>& high,
+std::optional<Drift> LastOrClearer(Points points, const std::optional<Drift>& high,
                                    const std::optional<Drift>& low, double distance) {
     if (!high || !low)
         return high ? high : low;
     const auto [first, last] = std::minmax(*high, *low, [](const Drift& one, const Drift& two) {
         return std::pair(one.last, one.first) < std::pair(two.last, two.first);
     });
-    const double change = std::abs(last.change);
+    const double change = std::abs(ChangeSince(points, first, last));
     return change < distance && std::abs(first.change) > 2 * change ? first : last;
 }
 
@@ -151,7 +160,7 @@ Drift DriftOf(Points points, const ControlLimits& limits) {
     const Side high(points, limits.mean, true);
     const Side low(points, limits.mean, false);
     const std::optional<Drift> found =
-        LastOrClearer(high.FindDrift(), low.FindDrift(), limits.Distance());
+        LastOrClearer(points, high.FindDrift(), low.FindDrift(), limits.Distance());
     const bool isHighLast =
         low.CountBeyond() == 0 || (high.CountBeyond() != 0 && high.Last() > low.Last());
     const Side& side = isHighLast ? high : low;
