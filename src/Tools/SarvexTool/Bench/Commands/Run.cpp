@@ -247,12 +247,15 @@ Surroundings WordsBeside(const std::string& progress, Surroundings& surroundings
             surroundings.err};
 }
 
-/// Throws InUse; where locks cannot be made at all there is none.
+/// For a stop that is not to go into somebody else's run: then tells why there is only a stop, and
+/// throws InUse. Where locks cannot be made at all there is none.
 std::optional<OSAL::FileLock> LockDaemonIfPossible(const DaemonAddress& daemon,
-                                                   const std::string& run) {
+                                                   const std::string& run, const std::string& why,
+                                                   Surroundings& surroundings) {
     try {
         return LockDaemonAt(daemon, run);
     } catch (const InUse&) {
+        surroundings.err.stream << why;
         throw;
     } catch (const std::exception&) {
         return std::nullopt;
@@ -298,9 +301,8 @@ int ResumeUnstopped(const RunFacts& facts, const RunArguments& arguments,
     } catch (const std::exception& error) {
         why << MakeHarmless(error.what()) << "\n";
     }
-    // The stop is not to go into somebody else's run.
     if (!daemonLock)
-        daemonLock = LockDaemonIfPossible(DaemonIn(facts), Absolute(name));
+        daemonLock = LockDaemonIfPossible(DaemonIn(facts), Absolute(name), why.str(), beside);
     return StopUnfinished(facts, why.str(), std::move(pRequests), beside);
 }
 

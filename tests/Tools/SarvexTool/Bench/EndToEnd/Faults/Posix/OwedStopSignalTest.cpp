@@ -215,6 +215,8 @@ TEST_F(OwedStopSignalTest, OfARunThatCannotBeLockedIsNotSentIntoAnother) {
     daemon.WaitForExchanges("fmcSfmcS");
     const ProcessResult refused = probe.RunBench({"run", "--resume", "run"});
     EXPECT_EQ(refused.exitCode, 2) << refused.out;
+    EXPECT_TRUE(refused.err.starts_with("cannot ")) << refused.err;
+    EXPECT_NE(refused.err.find("run.lock"), std::string::npos) << refused.err;
     EXPECT_NE(refused.err.find("the daemon is in use by process"), std::string::npos)
         << refused.err;
     EXPECT_EQ(daemon.Exchanges(), "fmcSfmcS");
