@@ -75,7 +75,8 @@ leave() {
 end_if_interrupted() {
     [ -n "$interrupted" ] || return 0
     ending="it was interrupted"
-    [ -z "$is_ours" ] || end_jobs
+    # A subshell only ends: its caller goes on.
+    [ -z "$is_ours" ] || [ "$BASH_SUBSHELL" -gt 0 ] || end_jobs
     exit 3
 }
 
@@ -169,20 +170,28 @@ check_files_of_options() {
     done
 }
 
+# quoted WORD...: for a shell and a reader. Bash's own way depends on the locale.
+quoted() {
+    local word words=''
+    for word; do
+        words+="'${word//\'/\'\\\'\'}' "
+    done
+    printf '%s' "${words% }"
+}
+
 # What of the runs' options decides what is measured, in one line. A client is the same by any of its names.
 measured_with() {
-    # Whatever locale it is called in.
-    local LC_ALL=C option value words=''
+    local option value words=''
     for option in --client --firmware; do
         value=$(run_option "$option" ${run_options[@]+"${run_options[@]}"}) || continue
         [ "$option" != --client ] || value=$(realpath -- "$value")
-        words+="$option ${value@Q} "
+        words+="$option $(quoted "$value") "
     done
     set -- ${run_options[@]+"${run_options[@]}"}
     while [ $# -gt 0 ] && [ "$1" != -- ]; do
         shift
     done
-    [ $# -lt 2 ] || words+="${*@Q}"
+    [ $# -lt 2 ] || words+=$(quoted "$@")
     printf '%s\n' "${words:-none}"
 }
 
