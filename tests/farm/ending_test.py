@@ -65,14 +65,6 @@ class Progress(support.FarmTest):
 
 
 class EndingTest(support.FarmTest):
-    def halt_all(self):
-        for device in self.devices:
-            wait_until(device.halt_in_a_transmission, f"{device.name} transmits", 120)
-
-    def let_all_go_on(self):
-        for device in self.devices:
-            device.go_on()
-
     def slow_down(self, command, condition):
         """The file that is there as soon as a sweep first calls this, where it then stays until it is removed."""
         begun = pathlib.Path(tempfile.mkdtemp(dir=self.folder)) / f"{command} has begun"

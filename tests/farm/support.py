@@ -421,6 +421,15 @@ class FarmTest(unittest.TestCase):
         journals = self.sweep_folder(name).glob("runs/*/*/journal.jsonl")
         return sum(len(journal.read_text().splitlines()) for journal in journals)
 
+    def halt_all(self):
+        """Then each bench has a run that cannot end."""
+        for device in self.devices:
+            wait_until(device.halt_in_a_transmission, f"{device.name} transmits", 120)
+
+    def let_all_go_on(self):
+        for device in self.devices:
+            device.go_on()
+
     def wait_for_rows(self, count):
         """Until the runs have so many rows in all: then the sweep is in the middle of its work."""
         wait_until(lambda: self.rows() >= count, f"{count} rows are there", 120)

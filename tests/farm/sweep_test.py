@@ -179,15 +179,6 @@ class Sweeps:
             return (words[0], int(words[1]), int(words[2]), words[3]) if words[2] != "0" else None
         return wait_until(state, f"{bench} runs something")
 
-    def halt_all(self):
-        """Then each bench has a run that cannot end."""
-        for device in self.devices:
-            wait_until(device.halt_in_a_transmission, f"{device.name} transmits", 120)
-
-    def let_all_go_on(self):
-        for device in self.devices:
-            device.go_on()
-
     def expect_nothing_left(self):
         for process in support.processes_with(f"SARVEX_LOCKS={self.folder}/locks"):
             self.fail(f"still there: {support.command_of(process)}")
