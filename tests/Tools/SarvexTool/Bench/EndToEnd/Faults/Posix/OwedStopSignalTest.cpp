@@ -11,7 +11,9 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <string>
 #include <utility>
+#include <vector>
 
 // Resumes a run that was killed in a start, and interrupts that: the stop that the run owes comes
 // first.
@@ -36,23 +38,40 @@ bool WritesTo(const std::string& output, const Process& process) {
     return (call == SYS_write || call == SYS_writev) && first == output;
 }
 
+/// Of a stop, in seconds.
+constexpr const char* longerThanATest = "5000";
+
+/// Until a second one is heard as such.
+void InterruptUntilItEnds(Process& process) {
+    WaitUntil("the second one ends it", [&] {
+        process.Interrupt(interrupt);
+        return process.HasEnded();
+    });
+}
+
 class OwedStopSignalTest : public testing::Test {
 protected:
+    /// Leaves a run that was killed while its first start, the daemon's fourth exchange, had no
+    /// answer. The faults are those of later exchanges.
+    void KillInAStart(const std::vector<std::string>& faults,
+                      const std::string& stopTimeout = "10") {
+        std::vector<std::string> options{"--fault", "4:no-answer"};
+        for (const std::string& fault : faults)
+            options.insert(options.end(), {"--fault", fault});
+        daemon.Start(options);
+        const auto run = probe.Start(daemon.Address(), {"--stop-timeout", stopTimeout});
+        daemon.WaitForExchanges("fmcS");
+    }
+
     /// The command writes to the output that nobody reads.
     void ExpectConfirmedUnread(const std::string& command, const std::string& output) {
-        daemon.Start({"--fault", "4:no-answer", "--fault", "5:delay=8000"});
-        auto run = probe.Start(daemon.Address(), {"--stop-timeout", "60"});
-        daemon.WaitForExchanges("fmcS");
-        run.reset();
+        KillInAStart({"5:delay=8000"}, "60");
         const FullPipe unread(probe.Path("unread"));
         Process resuming("/bin/sh", {"-c", command, BenchPath()}, probe.Path(""));
         daemon.WaitForExchanges("fmcSx");
         resuming.Interrupt(interrupt);
         WaitUntil("the last words wait", [&] { return WritesTo(output, resuming); });
-        WaitUntil("the second one ends it", [&] {
-            resuming.Interrupt(interrupt);
-            return resuming.HasEnded();
-        });
+        InterruptUntilItEnds(resuming);
         EXPECT_EQ(resuming.Wait().exitCode, 3);
     }
 
@@ -61,10 +80,7 @@ protected:
 };
 
 TEST_F(OwedStopSignalTest, IsAwaitedWhenResumingIsInterrupted) {
-    daemon.Start({"--fault", "4:no-answer", "--fault", "5:delay=8000"});
-    auto run = probe.Start(daemon.Address(), {"--stop-timeout", "60"});
-    daemon.WaitForExchanges("fmcS");
-    run.reset();
+    KillInAStart({"5:delay=8000"}, "60");
     Process resuming(BenchPath(), {"run", "--resume", "run"}, probe.Path(""));
     daemon.WaitForExchanges("fmcSx");
     resuming.Interrupt(terminate);
@@ -75,10 +91,7 @@ TEST_F(OwedStopSignalTest, IsAwaitedWhenResumingIsInterrupted) {
 }
 
 TEST_F(OwedStopSignalTest, IsMissedWhenResumingIsInterrupted) {
-    daemon.Start({"--fault", "4:no-answer", "--fault", "5:no-answer"});
-    auto run = probe.Start(daemon.Address(), {"--stop-timeout", "8"});
-    daemon.WaitForExchanges("fmcS");
-    run.reset();
+    KillInAStart({"5:no-answer"}, "8");
     Process resuming(BenchPath(), {"run", "--resume", "run"}, probe.Path(""));
     daemon.WaitForExchanges("fmcSx");
     resuming.Interrupt(interrupt);
@@ -90,17 +103,10 @@ TEST_F(OwedStopSignalTest, IsMissedWhenResumingIsInterrupted) {
 }
 
 TEST_F(OwedStopSignalTest, IsNotAwaitedAfterASecondOne) {
-    daemon.Start({"--fault", "4:no-answer", "--fault", "5:no-answer"});
-    // As long as no test takes.
-    auto run = probe.Start(daemon.Address(), {"--stop-timeout", "5000"});
-    daemon.WaitForExchanges("fmcS");
-    run.reset();
+    KillInAStart({"5:no-answer"}, longerThanATest);
     Process resuming(BenchPath(), {"run", "--resume", "run"}, probe.Path(""));
     daemon.WaitForExchanges("fmcSx");
-    WaitUntil("the second one ends it", [&] {
-        resuming.Interrupt(interrupt);
-        return resuming.HasEnded();
-    });
+    InterruptUntilItEnds(resuming);
     const ProcessResult result = resuming.Wait();
     EXPECT_EQ(result.exitCode, 4) << result.out;
     EXPECT_EQ(result.err, "The transmitter may still be ON: the daemon at " + daemon.Address() +
@@ -108,20 +114,13 @@ TEST_F(OwedStopSignalTest, IsNotAwaitedAfterASecondOne) {
 }
 
 TEST_F(OwedStopSignalTest, IsNotAwaitedForTheReaderOfTheLastWordsEither) {
-    daemon.Start({"--fault", "4:no-answer", "--fault", "5:no-answer"});
-    // As long as no test takes.
-    auto run = probe.Start(daemon.Address(), {"--stop-timeout", "5000"});
-    daemon.WaitForExchanges("fmcS");
-    run.reset();
+    KillInAStart({"5:no-answer"}, longerThanATest);
     const FullPipe errors(probe.Path("errors"));
     Process resuming("/bin/sh",
                      {"-c", "exec \"$0\" \"$@\" 2> errors", BenchPath(), "run", "--resume", "run"},
                      probe.Path(""));
     daemon.WaitForExchanges("fmcSx");
-    WaitUntil("the second one ends it", [&] {
-        resuming.Interrupt(interrupt);
-        return resuming.HasEnded();
-    });
+    InterruptUntilItEnds(resuming);
     EXPECT_EQ(resuming.Wait().exitCode, 4);
 }
 
@@ -165,10 +164,7 @@ private:
 };
 
 TEST_F(OwedStopSignalTest, WhenItIsMissedARequestWaitsForTheRunsOwn) {
-    daemon.Start({"--fault", "4:no-answer", "--fault", "5:close-before"});
-    auto run = probe.Start(daemon.Address());
-    daemon.WaitForExchanges("fmcS");
-    run.reset();
+    KillInAStart({"5:close-before"});
     LateTestFile testFile(probe);
     Process resuming(BenchPath(), {"run", "--resume", "run"}, probe.Path(""));
     testFile.WaitForReader();
@@ -183,10 +179,7 @@ TEST_F(OwedStopSignalTest, WhenItIsMissedARequestWaitsForTheRunsOwn) {
 }
 
 TEST_F(OwedStopSignalTest, WhenItIsMissedNobodyElseGetsTheDaemon) {
-    daemon.Start({"--fault", "4:no-answer", "--fault", "5:close-before"});
-    auto run = probe.Start(daemon.Address());
-    daemon.WaitForExchanges("fmcS");
-    run.reset();
+    KillInAStart({"5:close-before"});
     LateTestFile testFile(probe);
     Process resuming(BenchPath(), {"run", "--resume", "run"}, probe.Path(""));
     testFile.WaitForReader();
@@ -204,10 +197,7 @@ TEST_F(OwedStopSignalTest, WhenItIsMissedNobodyElseGetsTheDaemon) {
 }
 
 TEST_F(OwedStopSignalTest, OfARunThatCannotBeLockedIsNotSentIntoAnother) {
-    daemon.Start({"--fault", "4:no-answer", "--fault", "8:no-answer"});
-    auto run = probe.Start(daemon.Address());
-    daemon.WaitForExchanges("fmcS");
-    run.reset();
+    KillInAStart({"8:no-answer"});
     std::filesystem::remove(probe.Path("run/run.lock"));
     std::filesystem::create_directory(probe.Path("run/run.lock"));
     const RunProbe other;
@@ -224,10 +214,7 @@ TEST_F(OwedStopSignalTest, OfARunThatCannotBeLockedIsNotSentIntoAnother) {
 
 // Its test file has changed. Without a reader of why, one request is enough to end it.
 TEST_F(OwedStopSignalTest, OfARunThatCannotGoOnEndsAtARequestThoughNobodyReadsWhy) {
-    daemon.Start({"--fault", "4:no-answer"});
-    auto run = probe.Start(daemon.Address());
-    daemon.WaitForExchanges("fmcS");
-    run.reset();
+    KillInAStart({});
     probe.Write("test.csv", "");
     const FullPipe unread(probe.Path("unread"));
     Process resuming("/bin/sh", {"-c", "exec \"$0\" run --resume run 2> unread", BenchPath()},
@@ -239,17 +226,11 @@ TEST_F(OwedStopSignalTest, OfARunThatCannotGoOnEndsAtARequestThoughNobodyReadsWh
 }
 
 TEST_F(OwedStopSignalTest, OfARunThatCannotGoOnIsLeftAtASecondRequestWithWhy) {
-    daemon.Start({"--fault", "4:no-answer", "--fault", "6:no-answer"});
-    auto run = probe.Start(daemon.Address(), {"--stop-timeout", "5000"});
-    daemon.WaitForExchanges("fmcS");
-    run.reset();
+    KillInAStart({"6:no-answer"}, longerThanATest);
     probe.Write("test.csv", "");
     Process resuming(BenchPath(), {"run", "--resume", "run"}, probe.Path(""));
     daemon.WaitForExchanges("fmcSxx");
-    WaitUntil("the second one ends it", [&] {
-        resuming.Interrupt(interrupt);
-        return resuming.HasEnded();
-    });
+    InterruptUntilItEnds(resuming);
     const ProcessResult result = resuming.Wait();
     EXPECT_EQ(result.exitCode, 4) << result.out;
     EXPECT_NE(result.err.find("test.csv"), std::string::npos) << result.err;
