@@ -131,18 +131,27 @@ private:
     std::vector<Places> m_groups;
 };
 
-/// By how much the later drift differs from the runs between the two, where there are any: those
-/// before are partly of the earlier one.
-double ChangeSince(Points points, const Drift& earlier, const Drift& later) {
-    if (later.first <= earlier.last + 1)
-        return later.change;
-    return MedianOfThose(points, {later.first, later.last}) -
-           MedianOfPoints(points.subspan(earlier.last + 1, later.first - earlier.last - 1));
+/// Whether the later drift is nothing but usual runs after a large one: the mean of all runs is
+/// between the two, so that some usual ones are beyond the limits.
+bool IsUsualAfter(Points points, const Drift& earlier, const Drift& later, double distance) {
+    double change = std::abs(later.change);
+    // With a third of the runs at most before its end, the station usually is where it has been
+    // since.
+    if (3 * (earlier.last + 1) <= points.size()) {
+        std::vector<TrendPoint> others;
+        for (std::size_t place = 0; place < points.size(); ++place) {
+            if (!earlier.Has(place) && !later.Has(place))
+                others.push_back(points[place]);
+        }
+        if (2 * others.size() < later.last + 1 - later.first)
+            return true;
+        const double there = MedianOfThose(points, {later.first, later.last});
+        change = std::abs(there - MedianOfPoints(others));
+    }
+    return change < distance && std::abs(earlier.change) > 2 * change;
 }
 
-/// The last one, but where it is smaller than the limits are wide and the other one more than twice
-/// as large: after a large change the mean of all runs is between, and a few runs of a usual spread
-/// may be beyond the limits.
+/// The last one, but where it is none.
 std::optional<Drift> LastOrClearer(Points points, const std::optional<Drift>& high,
                                    const std::optional<Drift>& low, double distance) {
     if (!high || !low)
@@ -150,8 +159,7 @@ std::optional<Drift> LastOrClearer(Points points, const std::optional<Drift>& hi
     const auto [first, last] = std::minmax(*high, *low, [](const Drift& one, const Drift& two) {
         return std::pair(one.last, one.first) < std::pair(two.last, two.first);
     });
-    const double change = std::abs(ChangeSince(points, first, last));
-    return change < distance && std::abs(first.change) > 2 * change ? first : last;
+    return IsUsualAfter(points, first, last, distance) ? first : last;
 }
 
 } // namespace
