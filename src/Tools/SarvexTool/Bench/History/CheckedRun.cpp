@@ -131,8 +131,7 @@ void CheckRun(Database& database, std::int64_t number, const KeptFacts& facts,
 
 void CheckConfigurations(Database& database, std::vector<std::string>& problems) {
     std::size_t changed = 0;
-    database.Query("SELECT key, band, chains, bandwidth, channel, bandwidth_mode, rate, mode, "
-                   "resource_unit, specific_resource_unit, large_ru_size FROM configurations",
+    database.Query("SELECT key, " + std::string(settingColumns) + " FROM configurations",
                    [&changed](const ResultRow& row) {
                        std::array<std::optional<std::string>, SettingCount> texts;
                        Settings settings;

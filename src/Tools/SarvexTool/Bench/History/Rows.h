@@ -1,7 +1,9 @@
 #pragma once
 
+#include "Tools/SarvexTool/Bench/Core/Settings.h"
 #include "Tools/SarvexTool/Bench/History/Database.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -10,6 +12,12 @@
 #include <vector>
 
 namespace Bench {
+
+/// The columns of the table of configurations that hold the settings, in their order.
+inline constexpr std::string_view settingColumns =
+    "band, chains, bandwidth, channel, bandwidth_mode, rate, mode, resource_unit, "
+    "specific_resource_unit, large_ru_size";
+static_assert(std::count(settingColumns.begin(), settingColumns.end(), ',') + 1 == SettingCount);
 
 /// A text of any bytes as a value, and back; NULL for none.
 Value ValueOf(std::string_view text);

@@ -158,19 +158,17 @@ class ConfigurationPlaces {
 public:
     ConfigurationPlaces(Database& database, TextPool& texts, std::vector<Settings>& all)
         : m_store(database.Shown()) {
-        database.Query("SELECT id, band, chains, bandwidth, channel, bandwidth_mode, rate, mode, "
-                       "resource_unit, specific_resource_unit, large_ru_size FROM configurations "
-                       "ORDER BY id",
-                       {}, [&](const ResultRow& row) {
-                           Columns columns(row);
-                           m_places.emplace(columns.Integer(),
-                                            static_cast<std::uint32_t>(all.size()));
-                           Settings& settings = all.emplace_back();
-                           for (const std::string*& text : settings) {
-                               const std::optional<std::string> cell = columns.OptionalText();
-                               text = cell ? texts.Keep(*cell) : nullptr;
-                           }
-                       });
+        database.Query(
+            "SELECT id, " + std::string(settingColumns) + " FROM configurations ORDER BY id", {},
+            [&](const ResultRow& row) {
+                Columns columns(row);
+                m_places.emplace(columns.Integer(), static_cast<std::uint32_t>(all.size()));
+                Settings& settings = all.emplace_back();
+                for (const std::string*& text : settings) {
+                    const std::optional<std::string> cell = columns.OptionalText();
+                    text = cell ? texts.Keep(*cell) : nullptr;
+                }
+            });
     }
 
     std::uint32_t PlaceOf(std::int64_t number) const {

@@ -64,10 +64,8 @@ private:
     /// In the order of the run, so that runs of one plan give the same numbers anywhere.
     void InsertOthers() {
         std::int64_t next = NumberAfterLast(m_database, "SELECT MAX(id) FROM configurations");
-        constexpr const char* columns =
-            "id, key, band, chains, bandwidth, channel, bandwidth_mode, rate, mode, "
-            "resource_unit, specific_resource_unit, large_ru_size";
-        RowInserter rows(m_database, "configurations", columns, 2 + SettingCount);
+        RowInserter rows(m_database, "configurations", "id, key, " + std::string(settingColumns),
+                         2 + SettingCount);
         for (const std::string& key : m_keys) {
             auto& [number, settings] = m_numbers.at(key);
             if (number != 0)
