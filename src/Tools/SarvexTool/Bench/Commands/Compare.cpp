@@ -85,6 +85,20 @@ void RequireTwoRuns(const CompareOptions& options) {
         throw WrongUsage("--store needs --baseline");
 }
 
+/// Those of files; a kept one has been read.
+void ReadRuns(const CompareOptions& options, const std::optional<PlacePart>& groupBy,
+              Surroundings& surroundings, TextPool& texts, NamedResult& older, NamedResult& newer) {
+    if (!options.baseline)
+        older.result = ReadResult(older.names, surroundings.in, texts);
+    newer.result = ReadResult(newer.names, surroundings.in, texts);
+    RequireTold(groupBy, std::array<const Sources*, 2>{&newer.result.run.sources,
+                                                       &older.result.run.sources});
+    // Two runs without a device would be alike, which nobody wants to hear.
+    if (!HasPower(older.result.run) && !HasPower(newer.result.run))
+        throw BadInput(newer.names.table, "neither run has a power, so that there is nothing to "
+                                          "compare; see why the daemon reported none");
+}
+
 int Compare(const CompareOptions& options, Surroundings& surroundings) {
     const Decimal tolerance = ReadTolerance(options.tolerance);
     const std::optional<PlacePart> groupBy = GroupByOf(options.groupBy);
@@ -110,15 +124,7 @@ int Compare(const CompareOptions& options, Surroundings& surroundings) {
          [&](std::ostream& stream) { WriteComparedPage(older, newer, compared, stream); }}};
     RequireOutputsApart(options, older, newer, NamesOf(outputs));
 
-    if (!options.baseline)
-        older.result = ReadResult(older.names, surroundings.in, texts);
-    newer.result = ReadResult(newer.names, surroundings.in, texts);
-    RequireTold(groupBy, std::array<const Sources*, 2>{&newer.result.run.sources,
-                                                       &older.result.run.sources});
-    // Two runs without a device would be alike, which nobody wants to hear.
-    if (!HasPower(older.result.run) && !HasPower(newer.result.run))
-        throw BadInput(newer.names.table, "neither run has a power, so that there is nothing to "
-                                          "compare; see why the daemon reported none");
+    ReadRuns(options, groupBy, surroundings, texts, older, newer);
     differences = Compare(older.result.run, newer.result.run, tolerance);
     WriteOutputs(outputs, surroundings);
     PrintDifferences(ConsoleBeside(outputs, surroundings), compared);

@@ -59,6 +59,12 @@ std::string CommandToKeep(RunDirectory& directory) {
            (store ? " --store " + ShellArgument(*store) : "");
 }
 
+void TellHowToKeep(std::ostream& stream, bool isLeft, RunDirectory& directory) {
+    stream << (isLeft ? "The run may not be kept in the history. To keep it for certain:\n  "
+                      : "The run is not kept in the history. To keep it later:\n  ")
+           << MakeHarmless(CommandToKeep(directory)) << "\n";
+}
+
 } // namespace
 
 void RequireStore(const RunFacts& facts, const RunFiles& files) {
@@ -92,9 +98,7 @@ int KeepRun(RunDirectory& directory, int exitCode, RunConsole& console) {
     } catch (const std::exception& error) {
         stream << MakeHarmless(error.what()) << "\n";
     }
-    stream << (isLeft ? "The run may not be kept in the history. To keep it for certain:\n  "
-                      : "The run is not kept in the history. To keep it later:\n  ")
-           << MakeHarmless(CommandToKeep(directory)) << "\n";
+    TellHowToKeep(stream, isLeft, directory);
     exitCode = std::max<int>(exitCode, ExitCode::Found);
     if (isLeft) {
         console.Finish(exitCode);

@@ -234,6 +234,18 @@ int ExitCodeOf(const MergeSummary& summary, const RunOptions& options) {
                                                                                  : ExitCode::Found;
 }
 
+MergeSummary SummaryOf(const Input& input, const LineMerger& lines, const std::string& output) {
+    MergeSummary summary;
+    summary.directory = output;
+    summary.chunksTotal = input.manifest.chunks.size();
+    summary.chunksDone = input.choice.complete;
+    summary.linesTotal = input.manifest.plan.lines;
+    summary.linesDone = lines.LinesDone();
+    summary.benches = lines.Shares();
+    summary.otherAttempts = input.choice.unused.size();
+    return summary;
+}
+
 int Merge(const MergeOptions& options, Surroundings& surroundings) {
     if (options.output.empty() || options.output == StandardStreamName)
         throw WrongUsage("-o needs the name of a folder");
@@ -246,14 +258,7 @@ int Merge(const MergeOptions& options, Surroundings& surroundings) {
     if (!lines.Run())
         return ExitCode::Failed;
 
-    MergeSummary summary;
-    summary.directory = options.output;
-    summary.chunksTotal = input.manifest.chunks.size();
-    summary.chunksDone = input.choice.complete;
-    summary.linesTotal = input.manifest.plan.lines;
-    summary.linesDone = lines.LinesDone();
-    summary.benches = lines.Shares();
-    summary.otherAttempts = input.choice.unused.size();
+    MergeSummary summary = SummaryOf(input, lines, options.output);
     RunFacts facts = MergedFacts(input.manifest.chunks, input.runs, input.choice);
     facts.programVersion = SARVEX_BENCH_VERSION;
     facts.testFile = {input.manifest.plan.name, input.manifest.plan.sha256};

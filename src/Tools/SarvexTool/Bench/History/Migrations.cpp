@@ -12,7 +12,7 @@ constexpr std::int64_t newest = 1;
 const std::string versionTable = "history_version";
 
 /// A row belongs to one of a table before its own. Where a text is NULL, nothing told of it.
-Migration TablesOfRuns(const std::string& tableEnd) {
+Migration TableOfRuns(const std::string& tableEnd) {
     return {
         "CREATE TABLE runs("
         "id BIGINT NOT NULL PRIMARY KEY, "
@@ -37,6 +37,12 @@ Migration TablesOfRuns(const std::string& tableEnd) {
         "measured BIGINT NOT NULL)" +
             tableEnd,
         "CREATE INDEX runs_by_time ON runs(measured_at)",
+    };
+}
+
+/// What a measurement is of.
+Migration TablesOfSubjects(const std::string& tableEnd) {
+    return {
         "CREATE TABLE parts("
         "run BIGINT NOT NULL REFERENCES runs(id) ON DELETE CASCADE, "
         "part BIGINT NOT NULL, "
@@ -45,11 +51,6 @@ Migration TablesOfRuns(const std::string& tableEnd) {
         "attempt BIGINT, "
         "PRIMARY KEY(run, part))" +
             tableEnd,
-    };
-}
-
-Migration TablesOfContent(const std::string& tableEnd) {
-    return {
         "CREATE TABLE configurations("
         "id BIGINT NOT NULL PRIMARY KEY, "
         "key TEXT NOT NULL UNIQUE, "
@@ -64,6 +65,11 @@ Migration TablesOfContent(const std::string& tableEnd) {
         "specific_resource_unit TEXT, "
         "large_ru_size TEXT)" +
             tableEnd,
+    };
+}
+
+Migration TablesOfContent(const std::string& tableEnd) {
+    return {
         // One row for both chains takes two thirds of what one for each does.
         "CREATE TABLE result_lines("
         "run BIGINT NOT NULL REFERENCES runs(id) ON DELETE CASCADE, "
@@ -109,9 +115,9 @@ std::string ViewOfMeasurements() {
 }
 
 Migration FirstTables(const std::string& tableEnd) {
-    Migration statements = TablesOfRuns(tableEnd);
-    const Migration others = TablesOfContent(tableEnd);
-    statements.insert(statements.end(), others.begin(), others.end());
+    Migration statements = TableOfRuns(tableEnd);
+    for (const Migration& others : {TablesOfSubjects(tableEnd), TablesOfContent(tableEnd)})
+        statements.insert(statements.end(), others.begin(), others.end());
     statements.push_back(ViewOfMeasurements());
     return statements;
 }

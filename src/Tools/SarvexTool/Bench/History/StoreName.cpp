@@ -7,7 +7,6 @@
 #include <charconv>
 #include <filesystem>
 #include <stdexcept>
-#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -146,30 +145,35 @@ void StoreName::ParseServer(const std::string& text) {
     const auto [host, port] = CutPort(after ? *after : before);
     if (port)
         CheckPort(*port);
-    const auto take = [&](const std::string& key, std::optional<std::string_view> value) {
-        if (value && !value->empty())
-            m_connection[key] = Decoded(*value);
-    };
-    take("user", user);
-    take("password", password);
-    take("host", host);
-    take("port", port);
-    take("dbname", database);
-    for (std::optional<std::string_view> rest = query; rest && !rest->empty();) {
-        const auto [setting, others] = Cut(*rest, '&');
-        const auto [key, value] = Cut(setting, '=');
-        if (std::ranges::find(settings, key) == settings.end() || !value)
-            Refuse("has a setting after its ? that is none of application_name, connect_timeout, "
-                   "host, options and passfile");
-        take(std::string(key), value);
-        rest = others;
-    }
+    Take("user", user);
+    Take("password", password);
+    Take("host", host);
+    Take("port", port);
+    Take("dbname", database);
+    TakeSettings(query.value_or(std::string_view()));
     m_shown = "postgresql://";
     if (!user.empty())
         m_shown += std::string(user) + "@";
     m_shown += after ? *after : before;
     m_shown += database ? "/" + std::string(*database) : "";
     m_shown += query ? "?" + std::string(*query) : "";
+}
+
+void StoreName::Take(std::string_view key, std::optional<std::string_view> value) {
+    if (value && !value->empty())
+        m_connection[std::string(key)] = Decoded(*value);
+}
+
+void StoreName::TakeSettings(std::string_view query) {
+    while (!query.empty()) {
+        const auto [setting, others] = Cut(query, '&');
+        const auto [key, value] = Cut(setting, '=');
+        if (std::ranges::find(settings, key) == settings.end() || !value)
+            Refuse("has a setting after its ? that is none of application_name, connect_timeout, "
+                   "host, options and passfile");
+        Take(key, value);
+        query = others.value_or(std::string_view());
+    }
 }
 
 StoreName StoreName::Default(const Environment& environment, Folders folders) {

@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace Bench {
 
@@ -47,6 +48,9 @@ private:
     StoreName() = default;
 
     void ParseServer(const std::string& text);
+    void Take(std::string_view key, std::optional<std::string_view> value);
+    /// Those after the question mark.
+    void TakeSettings(std::string_view query);
 
     bool m_isServer = false;
     bool m_isUsersOwn = false;

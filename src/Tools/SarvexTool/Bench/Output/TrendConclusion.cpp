@@ -299,6 +299,14 @@ void AddBasis(const Trend& trend, TrendConclusion& conclusion) {
             " it cannot be told whether it or what it measures has changed");
 }
 
+void AddOffsetsApart(const TrendData& data, const Trend& trend, TrendConclusion& conclusion) {
+    for (const StationTrend& station : trend.stations) {
+        // Of a station with an outlier it is said with that.
+        if (station.isApart && !station.drift)
+            conclusion.sentences.push_back(SentenceOf(data, station));
+    }
+}
+
 } // namespace
 
 TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
@@ -309,11 +317,7 @@ TrendConclusion ConclusionOf(const TrendData& data, const Trend& trend) {
                      [](const std::string& sentence) { return !sentence.empty(); });
     };
     AddRunsBeyond(data, trend, conclusion);
-    for (const StationTrend& station : trend.stations) {
-        // Of a station with an outlier it is said with that.
-        if (station.isApart && !station.drift)
-            conclusion.sentences.push_back(SentenceOf(data, station));
-    }
+    AddOffsetsApart(data, trend, conclusion);
     if (conclusion.word != "NOT MEASURED")
         add(OfEach(data, trend,
                    [&data](const StationTrend& station) { return PhraseOfLost(data, station); }));

@@ -69,26 +69,31 @@ void WriteDrift(JsonWriter& json, const TrendData& data, const StationTrend& sta
     json.EndObject();
 }
 
-void WriteStation(JsonWriter& json, const NamedTrend& named, const StationTrend& station) {
-    const TrendStation& told = named.data.stations[station.station];
-    json.BreakLine();
-    json.BeginObject();
-    json.Key("station").Text(told.name);
-    json.Key("devices").BeginArray();
-    for (const std::string& device : told.devices)
-        json.Text(device);
-    json.EndArray();
-    json.Key("firmwares").BeginArray();
-    for (const std::string& firmware : told.firmwares)
-        json.Text(firmware);
-    json.EndArray();
-    json.Key("says").Text(PhraseOf(named.data, station));
+void WriteOffset(JsonWriter& json, const StationTrend& station) {
     json.Key("offset");
     if (station.offset)
         json.Number(*station.offset);
     else
         json.Null();
     json.Key("apart").Bool(station.isApart);
+}
+
+void WriteTexts(JsonWriter& json, const char* key, const std::vector<std::string>& texts) {
+    json.Key(key).BeginArray();
+    for (const std::string& text : texts)
+        json.Text(text);
+    json.EndArray();
+}
+
+void WriteStation(JsonWriter& json, const NamedTrend& named, const StationTrend& station) {
+    const TrendStation& told = named.data.stations[station.station];
+    json.BreakLine();
+    json.BeginObject();
+    json.Key("station").Text(told.name);
+    WriteTexts(json, "devices", told.devices);
+    WriteTexts(json, "firmwares", told.firmwares);
+    json.Key("says").Text(PhraseOf(named.data, station));
+    WriteOffset(json, station);
     json.Key("behind").Bool(station.isBehind);
     json.Key("hasRunSince").Bool(station.hasRunSince);
     json.Key("lost").Count(station.lost);
@@ -151,10 +156,7 @@ void WriteJson(std::ostream& stream, const NamedTrend& named) {
     json.Key("fine").Bool(named.trend.IsFine());
     json.Key("conclusion").Text(conclusion.word);
     json.BreakLine();
-    json.Key("says").BeginArray();
-    for (const std::string& sentence : conclusion.sentences)
-        json.Text(sentence);
-    json.EndArray();
+    WriteTexts(json, "says", conclusion.sentences);
     json.BreakLine();
     json.Key("heldAgainst").Text(basisNames.at(static_cast<std::size_t>(named.trend.basis)));
     json.Key("sharedMeasurements").Count(named.trend.sharedItems);
