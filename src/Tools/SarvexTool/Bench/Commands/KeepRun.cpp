@@ -80,8 +80,7 @@ int KeepRun(RunDirectory& directory, int exitCode, RunConsole& console) {
     // so that it would be kept as two runs.
     if (exitCode == ExitCode::StopNotConfirmed)
         return exitCode;
-    const Console& err = console.Streams().err;
-    std::ostream& stream = err.stream;
+    std::ostream& stream = console.Streams().err.stream;
     if (directory.Facts().outcome != "complete") {
         stream << "The run is kept in the history when it is complete.\n";
         return exitCode;
@@ -94,7 +93,7 @@ int KeepRun(RunDirectory& directory, int exitCode, RunConsole& console) {
         }
         isLeft = true;
     } catch (const BadFile& bad) {
-        PrintProblems(err, bad.File(), bad.Problems());
+        PrintProblems(console.Streams().err, bad.File(), bad.Problems());
     } catch (const std::exception& error) {
         stream << MakeHarmless(error.what()) << "\n";
     }

@@ -114,6 +114,14 @@ void WriteStation(JsonWriter& json, const NamedTrend& named, const StationTrend&
     json.EndObject();
 }
 
+void WriteLimits(JsonWriter& json, const std::optional<std::string>& limits) {
+    json.Key("limits");
+    if (limits)
+        json.Text(*limits);
+    else
+        json.Null();
+}
+
 void WritePowers(JsonWriter& json, const NamedTrend& named) {
     if (named.powers.empty())
         return;
@@ -162,11 +170,7 @@ void WriteJson(std::ostream& stream, const NamedTrend& named) {
     json.Key("sharedMeasurements").Count(named.trend.sharedItems);
     json.Key("groups").Count(named.trend.groups);
     json.Key("withoutReference").Count(named.trend.withoutReference);
-    json.Key("limits");
-    if (named.limits)
-        json.Text(*named.limits);
-    else
-        json.Null();
+    WriteLimits(json, named.limits);
     json.BreakLine();
     json.Key("stations").BeginArray();
     for (const StationTrend& station : named.trend.stations)
