@@ -362,11 +362,13 @@ class FarmTest(unittest.TestCase):
         self.environment["SLURM_CONF"] = self.slurm.environment["SLURM_CONF"]
 
     def put_before(self, command, words):
-        """In sweeps that begin later, these words of a shell are run before each such command."""
+        """In sweeps that begin later, these words of a shell are run before each such command. Bash goes on after a
+        Ctrl-C that comes just as what it waits for has ended; such a command would not."""
         folder = self.folder / "before"
         folder.mkdir(exist_ok=True)
         script = folder / command
-        script.write_text(f'#!/usr/bin/env bash\n{words}\nexec {shutil.which(command)} "$@"\n')
+        script.write_text("#!/usr/bin/env bash\ntrap 'trap - INT; kill -INT $$' INT\n"
+                          f'{words}\nexec {shutil.which(command)} "$@"\n')
         script.chmod(0o755)
         self.environment["PATH"] = f"{folder}{os.pathsep}{self.environment['PATH']}"
 
