@@ -11,7 +11,7 @@ refuse_second_call() {
     elif [ -n "$2" ] && [ -e "/proc/$2" ]; then
         why+="its call was killed, and its jobs go on; after kill $2 no further one begins"
     else
-        why+="its call was killed, and jobs that have begun have not ended"
+        why+="its call has ended, and jobs that it has begun have not"
     fi
     fail 2 "$why"
 }

@@ -1,8 +1,10 @@
 """What becomes of a sweep whose GNU parallel is killed, with and without the sweep itself."""
 import contextlib
 import fcntl
+import json
 import os
 import signal
+import time
 import unittest
 
 import support
@@ -37,6 +39,11 @@ class KilledParallel(support.FarmTest):
         mark = f"SARVEX_LOCKS={self.folder}/locks"
         wait_until(lambda: not list(support.processes_with(mark)), "all jobs have ended")
 
+    def outcomes(self, name="plan"):
+        """Of a run that was ended by force there is none."""
+        return [json.loads((run / "run.json").read_text())["outcome"]
+                for run in sorted(self.sweep_folder(name).glob("runs/*/[0-9]"))]
+
     def test_jobs_that_wait_for_their_benches_begin_no_run(self):
         for number in (signal.SIGTERM, signal.SIGKILL):
             name = number.name
@@ -56,6 +63,46 @@ class KilledParallel(support.FarmTest):
                 self.wait_for_the_jobs()
                 self.assertEqual(before, [device.commands() for device in self.devices])
                 self.expect(0, self.sweep(plan))
+                self.expect_whole_result(plan, name)
+
+    def test_runs_are_not_ended_by_force_and_the_sweep_stops_them(self):
+        for number in (signal.SIGTERM, signal.SIGKILL):
+            name = number.name
+            plan = self.write_plan(200, f"{name}.csv")
+            with self.subTest(name):
+                sweep = self.start_sweep(plan, "--lines", "25")
+                # Then no stop is answered.
+                self.halt_all()
+                self.kill_parallel(number, name)
+                wait_until((self.sweep_folder(name) / "stopped").exists, "the sweep has noticed it")
+                time.sleep(1)
+                self.let_all_go_on()
+                self.expect_early_end(sweep, name)
+                # A bench may have completed a chunk before the other one transmitted.
+                ended = [outcome for outcome in self.outcomes(name) if outcome != "complete"]
+                self.assertEqual(["it was interrupted"] * 2, ended)
+                self.expect_all_off()
+                self.expect(0, self.sweep(plan))
+                self.expect_whole_result(plan, name)
+
+    def test_runs_without_a_sweep_are_completed_and_then_the_next_call_goes_on(self):
+        for number in (signal.SIGTERM, signal.SIGKILL):
+            name = number.name
+            plan = self.write_plan(200, f"{name}.csv")
+            with self.subTest(name):
+                sweep = self.start_sweep(plan, "--lines", "25")
+                self.halt_all()
+                sweep.kill()
+                sweep.wait()
+                self.kill_parallel(number, name)
+                done = self.expect(2, self.sweep(plan))
+                self.assertIn(" is under way: its call has ended, and jobs that it has begun have not\n", done.stderr)
+                self.let_all_go_on()
+                self.wait_for_the_jobs()
+                self.assertEqual({"complete"}, set(self.outcomes(name)))
+                self.assertLess(len(self.runs(name)), 8)
+                self.expect(0, self.sweep(plan))
+                self.assertEqual(8, len(self.runs(name)))
                 self.expect_whole_result(plan, name)
 
 
