@@ -31,6 +31,9 @@ open_folder() {
     dir=$(realpath "$dir")
     { exec 8<>"$dir/sweep.lock"; } 2>/dev/null || end_without_room
     { read -r holder; read -r jobs; } <&8 || true
+    # A parallel that is killed in its first moment leaves what it has begun to count what the host can do: processes
+    # that have the lock, and sleep for hours.
+    [ -z "$jobs" ] || [ -e "/proc/$jobs" ] || pkill -KILL -s "$jobs" -f '(^|/)sleep 10101$' || true
     # A command of a call that was killed may outlive it for a moment.
     flock -w 2 8 || refuse_second_call "$holder" "$jobs"
     is_ours=1

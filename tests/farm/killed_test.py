@@ -105,6 +105,25 @@ class KilledParallel(support.FarmTest):
                 self.assertEqual(8, len(self.runs(name)))
                 self.expect_whole_result(plan, name)
 
+    def test_one_that_was_killed_while_it_counted_what_the_host_can_do_leaves_the_folder_free(self):
+        # For that it begins processes that sleep for hours, and ends them at once.
+        path = self.environment["PATH"]
+        self.put_before("parallel", "[ $# -eq 1 ] || { sleep 10101 & kill -KILL $$; }")
+        plan = self.write_plan(20)
+        sweep = self.start_sweep(plan)
+        session = wait_until(self.parallel, "parallel has begun")
+        self.addCleanup(lambda: [support.kill(process) for process in self.processes_of(session)])
+        self.expect_early_end(sweep)
+        self.assertEqual(["sleep\x0010101\0"], [support.command_of(process) for process in self.processes_of(session)])
+        self.environment["PATH"] = path
+        self.expect(0, self.sweep(plan))
+        self.expect_whole_result(plan)
+        self.assertEqual([], self.processes_of(session))
+
+    def processes_of(self, session):
+        mark = f"SARVEX_LOCKS={self.folder}/locks"
+        return [process for process in support.processes_with(mark) if support.session_of(process) == session]
+
 
 if __name__ == "__main__":
     unittest.main()
