@@ -86,7 +86,8 @@ read_table() {
     declare -gA daemon_of=() device_of=()
     local -A bench_at=()
     bench_names=()
-    [ -r "$1" ] || fail 2 "the table of benches $1 cannot be read"
+    # What is no file can be read only once.
+    [ -f "$1" ] && [ -r "$1" ] || fail 2 "the table of benches $1 cannot be read, or is no regular file"
     while read -r name daemon device rest || [ -n "$name" ]; do
         number=$((number + 1))
         where="$1:$number"

@@ -77,7 +77,15 @@ class Refusals(support.FarmTest):
                 self.expect_refusal(f"the table of benches {self.table}{words}" if words[0] == " "
                                     else f"{self.table}{words}", plan)
         self.table.unlink()
-        self.expect_refusal(f"the table of benches {self.table} cannot be read", plan)
+        self.expect_refusal(f"the table of benches {self.table} cannot be read, or is no regular file", plan)
+
+    def test_a_table_that_can_be_read_only_once_is_refused(self):
+        done = subprocess.run(["bash", "-c", '"$1" "$2" --table <(cat "$3")', "bash", support.SWEEPS["parallel"],
+                               self.write_plan(4), self.table], capture_output=True, text=True, check=False,
+                              env=self.environment, cwd=self.folder)
+        self.assertEqual(2, done.returncode, done.stderr)
+        self.assertRegex(done.stderr, "^sweep: the table of benches /dev/fd/[0-9]+ cannot be read, or is no regular file\n$")
+        self.assertFalse((self.folder / "sweeps").exists())
 
     def test_a_plan_with_errors_is_refused_in_the_words_of_check(self):
         plan = self.folder / "plan.csv"
