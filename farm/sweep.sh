@@ -111,7 +111,7 @@ number_of() {
 }
 
 # What the sweep itself decides for each run, and what would leave a chunk without a whole result.
-refused_run_options=(--out --daemon --resume --bench --device --attempt --progress --fail-fast)
+refused_run_options=(--out --daemon --resume --bench --device --attempt --progress --fail-fast -h --help)
 
 read_arguments() {
     local option refused

@@ -45,6 +45,8 @@ class Refusals(support.FarmTest):
                               (["--lines", "many"], "--lines needs a number of 1 or more, not many"),
                               (["--benches", "-1"], "--benches needs a number of 1 or more, not -1"),
                               (["--", "--fail-fast"], "--fail-fast cannot be given to the runs of a sweep"),
+                              (["--", "--help"], "--help cannot be given to the runs of a sweep"),
+                              (["--", "-h"], "-h cannot be given to the runs of a sweep"),
                               (["--", "--daemon=x"], "--daemon cannot be given to the runs of a sweep")):
             with self.subTest(option=option):
                 self.expect_refusal(words, plan, *option)
