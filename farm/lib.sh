@@ -145,7 +145,9 @@ run_option() {
     [ -n "$found" ] && printf '%s' "$value"
 }
 
-# failures_of DIR BENCH: how often in a row.
+# failures_of DIR BENCH: how often in a row. On a full disk the file may be empty.
 failures_of() {
-    cat "$1/benches/$2/failures" 2>/dev/null || echo 0
+    local count=0
+    read -r count 2>/dev/null <"$1/benches/$2/failures" || true
+    echo "${count:-0}"
 }

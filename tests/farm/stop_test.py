@@ -308,6 +308,24 @@ class Chunk(support.FarmTest):
         self.assertFalse((self.sweep_dir / "benches/bench1/running").exists())
         self.assertEqual([], self.devices[0].commands())
 
+    def test_a_count_of_failures_that_had_no_room_takes_no_bench_out(self):
+        state = self.sweep_dir / "benches/bench1"
+        state.mkdir(parents=True)
+        (state / "failures").touch()
+        (state / "why").write_text("it failed\n")
+        (self.sweep_dir / "log").mkdir()
+        (self.sweep_dir / "bench-list").write_text("1/bench1\n1/bench2\n")
+        # So this chunk neither fails nor is measured.
+        (self.sweep_dir / "stopped").write_text("it was interrupted\n")
+        self.environment.update(SWEEP_FARM=str(ROOT / "farm"), SWEEP_DIR=str(self.sweep_dir), PARALLEL_SSHHOST="bench1",
+                                SWEEP_OPTIONS=f"--client '{support.CLIENT}'")
+        done = subprocess.run([ROOT / "farm/parallel/chunk", "chunk-0001"], env=self.environment, cwd=self.folder,
+                              stdin=subprocess.DEVNULL, capture_output=True, text=True, check=False)
+        self.assertEqual((3, "", "run-chunk: the sweep was stopped: it was interrupted\n"),
+                         (done.returncode, done.stderr, (self.sweep_dir / "log/chunk-0001.log").read_text()))
+        self.assertFalse((state / "out").exists())
+        self.assertEqual("1/bench1\n1/bench2\n", (self.sweep_dir / "bench-list").read_text())
+
     def test_a_stop_that_waits_in_vain_for_another_sweeps_run_is_not_sent_into_it(self):
         daemon = self.devices[0].daemon
         note = self.sweep_dir / "benches/bench1/running"
