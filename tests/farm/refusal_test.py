@@ -266,6 +266,13 @@ class JobOnABadHost(support.FarmTest):
         self.expect_bench_out(self.start_job(self.folder / "none", restarts=5), 5, f"its host has no {self.folder}/none")
         self.assertIn("No such file", (self.sweep_dir / "log/chunk-0002.log").read_text())
 
+    def test_a_job_has_the_chunk_with_its_number_also_where_others_are_missing(self):
+        (self.sweep_dir / "log").mkdir(parents=True)
+        for number in ("0002", "0003", "0012", "0020", "1002"):
+            (self.sweep_dir / f"chunk-{number}.csv").write_text("")
+        self.assertEqual(3, self.start_job(self.folder / "none").wait(60))
+        self.assertEqual(["chunk-0002.log"], os.listdir(self.sweep_dir / "log"))
+
     def test_a_job_that_the_sweep_ends_blames_no_bench(self):
         job = self.start_job()
         # As Slurm does it, once the job waits for it.
