@@ -13,6 +13,7 @@
 . "$farm/sweep-folder.sh"
 . "$farm/sweep-jobs.sh"
 # How long a run may take to stop its transmission, and a bench that is asked to.
+kill_seconds=30
 stop_seconds=90
 poll_seconds=1
 # What a command says that could not write, in the system's words.
@@ -157,8 +158,9 @@ read_stop_timeout() {
     local value seconds
     value=$(run_option --stop-timeout ${run_options[@]+"${run_options[@]}"}) || return 0
     [[ $value =~ ^([0-9]{1,6})(\.[0-9]*)?$ ]] || return 0
-    seconds=$((2 * 10#${BASH_REMATCH[1]} + 30))
-    [ "$seconds" -le "$stop_seconds" ] || stop_seconds=$seconds
+    seconds=$((2 * 10#${BASH_REMATCH[1]}))
+    [ $((seconds + 10)) -le "$kill_seconds" ] || kill_seconds=$((seconds + 10))
+    [ $((seconds + 30)) -le "$stop_seconds" ] || stop_seconds=$((seconds + 30))
 }
 
 # What this host has and another lacks is that host's failure, and no wrong option.

@@ -295,8 +295,8 @@ class SlurmSetup(support.FarmTest):
         self.start_devices(2)
         self.plan = self.write_plan(8)
 
-    def expect_refusal(self, words):
-        done = self.expect(2, self.sweep(self.plan))
+    def expect_refusal(self, words, **more):
+        done = self.expect(2, self.sweep(self.plan, **more))
         self.assertIn(words, done.stderr)
         for device in self.devices:
             self.assertEqual([], device.commands())
@@ -332,6 +332,8 @@ class SlurmSetup(support.FarmTest):
                 before = self.slurm.configure(name, value)
                 self.expect_refusal(words)
                 self.slurm.configure(name, before)
+        self.expect_refusal("slurm.conf has KillWait=60; a run may need 62 seconds to stop its transmission",
+                            run_options=["--stop-timeout", "26"])
 
     def test_only_slurms_account_may_sweep(self):
         if os.geteuid():
