@@ -28,8 +28,8 @@ fail() {
     exit "$1"
 }
 
-# In a subshell: what begins here ends by itself. Ctrl-C reaches all that a terminal has in the foreground, and Slurm
-# sends SIGTERM to all processes of a job: what a command was about to tell would be lost.
+# To be called in a subshell, whose commands then ignore Ctrl-C and SIGTERM. Ctrl-C reaches all that a terminal has in
+# the foreground, and Slurm sends SIGTERM to all processes of a job: what a command was about to tell would be lost.
 undisturbed() {
     trap '' HUP INT TERM
 }

@@ -108,7 +108,8 @@ class Device:
             self.earlier += self.log_file.read_text().splitlines()
         self.process = subprocess.Popen(
             # Also one that is halted.
-            ["setpriv", "--pdeathsig", "KILL", PROGRAMS / "SimulatedDaemon", *self.options, *options, "--request-log", self.log_file],
+            ["setpriv", "--pdeathsig", "KILL", PROGRAMS / "SimulatedDaemon", *self.options, *options, "--request-log",
+             self.log_file],
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
         assert "listens on" in self.process.stdout.readline()
 
