@@ -16,6 +16,12 @@ refuse_second_call() {
     fail 2 "$why"
 }
 
+# end_counters SESSION: a parallel that is killed in its first moment leaves what it has begun to count what the host
+# can do: processes that have the lock, and sleep for hours. One that lives ends them itself at once.
+end_counters() {
+    pkill -KILL -s "$1" -f '(^|/)sleep 10101$' || true
+}
+
 # The sweep's folder, as one of this call alone. Its lock has who holds it, and the process that gives the jobs
 # out, where the jobs hold it too.
 open_folder() {
@@ -31,9 +37,7 @@ open_folder() {
     dir=$(realpath "$dir")
     { exec 8<>"$dir/sweep.lock"; } 2>/dev/null || end_without_room
     { read -r holder; read -r jobs; } <&8 || true
-    # A parallel that is killed in its first moment leaves what it has begun to count what the host can do: processes
-    # that have the lock, and sleep for hours.
-    [ -z "$jobs" ] || [ -e "/proc/$jobs" ] || pkill -KILL -s "$jobs" -f '(^|/)sleep 10101$' || true
+    [ -z "$jobs" ] || end_counters "$jobs"
     # A command of a call that was killed may outlive it for a moment.
     flock -w 2 8 || refuse_second_call "$holder" "$jobs"
     is_ours=1

@@ -35,9 +35,8 @@ class KilledParallel(support.FarmTest):
                       done.stdout)
         self.assertNotIn("Killed", done.stderr)
 
-    def wait_for_the_jobs(self):
-        mark = f"SARVEX_LOCKS={self.folder}/locks"
-        wait_until(lambda: not list(support.processes_with(mark)), "all jobs have ended")
+    def jobs(self):
+        return list(support.processes_with(f"SARVEX_LOCKS={self.folder}/locks"))
 
     def outcomes(self, name="plan"):
         """Of a run that was ended by force there is none."""
@@ -60,7 +59,8 @@ class KilledParallel(support.FarmTest):
                                "both benches are in use")
                     self.kill_parallel(number, name)
                     self.expect_early_end(sweep, name)
-                self.wait_for_the_jobs()
+                    # While their benches were in use.
+                    self.assertEqual([], self.jobs())
                 self.assertEqual(before, [device.commands() for device in self.devices])
                 self.expect(0, self.sweep(plan))
                 self.expect_whole_result(plan, name)
@@ -98,7 +98,7 @@ class KilledParallel(support.FarmTest):
                 done = self.expect(2, self.sweep(plan))
                 self.assertIn(" is under way: its call has ended, and jobs that it has begun have not\n", done.stderr)
                 self.let_all_go_on()
-                self.wait_for_the_jobs()
+                wait_until(lambda: not self.jobs(), "all jobs have ended")
                 self.assertEqual({"complete"}, set(self.outcomes(name)))
                 self.assertLess(len(self.runs(name)), 8)
                 self.expect(0, self.sweep(plan))
@@ -108,21 +108,25 @@ class KilledParallel(support.FarmTest):
     def test_one_that_was_killed_while_it_counted_what_the_host_can_do_leaves_the_folder_free(self):
         # For that it begins processes that sleep for hours, and ends them at once.
         path = self.environment["PATH"]
-        self.put_before("parallel", "[ $# -eq 1 ] || { sleep 10101 & kill -KILL $$; }")
-        plan = self.write_plan(20)
-        sweep = self.start_sweep(plan)
-        session = wait_until(self.parallel, "parallel has begun")
-        self.addCleanup(lambda: [support.kill(process) for process in self.processes_of(session)])
-        self.expect_early_end(sweep)
-        self.assertEqual(["sleep\x0010101\0"], [support.command_of(process) for process in self.processes_of(session)])
-        self.environment["PATH"] = path
-        self.expect(0, self.sweep(plan))
-        self.expect_whole_result(plan)
-        self.assertEqual([], self.processes_of(session))
-
-    def processes_of(self, session):
-        mark = f"SARVEX_LOCKS={self.folder}/locks"
-        return [process for process in support.processes_with(mark) if support.session_of(process) == session]
+        self.addCleanup(lambda: [support.kill(process) for process in self.jobs()])
+        for name, killed in (("alone", "$$"), ("with-the-sweep", "$PPID $$")):
+            with self.subTest(name):
+                self.environment["PATH"] = path
+                # The sweep has then written which process it is.
+                self.put_before("parallel", "[ $# -eq 1 ] || { sleep 10101 &\n"
+                                            "until [ $(wc -l <$SWEEP_DIR/sweep.lock) = 2 ]; do sleep .1; done\n"
+                                            f"kill -KILL {killed}; }}")
+                plan = self.write_plan(20, f"{name}.csv")
+                sweep = self.start_sweep(plan)
+                if name == "alone":
+                    self.expect_early_end(sweep, name)
+                else:
+                    self.assertEqual(-signal.SIGKILL, sweep.wait(60))
+                    self.assertIn("sleep\x0010101\0", map(support.command_of, self.jobs()))
+                self.environment["PATH"] = path
+                self.expect(0, self.sweep(plan))
+                self.expect_whole_result(plan, name)
+                wait_until(lambda: not self.jobs(), "nothing is left")
 
 
 if __name__ == "__main__":

@@ -314,17 +314,8 @@ def kill(process):
 
 
 def parent_of(process):
-    return number_of(process, 1)
-
-
-def session_of(process):
-    return number_of(process, 3)
-
-
-def number_of(process, place):
-    """What the system tells of it, counted from its state."""
     with contextlib.suppress(OSError):
-        return int(pathlib.Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()[place])
+        return int(pathlib.Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()[1])
     return 0
 
 
