@@ -181,6 +181,23 @@ int RunAndKeep(RunDirectory& directory, const std::string& progress, RunConsole&
     return exitCode;
 }
 
+/// The folder of a new run. From then on nobody else gets its daemon.
+RunDirectory CreateDirectory(const RunArguments& arguments, const RunFacts& facts,
+                             std::optional<OSAL::FileLock>& daemonLock) {
+    const auto create = [&](const std::string& name) {
+        if (facts.options.keep)
+            RequireStore(facts, RunFiles(name));
+        // One with another folder's name.
+        daemonLock.reset();
+        daemonLock = LockDaemonAt(DaemonIn(facts), Absolute(name));
+        return RunDirectory::Create(name, *arguments.file, facts, Holder(name));
+    };
+    if (arguments.out)
+        return create(*arguments.out);
+    const auto now = std::chrono::system_clock::now();
+    return CreateUnderNewName([&] { return NewRunName(*arguments.file, now); }, create);
+}
+
 int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
     if (*arguments.file == StandardStreamName || arguments.limits == StandardStreamName)
         throw WrongUsage("a run takes no file from standard input: resuming needs it once more");
@@ -199,15 +216,12 @@ int RunNew(const RunArguments& arguments, Surroundings& surroundings) {
     }
     if (!IsFitToRun(*arguments.file, arguments.force, surroundings))
         return ExitCode::Failed;
-    const std::string name =
-        arguments.out.value_or(NewRunName(*arguments.file, std::chrono::system_clock::now()));
-    if (facts.options.keep)
-        RequireStore(facts, RunFiles(name));
-    const OSAL::FileLock daemonLock = LockDaemonAt(DaemonIn(facts), Absolute(name));
-    RunDirectory directory = RunDirectory::Create(name, *arguments.file, facts, Holder(name));
+    std::optional<OSAL::FileLock> daemonLock;
+    RunDirectory directory = CreateDirectory(arguments, facts, daemonLock);
     RunConsole console(surroundings, arguments.progress == "json", std::make_unique<EndRequests>());
     if (!arguments.out)
-        console.Streams().err.stream << "The run is in " << MakeHarmless(name) << "\n";
+        console.Streams().err.stream << "The run is in "
+                                     << MakeHarmless(directory.Files().directory) << "\n";
     return RunAndKeep(directory, arguments.progress, console);
 }
 

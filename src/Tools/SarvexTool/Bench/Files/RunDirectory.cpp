@@ -254,4 +254,18 @@ std::string NewRunName(const std::string& testFile, std::chrono::system_clock::t
     return free;
 }
 
+RunDirectory CreateUnderNewName(const std::function<std::string()>& newName,
+                                const std::function<RunDirectory(const std::string&)>& create) {
+    for (;;) {
+        const std::string name = newName();
+        try {
+            return create(name);
+        } catch (const BadFile& bad) {
+            // Only of the folder, and only where it is there by now.
+            if (bad.File() != name || newName() == name)
+                throw;
+        }
+    }
+}
+
 } // namespace Bench
