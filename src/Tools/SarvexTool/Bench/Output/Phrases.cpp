@@ -102,11 +102,11 @@ std::string PhraseOf(const RunResult& oldRun, const RunResult& newRun,
 }
 
 std::string NoteOfUncertain(std::size_t count) {
-    return count == 1 ? "1 of the powers does not count, because one of its settings was refused "
-                        "before; judge and report name it"
+    return count == 1 ? "1 of the powers does not count, because one of its settings is uncertain; "
+                        "judge and report name it"
                       : std::to_string(count) +
-                            " of the powers do not count, because a setting of theirs was refused "
-                            "before; judge and report name them";
+                            " of the powers do not count, because a setting of theirs is "
+                            "uncertain; judge and report name them";
 }
 
 std::string SignedDecibels(Decimal change) {

@@ -26,7 +26,7 @@ std::string PhraseOf(const RunResult& oldRun, const RunResult& newRun,
 /// "not measured: no power was reported" or "12.5 dBm".
 std::string PhraseOf(const Measurement& measurement);
 
-/// That so many powers of a run, at least one, do not count by a setting that was refused.
+/// That so many powers of a run, at least one, do not count by a setting that is uncertain.
 std::string NoteOfUncertain(std::size_t count);
 
 /// A change in dB with its sign: "+0.5 dB".

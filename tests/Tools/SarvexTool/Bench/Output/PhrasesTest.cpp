@@ -57,10 +57,10 @@ TEST(PhrasesTest, ChangesHaveASign) {
 }
 
 TEST(PhrasesTest, OnePowerThatDoesNotCountIsSingular) {
-    EXPECT_EQ(NoteOfUncertain(1), "1 of the powers does not count, because one of its settings was "
-                                  "refused before; judge and report name it");
-    EXPECT_EQ(NoteOfUncertain(2), "2 of the powers do not count, because a setting of theirs was "
-                                  "refused before; judge and report name them");
+    EXPECT_EQ(NoteOfUncertain(1), "1 of the powers does not count, because one of its settings is "
+                                  "uncertain; judge and report name it");
+    EXPECT_EQ(NoteOfUncertain(2), "2 of the powers do not count, because a setting of theirs is "
+                                  "uncertain; judge and report name them");
 }
 
 } // namespace

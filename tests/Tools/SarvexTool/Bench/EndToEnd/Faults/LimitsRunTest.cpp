@@ -87,15 +87,26 @@ TEST_F(LimitsRunTest, ChainWithoutAPowerDoesNotPass) {
     EXPECT_EQ(probe.RunBench({"judge", "run", "--limits", "limits.csv"}).exitCode, 1);
 }
 
-TEST_F(LimitsRunTest, PowersAfterARefusedSettingDoNotCount) {
-    daemon.Start({"--fault", "4:return-code=3"});
-    const ProcessResult result = probe.Run(daemon.Address());
-    EXPECT_EQ(result.exitCode, 1) << result.err;
-    EXPECT_EQ(probe.Outcomes(), "2 refused, refused; 3 measured, measured");
-    EXPECT_NE(
-        result.out.find("Note: 2 of the powers do not count, because a setting of theirs was"),
-        std::string::npos)
-        << result.out;
+TEST_F(LimitsRunTest, PowersAfterARefusedOrUnansweredSettingDoNotCount) {
+    struct Case {
+        const char* fault;
+        const char* outcomes;
+    };
+    for (const Case& test : {Case{"4:return-code=3", "2 refused, refused; 3 measured, measured"},
+                             Case{"4:no-answer", "2 time-out, time-out; 3 measured, measured"}}) {
+        SCOPED_TRACE(test.fault);
+        const RunProbe own;
+        RestartableDaemon faulty;
+        faulty.Start({"--fault", test.fault});
+        const ProcessResult result =
+            own.Run(faulty.Address(), {"--retries", "0", "--answer-timeout", "2"});
+        EXPECT_EQ(result.exitCode, 1) << result.err;
+        EXPECT_EQ(own.Outcomes(), test.outcomes);
+        EXPECT_NE(result.out.find("Note: 2 of the powers do not count, because a setting of theirs "
+                                  "is uncertain;\n"),
+                  std::string::npos)
+            << result.out;
+    }
 }
 
 TEST_F(LimitsRunTest, FailFastEndsAfterTheLineAndCanBeResumed) {
