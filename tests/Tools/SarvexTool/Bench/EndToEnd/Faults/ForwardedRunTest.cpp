@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <list>
+#include <thread>
 
 // A port forward before the daemon: it takes connections while the daemon is away, and closes them
 // at once.
@@ -13,7 +15,9 @@ namespace {
 
 class Forwarder {
 public:
-    explicit Forwarder(std::uint16_t daemonPort) : m_daemonPort(daemonPort) {}
+    explicit Forwarder(std::uint16_t daemonPort) : m_daemonPort(daemonPort) {
+        m_gate.Start([this](Gate::Socket guest) { Forward(std::move(guest)); });
+    }
     ~Forwarder() {
         m_gate.Close();
         Gate::Error ignored;
@@ -56,7 +60,7 @@ private:
 
     std::uint16_t m_daemonPort;
     std::atomic<int> m_turnedAway = 0;
-    Gate m_gate{[this](Gate::Socket guest) { Forward(std::move(guest)); }};
+    Gate m_gate;
     // They end before the gate does.
     std::list<Gate::Socket> m_sockets;
     std::list<std::jthread> m_pumps;

@@ -8,25 +8,31 @@
 #include <boost/asio.hpp>
 
 #include <atomic>
+#include <cstdint>
 #include <functional>
+#include <optional>
+#include <string>
 #include <thread>
 
 namespace Bench {
 
-/// Takes the connections that are meant for a daemon, on a thread of its own.
+/// Takes the connections that are meant for a daemon, on a thread of its own. Before Start they
+/// wait.
 class Gate {
 public:
     using Socket = boost::asio::ip::tcp::socket;
     using Error = boost::system::error_code;
 
-    /// The function gets each connection, on that thread.
-    explicit Gate(std::function<void(Socket)> take) : m_take(std::move(take)) {
-        EndToEnd::KeepFromChildren(static_cast<std::uint64_t>(m_acceptor.native_handle()));
-        m_thread = std::thread([this] { Accept(); });
-    }
+    Gate() { EndToEnd::KeepFromChildren(static_cast<std::uint64_t>(m_acceptor.native_handle())); }
     ~Gate() { Close(); }
     Gate(const Gate&) = delete;
     Gate& operator=(const Gate&) = delete;
+
+    /// The function gets each connection, on that thread. What it uses is made before.
+    void Start(std::function<void(Socket)> take) {
+        m_take = std::move(take);
+        m_thread = std::thread([this] { Accept(); });
+    }
 
     std::string Address() const { return "127.0.0.1:" + std::to_string(m_reserved.Number()); }
 

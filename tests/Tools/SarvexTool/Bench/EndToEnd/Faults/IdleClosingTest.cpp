@@ -4,6 +4,7 @@
 
 #include <list>
 #include <mutex>
+#include <thread>
 
 // A daemon that closes connections which are not used: its restart cannot be seen.
 
@@ -18,7 +19,9 @@ using Error = boost::system::error_code;
 /// one, as those do that wait too long.
 class IdleCloser {
 public:
-    explicit IdleCloser(std::uint16_t daemonPort) : m_daemonPort(daemonPort) {}
+    explicit IdleCloser(std::uint16_t daemonPort) : m_daemonPort(daemonPort) {
+        m_gate.Start([this](tcp::socket socket) { Take(std::move(socket)); });
+    }
     ~IdleCloser() {
         m_gate.Close();
         const std::lock_guard lock(m_mutex);
@@ -87,7 +90,7 @@ private:
     }
 
     std::uint16_t m_daemonPort;
-    Gate m_gate{[this](tcp::socket socket) { Take(std::move(socket)); }};
+    Gate m_gate;
     // They end before the gate does.
     std::mutex m_mutex;
     std::list<Guest> m_guests;
