@@ -287,7 +287,7 @@ TEST_F(HistoryTest, ExportTellsHowToKeepARunElsewhereWithAllThatIsTold) {
 
 TEST_F(HistoryTest, WhatExportTellsIsForAShellAndATerminal) {
     const std::string limits = directory.Create("limits.csv", "Chain,Min,Max\n*,10,11\n");
-    ASSERT_EQ(History({"add", ResultOf("result.csv", "9"), "--bench", "$(b)", "--note=-\x1B[2J",
+    ASSERT_EQ(History({"add", ResultOf("result.csv", "9"), "--bench", "$(b)", "--note=-\xE2\x80\x8B",
                        "--measured", "2026-01-02", "--limits", limits}),
               0)
         << err.str();
@@ -295,7 +295,7 @@ TEST_F(HistoryTest, WhatExportTellsIsForAShellAndATerminal) {
     constexpr bool isWindows = fs::path::preferred_separator == '\\';
     const std::string quote = isWindows ? "\"" : "'";
     EXPECT_THAT(out.str(), HasSubstr(" --bench " + quote + "$(b)" + quote + " " + quote +
-                                     R"(--note=-\x1B[2J)" + quote +
+                                     R"(--note=-\u{200B})" + quote +
                                      " --measured 2026-01-02T00:00:00Z --store STORE\n"));
     EXPECT_THAT(out.str(),
                 HasSubstr("\nCharacters that a terminal does not show are written out "));

@@ -18,8 +18,14 @@ TEST(ShellArgumentTest, PlainOnesAreAsTheyAre) {
 TEST(ShellArgumentTest, AllElseIsInQuotes) {
     const std::string quote = isWindows ? "\"" : "'";
     for (const std::string argument :
-         {"", " ", "$(touch x)", "`x`", "a;b", "a&b", "*", "~", "!1", "#1", "\n", "\xCE\xA9"})
+         {"", " ", "$(touch x)", "`x`", "a;b", "a&b", "*", "~", "!1", "#1", "\xCE\xA9"})
         EXPECT_EQ(ShellArgument(argument), quote + argument + quote);
+}
+
+TEST(ShellArgumentTest, ControlCharactersAreEscapedWhereAShellReadsThem) {
+    EXPECT_EQ(ShellArgument("new\nline"), isWindows ? "\"new\nline\"" : R"($'new\012line')");
+    EXPECT_EQ(ShellArgument("it's\t1\x7F\\\x1B"),
+              isWindows ? "\"it's\t1\x7F\\\x1B\"" : R"($'it\'s\0111\177\\\033')");
 }
 
 TEST(ShellArgumentTest, QuotesAreKept) {
