@@ -43,8 +43,11 @@ void RemoveKept(const RunFiles& files) {
         fs::remove(PathOf(name), ignored);
 }
 
+/// Not where that cannot be told, for example of too long a name: what is made there then tells
+/// why.
 bool Exists(const std::string& name) {
-    return fs::exists(fs::symlink_status(PathOf(name)));
+    std::error_code ignored;
+    return fs::exists(fs::symlink_status(PathOf(name), ignored));
 }
 
 bool IsRegular(const std::string& name) {
@@ -139,8 +142,14 @@ void RequireSameTestFile(const RunFiles& files, const RunTestFile& testFile) {
         throw BadInput(testFile.name, "has changed since the run began; begin a new run");
 }
 
+void RequireThere(const std::string& name) {
+    if (!Exists(name))
+        throw BadInput(name, "is missing, and the run cannot go on without it; begin a new run");
+}
+
 /// The last entry of a journal, of line 0 where there is none; what follows it is cut off.
 JournalEntry CutJournal(const std::string& name) {
+    RequireThere(name);
     JournalEntry last;
     DurableFile journal(name, DurableFile::Opening::Existing);
     std::ifstream stream(PathOf(name), std::ios::binary);
@@ -160,6 +169,7 @@ bool EndsWithLineEnd(const std::string& name, std::uint64_t size) {
 
 /// A header without rows is cut off too: whether it is whole cannot be told.
 DurableFile CutResult(const std::string& name, std::uint64_t size) {
+    RequireThere(name);
     DurableFile result(name, DurableFile::Opening::Existing);
     if (result.Size() < size || (size > 0 && !EndsWithLineEnd(name, size)))
         throw BadInput(name, "does not hold the rows that the journal tells of; the file was "
@@ -195,7 +205,7 @@ RunDirectory RunDirectory::Create(const std::string& directory, const std::strin
 RunDirectory RunDirectory::Resume(const std::string& directory, const LockHolder& holder,
                                   std::optional<OSAL::FileLock> lock) {
     const RunFiles files(directory);
-    if (!fs::exists(PathOf(files.facts)))
+    if (!Exists(files.facts))
         throw BadInput(directory, "holds no run: run.json is missing");
     // A merged run stays one, and is left without a lock.
     if (ReadRunFacts(files.facts).isMerged)
@@ -249,7 +259,7 @@ std::string NewRunName(const std::string& testFile, std::chrono::system_clock::t
     std::replace(time.begin(), time.end(), 'T', '-');
     const std::string name = "runs/" + NameOf(PathOf(testFile).stem()) + "-" + time;
     std::string free = name;
-    for (int count = 2; fs::exists(fs::symlink_status(PathOf(free))); ++count)
+    for (int count = 2; Exists(free); ++count)
         free = name + "-" + std::to_string(count);
     return free;
 }

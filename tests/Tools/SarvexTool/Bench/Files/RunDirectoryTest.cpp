@@ -201,6 +201,27 @@ TEST_F(RunDirectoryTest, ResultsThatWereChangedAreRefused) {
               files.journal + ": there is no object of JSON");
 }
 
+TEST_F(RunDirectoryTest, ResultsThatAreGoneAreTold) {
+    MakeRun();
+    for (const std::string& name : {files.result, files.journal}) {
+        SCOPED_TRACE(name);
+        fs::rename(PathOf(name), PathOf(name + ".away"));
+        EXPECT_EQ(ProblemOf<BadInput>([&] { Resume(); }),
+                  name + ": is missing, and the run cannot go on without it; begin a new run");
+        EXPECT_FALSE(fs::exists(PathOf(name)));
+        fs::rename(PathOf(name + ".away"), PathOf(name));
+    }
+    EXPECT_EQ(Resume().LastLine(), 3u);
+}
+
+TEST_F(RunDirectoryTest, TooLongANameIsTold) {
+    const std::string name(300, 'a');
+    EXPECT_THAT(ProblemOf<BadOutput>([&] { RunDirectory::Create(name, testFile, {}, holder); }),
+                StartsWith(name + ": cannot be made the folder of a run ("));
+    EXPECT_EQ(ProblemOf<BadInput>([&] { RunDirectory::Resume(name, holder); }),
+              name + ": holds no run: run.json is missing");
+}
+
 TEST_F(RunDirectoryTest, AMergedRunDoesNotGoOn) {
     MakeRun();
     RunFacts facts = ReadRunFacts(files.facts);
