@@ -42,13 +42,16 @@ std::string Now() {
     return UtcTime(std::chrono::system_clock::now());
 }
 
+/// Where the environment does not tell it, the system's number of the user, if it has one: the
+/// folder of his locks has it at its end.
 std::string UserName() {
     for (const char* variable : {"USER", "LOGNAME", "USERNAME"}) {
         const char* const name = std::getenv(variable); // NOLINT(concurrency-mt-unsafe)
         if (name != nullptr && *name != '\0')
             return name;
     }
-    return "";
+    const std::string folder = LockFolder("SarvexToolBench");
+    return folder.substr(folder.find_last_not_of("0123456789") + 1);
 }
 
 std::string Absolute(const std::string& name) {
