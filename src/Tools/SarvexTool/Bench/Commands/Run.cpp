@@ -264,14 +264,17 @@ Surroundings WordsBeside(const std::string& progress, Surroundings& surroundings
             surroundings.err};
 }
 
-/// For a stop that is not to go into somebody else's run: then tells why there is only a stop, and
-/// throws InUse. Where locks cannot be made at all there is none.
+/// For a stop that is not to go into somebody else's run: then tells why there is only a stop, lets
+/// requests end the program, for there is no stop to wait for, and throws InUse. Where locks cannot
+/// be made at all there is none.
 std::optional<OSAL::FileLock> LockDaemonIfPossible(const DaemonAddress& daemon,
                                                    const std::string& run, const std::string& why,
+                                                   std::unique_ptr<EndRequests>& pRequests,
                                                    Surroundings& surroundings) {
     try {
         return LockDaemonAt(daemon, run);
     } catch (const InUse&) {
+        pRequests.reset();
         surroundings.err.stream << why;
         throw;
     } catch (const std::exception&) {
@@ -319,7 +322,8 @@ int ResumeUnstopped(const RunFacts& facts, const RunArguments& arguments,
         why << MakeHarmless(error.what()) << "\n";
     }
     if (!daemonLock)
-        daemonLock = LockDaemonIfPossible(DaemonIn(facts), Absolute(name), why.str(), beside);
+        daemonLock =
+            LockDaemonIfPossible(DaemonIn(facts), Absolute(name), why.str(), pRequests, beside);
     return StopUnfinished(facts, why.str(), std::move(pRequests), beside);
 }
 

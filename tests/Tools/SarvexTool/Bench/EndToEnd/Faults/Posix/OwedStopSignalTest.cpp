@@ -212,6 +212,25 @@ TEST_F(OwedStopSignalTest, OfARunThatCannotBeLockedIsNotSentIntoAnother) {
     EXPECT_EQ(daemon.Exchanges(), "fmcSfmcS");
 }
 
+// Without a stop to wait for, one request ends it, though nobody reads why.
+TEST_F(OwedStopSignalTest, ThatIsNotSentIntoAnotherRunHoldsNoRequest) {
+    KillInAStart({"8:no-answer"});
+    std::filesystem::remove(probe.Path("run/run.lock"));
+    std::filesystem::create_directory(probe.Path("run/run.lock"));
+    const RunProbe other;
+    const auto otherRun = other.Start(daemon.Address());
+    daemon.WaitForExchanges("fmcSfmcS");
+    const FullPipe unread(probe.Path("unread"));
+    Process resuming("/bin/sh", {"-c", "exec \"$0\" run --resume run 2> unread", BenchPath()},
+                     probe.Path(""));
+    WaitUntil("why waits for its reader", [&] { return WritesTo("0x2", resuming); });
+    resuming.Interrupt(terminate);
+    const ProcessResult result = resuming.Wait(60);
+    EXPECT_FALSE(result.timedOut);
+    EXPECT_EQ(result.exitCode, -1) << "not ended by the signal";
+    EXPECT_EQ(daemon.Exchanges(), "fmcSfmcS");
+}
+
 // Its test file has changed. Without a reader of why, one request is enough to end it.
 TEST_F(OwedStopSignalTest, OfARunThatCannotGoOnEndsAtARequestThoughNobodyReadsWhy) {
     KillInAStart({});
