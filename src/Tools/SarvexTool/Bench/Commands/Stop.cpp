@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <exception>
 #include <memory>
+#include <mutex>
 #include <sstream>
 #include <string>
 
@@ -42,62 +43,95 @@ std::string TryToStop(const DaemonAddress& address, double seconds) {
 }
 
 /// Somebody else's run would transmit again; the caller is to be told.
-void WarnOfRun(const DaemonAddress& address, Surroundings& surroundings) {
+std::string WarningOfRun(const DaemonAddress& address, bool hasColours) {
+    std::ostringstream words;
     try {
         LockDaemonAt(address, "");
     } catch (const InUse& inUse) {
-        surroundings.err.stream << "This daemon is in use, and the device may transmit again; end "
-                                   "that with Ctrl-C in its console:\n";
-        PrintProblems(surroundings.err, inUse.File(), inUse.Problems());
+        words << "This daemon is in use, and the device may transmit again; end that with Ctrl-C "
+                 "in its console:\n";
+        PrintProblems({words, hasColours}, inUse.File(), inUse.Problems());
     } catch (const std::exception& error) {
-        surroundings.err.stream << "Whether this daemon is in use cannot be told: "
-                                << MakeHarmless(error.what()) << "\n";
+        words << "Whether this daemon is in use cannot be told: " << MakeHarmless(error.what())
+              << "\n";
     }
+    return words.str();
 }
 
-/// Last of all, because a transmitter that may be on is told at the end.
-int Conclude(const DaemonAddress& address, const std::string& failure, Surroundings& surroundings) {
-    if (failure.empty()) {
-        surroundings.out.stream << "The daemon at " << MakeHarmless(address.ToText())
-                                << " has confirmed the stop.\n"
-                                << std::flush;
-        return ExitCode::Fine;
-    }
-    surroundings.err.stream << "The transmitter may still be ON: the daemon at "
-                            << MakeHarmless(address.ToText()) << " " << MakeHarmless(failure)
-                            << ".\n";
-    return ExitCode::StopNotConfirmed;
+/// What has come of the stop; without a failure it is confirmed.
+std::string Conclusion(const DaemonAddress& address, const std::string& failure) {
+    const std::string daemon = MakeHarmless(address.ToText());
+    if (failure.empty())
+        return "The daemon at " + daemon + " has confirmed the stop.\n";
+    return "The transmitter may still be ON: the daemon at " + daemon + " " +
+           MakeHarmless(failure) + ".\n";
 }
 
-/// Ends the program at once, and does not wait for ever for somebody who reads its last words.
+/// How long a request to end the program waits for the reader of the last words.
+constexpr std::chrono::milliseconds patience(1000);
+
+/// Ends the program before the stop is answered.
 [[noreturn]] void EndUnwaited(const DaemonAddress& address, const std::string& why,
                               Surroundings& surroundings) {
-    constexpr std::chrono::milliseconds patience(1000);
-    std::ostringstream words;
-    words << why;
-    Surroundings told{surroundings.in, {words}, {words}};
-    const int exitCode = Conclude(address, "was not waited for", told);
     OutputQueue queue;
-    queue.Put({&surroundings.err.stream, words.str(), {}});
+    queue.Put({&surroundings.err.stream, why + Conclusion(address, "was not waited for"), nullptr});
     queue.WaitUntilEmpty(patience);
-    std::_Exit(exitCode);
+    std::_Exit(ExitCode::StopNotConfirmed);
 }
 
-/// What has come of the stop is known: a further request ends the program with its exit code, and
-/// does not wait for the reader of its last words. Returns the code, which is the given one where
-/// the stop is confirmed.
-int Settle(const std::string& failure, int confirmed, EndRequests& requests) {
-    const int exitCode = failure.empty() ? confirmed : ExitCode::StopNotConfirmed;
-    const auto end = [exitCode](OSAL::InterruptionKind kind) {
+/// Ends the program for a request, unless the system does that some seconds later: the stop may be
+/// confirmed by then.
+EndRequests::Function Unwaited(const DaemonAddress& address, const std::string& why,
+                               Surroundings& surroundings) {
+    return [address, why, &surroundings](OSAL::InterruptionKind kind) {
         if (kind != OSAL::InterruptionKind::ConsoleClosing)
-            std::_Exit(exitCode);
+            EndUnwaited(address, why, surroundings);
+    };
+}
+
+/// The last words of a program that has sent a stop, and its exit code.
+struct LastWords {
+    /// Comes before what has come of the stop.
+    std::string before;
+    std::string conclusion;
+    bool isConfirmed = false;
+    int exitCode = ExitCode::StopNotConfirmed;
+};
+
+LastWords WordsOf(const DaemonAddress& address, const std::string& failure, int confirmed,
+                  const std::string& before) {
+    const bool isConfirmed = failure.empty();
+    return {before, Conclusion(address, failure), isConfirmed,
+            isConfirmed ? confirmed : ExitCode::StopNotConfirmed};
+}
+
+/// Prints the words and returns the exit code. A further request ends the program with them, and
+/// does not wait for ever for their reader.
+int Conclude(const LastWords& words, EndRequests& requests, Surroundings& surroundings) {
+    OutputQueue queue;
+    std::once_flag isSaid;
+    const auto say = [&] {
+        queue.Put({&surroundings.err.stream, words.before, nullptr});
+        const Console& console = words.isConfirmed ? surroundings.out : surroundings.err;
+        queue.Put({&console.stream, words.conclusion, nullptr});
+    };
+    const auto end = [&](OSAL::InterruptionKind kind) {
+        if (kind == OSAL::InterruptionKind::ConsoleClosing)
+            return;
+        std::call_once(isSaid, say);
+        queue.WaitUntilEmpty(patience);
+        std::_Exit(words.exitCode);
     };
     // What was asked for by now is done when the last words are out.
     if (requests.IsWanted())
         requests.Hold(end);
     else
-        requests.BeginRun(end);
-    return exitCode;
+        requests.Begin(end);
+    std::call_once(isSaid, say);
+    while (!queue.WaitUntilEmpty(patience))
+        continue;
+    requests.End();
+    return words.exitCode;
 }
 
 int Stop(const StopOptions& options, Surroundings& surroundings) {
@@ -105,9 +139,11 @@ int Stop(const StopOptions& options, Surroundings& surroundings) {
     const double seconds = SecondsOf("--stop-timeout", options.timeout).ToDouble();
     if (seconds <= 0)
         throw WrongUsage("--stop-timeout is too short");
+    EndRequests requests;
+    requests.Begin(Unwaited(address, "", surroundings));
     const std::string failure = TryToStop(address, seconds);
-    WarnOfRun(address, surroundings);
-    return Conclude(address, failure, surroundings);
+    const std::string warning = WarningOfRun(address, surroundings.err.hasColours);
+    return Conclude(WordsOf(address, failure, ExitCode::Fine, warning), requests, surroundings);
 }
 
 } // namespace
@@ -115,29 +151,20 @@ int Stop(const StopOptions& options, Surroundings& surroundings) {
 int StopUnresumed(const DaemonAddress& address, double seconds, const std::string& why,
                   EndRequests& requests, Surroundings& surroundings) {
     const std::string failure = TryToStop(address, seconds);
-    const int exitCode = Settle(failure, ExitCode::Failed, requests);
-    surroundings.err.stream << why;
-    Conclude(address, failure, surroundings);
-    return exitCode;
+    return Conclude(WordsOf(address, failure, ExitCode::Failed, why), requests, surroundings);
 }
 
 void HoldUntilStopped(EndRequests& requests, const DaemonAddress& address,
                       Surroundings& surroundings, const std::string& why) {
-    requests.Hold([address, &surroundings, why](OSAL::InterruptionKind kind) {
-        // The system ends the program some seconds later; the stop may be confirmed by then.
-        if (kind != OSAL::InterruptionKind::ConsoleClosing)
-            EndUnwaited(address, why, surroundings);
-    });
+    requests.Hold(Unwaited(address, why, surroundings));
 }
 
 std::optional<int> StopAhead(const DaemonAddress& address, double seconds, EndRequests& requests,
                              Surroundings& surroundings) {
     const std::string failure = TryToStop(address, seconds);
-    if (requests.IsWanted()) {
-        const int exitCode = Settle(failure, ExitCode::EndedEarly, requests);
-        Conclude(address, failure, surroundings);
-        return exitCode;
-    }
+    if (requests.IsWanted())
+        return Conclude(WordsOf(address, failure, ExitCode::EndedEarly, ""), requests,
+                        surroundings);
     if (failure.empty())
         requests.Release();
     return std::nullopt;

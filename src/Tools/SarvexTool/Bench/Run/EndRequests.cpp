@@ -17,10 +17,10 @@ void EndRequests::Release() {
     if (IsWanted())
         return;
     m_listener.reset();
-    EndRun();
+    End();
 }
 
-void EndRequests::BeginRun(Function function) {
+void EndRequests::Begin(Function function) {
     {
         const std::lock_guard lock(m_mutex);
         m_function = std::move(function);
@@ -31,7 +31,7 @@ void EndRequests::BeginRun(Function function) {
     Listen();
 }
 
-void EndRequests::EndRun() {
+void EndRequests::End() {
     const std::lock_guard lock(m_mutex);
     m_function = nullptr;
     m_isHeld = false;

@@ -16,26 +16,26 @@ class EndRequests {
 public:
     using Function = std::function<void(OSAL::InterruptionKind)>;
 
-    /// From now on no request ends the program: the first one waits for a run to begin. The
-    /// function hears of a second one, or that the console closes, on another thread, and may not
+    /// From now on no request ends the program: the first one waits for Begin. The function hears of
+    /// a second one, or that the console closes, on another thread, and may not
     /// throw. Throws as InterruptionListener.
     void Hold(Function urgent);
 
     /// A request ends the program again, unless there was one already.
     void Release();
 
-    /// A run begins. From now on no request ends the program; the function hears of each, on
-    /// another thread, and of one that waits, on this one; it may not throw. Throws as
-    /// InterruptionListener.
-    void BeginRun(Function function);
+    /// Something begins that a request ends safely, a run for instance. From now on no request ends
+    /// the program; the function hears of each, on another thread, and of one that waits, on this
+    /// one; it may not throw. Throws as InterruptionListener.
+    void Begin(Function function);
 
-    /// The run has ended; the function is not called any more.
-    void EndRun();
+    /// That is over; the function is not called any more.
+    void End();
 
     /// Whether there was one.
     bool IsWanted() const;
 
-    /// Whether nobody is to be waited for: there was a second request, or one after the run's end,
+    /// Whether nobody is to be waited for: there was a second request, or one after End,
     /// or the console closes.
     bool AreUrgent() const;
 
@@ -47,7 +47,7 @@ private:
 
     mutable std::mutex m_mutex;
     Function m_function;
-    /// Whether requests wait for a run to begin.
+    /// Whether requests wait for Begin.
     bool m_isHeld = false;
     /// When the last one came.
     std::optional<Clock::time_point> m_last;

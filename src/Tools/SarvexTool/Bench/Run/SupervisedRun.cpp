@@ -83,13 +83,13 @@ public:
     RunEnd Run(EndRequests& requests) {
         m_loop.Post([this] { Tell([](Supervisor& supervisor) { supervisor.Begin(); }); });
         // After that one, for a request may be waiting.
-        requests.BeginRun([this](OSAL::InterruptionKind kind) {
+        requests.Begin([this](OSAL::InterruptionKind kind) {
             m_loop.Post([this, kind] { Interrupt(kind); });
         });
         m_timers.Set(tick, tickTime);
         while (!m_supervisor.HasEnded())
             RunLoop();
-        requests.EndRun();
+        requests.End();
         m_client.reset();
         if (m_supervisor.ClosesIdleConnections())
             m_directory.Facts().closesIdleConnections = true;

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -28,14 +29,19 @@ using EndToEnd::ProcessResult;
 constexpr Interruption interrupt{"SIGINT", SIGINT};
 constexpr Interruption terminate{"SIGTERM", SIGTERM};
 
-/// Whether the main thread of a process waits for the reader of this output: "0x1" or "0x2".
+/// Whether a thread of a process waits for the reader of this output: "0x1" or "0x2".
 bool WritesTo(const std::string& output, const Process& process) {
-    const std::string id = std::to_string(process.Id());
-    std::ifstream file("/proc/" + id + "/task/" + id + "/syscall");
-    long call = -1;
-    std::string first;
-    file >> call >> first;
-    return (call == SYS_write || call == SYS_writev) && first == output;
+    const std::string tasks = "/proc/" + std::to_string(process.Id()) + "/task";
+    std::error_code gone;
+    for (const auto& task : std::filesystem::directory_iterator(tasks, gone)) {
+        std::ifstream file(task.path() / "syscall");
+        long call = -1;
+        std::string first;
+        file >> call >> first;
+        if ((call == SYS_write || call == SYS_writev) && first == output)
+            return true;
+    }
+    return false;
 }
 
 /// Of a stop, in seconds.
@@ -244,6 +250,27 @@ TEST_F(OwedStopSignalTest, OfARunThatCannotGoOnEndsAtARequestThoughNobodyReadsWh
     EXPECT_EQ(daemon.Exchanges(), "fmcSxx");
 }
 
+TEST_F(OwedStopSignalTest, OfARunThatCannotGoOnIsToldWhereItIsReadAfterTheRequest) {
+    KillInAStart({"6:close-before"});
+    probe.Write("test.csv", "");
+    FullPipe late(probe.Path("late"));
+    Process resuming("/bin/sh", {"-c", "exec \"$0\" run --resume run 2> late", BenchPath()},
+                     probe.Path(""));
+    WaitUntil("why waits for its reader", [&] { return WritesTo("0x2", resuming); });
+    resuming.Interrupt(terminate);
+    std::string words;
+    WaitUntil("the request ends it", [&] {
+        words += late.ReadOut();
+        return resuming.HasEnded();
+    });
+    words += late.ReadOut();
+    EXPECT_EQ(resuming.Wait().exitCode, 4);
+    EXPECT_NE(words.find("test.csv"), std::string::npos) << words;
+    EXPECT_NE(words.find("\nThe transmitter may still be ON: the daemon at " + daemon.Address()),
+              std::string::npos)
+        << words;
+}
+
 TEST_F(OwedStopSignalTest, OfARunThatCannotGoOnIsLeftAtASecondRequestWithWhy) {
     KillInAStart({"6:no-answer"}, longerThanATest);
     probe.Write("test.csv", "");
@@ -256,6 +283,33 @@ TEST_F(OwedStopSignalTest, OfARunThatCannotGoOnIsLeftAtASecondRequestWithWhy) {
     EXPECT_TRUE(result.err.ends_with("The transmitter may still be ON: the daemon at " +
                                      daemon.Address() + " was not waited for.\n"))
         << result.err;
+}
+
+// The subcommand stop.
+
+TEST_F(OwedStopSignalTest, ByHandIsNotAwaitedAfterOneRequest) {
+    daemon.Start({"--fault", "1:no-answer"});
+    Process stop(BenchPath(), {"stop", "--daemon", daemon.Address(), "--stop-timeout", "5000"},
+                 probe.Path(""));
+    daemon.WaitForExchanges("x");
+    stop.Interrupt(terminate);
+    const ProcessResult result = stop.Wait();
+    EXPECT_EQ(result.exitCode, 4);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "The transmitter may still be ON: the daemon at " + daemon.Address() +
+                              " was not waited for.\n");
+}
+
+TEST_F(OwedStopSignalTest, ByHandIsConfirmedThoughNobodyReadsIt) {
+    daemon.Start();
+    const FullPipe unread(probe.Path("unread"));
+    Process stop(
+        "/bin/sh",
+        {"-c", "exec \"$0\" \"$@\" > unread", BenchPath(), "stop", "--daemon", daemon.Address()},
+        probe.Path(""));
+    WaitUntil("the last words wait", [&] { return WritesTo("0x1", stop); });
+    stop.Interrupt(interrupt);
+    EXPECT_EQ(stop.Wait().exitCode, 0);
 }
 
 } // namespace
