@@ -39,6 +39,8 @@ std::string TryToStop(const DaemonAddress& address, double seconds) {
                                        : "answers without the return code 0 (" + answer.words + ")";
     } catch (const ExchangeFailure& failure) {
         return failure.what();
+    } catch (const std::exception& error) {
+        return std::string("cannot be asked (") + error.what() + ")";
     }
 }
 

@@ -39,7 +39,7 @@ void Exchange::Connect() {
                             if (self->m_isOver)
                                 return;
                             if (error)
-                                self->End("cannot be reached (" + error.message() + ")");
+                                self->End(NotReached(error));
                             else
                                 self->Write();
                         });
@@ -102,6 +102,13 @@ std::string SecondsText(double seconds) {
     if (text.back() == '.')
         text.pop_back();
     return text;
+}
+
+std::string NotReached(const boost::system::error_code& error) {
+    // The library's word for a socket that it could not open.
+    const bool hasNoSocket = error == asio::error::operation_aborted;
+    return "cannot be reached (" +
+           (hasNoSocket ? "the system gives this program no socket" : error.message()) + ")";
 }
 
 } // namespace Bench

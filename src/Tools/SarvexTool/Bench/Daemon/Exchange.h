@@ -70,4 +70,7 @@ private:
 /// A time in seconds without needless digits: "60", "0.5".
 std::string SecondsText(double seconds);
 
+/// That a daemon cannot be reached, and why.
+std::string NotReached(const boost::system::error_code& error);
+
 } // namespace Bench

@@ -51,7 +51,7 @@ private:
             m_socket, m_pEndpoints->All(),
             [self = shared_from_this()](const error_code& error, const Tcp::endpoint&) {
                 if (error)
-                    self->Fail("cannot be reached (" + error.message() + ")");
+                    self->Fail(NotReached(error));
                 else
                     self->BeConnected();
             });

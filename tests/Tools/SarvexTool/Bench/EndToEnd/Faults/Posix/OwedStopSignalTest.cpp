@@ -287,6 +287,26 @@ TEST_F(OwedStopSignalTest, OfARunThatCannotGoOnIsLeftAtASecondRequestWithWhy) {
 
 // The subcommand stop.
 
+TEST_F(OwedStopSignalTest, ByHandWithoutFilesForItIsToldAsMissed) {
+    daemon.Start();
+    for (int files = 5; files <= 12; ++files) {
+        SCOPED_TRACE(files);
+        const std::string command =
+            "ulimit -n " + std::to_string(files) + " && exec \"$0\" stop --daemon \"$1\"";
+        const ProcessResult result = EndToEnd::Run(
+            "/bin/sh", {"-c", command, BenchPath(), daemon.Address()}, probe.Path(""));
+        EXPECT_EQ(result.err.find("Operation canceled"), std::string::npos) << result.err;
+        if (result.exitCode != 0) {
+            EXPECT_EQ(result.exitCode, 4);
+            EXPECT_NE(result.err.find("The transmitter may still be ON: the daemon at " +
+                                      daemon.Address() + " cannot be "),
+                      std::string::npos)
+                << result.err;
+        }
+    }
+    EXPECT_NE(daemon.Exchanges(), "");
+}
+
 TEST_F(OwedStopSignalTest, ByHandIsNotAwaitedAfterOneRequest) {
     daemon.Start({"--fault", "1:no-answer"});
     Process stop(BenchPath(), {"stop", "--daemon", daemon.Address(), "--stop-timeout", "5000"},
