@@ -16,9 +16,9 @@ class EndRequests {
 public:
     using Function = std::function<void(OSAL::InterruptionKind)>;
 
-    /// From now on no request ends the program: the first one waits for Begin. The function hears of
-    /// a second one, or that the console closes, on another thread, and may not
-    /// throw. Throws as InterruptionListener.
+    /// From now on no request ends the program: the first one waits for Begin. The function hears
+    /// of a second one, or that the console closes, on another thread, and may not throw. Throws as
+    /// InterruptionListener.
     void Hold(Function urgent);
 
     /// A request ends the program again, unless there was one already.

@@ -287,8 +287,8 @@ TEST_F(HistoryTest, ExportTellsHowToKeepARunElsewhereWithAllThatIsTold) {
 
 TEST_F(HistoryTest, WhatExportTellsIsForAShellAndATerminal) {
     const std::string limits = directory.Create("limits.csv", "Chain,Min,Max\n*,10,11\n");
-    ASSERT_EQ(History({"add", ResultOf("result.csv", "9"), "--bench", "$(b)", "--note=-\xE2\x80\x8B",
-                       "--measured", "2026-01-02", "--limits", limits}),
+    ASSERT_EQ(History({"add", ResultOf("result.csv", "9"), "--bench", "$(b)",
+                       "--note=-\xE2\x80\x8B", "--measured", "2026-01-02", "--limits", limits}),
               0)
         << err.str();
     ASSERT_EQ(History({"export", Listed().at(0).at("hash"), "-o", directory.Path("back")}), 0);
