@@ -15,6 +15,7 @@
 #include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/LimitsFile.h"
 #include "Tools/SarvexTool/Bench/Files/Locks.h"
+#include "Tools/SarvexTool/Bench/Files/NewRunFolder.h"
 #include "Tools/SarvexTool/Bench/Files/RunDirectory.h"
 #include "Tools/SarvexTool/Bench/Files/TestLines.h"
 #include "Tools/SarvexTool/Bench/Files/UtcTime.h"

@@ -3,9 +3,7 @@
 #include "Tools/SarvexTool/Bench/Files/FileNames.h"
 #include "Tools/SarvexTool/Bench/Files/Input.h"
 #include "Tools/SarvexTool/Bench/Files/Sha256.h"
-#include "Tools/SarvexTool/Bench/Files/UtcTime.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -250,32 +248,6 @@ void RunDirectory::KeepLine(const FinishedLine& line, const std::string& started
 void RunDirectory::KeepUnfinishedRow(std::string_view row) {
     m_result.Append(row);
     m_result.Sync();
-}
-
-std::string NewRunName(const std::string& testFile, std::chrono::system_clock::time_point now) {
-    constexpr std::size_t toTheSecond = 19;
-    std::string time = UtcTime(now).substr(0, toTheSecond);
-    std::erase_if(time, [](char character) { return character == '-' || character == ':'; });
-    std::replace(time.begin(), time.end(), 'T', '-');
-    const std::string name = "runs/" + NameOf(PathOf(testFile).stem()) + "-" + time;
-    std::string free = name;
-    for (int count = 2; Exists(free); ++count)
-        free = name + "-" + std::to_string(count);
-    return free;
-}
-
-RunDirectory CreateUnderNewName(const std::function<std::string()>& newName,
-                                const std::function<RunDirectory(const std::string&)>& create) {
-    for (;;) {
-        const std::string name = newName();
-        try {
-            return create(name);
-        } catch (const BadFile& bad) {
-            // Only of the folder, and only where it is there by now.
-            if (bad.File() != name || newName() == name)
-                throw;
-        }
-    }
 }
 
 } // namespace Bench

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <optional>
 #include <string>
@@ -19,8 +18,6 @@ namespace Bench {
 namespace {
 
 namespace fs = std::filesystem;
-using std::chrono::seconds;
-using std::chrono::system_clock;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -351,67 +348,6 @@ TEST_F(RunDirectoryTest, AVanishedFolderIsTold) {
     } catch (const std::system_error& error) {
         EXPECT_THAT(error.what(), HasSubstr("cannot open " + files.facts + ".part: "));
     }
-}
-
-class NewRunNameTest : public RunDirectoryTest {
-protected:
-    NewRunNameTest() { fs::current_path(directory.Path()); }
-    ~NewRunNameTest() override { fs::current_path(before); }
-
-    /// The name of the folder that a run gets without a name of its own. Before it makes one,
-    /// happens is called with its name.
-    std::string CreateAfter(const std::function<void(const std::string&)>& happens) const {
-        const auto create = [&](const std::string& name) {
-            happens(name);
-            return RunDirectory::Create(name, testFile, {}, holder);
-        };
-        const auto newName = [&] { return NewRunName("short.csv", now); };
-        return CreateUnderNewName(newName, create).Files().directory;
-    }
-
-    const fs::path before = fs::current_path();
-    const system_clock::time_point now{seconds(1'773'043'500)};
-    const std::string first = "runs/short-20260309-080500";
-};
-
-TEST_F(NewRunNameTest, HasTheTestFilesNameAndTheTime) {
-    EXPECT_EQ(NewRunName("/a b/Prüf lauf.csv", now), "runs/Prüf lauf-20260309-080500");
-    fs::create_directories(first);
-    EXPECT_EQ(NewRunName("short.csv", now), first + "-2");
-    fs::create_directories(first + "-2");
-    EXPECT_EQ(NewRunName("short.csv", now), first + "-3");
-}
-
-TEST_F(NewRunNameTest, IsAnotherWhereSomebodyTakesItInThatMoment) {
-    std::optional<OSAL::FileLock> beginning;
-    std::optional<RunDirectory> begun;
-    const std::string name = CreateAfter([&](const std::string& taken) {
-        if (taken == first) {
-            fs::create_directories(taken);
-            beginning = TakeLock(RunFiles(taken).lock, taken, "the folder", holder);
-        } else if (taken == first + "-2") {
-            begun = RunDirectory::Create(taken, testFile, {}, holder);
-        }
-    });
-    EXPECT_EQ(name, first + "-3");
-}
-
-TEST_F(NewRunNameTest, IsNotToBlameForWhatElseIsInUse) {
-    int calls = 0;
-    const auto findDaemonInUse = [&](const std::string& name) {
-        ++calls;
-        fs::create_directories(name);
-        throw InUse("127.0.0.1 port 1", "the daemon is in use");
-    };
-    EXPECT_EQ(ProblemOf<InUse>([&] { CreateAfter(findDaemonInUse); }),
-              "127.0.0.1 port 1: the daemon is in use");
-    EXPECT_EQ(calls, 1);
-}
-
-TEST_F(NewRunNameTest, IsToldWhereNoFolderCanBeMade) {
-    WriteBytes("runs", "a file");
-    EXPECT_THAT(ProblemOf<BadOutput>([&] { CreateAfter([](const std::string&) {}); }),
-                StartsWith(first + ": cannot be made the folder of a run ("));
 }
 
 } // namespace
