@@ -1,5 +1,10 @@
 # The folder of a sweep: whose it is, and what is in it. For bash, to be sourced by sweep.sh.
 
+# lives OPTION...: whether a process that ps finds by these is more than what its parent has not taken away yet.
+lives() {
+    [[ $(undisturbed; ps -o stat= "$@" 2>/dev/null) =~ (^|$'\n')[^Z$'\n'] ]]
+}
+
 # refuse_second_call HOLDER JOBS: the two lines of the lock.
 refuse_second_call() {
     local process host why="the sweep in $dir is under way: "
@@ -8,10 +13,10 @@ refuse_second_call() {
         why+="another process has it"
     elif [ "$host" != "$this_host" ] || [ -e "/proc/$process" ]; then
         why+="$1 has it"
-    elif [ -n "$2" ] && [ -e "/proc/$2" ]; then
+    elif [ -n "$2" ] && lives -p "$2"; then
         why+="its call was killed, and its jobs go on; after kill $2 no further one begins"
     else
-        why+="its call has ended, and jobs that it has begun have not"
+        why+="its call has ended, and something that it has begun has not"
     fi
     fail 2 "$why"
 }
@@ -37,7 +42,7 @@ open_folder() {
     dir=$(realpath "$dir")
     { exec 8<>"$dir/sweep.lock"; } 2>/dev/null || end_without_room
     { read -r holder; read -r jobs; } <&8 || true
-    [ -z "$jobs" ] || end_counters "$jobs"
+    [[ ! $jobs =~ ^[1-9][0-9]*$ ]] || end_counters "$jobs"
     # A command of a call that was killed may outlive it for a moment.
     flock -w 2 8 || refuse_second_call "$holder" "$jobs"
     is_ours=1

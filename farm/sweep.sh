@@ -157,7 +157,7 @@ read_arguments() {
 read_stop_timeout() {
     local value seconds
     value=$(run_option --stop-timeout ${run_options[@]+"${run_options[@]}"}) || return 0
-    [[ $value =~ ^([0-9]{1,6})(\.[0-9]*)?$ ]] || return 0
+    [[ $value =~ ^0*([0-9]{1,6})(\.[0-9]*)?$ ]] || return 0
     seconds=$((2 * 10#${BASH_REMATCH[1]}))
     [ $((seconds + 10)) -le "$kill_seconds" ] || kill_seconds=$((seconds + 10))
     [ $((seconds + 30)) -le "$stop_seconds" ] || stop_seconds=$((seconds + 30))

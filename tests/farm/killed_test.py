@@ -31,7 +31,8 @@ class KilledParallel(support.FarmTest):
 
     def expect_early_end(self, sweep, name="plan"):
         done = self.expect(3, self.finish(sweep))
-        self.assertIn(f" lines: GNU parallel has ended early; {self.sweep_folder(name)}/log/parallel.log tells why.\n",
+        self.assertIn(f" lines: GNU parallel has ended early, or was killed; what it has told is in "
+                      f"{self.sweep_folder(name)}/log/parallel.log.\n",
                       done.stdout)
         self.assertNotIn("Killed", done.stderr)
 
@@ -68,9 +69,10 @@ class KilledParallel(support.FarmTest):
     def test_runs_are_not_ended_by_force_and_the_sweep_stops_them(self):
         for number in (signal.SIGTERM, signal.SIGKILL):
             name = number.name
-            plan = self.write_plan(200, f"{name}.csv")
+            plan = self.write_plan(400, f"{name}.csv")
             with self.subTest(name):
-                sweep = self.start_sweep(plan, "--lines", "25")
+                # So many that no run ends in a second.
+                sweep = self.start_sweep(plan, "--lines", "200")
                 # Then no stop is answered.
                 self.halt_all()
                 self.kill_parallel(number, name)
@@ -96,7 +98,8 @@ class KilledParallel(support.FarmTest):
                 sweep.wait()
                 self.kill_parallel(number, name)
                 done = self.expect(2, self.sweep(plan))
-                self.assertIn(" is under way: its call has ended, and jobs that it has begun have not\n", done.stderr)
+                self.assertIn(" is under way: its call has ended, and something that it has begun has not\n",
+                              done.stderr)
                 self.let_all_go_on()
                 wait_until(lambda: not self.jobs(), "all jobs have ended")
                 self.assertEqual({"complete"}, set(self.outcomes(name)))
