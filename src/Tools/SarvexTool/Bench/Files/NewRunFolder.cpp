@@ -29,13 +29,15 @@ std::string NewRunName(const std::string& testFile, std::chrono::system_clock::t
 
 RunDirectory CreateUnderNewName(const std::function<std::string()>& newName,
                                 const std::function<RunDirectory(const std::string&)>& create) {
-    for (;;) {
+    constexpr int most = 100;
+    for (int tries = 1;; ++tries) {
         const std::string name = newName();
         try {
             return create(name);
         } catch (const BadFile& bad) {
-            // Only of the folder, and only where it is there by now.
-            if (bad.File() != name || newName() == name)
+            // Only of the folder, only where it is there by now, and not where no lock is ever
+            // given.
+            if (bad.File() != name || newName() == name || tries == most)
                 throw;
         }
     }

@@ -41,11 +41,14 @@ void RemoveKept(const RunFiles& files) {
         fs::remove(PathOf(name), ignored);
 }
 
-/// Not where that cannot be told, for example of too long a name: what is made there then tells
-/// why.
+/// Not with too long a name: what is made there then tells why. Throws BadInput where it cannot be
+/// told, for what is there is neither lost nor overwritten.
 bool Exists(const std::string& name) {
-    std::error_code ignored;
-    return fs::exists(fs::symlink_status(PathOf(name), ignored));
+    std::error_code error;
+    const fs::file_status status = fs::symlink_status(PathOf(name), error);
+    if (status.type() == fs::file_type::none && error != std::errc::filename_too_long)
+        throw BadInput(name, "cannot be looked at: " + error.message());
+    return fs::exists(status);
 }
 
 bool IsRegular(const std::string& name) {

@@ -127,5 +127,17 @@ TEST_F(RunDeviceTest, AFolderThatCannotBeMadeIsTold) {
                 HasSubstr("Not a directory"));
 }
 
+// A link to itself cannot be looked through, whoever asks.
+TEST_F(RunDeviceTest, WhatCannotBeLookedAtIsNotTakenForMissing) {
+    std::filesystem::create_symlink("loop", directory.Path("loop"));
+    const std::string unseen = directory.Path("loop") + "/run";
+    const std::string problem = "cannot be looked at: Too many levels of symbolic links";
+    EXPECT_THAT(ErrorOnFullDisk(RLIM_INFINITY, [&] { RunDirectory::Resume(unseen, {}); }),
+                HasSubstr(problem));
+    EXPECT_THAT(
+        ErrorOnFullDisk(RLIM_INFINITY, [&] { RunDirectory::Create(unseen, testFile, {}, {}); }),
+        HasSubstr(problem));
+}
+
 } // namespace
 } // namespace Bench
