@@ -17,6 +17,7 @@
 #include <mutex>
 #include <sstream>
 #include <string>
+#include <system_error>
 
 namespace Bench {
 
@@ -69,28 +70,6 @@ std::string Conclusion(const DaemonAddress& address, const std::string& failure)
            MakeHarmless(failure) + ".\n";
 }
 
-/// How long a request to end the program waits for the reader of the last words.
-constexpr std::chrono::milliseconds patience(1000);
-
-/// Ends the program before the stop is answered.
-[[noreturn]] void EndUnwaited(const DaemonAddress& address, const std::string& why,
-                              Surroundings& surroundings) {
-    OutputQueue queue;
-    queue.Put({&surroundings.err.stream, why + Conclusion(address, "was not waited for"), nullptr});
-    queue.WaitUntilEmpty(patience);
-    std::_Exit(ExitCode::StopNotConfirmed);
-}
-
-/// Ends the program for a request, unless the system does that some seconds later: the stop may be
-/// confirmed by then.
-EndRequests::Function Unwaited(const DaemonAddress& address, const std::string& why,
-                               Surroundings& surroundings) {
-    return [address, why, &surroundings](OSAL::InterruptionKind kind) {
-        if (kind != OSAL::InterruptionKind::ConsoleClosing)
-            EndUnwaited(address, why, surroundings);
-    };
-}
-
 /// The last words of a program that has sent a stop, and its exit code.
 struct LastWords {
     /// Comes before what has come of the stop.
@@ -98,6 +77,10 @@ struct LastWords {
     std::string conclusion;
     bool isConfirmed = false;
     int exitCode = ExitCode::StopNotConfirmed;
+
+    std::ostream& StreamOfConclusion(Surroundings& surroundings) const {
+        return isConfirmed ? surroundings.out.stream : surroundings.err.stream;
+    }
 };
 
 LastWords WordsOf(const DaemonAddress& address, const std::string& failure, int confirmed,
@@ -107,16 +90,58 @@ LastWords WordsOf(const DaemonAddress& address, const std::string& failure, int 
             isConfirmed ? confirmed : ExitCode::StopNotConfirmed};
 }
 
-/// Prints the words and returns the exit code. A further request ends the program with them, and
-/// does not wait for ever for their reader.
-int Conclude(const LastWords& words, EndRequests& requests, Surroundings& surroundings) {
+/// For a program that ends before the stop is answered.
+LastWords UnwaitedWords(const DaemonAddress& address, const std::string& before) {
+    return WordsOf(address, "was not waited for", ExitCode::StopNotConfirmed, before);
+}
+
+/// How long a request to end the program waits for the reader of the last words.
+constexpr std::chrono::milliseconds patience(1000);
+
+void Say(const LastWords& words, OutputQueue& queue, Surroundings& surroundings) {
+    queue.Put({&surroundings.err.stream, words.before, nullptr});
+    queue.Put({&words.StreamOfConclusion(surroundings), words.conclusion, nullptr});
+}
+
+/// Where there is no thread for a queue.
+void SayDirectly(const LastWords& words, Surroundings& surroundings) {
+    surroundings.err.stream << words.before << std::flush;
+    words.StreamOfConclusion(surroundings) << words.conclusion << std::flush;
+}
+
+/// Ends the program with these words for a request, unless the system does that some seconds later:
+/// the stop may be confirmed by then.
+EndRequests::Function EndingWith(const LastWords& words, Surroundings& surroundings) {
+    return [words, &surroundings](OSAL::InterruptionKind kind) {
+        if (kind == OSAL::InterruptionKind::ConsoleClosing)
+            return;
+        try {
+            OutputQueue queue;
+            Say(words, queue, surroundings);
+            queue.WaitUntilEmpty(patience);
+            std::_Exit(words.exitCode);
+        } catch (const std::system_error&) {
+            SayDirectly(words, surroundings);
+        }
+        std::_Exit(words.exitCode);
+    };
+}
+
+/// Where the system has no pipe or thread for it, no request is heard: the stop matters more.
+void BeginIfPossible(EndRequests& requests, const EndRequests::Function& function) {
+    try {
+        requests.Begin(function);
+    } catch (const std::system_error&) {
+        requests.End();
+    }
+}
+
+/// Says the words while a further request ends the program with them, and does not wait for ever
+/// for their reader.
+void SayUntilRequested(const LastWords& words, EndRequests& requests, Surroundings& surroundings) {
     OutputQueue queue;
     std::once_flag isSaid;
-    const auto say = [&] {
-        queue.Put({&surroundings.err.stream, words.before, nullptr});
-        const Console& console = words.isConfirmed ? surroundings.out : surroundings.err;
-        queue.Put({&console.stream, words.conclusion, nullptr});
-    };
+    const auto say = [&] { Say(words, queue, surroundings); };
     const auto end = [&](OSAL::InterruptionKind kind) {
         if (kind == OSAL::InterruptionKind::ConsoleClosing)
             return;
@@ -128,11 +153,20 @@ int Conclude(const LastWords& words, EndRequests& requests, Surroundings& surrou
     if (requests.IsWanted())
         requests.Hold(end);
     else
-        requests.Begin(end);
+        BeginIfPossible(requests, end);
     std::call_once(isSaid, say);
     while (!queue.WaitUntilEmpty(patience))
         continue;
     requests.End();
+}
+
+/// Says the words and returns the exit code.
+int Conclude(const LastWords& words, EndRequests& requests, Surroundings& surroundings) {
+    try {
+        SayUntilRequested(words, requests, surroundings);
+    } catch (const std::system_error&) {
+        SayDirectly(words, surroundings);
+    }
     return words.exitCode;
 }
 
@@ -142,8 +176,11 @@ int Stop(const StopOptions& options, Surroundings& surroundings) {
     if (seconds <= 0)
         throw WrongUsage("--stop-timeout is too short");
     EndRequests requests;
-    requests.Begin(Unwaited(address, "", surroundings));
+    BeginIfPossible(requests, EndingWith(UnwaitedWords(address, ""), surroundings));
     const std::string failure = TryToStop(address, seconds);
+    // To look for a run may take seconds, too.
+    BeginIfPossible(requests,
+                    EndingWith(WordsOf(address, failure, ExitCode::Fine, ""), surroundings));
     const std::string warning = WarningOfRun(address, surroundings.err.hasColours);
     return Conclude(WordsOf(address, failure, ExitCode::Fine, warning), requests, surroundings);
 }
@@ -158,7 +195,7 @@ int StopUnresumed(const DaemonAddress& address, double seconds, const std::strin
 
 void HoldUntilStopped(EndRequests& requests, const DaemonAddress& address,
                       Surroundings& surroundings, const std::string& why) {
-    requests.Hold(Unwaited(address, why, surroundings));
+    requests.Hold(EndingWith(UnwaitedWords(address, why), surroundings));
 }
 
 std::optional<int> StopAhead(const DaemonAddress& address, double seconds, EndRequests& requests,

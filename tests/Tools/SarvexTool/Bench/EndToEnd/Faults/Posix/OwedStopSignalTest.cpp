@@ -289,7 +289,7 @@ TEST_F(OwedStopSignalTest, OfARunThatCannotGoOnIsLeftAtASecondRequestWithWhy) {
 
 TEST_F(OwedStopSignalTest, ByHandWithoutFilesForItIsToldAsMissed) {
     daemon.Start();
-    for (int files = 5; files <= 12; ++files) {
+    for (int files = 3; files <= 12; ++files) {
         SCOPED_TRACE(files);
         const std::string command =
             "ulimit -n " + std::to_string(files) + " && exec \"$0\" stop --daemon \"$1\"";
