@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
+#include <numbers>
 #include <random>
 
 namespace Bench {
@@ -25,18 +27,25 @@ double LevelOf(const Displaced& displaced, int run) {
     return since >= 0 ? displaced.change : 0;
 }
 
+/// A normally distributed number of standard deviation 1, by Box and Muller: each library has other
+/// ones of its own.
+double Noise(std::mt19937& random) {
+    constexpr double values = 4294967296;
+    const double radius = std::sqrt(-2 * std::log((static_cast<double>(random()) + 1) / values));
+    return radius * std::cos(2 * std::numbers::pi * static_cast<double>(random()) / values);
+}
+
 StationTrend StationOf(const Displaced& displaced, std::mt19937& random) {
-    std::normal_distribution<double> noise;
     StationTrend station;
     for (int run = 0; run < displaced.runs; ++run)
         station.points.push_back(
-            {static_cast<std::uint32_t>(run), LevelOf(displaced, run) + noise(random), 10});
+            {static_cast<std::uint32_t>(run), LevelOf(displaced, run) + Noise(random), 10});
     return station;
 }
 
 /// Of how many stations, in per cent, a drift is told that goes on.
 double ShareTold(const Displaced& displaced) {
-    constexpr int stations = 1000;
+    constexpr int stations = 5000;
     std::mt19937 random(1);
     int told = 0;
     for (int number = 0; number < stations; ++number) {
@@ -55,23 +64,23 @@ TEST(TrendLimitsTest, DriftsAreToldAsOftenAsThePageSays) {
     };
     for (const Share& each : {
              Share{{"5 of 15", 15, 5, false, 4}, 64},
-             Share{{"5 of 15", 15, 5, false, 5}, 84},
+             Share{{"5 of 15", 15, 5, false, 5}, 83},
              Share{{"5 of 15", 15, 5, false, 6}, 94},
              Share{{"5 of 15", 15, 5, false, 8}, 100},
              Share{{"7 of 15", 15, 7, false, 4}, 53},
              Share{{"7 of 15", 15, 7, false, 5}, 72},
-             Share{{"7 of 15", 15, 7, false, 6}, 86},
-             Share{{"7 of 15", 15, 7, false, 8}, 98},
+             Share{{"7 of 15", 15, 7, false, 6}, 85},
+             Share{{"7 of 15", 15, 7, false, 8}, 97},
              Share{{"5 of 10", 10, 5, false, 4}, 24},
              Share{{"5 of 10", 10, 5, false, 5}, 34},
-             Share{{"5 of 10", 10, 5, false, 6}, 46},
+             Share{{"5 of 10", 10, 5, false, 6}, 45},
              Share{{"5 of 10", 10, 5, false, 8}, 65},
-             Share{{"growing", 15, 15, true, 4}, 33},
-             Share{{"growing", 15, 15, true, 5}, 52},
+             Share{{"growing", 15, 15, true, 4}, 32},
+             Share{{"growing", 15, 15, true, 5}, 51},
              Share{{"growing", 15, 15, true, 6}, 68},
              Share{{"growing", 15, 15, true, 8}, 89},
          })
-        EXPECT_NEAR(ShareTold(each.displaced), each.percent, 3)
+        EXPECT_NEAR(ShareTold(each.displaced), each.percent, 2)
             << each.displaced.what << " by " << each.displaced.change;
 }
 
