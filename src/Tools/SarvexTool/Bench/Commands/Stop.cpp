@@ -78,7 +78,7 @@ struct LastWords {
     bool isConfirmed = false;
     int exitCode = ExitCode::StopNotConfirmed;
 
-    std::ostream& StreamOfConclusion(Surroundings& surroundings) const {
+    std::ostream& StreamOfConclusion(const Surroundings& surroundings) const {
         return isConfirmed ? surroundings.out.stream : surroundings.err.stream;
     }
 };
@@ -155,8 +155,8 @@ void SayUntilRequested(const LastWords& words, EndRequests& requests, Surroundin
     else
         BeginIfPossible(requests, end);
     std::call_once(isSaid, say);
-    while (!queue.WaitUntilEmpty(patience))
-        continue;
+    while (!queue.WaitUntilEmpty(patience)) {
+    }
     requests.End();
 }
 
