@@ -149,23 +149,24 @@ class Going(support.FarmTest):
 
     def test_a_plan_that_has_changed_since_is_not_gone_on_with(self):
         self.start_devices(2)
-        plan = self.write_plan(40)
+        # So many that they are not all measured before the interruption.
+        plan = self.write_plan(400)
         sweep = self.start_sweep(plan)
         self.wait_for_rows(1)
         os.killpg(sweep.pid, signal.SIGINT)
         self.expect(3, self.finish(sweep))
-        self.write_plan(41)
+        self.write_plan(401)
         done = self.expect(2, self.sweep(plan))
         copy = self.sweep_folder() / "plan.csv"
         self.assertEqual(f"sweep: {plan} has changed since the sweep in {self.sweep_folder()} was begun; go on with "
                          f"{copy} --out {self.sweep_folder()}, or give another --out\n", done.stderr)
         self.expect(0, self.sweep(copy, "--out", self.sweep_folder()))
-        self.write_plan(40)
+        self.write_plan(400)
         self.expect_whole_result(plan)
 
     def test_options_that_decide_what_is_measured_stay_those_of_the_chunks_that_are_complete(self):
         self.start_devices(2, latency=20)
-        plan = self.write_plan(60)
+        plan = self.write_plan(120)
         first = ["--firmware", "2 b", "--retries", "1", "--", "-wifi-band", "5"]
         sweep = self.start_sweep(plan, "--lines", "10", run_options=first)
         support.wait_until(lambda: list(self.sweep_folder().glob("runs/*/claimed")), "a chunk is complete")
