@@ -69,6 +69,17 @@ protected:
         daemon.WaitForExchanges("fmcS");
     }
 
+    /// Besides, that run cannot be locked any more, and another one has its daemon, which is
+    /// returned.
+    auto KillBeside(const RunProbe& other) {
+        KillInAStart({"8:no-answer"});
+        std::filesystem::remove(probe.Path("run/run.lock"));
+        std::filesystem::create_directory(probe.Path("run/run.lock"));
+        auto otherRun = other.Start(daemon.Address());
+        daemon.WaitForExchanges("fmcSfmcS");
+        return otherRun;
+    }
+
     /// The command writes to the output that nobody reads.
     void ExpectConfirmedUnread(const std::string& command, const std::string& output) {
         KillInAStart({"5:delay=8000"}, "60");
@@ -203,12 +214,8 @@ TEST_F(OwedStopSignalTest, WhenItIsMissedNobodyElseGetsTheDaemon) {
 }
 
 TEST_F(OwedStopSignalTest, OfARunThatCannotBeLockedIsNotSentIntoAnother) {
-    KillInAStart({"8:no-answer"});
-    std::filesystem::remove(probe.Path("run/run.lock"));
-    std::filesystem::create_directory(probe.Path("run/run.lock"));
     const RunProbe other;
-    const auto otherRun = other.Start(daemon.Address());
-    daemon.WaitForExchanges("fmcSfmcS");
+    const auto otherRun = KillBeside(other);
     const ProcessResult refused = probe.RunBench({"run", "--resume", "run"});
     EXPECT_EQ(refused.exitCode, 2) << refused.out;
     EXPECT_TRUE(refused.err.starts_with("cannot ")) << refused.err;
@@ -220,12 +227,8 @@ TEST_F(OwedStopSignalTest, OfARunThatCannotBeLockedIsNotSentIntoAnother) {
 
 // Without a stop to wait for, one request ends it, though nobody reads why.
 TEST_F(OwedStopSignalTest, ThatIsNotSentIntoAnotherRunHoldsNoRequest) {
-    KillInAStart({"8:no-answer"});
-    std::filesystem::remove(probe.Path("run/run.lock"));
-    std::filesystem::create_directory(probe.Path("run/run.lock"));
     const RunProbe other;
-    const auto otherRun = other.Start(daemon.Address());
-    daemon.WaitForExchanges("fmcSfmcS");
+    const auto otherRun = KillBeside(other);
     const FullPipe unread(probe.Path("unread"));
     Process resuming("/bin/sh", {"-c", "exec \"$0\" run --resume run 2> unread", BenchPath()},
                      probe.Path(""));
