@@ -162,6 +162,20 @@ class Endings(EndingTest):
         for device in self.devices:
             self.assertEqual([], device.commands())
 
+    def test_under_nohup_parallel_is_ended_before_it_begins_a_chunk(self):
+        self.start_devices(1)
+        begun = self.slow_down("parallel", "$# -gt 1")
+        sweep = self.start_sweep(self.write_plan(40), "--lines", "10",
+                                 preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
+        wait_until(begun.exists, "parallel is about to begin")
+        lock = self.sweep_folder() / "sweep.lock"
+        parallel = wait_until(lambda: lock.read_text().splitlines()[1:], "the sweep knows it")
+        os.kill(sweep.pid, signal.SIGTERM)
+        wait_until(lambda: not support.is_alive(int(parallel[0])), "parallel has ended")
+        done = self.expect(3, self.finish(sweep))
+        self.assertIn(" lines: it was interrupted.\n", done.stdout)
+        self.assertEqual([], list(self.sweep_folder().glob("log/chunk-*")))
+
     def test_ctrl_c_while_the_options_are_compared_is_told_as_such(self):
         self.start_devices(2)
         plan = self.write_plan(20)
