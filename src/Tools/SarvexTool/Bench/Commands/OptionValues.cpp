@@ -22,6 +22,14 @@ Decimal SecondsOf(const std::string& option, const std::string& text) {
     return *seconds;
 }
 
+double TimeOf(const std::string& option, const std::string& text) {
+    constexpr double shortest = 0.001;
+    const double seconds = SecondsOf(option, text).ToDouble();
+    if (seconds < shortest)
+        throw WrongUsage(option + " is too short");
+    return seconds;
+}
+
 std::uint32_t NumberOf(const std::string& option, const std::string& text, std::uint32_t least,
                        std::uint32_t most) {
     std::uint32_t number = 0;

@@ -15,6 +15,9 @@ namespace Bench {
 /// A time in seconds from an option: a decimal from 0 to that of a day. Throws WrongUsage.
 Decimal SecondsOf(const std::string& option, const std::string& text);
 
+/// Such a time in which something is to be done, 0.001 s at least. Throws WrongUsage.
+double TimeOf(const std::string& option, const std::string& text);
+
 /// A whole number from an option, from the least to the most. Throws WrongUsage.
 std::uint32_t NumberOf(const std::string& option, const std::string& text, std::uint32_t least,
                        std::uint32_t most);

@@ -74,15 +74,6 @@ std::uint32_t SegmentOf(const std::optional<std::string>& text) {
     return text ? NumberOf("--segment", *text, 1, most) : std::min(usual, most);
 }
 
-/// A time of the run's options that is not 0.
-double TimeOf(const std::string& option, const std::string& text) {
-    constexpr double shortest = 0.001;
-    const double seconds = SecondsOf(option, text).ToDouble();
-    if (seconds < shortest)
-        throw WrongUsage(option + " is too short");
-    return seconds;
-}
-
 std::string ClientPath(const std::optional<std::string>& given) {
     std::string suffix = OSAL::ExecutableSuffix;
     suffix.erase(suffix.find_last_not_of(' ') + 1);

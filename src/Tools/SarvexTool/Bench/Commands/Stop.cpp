@@ -172,9 +172,7 @@ int Conclude(const LastWords& words, EndRequests& requests, Surroundings& surrou
 
 int Stop(const StopOptions& options, Surroundings& surroundings) {
     const DaemonAddress address = DaemonOf(options.daemon);
-    const double seconds = SecondsOf("--stop-timeout", options.timeout).ToDouble();
-    if (seconds <= 0)
-        throw WrongUsage("--stop-timeout is too short");
+    const double seconds = TimeOf("--stop-timeout", options.timeout);
     EndRequests requests;
     BeginIfPossible(requests, EndingWith(UnwaitedWords(address, ""), surroundings));
     const std::string failure = TryToStop(address, seconds);
@@ -195,7 +193,12 @@ int StopUnresumed(const DaemonAddress& address, double seconds, const std::strin
 
 void HoldUntilStopped(EndRequests& requests, const DaemonAddress& address,
                       Surroundings& surroundings, const std::string& why) {
-    requests.Hold(EndingWith(UnwaitedWords(address, why), surroundings));
+    // As with BeginIfPossible.
+    try {
+        requests.Hold(EndingWith(UnwaitedWords(address, why), surroundings));
+    } catch (const std::system_error&) {
+        requests.End();
+    }
 }
 
 std::optional<int> StopAhead(const DaemonAddress& address, double seconds, EndRequests& requests,

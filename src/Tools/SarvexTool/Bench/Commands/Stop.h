@@ -10,8 +10,8 @@
 namespace Bench {
 
 /// Holds the requests to end the program while a transmitter may be on. A second one ends it with
-/// StopNotConfirmed and says so, after why there is only a stop. The surroundings live longer than
-/// the requests.
+/// StopNotConfirmed and says so, after why there is only a stop. Where the system has no pipe or
+/// thread for it, no request is heard. The surroundings live longer than the requests.
 void HoldUntilStopped(EndRequests& requests, const DaemonAddress& address,
                       Surroundings& surroundings, const std::string& why = "");
 

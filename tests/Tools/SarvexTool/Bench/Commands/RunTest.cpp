@@ -109,6 +109,7 @@ TEST_F(RunTest, FileThatIsNotFitIsNotRun) {
 TEST_F(RunTest, StopNeedsAnAddress) {
     EXPECT_EQ(Run({"stop", "--daemon", ""}), 2);
     EXPECT_EQ(Run({"stop", "--daemon", "a:1", "--stop-timeout", "x"}), 2);
+    EXPECT_EQ(Run({"stop", "--daemon", "a:1", "--stop-timeout", "0.0009"}), 2);
 }
 
 } // namespace

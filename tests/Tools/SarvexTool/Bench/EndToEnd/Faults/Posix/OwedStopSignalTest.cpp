@@ -44,6 +44,9 @@ bool WritesTo(const std::string& output, const Process& process) {
     return false;
 }
 
+/// Limits in KiB: a thread's stack has more room than all of a program.
+const std::string noThreads = "ulimit -s 2000000 && ulimit -v 1000000";
+
 /// Of a stop, in seconds.
 constexpr const char* longerThanATest = "5000";
 
@@ -90,6 +93,12 @@ protected:
         WaitUntil("the last words wait", [&] { return WritesTo(output, resuming); });
         InterruptUntilItEnds(resuming);
         EXPECT_EQ(resuming.Wait().exitCode, 3);
+    }
+
+    /// SarvexToolBench within limits that a command of a shell sets.
+    ProcessResult RunWithin(const std::string& limits, std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"-c", limits + " && exec \"$0\" \"$@\"", BenchPath()});
+        return EndToEnd::Run("/bin/sh", arguments, probe.Path(""));
     }
 
     RunProbe probe;
@@ -288,16 +297,45 @@ TEST_F(OwedStopSignalTest, OfARunThatCannotGoOnIsLeftAtASecondRequestWithWhy) {
         << result.err;
 }
 
+// It cannot go on when no request to end it would be heard.
+TEST_F(OwedStopSignalTest, OfARunWithoutThreadsIsSent) {
+    KillInAStart({});
+    const ProcessResult result = RunWithin(noThreads, {"run", "--resume", "run"});
+    EXPECT_EQ(result.exitCode, 2) << result.err;
+    EXPECT_EQ(result.err, "Resource temporarily unavailable\n");
+    EXPECT_EQ(result.out, "The daemon at " + daemon.Address() + " has confirmed the stop.\n");
+    EXPECT_EQ(daemon.Exchanges(), "fmcSxx");
+}
+
+TEST_F(OwedStopSignalTest, OfARunWithoutFilesForItIsToldAsMissed) {
+    KillInAStart({});
+    for (int files = 4; files <= 8; ++files) {
+        SCOPED_TRACE(files);
+        const ProcessResult result =
+            RunWithin("ulimit -n " + std::to_string(files), {"run", "--resume", "run"});
+        EXPECT_EQ(result.exitCode, 4) << result.out;
+        EXPECT_NE(result.err.find("The transmitter may still be ON: the daemon at " +
+                                  daemon.Address() + " cannot be "),
+                  std::string::npos)
+            << result.err;
+    }
+}
+
 // The subcommand stop.
+
+TEST_F(OwedStopSignalTest, ByHandWithoutThreadsIsSent) {
+    daemon.Start();
+    const ProcessResult result = RunWithin(noThreads, {"stop", "--daemon", daemon.Address()});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(daemon.Exchanges(), "x");
+}
 
 TEST_F(OwedStopSignalTest, ByHandWithoutFilesForItIsToldAsMissed) {
     daemon.Start();
     for (int files = 3; files <= 12; ++files) {
         SCOPED_TRACE(files);
-        const std::string command =
-            "ulimit -n " + std::to_string(files) + " && exec \"$0\" stop --daemon \"$1\"";
-        const ProcessResult result = EndToEnd::Run(
-            "/bin/sh", {"-c", command, BenchPath(), daemon.Address()}, probe.Path(""));
+        const ProcessResult result =
+            RunWithin("ulimit -n " + std::to_string(files), {"stop", "--daemon", daemon.Address()});
         EXPECT_EQ(result.err.find("Operation canceled"), std::string::npos) << result.err;
         if (result.exitCode != 0) {
             EXPECT_EQ(result.exitCode, 4);
