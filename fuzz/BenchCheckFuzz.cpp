@@ -60,7 +60,7 @@ std::string WithoutBlanks(const std::string& text) {
                : text.substr(first, text.find_last_not_of(" \t\r") + 1 - first);
 }
 
-/// What each line of a file shows that has one cell for each column.
+/// What each line of a file shows. A title without a text, behind the last column, is none.
 std::vector<SetCells> Shown(const Lines& lines) {
     const std::vector<std::string> titles = Split(lines.at(0), ',');
     std::vector<SetCells> shown;
@@ -68,9 +68,10 @@ std::vector<SetCells> Shown(const Lines& lines) {
         const std::vector<std::string> cells = Split(lines[line], ',');
         SetCells set;
         for (std::size_t place = 0; place < std::min(titles.size(), cells.size()); ++place) {
+            const std::string title = WithoutBlanks(titles[place]);
             const std::string text = WithoutBlanks(cells[place]);
-            if (!text.empty() && text != "-")
-                set[WithoutBlanks(titles[place])] = text;
+            if (!title.empty() && !text.empty() && text != "-")
+                set[title] = text;
         }
         shown.push_back(set);
     }
